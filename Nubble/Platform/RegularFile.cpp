@@ -1,0 +1,62 @@
+#include "Platform/RegularFile.h"
+
+#include <QFile>
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace nubble {
+
+RegularFile::RegularFile(int descriptor, qint64 size, qint64 modifiedNsecs)
+    : m_descriptor(descriptor)
+    , m_size(size)
+    , m_modifiedNsecs(modifiedNsecs)
+{
+}
+
+RegularFile::~RegularFile()
+{
+    if (m_descriptor >= 0)
+        ::close(m_descriptor);
+}
+
+std::optional<RegularFile> RegularFile::open(const char *name, int folder)
+{
+    // Without O_NONBLOCK, opening a FIFO waits for its writer.
+    const int descriptor = ::openat(folder, name, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    if (descriptor < 0)
+        return std::nullopt;
+    struct stat info {};
+    if (::fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode)) {
+        ::close(descriptor);
+        return std::nullopt;
+    }
+    return RegularFile(descriptor, info.st_size, info.st_mtim.tv_sec * 1'000'000'000 + info.st_mtim.tv_nsec);
+}
+
+std::optional<RegularFile> RegularFile::open(const QString &path)
+{
+    return open(QFile::encodeName(path).constData(), AT_FDCWD);
+}
+
+std::optional<QByteArray> RegularFile::read(qint64 offset, qint64 length) const
+{
+    QByteArray bytes(length, Qt::Uninitialized);
+    qint64 got = 0;
+    while (got < length) {
+        const ssize_t count = ::pread(m_descriptor, bytes.data() + got, static_cast<size_t>(length - got), offset + got);
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            return std::nullopt;
+        if (count == 0)
+            break;
+        got += count;
+    }
+    bytes.truncate(got);
+    return bytes;
+}
+
+} // namespace nubble

@@ -1,0 +1,72 @@
+#include "Shell/Defaults.h"
+
+#include <cmath>
+
+namespace nubble {
+
+Defaults::Defaults(const QString &file)
+    : m_settings(file, QSettings::IniFormat)
+{
+}
+
+QString Defaults::fileOf(const QString &domain, const QString &configFolder)
+{
+    return configFolder + u'/' + domain + u".conf";
+}
+
+bool Defaults::contains(const QString &key) const
+{
+    return m_settings.contains(key);
+}
+
+std::optional<QString> Defaults::string(const QString &key) const
+{
+    const QVariant value = m_settings.value(key);
+    if (value.metaType().id() == QMetaType::QString)
+        return value.toString();
+    return value.metaType().id() == QMetaType::Bool || value.metaType().id() == QMetaType::Double
+        ? std::optional(value.toString()) // set during this run: not yet the text that the file holds
+        : std::nullopt;
+}
+
+std::optional<double> Defaults::number(const QString &key) const
+{
+    bool isNumber = false;
+    const double value = string(key).value_or(QString()).toDouble(&isNumber);
+    return isNumber && std::isfinite(value) ? std::optional(value) : std::nullopt;
+}
+
+std::optional<bool> Defaults::boolean(const QString &key) const
+{
+    const std::optional<QString> text = string(key);
+    if (text == u"true")
+        return true;
+    return text == u"false" ? std::optional(false) : std::nullopt;
+}
+
+void Defaults::set(const QString &key, const QString &value)
+{
+    m_settings.setValue(key, value);
+}
+
+void Defaults::set(const QString &key, double value)
+{
+    m_settings.setValue(key, value);
+}
+
+void Defaults::set(const QString &key, bool value)
+{
+    m_settings.setValue(key, value);
+}
+
+void Defaults::copy(const QString &key, const Defaults &from)
+{
+    m_settings.setValue(key, from.m_settings.value(key));
+}
+
+void Defaults::synchronize()
+{
+    m_settings.sync();
+}
+
+} // namespace nubble

@@ -1,0 +1,48 @@
+# How every target of the project is compiled, and the one way to declare a library, a test and a benchmark.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_AUTOMOC ON)
+
+find_program(CCACHE ccache)
+if(CCACHE)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()
+
+add_library(nubble_options INTERFACE)
+target_include_directories(nubble_options INTERFACE ${CMAKE_SOURCE_DIR}/Nubble)
+target_compile_definitions(nubble_options INTERFACE
+    QT_USE_QSTRINGBUILDER QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_FOREACH QT_NO_URL_CAST_FROM_STRING
+    QT_DISABLE_DEPRECATED_BEFORE=0x060400 NUBBLE_VERSION="${PROJECT_VERSION}")
+target_compile_options(nubble_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+if(NUBBLE_WERROR)
+    target_compile_options(nubble_options INTERFACE -Werror)
+endif()
+if(NUBBLE_SANITIZE)
+    target_compile_options(nubble_options INTERFACE -fsanitize=${NUBBLE_SANITIZE} -fno-omit-frame-pointer)
+    target_link_options(nubble_options INTERFACE -fsanitize=${NUBBLE_SANITIZE})
+endif()
+
+# nubble_library(NAME SOURCES file… LINK lower-floor…)
+function(nubble_library name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+    add_library(${name} STATIC ${ARG_SOURCES})
+    target_link_libraries(${name} PUBLIC nubble_options ${ARG_LINK})
+endfunction()
+
+# nubble_test(NAME [DISPLAY] SOURCES file… LINK library…): one Qt Test program. Without DISPLAY it never sees one.
+function(nubble_test name)
+    cmake_parse_arguments(ARG "DISPLAY" "" "SOURCES;LINK" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+    target_link_libraries(${name} PRIVATE nubble_test_support ${ARG_LINK} Qt6::Test)
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES TIMEOUT 120)
+    if(ARG_DISPLAY)
+        set_tests_properties(${name} PROPERTIES LABELS display ENVIRONMENT "QT_QPA_PLATFORM=xcb")
+    else()
+        set_tests_properties(${name} PROPERTIES
+            ENVIRONMENT "QT_QPA_PLATFORM=offscreen" ENVIRONMENT_MODIFICATION "DISPLAY=unset:")
+    endif()
+endfunction()
