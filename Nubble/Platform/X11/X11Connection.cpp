@@ -63,7 +63,7 @@ X11Connection::X11Connection(xcb_connection_t *connection, xcb_screen_t *screen,
     }
     for (size_t i = 0; i < cookies.size(); ++i) {
         const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookies[i], nullptr));
-        m_atoms[i] = reply ? reply->atom : xcb_atom_t {XCB_ATOM_NONE};
+        m_atoms[i] = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
     }
 }
 

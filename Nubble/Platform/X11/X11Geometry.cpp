@@ -1,7 +1,6 @@
 #include "Platform/X11/X11Geometry.h"
 
 #include <QBitmap>
-#include <QImage>
 #include <QPainter>
 #include <QPainterPath>
 #include <QRegion>
@@ -59,17 +58,17 @@ std::vector<xcb_rectangle_t> deviceRects(const QList<QRectF> &rects, qreal scale
 std::vector<xcb_rectangle_t> deviceRects(const QPainterPath &outline, const QSize &window, qreal scale)
 {
     const QSize pixels(qRound(window.width() * scale), qRound(window.height() * scale));
-    QImage picture(pixels, QImage::Format_MonoLSB);
-    if (picture.isNull())
+    if (pixels.isEmpty())
         return {};
-    picture.fill(Qt::color0);
+    QBitmap picture(pixels);
+    picture.clear();
     QPainter painter(&picture);
     painter.scale(scale, scale);
     painter.fillPath(outline, Qt::color1);
     painter.end();
 
     std::vector<xcb_rectangle_t> result;
-    for (const QRect &rect : QRegion(QBitmap::fromImage(picture)))
+    for (const QRect &rect : QRegion(picture))
         result.push_back(rectangle(rect.left(), rect.top(), rect.right() + 1, rect.bottom() + 1));
     return result;
 }

@@ -10,7 +10,7 @@ xcb_window_t X11KeyboardFocus::focusedWindow() const
 {
     const XcbReply<xcb_get_input_focus_reply_t> reply(
         xcb_get_input_focus_reply(m_x11->get(), xcb_get_input_focus(m_x11->get()), nullptr));
-    return reply ? reply->focus : xcb_window_t {XCB_WINDOW_NONE};
+    return reply ? reply->focus : xcb_window_t{XCB_WINDOW_NONE};
 }
 
 bool X11KeyboardFocus::focus(xcb_window_t window) const

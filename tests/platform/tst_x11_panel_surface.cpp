@@ -1,0 +1,252 @@
+#include <QApplication>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QScreen>
+#include <QSignalSpy>
+#include <QTest>
+#include <QWidget>
+#include <QWindow>
+
+#include <xcb/shape.h>
+
+#include "Platform/Backend.h"
+#include "Platform/Home.h"
+#include "platform/ForeignApplication.h"
+#include "platform/PrivateDesktop.h"
+
+using namespace nubble;
+
+namespace {
+
+// A white panel that counts what reaches it.
+class Panel : public QWidget {
+public:
+    int presses = 0;
+    QString keys;
+
+protected:
+    void paintEvent(QPaintEvent *) override { QPainter(this).fillRect(rect(), Qt::white); }
+    void mousePressEvent(QMouseEvent *) override { ++presses; }
+    void keyPressEvent(QKeyEvent *event) override { keys += event->text(); }
+};
+
+QColor pixelOnScreen(const QPoint &pixel)
+{
+    return QGuiApplication::primaryScreen()->grabWindow(0).toImage().pixelColor(pixel);
+}
+
+} // namespace
+
+// Run at scales 1, 1.5 and 2. Lengths of the surface are device-independent, those of the screen are pixels.
+class TestX11PanelSurface : public QObject {
+    Q_OBJECT
+
+private:
+    Backend m_backend = makeBackend(Home(QStringLiteral("/nonexistent")));
+    const qreal m_scale = QGuiApplication::primaryScreen()->devicePixelRatio();
+    std::unique_ptr<ForeignApplication> m_others;
+    std::unique_ptr<Panel> m_panel;
+    std::unique_ptr<PanelSurface> m_surface;
+
+    [[nodiscard]] QRect screen() const { return QGuiApplication::primaryScreen()->geometry(); }
+    [[nodiscard]] xcb_window_t panelWindow() const
+    {
+        return static_cast<xcb_window_t>(m_panel->windowHandle()->winId());
+    }
+    [[nodiscard]] QRect panelOnScreen() const { return m_others->onScreen(panelWindow()); }
+    [[nodiscard]] QPoint pixelAt(qreal x, qreal y) const
+    {
+        return panelOnScreen().topLeft() + (QPointF(x, y) * m_scale).toPoint();
+    }
+    [[nodiscard]] bool isCut() const
+    {
+        const auto request = xcb_shape_query_extents(m_others->connection(), panelWindow());
+        auto *reply = xcb_shape_query_extents_reply(m_others->connection(), request, nullptr);
+        const bool cut = reply->bounding_shaped;
+        std::free(reply);
+        return cut;
+    }
+    [[nodiscard]] bool clickReachesPanel(qreal x, qreal y)
+    {
+        const int before = m_panel->presses;
+        const int beforeOthers = m_others->presses();
+        userClicks(pixelAt(x, y));
+        if (!QTest::qWaitFor([&] { return m_panel->presses > before || m_others->presses() > beforeOthers; }))
+            qFatal("a click reaches nobody");
+        return m_panel->presses > before;
+    }
+    void showPanel(const QRect &frame)
+    {
+        QPainterPath all;
+        all.addRect(QRectF({}, QSizeF(frame.size())));
+        m_surface->place(frame);
+        m_surface->setOutline(all);
+        m_surface->orderFront();
+        QVERIFY(QTest::qWaitForWindowExposed(m_panel.get()));
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        m_others = std::make_unique<ForeignApplication>();
+        m_panel = std::make_unique<Panel>();
+        m_surface = m_backend.makePanelSurface(*m_panel);
+    }
+    void cleanup()
+    {
+        m_surface.reset();
+        m_panel.reset();
+        m_others.reset();
+    }
+
+    void letsClicksThroughOutsideItsActiveRects()
+    {
+        (void)m_others->open({0, 0, 1280, 800}, Qt::red);
+        showPanel({100, 100, 200, 200});
+        QVERIFY(!clickReachesPanel(50, 50)); // nothing is active to begin with
+
+        m_surface->setActiveRects({QRectF(10, 10, 60, 60), QRectF(100.25, 100.25, 20.5, 20.5)});
+        QVERIFY(clickReachesPanel(50, 50));
+        QVERIFY(clickReachesPanel(110, 110));
+        QVERIFY(!clickReachesPanel(90, 50));
+
+        m_surface->place({60, 60, 240, 240});
+        QVERIFY(clickReachesPanel(50, 50));
+        QVERIFY(!clickReachesPanel(90, 50));
+
+        m_panel->windowHandle()->destroy(); // as Qt does on its own when a screen goes away
+        m_panel->windowHandle()->create();
+        m_surface->orderOut();
+        m_surface->orderFront();
+        QVERIFY(QTest::qWaitForWindowExposed(m_panel.get()));
+        QVERIFY(clickReachesPanel(50, 50));
+        QVERIFY(!clickReachesPanel(90, 50));
+    }
+
+    void isCutToItsOutlineToThePixelWithoutACompositingManager()
+    {
+        (void)m_others->open({0, 0, 1280, 800}, Qt::red);
+        showPanel({100, 100, 200, 200});
+        QVERIFY(!m_surface->isTranslucent());
+
+        const int oddPixel = qRound(101 * m_scale) + 1; // no whole number of units at a scale of 2
+        QPainterPath outline;
+        outline.addRect(QRectF(QPointF(20, 20), QPointF(oddPixel / m_scale, 120)));
+        m_surface->setOutline(outline);
+        const QPoint pastRightEdge = pixelAt(0, 50) + QPoint(oddPixel, 0);
+        QTRY_COMPARE(pixelOnScreen(pastRightEdge), QColor(Qt::red));
+        QTRY_COMPARE(pixelOnScreen(pastRightEdge - QPoint(1, 0)), QColor(Qt::white));
+        QCOMPARE(pixelOnScreen(pixelAt(10, 10)), QColor(Qt::red));
+    }
+
+    void followsTheCompositingManager()
+    {
+        showPanel({100, 100, 200, 200});
+        QTRY_VERIFY(isCut());
+        const QSignalSpy changes(m_surface.get(), &PanelSurface::translucencyChanged);
+        {
+            const ChildProgram compositor({"picom", "--config", "/dev/null", "--backend", "xrender"});
+            QTRY_VERIFY(m_surface->isTranslucent());
+            QCOMPARE(changes.count(), 1);
+            QTRY_VERIFY(!isCut());
+        }
+        QTRY_VERIFY(!m_surface->isTranslucent());
+        QCOMPARE(changes.count(), 2);
+        QTRY_VERIFY(isCut());
+    }
+
+    void liesFlushWithTheScreensEdgesWhateverDocksReserve_data()
+    {
+        QTest::addColumn<Qt::Edges>("edges");
+        QTest::newRow("right") << Qt::Edges(Qt::RightEdge);
+        QTest::newRow("left") << Qt::Edges(Qt::LeftEdge);
+        QTest::newRow("bottom right") << (Qt::BottomEdge | Qt::RightEdge);
+        QTest::newRow("top") << Qt::Edges(Qt::TopEdge);
+    }
+    void liesFlushWithTheScreensEdgesWhateverDocksReserve()
+    {
+        QFETCH(Qt::Edges, edges);
+        const auto dock = m_others->open({1240, 0, 40, 800}, Qt::blue, ForeignApplication::Dock);
+        m_others->setNumbers(dock, "_NET_WM_STRUT_PARTIAL", {0, 40, 0, 0, 0, 0, 0, 800, 0, 0, 0, 0});
+        for (const int width : {201, 202, 203}) { // different remainders at a scale of 1.5
+            QRect frame(101, 57, width, width + 1);
+            if (edges & Qt::RightEdge)
+                frame.moveRight(screen().right());
+            if (edges & Qt::LeftEdge)
+                frame.moveLeft(screen().left());
+            if (edges & Qt::BottomEdge)
+                frame.moveBottom(screen().bottom());
+            if (edges & Qt::TopEdge)
+                frame.moveTop(screen().top());
+            showPanel(frame);
+
+            const QRect pixels(0, 0, 1280, 800);
+            QTRY_COMPARE(panelOnScreen().width(), qRound(width * m_scale));
+            QTRY_VERIFY(!(edges & Qt::RightEdge) || panelOnScreen().right() == pixels.right());
+            QTRY_VERIFY(!(edges & Qt::LeftEdge) || panelOnScreen().left() == pixels.left());
+            QTRY_VERIFY(!(edges & Qt::BottomEdge) || panelOnScreen().bottom() == pixels.bottom());
+            QTRY_VERIFY(!(edges & Qt::TopEdge) || panelOnScreen().top() == pixels.top());
+        }
+    }
+
+    void comesAboveWindowsThatWereShownLater()
+    {
+        showPanel({100, 100, 200, 200});
+        (void)m_others->open({0, 0, 1280, 800}, Qt::green, ForeignApplication::Unmanaged);
+        QTRY_COMPARE(pixelOnScreen(pixelAt(50, 50)), QColor(Qt::green));
+        m_surface->orderFront();
+        QTRY_COMPARE(pixelOnScreen(pixelAt(50, 50)), QColor(Qt::white));
+        m_surface->orderOut();
+        QTRY_COMPARE(pixelOnScreen(QPoint(200, 200)), QColor(Qt::green));
+    }
+
+    void takesTheKeyboardOnlyWhenTold()
+    {
+        const auto terminal = m_others->open({0, 0, 400, 300}, Qt::red);
+        m_others->focus(terminal);
+        showPanel({100, 100, 200, 200});
+        m_surface->setActiveRects({QRectF(0, 0, 200, 200)});
+        QVERIFY(clickReachesPanel(50, 50));
+        QCOMPARE(m_others->focusedWindow(), terminal);
+        QVERIFY(!m_panel->isActiveWindow());
+
+        m_surface->takeKeyboard();
+        QTRY_VERIFY(m_panel->isActiveWindow());
+        userDoes({"key", "n"});
+        QTRY_COMPARE(m_panel->keys, QStringLiteral("n"));
+
+        m_surface->releaseKeyboard();
+        QTRY_VERIFY(!m_panel->isActiveWindow());
+        QCOMPARE(m_others->focusedWindow(), terminal);
+    }
+
+    void leavesTheKeyboardWhereTheUserHasPutItMeanwhile()
+    {
+        const auto terminal = m_others->open({0, 0, 400, 300}, Qt::red);
+        const auto editor = m_others->open({500, 0, 400, 300}, Qt::blue);
+        m_others->focus(terminal);
+        showPanel({100, 400, 200, 200});
+        m_surface->takeKeyboard();
+        QTRY_VERIFY(m_panel->isActiveWindow());
+        m_others->focus(editor);
+        m_surface->releaseKeyboard();
+        QCOMPARE(m_others->focusedWindow(), editor);
+    }
+
+    void givesTheKeyboardToSomeoneWhenItsFormerOwnerHasGone()
+    {
+        const auto terminal = m_others->open({0, 0, 400, 300}, Qt::red);
+        m_others->focus(terminal);
+        showPanel({100, 400, 200, 200});
+        m_surface->takeKeyboard();
+        QTRY_VERIFY(m_panel->isActiveWindow());
+        m_others->destroy(terminal);
+        m_surface->orderOut();
+        QTRY_VERIFY(m_others->focusedWindow() != XCB_WINDOW_NONE);
+        QTRY_VERIFY(!m_panel->isActiveWindow());
+    }
+};
+
+PRIVATE_DESKTOP_MAIN(TestX11PanelSurface)
+#include "tst_x11_panel_surface.moc"

@@ -1,0 +1,145 @@
+#include <QApplication>
+#include <QTest>
+
+#include "Platform/X11/X11Connection.h"
+#include "Platform/X11/X11Workspace.h"
+#include "platform/ForeignApplication.h"
+#include "platform/PrivateDesktop.h"
+
+using namespace nubble;
+
+class TestX11Workspace : public QObject {
+    Q_OBJECT
+
+private:
+    X11Workspace m_workspace{X11Connection::ofThisProgram()};
+    ForeignApplication m_terminal{4242};
+    ForeignApplication m_editor{4343};
+
+    [[nodiscard]] QList<pid_t> runningPids() const
+    {
+        QList<pid_t> pids;
+        for (const RunningApplication &each : m_workspace.runningApplications())
+            pids.append(each.pid);
+        return pids;
+    }
+    [[nodiscard]] std::vector<uint32_t> stacking() const
+    {
+        return m_terminal.numbers(m_terminal.root(), "_NET_CLIENT_LIST_STACKING");
+    }
+    [[nodiscard]] uint32_t currentDesktop() const
+    {
+        return m_terminal.numbers(m_terminal.root(), "_NET_CURRENT_DESKTOP").at(0);
+    }
+
+private Q_SLOTS:
+    void cleanup()
+    {
+        for (auto *application : {&m_terminal, &m_editor})
+            for (const auto window : application->numbers(application->root(), "_NET_CLIENT_LIST"))
+                application->destroy(window);
+        QTRY_COMPARE(runningPids(), QList<pid_t>());
+    }
+
+    void runningApplicationsAreTheOwnersOfManagedWindows()
+    {
+        const auto first = m_terminal.open({0, 0, 100, 100}, Qt::red);
+        (void)m_editor.open({0, 200, 100, 100}, Qt::blue);
+        (void)m_terminal.open({200, 0, 100, 100}, Qt::red);
+        (void)ForeignApplication(4444).open({400, 0, 100, 100}, Qt::red, ForeignApplication::Unmanaged);
+        m_terminal.setText(first, "WM_CLIENT_MACHINE", "localhost");
+
+        QCOMPARE(runningPids(), (QList<pid_t>{4242, 4343}));
+        const RunningApplication expected{4242, QStringLiteral("Terminal"), QStringLiteral("terminal")};
+        QCOMPARE(m_workspace.runningApplications().first(), expected);
+        QVERIFY(m_workspace.isRunningApplication(4343));
+        QVERIFY(!m_workspace.isRunningApplication(4444));
+        QVERIFY(!m_workspace.isRunningApplication(0));
+    }
+
+    void believesNoNonsense()
+    {
+        const auto window = m_terminal.open({0, 0, 100, 100}, Qt::red);
+        for (const std::vector<uint32_t> &nonsense :
+             {std::vector<uint32_t>{0}, {0xFFFFFFFF}, {}, std::vector<uint32_t>(60'000, 7)}) {
+            m_terminal.setNumbers(window, "_NET_WM_PID", nonsense);
+            QCOMPARE(runningPids(), QList<pid_t>());
+        }
+        m_terminal.setText(window, "_NET_WM_PID", "4242");
+        QCOMPARE(runningPids(), QList<pid_t>());
+
+        m_terminal.setNumbers(window, "_NET_WM_PID", {4242});
+        m_terminal.setText(window, "WM_CLIENT_MACHINE", "a-machine-far-away.example");
+        QCOMPARE(runningPids(), QList<pid_t>());
+
+        m_terminal.setText(window, "WM_CLIENT_MACHINE", "localhost");
+        m_terminal.setText(window, "WM_CLASS", QByteArray(100'000, 'x'));
+        QCOMPARE(runningPids(), QList<pid_t>{4242});
+        QVERIFY(m_workspace.runningApplications().first().name.size() <= 1024);
+    }
+
+    void windowsThatHaveGoneDoNoHarm()
+    {
+        const auto window = m_terminal.open({0, 0, 100, 100}, Qt::red);
+        std::vector<uint32_t> list(60'000, 0x7FFFFFFF);
+        list.front() = window;
+        m_terminal.setNumbers(m_terminal.root(), "_NET_CLIENT_LIST", list, "WINDOW");
+        m_terminal.setNumbers(m_terminal.root(), "_NET_CLIENT_LIST_STACKING", list, "WINDOW");
+        QCOMPARE(runningPids(), QList<pid_t>{4242});
+        m_workspace.activate(4242);
+        m_workspace.activate(4343);
+        m_terminal.setNumbers(m_terminal.root(), "_NET_CLIENT_LIST", {window}, "WINDOW");
+    }
+
+    void activatingBringsIconifiedWindowsForward()
+    {
+        const auto shell = m_terminal.open({0, 0, 300, 300}, Qt::red);
+        const auto log = m_terminal.open({350, 0, 300, 300}, Qt::red);
+        const auto text = m_editor.open({100, 100, 300, 300}, Qt::blue);
+        m_terminal.iconify(log);
+        m_editor.focus(text);
+
+        m_workspace.activate(4242);
+        QTRY_COMPARE(m_terminal.focusedWindow(), shell); // the one used last, not the one put away
+        QTRY_VERIFY(m_terminal.isViewable(log));
+
+        m_terminal.iconify(shell);
+        m_terminal.iconify(log);
+        m_workspace.activate(4242);
+        QTRY_VERIFY(m_terminal.isViewable(shell) && m_terminal.isViewable(log));
+    }
+
+    void activatingRaisesAllItsWindowsInTheirOrder()
+    {
+        const auto below = m_terminal.open({0, 0, 300, 300}, Qt::red);
+        const auto above = m_terminal.open({50, 50, 300, 300}, Qt::red);
+        m_terminal.focus(above);
+        const auto text = m_editor.open({100, 100, 300, 300}, Qt::blue);
+        m_editor.focus(text);
+        QTRY_COMPARE(stacking().back(), text);
+
+        m_workspace.activate(4242);
+        QTRY_COMPARE(m_terminal.focusedWindow(), above);
+        QTRY_COMPARE(stacking(), (std::vector<uint32_t>{text, below, above}));
+    }
+
+    void activatingGoesToTheDesktopOfTheWindow()
+    {
+        const auto shell = m_terminal.open({0, 0, 300, 300}, Qt::red);
+        m_terminal.askWindowManager(shell, "_NET_WM_DESKTOP", {2, 2});
+        const auto text = m_editor.open({100, 100, 300, 300}, Qt::blue);
+        m_editor.focus(text);
+        QTRY_VERIFY(!m_terminal.isViewable(shell));
+
+        m_workspace.activate(4242);
+        QTRY_COMPARE(m_terminal.focusedWindow(), shell);
+        QCOMPARE(currentDesktop(), 2u);
+
+        m_workspace.activate(4343);
+        QTRY_COMPARE(m_editor.focusedWindow(), text);
+        QCOMPARE(currentDesktop(), 0u);
+    }
+};
+
+PRIVATE_DESKTOP_MAIN(TestX11Workspace)
+#include "tst_x11_workspace.moc"
