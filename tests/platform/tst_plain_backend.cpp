@@ -1,0 +1,39 @@
+#include <QApplication>
+#include <QTest>
+#include <QWidget>
+
+#include "Platform/Backend.h"
+#include "support/TemporaryHome.h"
+
+using namespace nubble;
+
+class TestPlainBackend : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyServiceIsThereWithoutADesktop()
+    {
+        const TemporaryHome home;
+        Backend backend = makeBackend(home.home());
+        QVERIFY(backend.mouseMonitor && backend.preferences);
+        QCOMPARE(backend.workspace->runningApplications(), QList<RunningApplication>());
+        QVERIFY(!backend.workspace->isRunningApplication(::getpid()));
+        backend.workspace->activate(::getpid());
+
+        QWidget window;
+        const auto surface = backend.makePanelSurface(window);
+        surface->place({10, 20, 300, 200});
+        surface->setActiveRects({QRectF(0, 0, 10, 10)});
+        surface->orderFront();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QCOMPARE(window.geometry(), QRect(10, 20, 300, 200));
+        QVERIFY(surface->isTranslucent());
+        surface->takeKeyboard();
+        QTRY_VERIFY(window.isActiveWindow());
+        surface->orderOut();
+        QVERIFY(!window.isVisible());
+    }
+};
+
+QTEST_MAIN(TestPlainBackend)
+#include "tst_plain_backend.moc"
