@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QPainterPath>
+#include <QPixmap>
+#include <QWidget>
+
+#include "Panel/NotchEdge.h"
+
+namespace nubble {
+
+// The frame of an open card: near-black, rounded, with a tail that points to the body, and a soft shadow around it. As large
+// as its content and the margin around it.
+class TooltipShell : public QWidget {
+    Q_OBJECT
+
+public:
+    TooltipShell(QWidget *content, NotchEdge edge, bool translucent, QWidget *parent = nullptr);
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QPainterPath outline() const; // in the parent's coordinates
+    [[nodiscard]] QWidget *content() const { return m_content; }
+    void setTranslucent(bool translucent);
+
+Q_SIGNALS:
+    void contentResized();
+
+protected:
+    bool event(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    [[nodiscard]] QRect cardRect() const;
+    [[nodiscard]] QPainterPath localOutline() const;
+    [[nodiscard]] QPixmap drawn() const;
+
+    QWidget *m_content;
+    NotchEdge m_edge;
+    bool m_translucent;
+    QPixmap m_frame; // what paintEvent shows, drawn once per size
+};
+
+} // namespace nubble
