@@ -27,8 +27,9 @@ protected:
         if (range <= 0)
             return;
         const double length = std::max(24.0, 1.0 * height() * pageStep() / range);
-        const double start
-            = maximum() == minimum() ? 0 : (height() - length) * (value() - minimum()) / (maximum() - minimum());
+        const double start = maximum() == minimum()
+            ? 0
+            : (height() - length) * (value() - minimum()) / (maximum() - minimum());
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(Qt::NoPen);
@@ -40,8 +41,7 @@ protected:
 } // namespace
 
 CappedScroll::CappedScroll(QWidget *content, int maxHeight, QWidget *parent)
-    : QScrollArea(parent)
-    , m_maxHeight(maxHeight)
+    : QScrollArea(parent), m_maxHeight(maxHeight)
 {
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::NoFocus);

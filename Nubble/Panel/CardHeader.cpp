@@ -11,9 +11,7 @@ using namespace Qt::StringLiterals;
 namespace nubble {
 
 CardHeader::CardHeader(const QString &title, QWidget *parent)
-    : QWidget(parent)
-    , m_title(title)
-    , m_accessories(new QHBoxLayout(this))
+    : QWidget(parent), m_title(title), m_accessories(new QHBoxLayout(this))
 {
     m_accessories->setContentsMargins(0, 0, 0, 0);
     m_accessories->setSpacing(6);

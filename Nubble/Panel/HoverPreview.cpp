@@ -10,11 +10,7 @@ using namespace std::chrono_literals;
 
 namespace nubble {
 
-HoverPreview::HoverPreview(PanelState &state, QObject *parent)
-    : QObject(parent)
-    , m_state(state)
-{
-}
+HoverPreview::HoverPreview(PanelState &state, QObject *parent) : QObject(parent), m_state(state) { }
 
 void HoverPreview::setRingHovered(bool hovered)
 {

@@ -6,8 +6,8 @@ namespace nubble {
 
 class PanelState;
 
-// The usage card that comes with the pointer over the status ring and goes soon after the pointer has left both ring and
-// card. Cards that a click opened are none of its business. Main thread only.
+// The usage card that comes with the pointer over the status ring and goes soon after the pointer has left
+// both ring and card. Cards that a click opened are none of its business. Main thread only.
 class HoverPreview : public QObject {
     Q_OBJECT
 

@@ -36,9 +36,8 @@ QPointF onEdge(NotchEdge edge, const QSizeF &window, double along, double across
 } // namespace
 
 Layout::Layout(double percentLineHeight, bool quenwickCellShown, int actionCount)
-    : m_percentLineHeight(percentLineHeight)
-    , m_quenwickCellShown(quenwickCellShown)
-    , m_actionCount(actionCount)
+    : m_percentLineHeight(percentLineHeight), m_quenwickCellShown(quenwickCellShown),
+      m_actionCount(actionCount)
 {
 }
 
@@ -97,13 +96,12 @@ double Layout::cardAlong(NotchEdge edge) const
 
 double Layout::cardAreaDepth(NotchEdge edge) const
 {
-    return cardAcross(edge) + 400.0 / 13.0 + cardGap;
+    return cardAcross(edge) + 2 * cardPadding + tailSpace + cardGap;
 }
 
 QSizeF Layout::windowSize(NotchEdge edge) const
 {
-    const double alongSize
-        = std::max(cardAlong(edge) + 2 * quenwickPitch(edge), 2 * extentBeyondRing(edge));
+    const double alongSize = std::max(cardAlong(edge) + 2 * quenwickPitch(edge), 2 * extentBeyondRing(edge));
     const double acrossSize = cardAreaDepth(edge) + bodyDepth(edge);
     return isVertical(edge) ? QSizeF(acrossSize, alongSize) : QSizeF(alongSize, acrossSize);
 }
@@ -127,20 +125,14 @@ QPointF Layout::ringCenter(NotchEdge edge) const
 QRectF Layout::bodyRect(NotchEdge edge) const
 {
     const QSizeF window = windowSize(edge);
-    return onEdge(edge, window, along(edge, window) / 2 - bodyBeforeRing, bodyLength(edge), 0, bodyDepth(edge));
+    return onEdge(
+        edge, window, along(edge, window) / 2 - bodyBeforeRing, bodyLength(edge), 0, bodyDepth(edge));
 }
 
 QRectF Layout::cardArea(NotchEdge edge) const
 {
     const QSizeF window = windowSize(edge);
     return onEdge(edge, window, 0, along(edge, window), bodyDepth(edge), cardAreaDepth(edge));
-}
-
-QPointF Layout::cardCenter(NotchEdge edge) const
-{
-    const QSizeF window = windowSize(edge);
-    const double fromRing = (cardAcross(edge) + 400.0 / 13.0) / 2 + ringAcross + cardGap;
-    return onEdge(edge, window, along(edge, window) / 2, ringAcross + fromRing);
 }
 
 QPointF Layout::quenwickCenterInWindow(NotchEdge edge) const
@@ -154,14 +146,6 @@ QPointF Layout::actionsCenterInWindow(NotchEdge edge) const
     return ringCenterMovedAlong(edge, quenwickPitch(edge) + cellEnd + actionsLeadIn + buttonsLength() / 2);
 }
 
-QList<QRectF> Layout::activeRects(NotchEdge edge, bool cardOpen) const
-{
-    QList<QRectF> rects {bodyRect(edge)};
-    if (cardOpen)
-        rects.append(cardArea(edge));
-    return rects;
-}
-
 double Layout::offsetLimit(NotchEdge edge, double screenLength) const
 {
     return std::max(screenLength / 2 - extentBeyondRing(edge), 0.0);
@@ -169,8 +153,8 @@ double Layout::offsetLimit(NotchEdge edge, double screenLength) const
 
 QRectF Layout::windowFrame(NotchEdge edge, double offset, const QRectF &screen) const
 {
-    const QPointF ringOnScreen
-        = screen.topLeft() + onEdge(edge, screen.size(), along(edge, screen.size()) / 2 + offset, ringAcross);
+    const QPointF ringOnScreen =
+        screen.topLeft() + onEdge(edge, screen.size(), along(edge, screen.size()) / 2 + offset, ringAcross);
     return {ringOnScreen - ringCenter(edge), windowSize(edge)};
 }
 

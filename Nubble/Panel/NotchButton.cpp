@@ -9,9 +9,7 @@
 namespace nubble {
 
 NotchButton::NotchButton(const QString &symbol, const QString &helpText, QWidget *parent)
-    : QAbstractButton(parent)
-    , m_symbol(symbol)
-    , m_tint(Palette::textPrimary)
+    : QAbstractButton(parent), m_symbol(symbol), m_tint(Palette::textPrimary)
 {
     setHelpText(helpText);
     setFocusPolicy(Qt::TabFocus);

@@ -6,8 +6,8 @@
 
 namespace nubble {
 
-// A round button with a symbol, for the body and for cards. Lifts under the pointer and shows the keyboard's focus; the
-// help text is its tool tip and its accessible name.
+// A round button with a symbol, for the body and for cards. Lifts under the pointer and shows the keyboard's
+// focus; the help text is its tool tip and its accessible name.
 class NotchButton : public QAbstractButton {
     Q_OBJECT
 

@@ -10,7 +10,7 @@ namespace nubble {
 // The screen edge that the panel sits on.
 enum class NotchEdge { Right, Left, Top, Bottom };
 
-inline constexpr std::array allEdges {NotchEdge::Right, NotchEdge::Left, NotchEdge::Top, NotchEdge::Bottom};
+inline constexpr std::array allEdges{NotchEdge::Right, NotchEdge::Left, NotchEdge::Top, NotchEdge::Bottom};
 
 [[nodiscard]] QString rawValue(NotchEdge edge); // how it is stored
 [[nodiscard]] std::optional<NotchEdge> edgeFrom(const QString &rawValue);

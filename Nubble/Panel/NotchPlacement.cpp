@@ -23,15 +23,16 @@ NotchEdge nearestEdge(const QPointF &point, const QRectF &screen)
         NotchEdge edge;
         double length;
     };
-    const std::array distances {
-        Distance {NotchEdge::Left, point.x() - screen.left()},
-        Distance {NotchEdge::Right, screen.right() - point.x()},
-        Distance {NotchEdge::Bottom, screen.bottom() - point.y()},
-        Distance {NotchEdge::Top, point.y() - screen.top()},
+    const std::array distances{
+        Distance{NotchEdge::Left, point.x() - screen.left()},
+        Distance{NotchEdge::Right, screen.right() - point.x()},
+        Distance{NotchEdge::Bottom, screen.bottom() - point.y()},
+        Distance{NotchEdge::Top, point.y() - screen.top()},
     };
-    return std::min_element(distances.begin(), distances.end(), [](const Distance &a, const Distance &b) {
-        return a.length < b.length;
-    })->edge;
+    return std::min_element(
+               distances.begin(), distances.end(),
+               [](const Distance &a, const Distance &b) { return a.length < b.length; })
+        ->edge;
 }
 
 double offsetOf(NotchEdge edge, const QPointF &point, const QRectF &screen)
@@ -43,10 +44,8 @@ double offsetOf(NotchEdge edge, const QPointF &point, const QRectF &screen)
 } // namespace
 
 NotchPlacement::NotchPlacement(Defaults &defaults, const Layout &layout, QObject *parent)
-    : QObject(parent)
-    , m_defaults(defaults)
-    , m_layout(layout)
-    , m_settings {
+    : QObject(parent), m_defaults(defaults), m_layout(layout),
+      m_settings{
           .edge = edgeFrom(defaults.string(edgeKey).value_or(QString())).value_or(NotchEdge::Right),
           .offset = defaults.number(offsetKey).value_or(0),
           .locked = defaults.boolean(lockedKey).value_or(false),

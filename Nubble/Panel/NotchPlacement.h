@@ -11,8 +11,9 @@ namespace nubble {
 class Defaults;
 class Layout;
 
-// Where the user has put the panel, kept in the preferences. Screen rectangles are whole screens, docks included, with y
-// growing downwards. Main thread only. A hand-edited preference of the wrong kind counts as absent.
+// Where the user has put the panel, kept in the preferences. Screen rectangles are whole screens, docks
+// included, with y growing downwards. Main thread only. A hand-edited preference of the wrong kind counts as
+// absent.
 class NotchPlacement : public QObject {
     Q_OBJECT
 
@@ -20,10 +21,13 @@ public:
     NotchPlacement(Defaults &defaults, const Layout &layout, QObject *parent = nullptr);
 
     [[nodiscard]] NotchEdge edge() const { return m_settings.edge; }
-    [[nodiscard]] double offset() const { return m_settings.offset; } // of the centre from the edge's middle: right, down
+    [[nodiscard]] double offset() const
+    {
+        return m_settings.offset;
+    } // of the centre from the edge's middle: right, down
     [[nodiscard]] bool isLocked() const { return m_settings.locked; } // cannot be dragged
     [[nodiscard]] bool isVisible() const { return m_settings.visible; }
-    [[nodiscard]] bool isDragging() const { return m_dragging; }      // never saved
+    [[nodiscard]] bool isDragging() const { return m_dragging; } // never saved
     void setDragging(bool dragging) { m_dragging = dragging; }
 
     // The nearest offset that keeps the panel on the screen.

@@ -2,6 +2,8 @@
 
 #include <QTransform>
 
+#include <algorithm>
+
 namespace nubble {
 
 namespace {
@@ -20,7 +22,8 @@ void curveTo(QPainterPath &path, const QPointF &corner, const QPointF &end)
     path.cubicTo(start + (corner - start) * quarterArc, end + (corner - end) * quarterArc, end);
 }
 
-// From coordinates in which x runs along the edge and y away from it, to those of `rect`, whose one side is the edge.
+// From coordinates in which x runs along the edge and y away from it, to those of `rect`, whose one side is
+// the edge.
 QTransform fromEdge(NotchEdge edge, const QRectF &rect)
 {
     switch (edge) {
@@ -56,16 +59,18 @@ QPainterPath bodyOutline(NotchEdge edge, const QRectF &body)
     return fromEdge(edge, body).map(path);
 }
 
-QPainterPath cardOutline(NotchEdge edge, const QRectF &card, double tail)
+QPainterPath cardOutline(NotchEdge edge, const QRectF &card, double tail, double tailAlong)
 {
     const double length = isVertical(edge) ? card.height() : card.width();
     const double depth = isVertical(edge) ? card.width() : card.height();
-    const double middle = length / 2;
+    const double clear = cardRadius + tailHalfWidth;
+    const double middle = length > 2 * clear ? std::clamp(tailAlong, clear, length - clear) : length / 2;
     QPainterPath path;
     path.moveTo(cardRadius, 0);
     path.lineTo(middle - tailHalfWidth, 0);
     path.cubicTo(middle - tailHalfWidth * 0.45, 0, middle - tailHalfWidth * 0.35, -tail, middle, -tail);
-    path.cubicTo(middle + tailHalfWidth * 0.35, -tail, middle + tailHalfWidth * 0.45, 0, middle + tailHalfWidth, 0);
+    path.cubicTo(
+        middle + tailHalfWidth * 0.35, -tail, middle + tailHalfWidth * 0.45, 0, middle + tailHalfWidth, 0);
     path.lineTo(length - cardRadius, 0);
     curveTo(path, {length, 0}, {length, cardRadius});
     path.lineTo(length, depth - cardRadius);

@@ -12,35 +12,53 @@ namespace nubble {
 
 namespace {
 
-constexpr int shadowMargin = 12;
-constexpr int tailLength = 8;
+constexpr int tailLength = 14;
 constexpr double shadowReach = 11;
 
 } // namespace
 
 TooltipShell::TooltipShell(QWidget *content, NotchEdge edge, bool translucent, QWidget *parent)
-    : QWidget(parent)
-    , m_content(content)
-    , m_edge(edge)
-    , m_translucent(translucent)
+    : QWidget(parent), m_content(content), m_edge(edge), m_translucent(translucent)
 {
     content->setParent(this);
     resize(sizeHint());
 }
 
+QMargins TooltipShell::margins() const
+{
+    const int around = qRound(Layout::cardPadding);
+    QMargins margins(around, around, around, around);
+    const int tailSide = qRound(Layout::cardPadding + Layout::tailSpace);
+    switch (m_edge) {
+    case NotchEdge::Right:
+        margins.setRight(tailSide);
+        break;
+    case NotchEdge::Left:
+        margins.setLeft(tailSide);
+        break;
+    case NotchEdge::Top:
+        margins.setTop(tailSide);
+        break;
+    case NotchEdge::Bottom:
+        margins.setBottom(tailSide);
+        break;
+    }
+    return margins;
+}
+
 QSize TooltipShell::sizeHint() const
 {
-    return m_content->sizeHint().grownBy(QMargins(shadowMargin, shadowMargin, shadowMargin, shadowMargin));
+    return m_content->sizeHint().grownBy(margins());
 }
 
 QRect TooltipShell::cardRect() const
 {
-    return rect().adjusted(shadowMargin, shadowMargin, -shadowMargin, -shadowMargin);
+    return rect().marginsRemoved(margins());
 }
 
 QPainterPath TooltipShell::localOutline() const
 {
-    return cardOutline(m_edge, cardRect(), tailLength);
+    return cardOutline(m_edge, cardRect(), tailLength, m_tailAlong);
 }
 
 QPainterPath TooltipShell::outline() const
@@ -51,6 +69,13 @@ QPainterPath TooltipShell::outline() const
 void TooltipShell::setTranslucent(bool translucent)
 {
     m_translucent = translucent;
+    m_frame = {};
+    update();
+}
+
+void TooltipShell::setTailAlong(double along)
+{
+    m_tailAlong = along;
     m_frame = {};
     update();
 }

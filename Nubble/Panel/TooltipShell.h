@@ -8,8 +8,8 @@
 
 namespace nubble {
 
-// The frame of an open card: near-black, rounded, with a tail that points to the body, and a soft shadow around it. As large
-// as its content and the margin around it.
+// The frame of an open card: near-black, rounded, with a tail that points to the body, and a soft shadow
+// around it. As large as its content and the margin around it.
 class TooltipShell : public QWidget {
     Q_OBJECT
 
@@ -17,9 +17,11 @@ public:
     TooltipShell(QWidget *content, NotchEdge edge, bool translucent, QWidget *parent = nullptr);
 
     [[nodiscard]] QSize sizeHint() const override;
-    [[nodiscard]] QPainterPath outline() const; // in the parent's coordinates
+    [[nodiscard]] QRect cardRect() const;       // the card alone
+    [[nodiscard]] QPainterPath outline() const; // of card and tail, in the parent's coordinates
     [[nodiscard]] QWidget *content() const { return m_content; }
     void setTranslucent(bool translucent);
+    void setTailAlong(double along); // from the start of the side that faces the body
 
 Q_SIGNALS:
     void contentResized();
@@ -30,13 +32,14 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    [[nodiscard]] QRect cardRect() const;
+    [[nodiscard]] QMargins margins() const;
     [[nodiscard]] QPainterPath localOutline() const;
     [[nodiscard]] QPixmap drawn() const;
 
     QWidget *m_content;
     NotchEdge m_edge;
     bool m_translucent;
+    double m_tailAlong = 0;
     QPixmap m_frame; // what paintEvent shows, drawn once per size
 };
 

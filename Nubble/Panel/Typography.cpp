@@ -18,7 +18,7 @@ namespace {
 QFont font(double pixels, QFont::Weight weight)
 {
     QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
-    font.setFamilies(QStringList {u"Inter"_s} + font.families());
+    font.setFamilies(QStringList{u"Inter"_s} + font.families());
     // Fractional pixel sizes can only be given as points of the font resolution.
     const QScreen *screen = QGuiApplication::primaryScreen();
     font.setPointSizeF(pixels * 72 / (screen ? screen->logicalDotsPerInch() : 96));

@@ -8,11 +8,11 @@ class QRectF;
 
 namespace nubble {
 
-// The program's fonts: Inter where it is installed, else the system's. Sizes are device-independent pixels at any screen
-// scale and font resolution. Needs a QGuiApplication; main thread only.
+// The program's fonts: Inter where it is installed, else the system's. Sizes are device-independent pixels at
+// any screen scale and font resolution. Needs a QGuiApplication; main thread only.
 namespace Typography {
 
-[[nodiscard]] QFont percent();     // the number below the status ring
+[[nodiscard]] QFont percent(); // the number below the status ring
 [[nodiscard]] QFont cardTitle();
 [[nodiscard]] QFont rowTitle();
 [[nodiscard]] QFont cardBody();
