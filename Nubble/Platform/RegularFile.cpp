@@ -9,6 +9,15 @@
 
 namespace nubble {
 
+namespace {
+
+qint64 modifiedNsecsOf(const struct stat &info)
+{
+    return info.st_mtim.tv_sec * 1'000'000'000 + info.st_mtim.tv_nsec;
+}
+
+} // namespace
+
 RegularFile::RegularFile(int descriptor, qint64 size, qint64 modifiedNsecs)
     : m_descriptor(descriptor)
     , m_size(size)
@@ -33,12 +42,20 @@ std::optional<RegularFile> RegularFile::open(const char *name, int folder)
         ::close(descriptor);
         return std::nullopt;
     }
-    return RegularFile(descriptor, info.st_size, info.st_mtim.tv_sec * 1'000'000'000 + info.st_mtim.tv_nsec);
+    return RegularFile(descriptor, info.st_size, modifiedNsecsOf(info));
 }
 
 std::optional<RegularFile> RegularFile::open(const QString &path)
 {
     return open(QFile::encodeName(path).constData(), AT_FDCWD);
+}
+
+std::optional<FileStamp> RegularFile::stampOf(const char *path)
+{
+    struct stat info {};
+    if (::stat(path, &info) != 0 || !S_ISREG(info.st_mode))
+        return std::nullopt;
+    return FileStamp {modifiedNsecsOf(info), info.st_size};
 }
 
 std::optional<QByteArray> RegularFile::read(qint64 offset, qint64 length) const

@@ -1,0 +1,75 @@
+#include "Platform/Backend.h"
+
+#include <QGuiApplication>
+#include <QWidget>
+
+#include "Platform/Freedesktop/FreedesktopPreferences.h"
+#include "Platform/X11/X11Connection.h"
+#include "Platform/X11/X11MouseMonitor.h"
+#include "Platform/X11/X11PanelSurface.h"
+#include "Platform/X11/X11Workspace.h"
+
+namespace nubble {
+
+namespace {
+
+class PlainWorkspace : public Workspace {
+public:
+    [[nodiscard]] QList<RunningApplication> runningApplications() const override { return {}; }
+    [[nodiscard]] bool isRunningApplication(pid_t) const override { return false; }
+    void activate(pid_t) override { }
+};
+
+// As much of a panel as Qt alone gives: it takes the mouse all over.
+class PlainPanelSurface : public PanelSurface {
+public:
+    explicit PlainPanelSurface(QWidget &window) : m_window(window)
+    {
+        window.setWindowFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
+        window.setAttribute(Qt::WA_TranslucentBackground);
+        window.setAttribute(Qt::WA_ShowWithoutActivating);
+        window.setAttribute(Qt::WA_AlwaysShowToolTips);
+    }
+
+    void place(const QRect &frame) override { m_window.setGeometry(frame); }
+    void orderFront() override
+    {
+        m_window.show();
+        m_window.raise();
+    }
+    void orderOut() override { m_window.hide(); }
+    void setActiveRects(const QList<QRectF> &) override { }
+    [[nodiscard]] bool isTranslucent() const override { return true; }
+    void setOutline(const QPainterPath &) override { }
+    void takeKeyboard() override { m_window.activateWindow(); }
+    void releaseKeyboard() override { }
+
+private:
+    QWidget &m_window;
+};
+
+Backend makePlainBackend()
+{
+    return {
+        std::make_unique<PlainWorkspace>(), std::make_unique<MouseMonitor>(), nullptr,
+        [](QWidget &window) { return std::make_unique<PlainPanelSurface>(window); }};
+}
+
+Backend makeX11Backend(const std::shared_ptr<const X11Connection> &x11)
+{
+    return {
+        std::make_unique<X11Workspace>(x11), std::make_unique<X11MouseMonitor>(x11), nullptr,
+        [x11](QWidget &window) { return std::make_unique<X11PanelSurface>(window, x11); }};
+}
+
+} // namespace
+
+Backend makeBackend(const Home &home)
+{
+    const auto x11 = X11Connection::ofThisProgram(); // null on every other platform of Qt
+    Backend backend = x11 ? makeX11Backend(x11) : makePlainBackend();
+    backend.preferences = std::make_unique<FreedesktopPreferences>(home);
+    return backend;
+}
+
+} // namespace nubble

@@ -1,0 +1,164 @@
+#include "Platform/X11/X11PanelSurface.h"
+
+#include <QEvent>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QWidget>
+#include <QWindow>
+
+#include <xcb/shape.h>
+
+#include "Platform/X11/X11Connection.h"
+#include "Platform/X11/X11Geometry.h"
+
+namespace nubble {
+
+X11PanelSurface::X11PanelSurface(QWidget &window, std::shared_ptr<const X11Connection> x11)
+    : m_window(window), m_x11(std::move(x11)), m_compositor(m_x11), m_keyboard(m_x11)
+{
+    // All flags once and for ever: changing one later makes another native window.
+    window.setWindowFlags(
+        Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::BypassWindowManagerHint
+        | Qt::WindowDoesNotAcceptFocus);
+    window.setAttribute(Qt::WA_TranslucentBackground);
+    window.setAttribute(Qt::WA_ShowWithoutActivating);
+    window.setAttribute(Qt::WA_AlwaysShowToolTips);
+    window.installEventFilter(this);
+    connect(&m_compositor, &X11CompositorWatch::changed, this, [this] {
+        applyOutline();
+        m_x11->flush();
+        Q_EMIT translucencyChanged();
+    });
+}
+
+// QWidget::winId() stays at the old window when Qt makes another one; the handle knows.
+uint32_t X11PanelSurface::nativeWindow() const
+{
+    const QWindow *handle = m_window.windowHandle();
+    return handle && handle->handle() ? static_cast<uint32_t>(handle->winId()) : 0;
+}
+
+void X11PanelSurface::place(const QRect &frame)
+{
+    m_frame = frame;
+    m_window.setGeometry(frame);
+    applyAll();
+}
+
+void X11PanelSurface::orderFront()
+{
+    m_window.show();
+    m_window.raise();
+    m_x11->flush();
+}
+
+void X11PanelSurface::orderOut()
+{
+    releaseKeyboard();
+    m_window.hide();
+    m_x11->flush();
+}
+
+void X11PanelSurface::setActiveRects(const QList<QRectF> &rects)
+{
+    if (m_activeRects == rects)
+        return;
+    m_activeRects = rects;
+    applyActiveRects();
+    m_x11->flush();
+}
+
+void X11PanelSurface::setOutline(const QPainterPath &outline)
+{
+    if (m_outline == outline)
+        return;
+    m_outline = outline;
+    if (isTranslucent())
+        return;
+    applyOutline();
+    m_x11->flush();
+}
+
+void X11PanelSurface::takeKeyboard()
+{
+    if (const auto window = nativeWindow())
+        m_keyboard.give(window);
+}
+
+void X11PanelSurface::releaseKeyboard()
+{
+    if (const auto window = nativeWindow())
+        m_keyboard.takeBack(window);
+}
+
+bool X11PanelSurface::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == &m_window) {
+        switch (event->type()) {
+        case QEvent::WinIdChange:
+        case QEvent::Show:
+        case QEvent::Resize:
+        case QEvent::ScreenChangeInternal:
+            applyAll();
+            break;
+        default:
+            break;
+        }
+    }
+    return PanelSurface::eventFilter(watched, event);
+}
+
+void X11PanelSurface::applyAll()
+{
+    if (!nativeWindow())
+        return;
+    applyPosition();
+    applyActiveRects();
+    applyOutline();
+    m_x11->flush();
+}
+
+// Qt rounds position and size each for itself, which at a broken scale leaves a gap at the right or bottom
+// edge.
+void X11PanelSurface::applyPosition()
+{
+    const QScreen *screen = QGuiApplication::screenAt(m_frame.center());
+    if (m_frame.isEmpty() || !screen)
+        return;
+    const QRect deviceScreen = X11Geometry::deviceScreenAt(*m_x11, screen->geometry().topLeft());
+    const QPoint position =
+        X11Geometry::devicePosition(m_frame, screen->geometry(), deviceScreen, m_window.devicePixelRatioF());
+    const std::array<uint32_t, 2> values{
+        static_cast<uint32_t>(position.x()), static_cast<uint32_t>(position.y())};
+    m_x11->ignoreErrors(xcb_configure_window_checked(
+        m_x11->get(), nativeWindow(), XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, values.data()));
+}
+
+void X11PanelSurface::applyActiveRects()
+{
+    const auto window = nativeWindow();
+    if (!window)
+        return;
+    const auto rects = X11Geometry::deviceRects(m_activeRects, m_window.devicePixelRatioF());
+    m_x11->ignoreErrors(xcb_shape_rectangles_checked(
+        m_x11->get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED, window, 0, 0,
+        static_cast<uint32_t>(rects.size()), rects.data()));
+}
+
+void X11PanelSurface::applyOutline()
+{
+    const auto window = nativeWindow();
+    if (!window)
+        return;
+    if (isTranslucent()) {
+        m_x11->ignoreErrors(xcb_shape_mask_checked(
+            m_x11->get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, window, 0, 0, XCB_PIXMAP_NONE));
+        return;
+    }
+    const auto rects = X11Geometry::deviceRects(m_outline, m_window.size(), m_window.devicePixelRatioF());
+    m_x11->ignoreErrors(xcb_shape_rectangles_checked(
+        m_x11->get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, XCB_CLIP_ORDERING_YX_BANDED, window, 0, 0,
+        static_cast<uint32_t>(rects.size()), rects.data()));
+}
+
+} // namespace nubble

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <memory>
+
+#include "Platform/PanelSurface.h"
+#include "Platform/X11/X11CompositorWatch.h"
+#include "Platform/X11/X11KeyboardFocus.h"
+
+namespace nubble {
+
+class X11Connection;
+
+// The panel as a window that no window manager touches: the only kind that lies flush over docks, above
+// full-screen windows and on all desktops everywhere.
+class X11PanelSurface : public PanelSurface {
+    Q_OBJECT
+
+public:
+    X11PanelSurface(QWidget &window, std::shared_ptr<const X11Connection> x11);
+
+    void place(const QRect &frame) override;
+    void orderFront() override;
+    void orderOut() override;
+    void setActiveRects(const QList<QRectF> &rects) override;
+    [[nodiscard]] bool isTranslucent() const override { return m_compositor.isRunning(); }
+    void setOutline(const QPainterPath &outline) override;
+    void takeKeyboard() override;
+    void releaseKeyboard() override;
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    [[nodiscard]] uint32_t nativeWindow() const; // 0 while there is none
+    void applyAll();
+    void applyPosition();
+    void applyActiveRects();
+    void applyOutline();
+
+    QWidget &m_window;
+    std::shared_ptr<const X11Connection> m_x11;
+    X11CompositorWatch m_compositor;
+    X11KeyboardFocus m_keyboard;
+    QRect m_frame;
+    QList<QRectF> m_activeRects;
+    QPainterPath m_outline;
+};
+
+} // namespace nubble

@@ -1,0 +1,153 @@
+#include "Platform/X11/X11Workspace.h"
+
+#include <algorithm>
+#include <limits>
+#include <unistd.h>
+
+#include "Platform/X11/X11Connection.h"
+
+namespace nubble {
+
+namespace {
+
+constexpr uint32_t fromPager = 2;
+constexpr uint32_t everyDesktop = 0xFFFFFFFF;
+constexpr uint32_t mostWindows = 4096;
+
+// Without the domain, which some toolkits add.
+QByteArray shortHostName(const QByteArray &name)
+{
+    const auto end =
+        std::find_if(name.begin(), name.end(), [](char each) { return each == '.' || each == '\0'; });
+    return name.left(end - name.begin()).toLower();
+}
+
+QByteArray thisHost()
+{
+    std::array<char, 256> name{};
+    return ::gethostname(name.data(), name.size() - 1) == 0 ? shortHostName(name.data()) : QByteArray();
+}
+
+bool isThisHost(const QByteArray &clientMachine, const QByteArray &host)
+{
+    const QByteArray name = shortHostName(clientMachine);
+    return name.isEmpty() || name == "localhost" || name == host;
+}
+
+pid_t processId(const std::vector<uint32_t> &property)
+{
+    const bool valid = property.size() == 1 && property[0] > 0
+        && property[0] <= static_cast<uint32_t>(std::numeric_limits<pid_t>::max());
+    return valid ? static_cast<pid_t>(property[0]) : 0;
+}
+
+} // namespace
+
+X11Workspace::X11Workspace(std::shared_ptr<const X11Connection> x11) : m_x11(std::move(x11)) { }
+
+std::vector<xcb_window_t> X11Workspace::managedWindows(X11Atom list) const
+{
+    return X11Property(*m_x11, m_x11->root(), m_x11->atom(list), mostWindows).numbers();
+}
+
+std::vector<pid_t> X11Workspace::owners(const std::vector<xcb_window_t> &windows) const
+{
+    std::vector<std::pair<X11Property, X11Property>> asked;
+    asked.reserve(windows.size());
+    for (const xcb_window_t window : windows)
+        asked.emplace_back(
+            X11Property(*m_x11, window, m_x11->atom(X11Atom::NetWmPid)),
+            X11Property(*m_x11, window, XCB_ATOM_WM_CLIENT_MACHINE));
+    const QByteArray host = thisHost();
+    std::vector<pid_t> result;
+    for (auto &[pid, machine] : asked)
+        result.push_back(isThisHost(machine.text(), host) ? processId(pid.numbers()) : 0);
+    return result;
+}
+
+QList<RunningApplication> X11Workspace::runningApplications() const
+{
+    const auto windows = managedWindows(X11Atom::NetClientList);
+    std::vector<X11Property> classes;
+    classes.reserve(windows.size());
+    for (const xcb_window_t window : windows)
+        classes.emplace_back(*m_x11, window, XCB_ATOM_WM_CLASS);
+    const auto pids = owners(windows);
+
+    QList<RunningApplication> result;
+    for (size_t i = 0; i < windows.size(); ++i) {
+        const auto isThis = [pid = pids[i]](const RunningApplication &each) { return each.pid == pid; };
+        if (pids[i] == 0 || std::any_of(result.begin(), result.end(), isThis))
+            continue;
+        const auto names = classes[i].text().split('\0');
+        result.append({pids[i], QString::fromUtf8(names.value(1)), QString::fromUtf8(names.value(0))});
+    }
+    return result;
+}
+
+bool X11Workspace::isRunningApplication(pid_t pid) const
+{
+    const auto pids = owners(managedWindows(X11Atom::NetClientList));
+    return pid > 0 && std::find(pids.begin(), pids.end(), pid) != pids.end();
+}
+
+std::vector<X11Workspace::Window> X11Workspace::windowsOf(pid_t pid) const
+{
+    auto windows = managedWindows(X11Atom::NetClientListStacking);
+    if (windows.empty())
+        windows = managedWindows(X11Atom::NetClientList);
+    const auto pids = owners(windows);
+
+    std::vector<Window> result;
+    for (size_t i = 0; i < windows.size(); ++i) {
+        if (pids[i] != pid)
+            continue;
+        const auto desktop = X11Property(*m_x11, windows[i], m_x11->atom(X11Atom::NetWmDesktop)).numbers();
+        const auto states = X11Property(*m_x11, windows[i], m_x11->atom(X11Atom::NetWmState)).numbers();
+        const bool iconified =
+            std::find(states.begin(), states.end(), m_x11->atom(X11Atom::NetWmStateHidden)) != states.end();
+        result.push_back({windows[i], desktop.empty() ? everyDesktop : desktop[0], iconified});
+    }
+    // Iconified windows keep their place in the order, although the user has put them away.
+    std::stable_partition(result.begin(), result.end(), [](const Window &each) { return each.iconified; });
+    return result;
+}
+
+void X11Workspace::activate(pid_t pid)
+{
+    const auto windows = pid > 0 ? windowsOf(pid) : std::vector<Window>();
+    if (windows.empty())
+        return;
+    const auto current =
+        X11Property(*m_x11, m_x11->root(), m_x11->atom(X11Atom::NetCurrentDesktop)).numbers();
+    uint32_t desktop = current.empty() ? everyDesktop : current[0];
+    const uint32_t wanted = windows.back().desktop;
+    // Some window managers do not go to another desktop for a window that is activated there.
+    if (wanted != everyDesktop && wanted != desktop) {
+        desktop = wanted;
+        m_x11->askWindowManager(m_x11->root(), X11Atom::NetCurrentDesktop, {desktop, XCB_CURRENT_TIME});
+    }
+    for (const Window &window : windows)
+        bringForward(window, desktop);
+    focus(windows.back());
+    m_x11->flush();
+}
+
+// Only what lies on the desktop in view is deiconified: activating it elsewhere would leave that desktop.
+void X11Workspace::bringForward(const Window &window, uint32_t desktop) const
+{
+    if (window.iconified && (window.desktop == desktop || window.desktop == everyDesktop))
+        focus(window);
+    else
+        m_x11->askWindowManager(
+            window.id, X11Atom::NetRestackWindow, {fromPager, XCB_WINDOW_NONE, XCB_STACK_MODE_ABOVE});
+}
+
+// As a pager and without a time, for which no window manager refuses.
+void X11Workspace::focus(const Window &window) const
+{
+    m_x11->askWindowManager(
+        window.id, X11Atom::NetActiveWindow, {fromPager, XCB_CURRENT_TIME, XCB_WINDOW_NONE});
+}
+
+} // namespace nubble

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+#include <xcb/xcb.h>
+
+#include "Platform/Workspace.h"
+
+namespace nubble {
+
+class X11Connection;
+enum class X11Atom;
+
+// The applications of an EWMH window manager. What the windows say of themselves is read afresh at each call
+// and believed only as far as it makes sense.
+class X11Workspace : public Workspace {
+public:
+    explicit X11Workspace(std::shared_ptr<const X11Connection> x11);
+
+    [[nodiscard]] QList<RunningApplication> runningApplications() const override;
+    [[nodiscard]] bool isRunningApplication(pid_t pid) const override;
+    void activate(pid_t pid) override;
+
+private:
+    struct Window {
+        xcb_window_t id = XCB_WINDOW_NONE;
+        uint32_t desktop = 0;
+        bool iconified = false;
+    };
+
+    [[nodiscard]] std::vector<xcb_window_t> managedWindows(X11Atom list) const;
+    [[nodiscard]] std::vector<pid_t> owners(const std::vector<xcb_window_t> &windows) const; // 0: unknown
+    [[nodiscard]] std::vector<Window> windowsOf(pid_t pid) const; // the one used last comes last
+    void bringForward(const Window &window, uint32_t desktop) const;
+    void focus(const Window &window) const;
+
+    std::shared_ptr<const X11Connection> m_x11;
+};
+
+} // namespace nubble
