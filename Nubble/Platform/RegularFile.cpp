@@ -2,6 +2,7 @@
 
 #include <QFile>
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -9,14 +10,11 @@
 
 namespace nubble {
 
-namespace {
-
-qint64 modifiedNsecsOf(const struct stat &info)
+qint64 nsecsSinceEpoch(const timespec &time)
 {
-    return info.st_mtim.tv_sec * 1'000'000'000 + info.st_mtim.tv_nsec;
+    constexpr qint64 lastSecond = 9'000'000'000;
+    return std::clamp<qint64>(time.tv_sec, -lastSecond, lastSecond) * 1'000'000'000 + time.tv_nsec;
 }
-
-} // namespace
 
 RegularFile::RegularFile(int descriptor, qint64 size, qint64 modifiedNsecs)
     : m_descriptor(descriptor)
@@ -42,7 +40,7 @@ std::optional<RegularFile> RegularFile::open(const char *name, int folder)
         ::close(descriptor);
         return std::nullopt;
     }
-    return RegularFile(descriptor, info.st_size, modifiedNsecsOf(info));
+    return RegularFile(descriptor, info.st_size, nsecsSinceEpoch(info.st_mtim));
 }
 
 std::optional<RegularFile> RegularFile::open(const QString &path)
@@ -55,7 +53,7 @@ std::optional<FileStamp> RegularFile::stampOf(const char *path)
     struct stat info {};
     if (::stat(path, &info) != 0 || !S_ISREG(info.st_mode))
         return std::nullopt;
-    return FileStamp {modifiedNsecsOf(info), info.st_size};
+    return FileStamp {nsecsSinceEpoch(info.st_mtim), info.st_size};
 }
 
 std::optional<QByteArray> RegularFile::read(qint64 offset, qint64 length) const

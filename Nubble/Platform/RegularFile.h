@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <ctime>
 #include <optional>
 #include <utility>
 
@@ -15,6 +16,9 @@ struct FileStamp {
 
     bool operator==(const FileStamp &) const = default;
 };
+
+// Since 1970, held within the range of the type: a file can claim any year.
+[[nodiscard]] qint64 nsecsSinceEpoch(const timespec &time);
 
 // A regular file opened for reading: never a FIFO, folder or device, and never one that blocks while it is opened.
 // Reads are bounded by the caller. Every failure is an absent value. Any thread.
