@@ -64,6 +64,15 @@ Backend makeX11Backend(const std::shared_ptr<const X11Connection> &x11)
 
 } // namespace
 
+std::optional<QByteArray> qtPlatform()
+{
+    if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        return QByteArray();
+    if (X11Connection::isServerThere())
+        return "xcb";
+    return qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ? std::nullopt : std::optional(QByteArray());
+}
+
 Backend makeBackend(const Home &home)
 {
     const auto x11 = X11Connection::ofThisProgram(); // null on every other platform of Qt

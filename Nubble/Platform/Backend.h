@@ -1,7 +1,10 @@
 #pragma once
 
+#include <QByteArray>
+
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "Platform/DesktopPreferences.h"
 #include "Platform/MouseMonitor.h"
@@ -19,6 +22,10 @@ struct Backend {
     std::unique_ptr<DesktopPreferences> preferences;
     std::function<std::unique_ptr<PanelSurface>(QWidget &)> makePanelSurface;
 };
+
+// The platform plugin that Qt is to be started with: X11 wherever there is an X server, unless the user has chosen (then
+// it is empty). None when there is no display. Asked before the application object is made.
+[[nodiscard]] std::optional<QByteArray> qtPlatform();
 
 // To be called once, after the application object has been made. Where there is no backend for Qt's platform
 // the panel is a plain window on top of others, and there are no applications. Main thread only.

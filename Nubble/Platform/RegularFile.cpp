@@ -2,12 +2,19 @@
 
 #include <QFile>
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace nubble {
+
+qint64 nsecsSinceEpoch(const timespec &time)
+{
+    constexpr qint64 lastSecond = 9'000'000'000;
+    return std::clamp<qint64>(time.tv_sec, -lastSecond, lastSecond) * 1'000'000'000 + time.tv_nsec;
+}
 
 RegularFile::RegularFile(int descriptor, qint64 size, qint64 modifiedNsecs)
     : m_descriptor(descriptor)
@@ -33,12 +40,20 @@ std::optional<RegularFile> RegularFile::open(const char *name, int folder)
         ::close(descriptor);
         return std::nullopt;
     }
-    return RegularFile(descriptor, info.st_size, info.st_mtim.tv_sec * 1'000'000'000 + info.st_mtim.tv_nsec);
+    return RegularFile(descriptor, info.st_size, nsecsSinceEpoch(info.st_mtim));
 }
 
 std::optional<RegularFile> RegularFile::open(const QString &path)
 {
     return open(QFile::encodeName(path).constData(), AT_FDCWD);
+}
+
+std::optional<FileStamp> RegularFile::stampOf(const char *path)
+{
+    struct stat info {};
+    if (::stat(path, &info) != 0 || !S_ISREG(info.st_mode))
+        return std::nullopt;
+    return FileStamp {nsecsSinceEpoch(info.st_mtim), info.st_size};
 }
 
 std::optional<QByteArray> RegularFile::read(qint64 offset, qint64 length) const

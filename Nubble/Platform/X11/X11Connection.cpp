@@ -38,6 +38,16 @@ xcb_screen_t *screenAt(xcb_connection_t *connection, int number)
 
 } // namespace
 
+bool X11Connection::isServerThere()
+{
+    if (qEnvironmentVariableIsEmpty("DISPLAY"))
+        return false;
+    xcb_connection_t *connection = xcb_connect(nullptr, nullptr);
+    const bool reached = xcb_connection_has_error(connection) == 0;
+    xcb_disconnect(connection);
+    return reached;
+}
+
 std::shared_ptr<const X11Connection> X11Connection::ofThisProgram()
 {
     const auto *application =

@@ -35,6 +35,9 @@ enum class X11Atom {
 // Qt's own connection to the X server, with the names that this backend needs. Main thread only.
 class X11Connection {
 public:
+    // Whether the display that the environment names can be reached; Qt would end the program if not.
+    [[nodiscard]] static bool isServerThere();
+
     // Null unless Qt runs on X11.
     [[nodiscard]] static std::shared_ptr<const X11Connection> ofThisProgram();
 

@@ -1,0 +1,91 @@
+#include "AppDelegate.h"
+
+#include <QCoreApplication>
+#include <QJsonDocument>
+#include <QMenu>
+
+#include "NotchMenu.h"
+#include "Panel/Typography.h"
+#include "StatusReport.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nubble {
+
+AppDelegate::AppDelegate(const Home &home, SessionBus &bus)
+    : m_bus(bus)
+    , m_relaunch(Relaunch::ofThisProcess())
+    , m_defaults(Defaults::fileOf(u"com.brevandel.nubble"_s, home.configFolder()))
+    , m_addons(m_defaults)
+    , m_backend(makeBackend(home))
+    , m_layout(Typography::percentLineHeight(), false, static_cast<int>(m_addons.actions().size()))
+    , m_placement(m_defaults, m_layout)
+    , m_sessionMonitor(
+          home.file(u".claude/sessions"_s), home.file(u".claude/projects"_s), m_processes, m_clock)
+    , m_activator(*m_backend.workspace)
+    , m_panel(
+          {
+              .sessionMonitor = m_sessionMonitor,
+              .panelState = m_panelState,
+              .placement = m_placement,
+              .layout = m_layout,
+              .mainScreen = m_mainScreen,
+              .clock = m_clock,
+              .preferences = *m_backend.preferences,
+              .activator = m_activator,
+              .notifications = m_notifications,
+              .actions = m_addons.actions(),
+          },
+          m_backend.makePanelSurface)
+    , m_commands(m_placement, m_mainScreen, m_defaults, m_addons, m_sessionMonitor)
+{
+    observeState();
+}
+
+void AppDelegate::observeState()
+{
+    connect(m_backend.mouseMonitor.get(), &MouseMonitor::pressedElsewhere, &m_panelState, &PanelState::collapse);
+    connect(&m_panel.view(), &NotchView::menuRequested, this, &AppDelegate::showMenu);
+    connect(&m_commands, &AppCommands::restartRequested, this, &AppDelegate::restart);
+    connect(&m_commands, &AppCommands::quitRequested, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+}
+
+void AppDelegate::show()
+{
+    m_placement.setVisible(true);
+    m_panel.applyPlacement();
+}
+
+void AppDelegate::openSessions()
+{
+    show();
+    m_panel.openForKeyboard(PanelMode::sessions());
+}
+
+QString AppDelegate::status()
+{
+    QJsonObject report = statusReport(m_sessionMonitor, m_clock);
+    report.insert("source"_L1, u"running"_s);
+    report.insert("panel"_L1, panelReport(m_panelState, m_placement));
+    return QString::fromUtf8(QJsonDocument(report).toJson(QJsonDocument::Compact));
+}
+
+void AppDelegate::showMenu(const QPoint &screenPosition)
+{
+    auto *menu = new QMenu(&m_panel.view());
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    const MenuState state {
+        .edge = m_placement.edge(), .locked = m_placement.isLocked(), .addons = m_addons};
+    fill(*menu, notchMenu(state, m_commands));
+    menu->popup(screenPosition);
+}
+
+void AppDelegate::restart()
+{
+    // The successor must find the name free.
+    m_bus.release();
+    m_relaunch.now();
+    QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+}
+
+} // namespace nubble

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QObject>
+
+#include "AppCommands.h"
+#include "Notch/PanelWindow.h"
+#include "Panel/Layout.h"
+#include "Panel/MainScreen.h"
+#include "Panel/NotchPlacement.h"
+#include "Panel/PanelState.h"
+#include "Platform/Backend.h"
+#include "Platform/Clock.h"
+#include "Platform/Freedesktop/SessionBus.h"
+#include "Platform/Home.h"
+#include "Platform/Linux/LinuxProcessTable.h"
+#include "Sessions/ProcessActivator.h"
+#include "Sessions/SessionMonitor.h"
+#include "Shell/Addon.h"
+#include "Shell/Defaults.h"
+#include "Shell/NotificationCenter.h"
+#include "Shell/Relaunch.h"
+
+namespace nubble {
+
+// The composition root: owns every service, model and window for the whole run, in the order in which they are built, and
+// wires them. Main thread only.
+class AppDelegate : public QObject {
+    Q_OBJECT
+
+public:
+    // `bus` owns the program's name, which a restart gives up; it outlives the delegate.
+    AppDelegate(const Home &home, SessionBus &bus);
+
+    void show();
+    void openSessions();
+    [[nodiscard]] QString status(); // JSON
+
+private:
+    void observeState();
+    void showMenu(const QPoint &screenPosition);
+    void restart();
+
+    SessionBus &m_bus;
+    Relaunch m_relaunch;
+    SystemClock m_clock;
+    LinuxProcessTable m_processes;
+    Defaults m_defaults;
+    ActiveAddons m_addons;
+    Backend m_backend;
+    Layout m_layout;
+    MainScreen m_mainScreen;
+    NotchPlacement m_placement;
+    PanelState m_panelState;
+    NotificationCenter m_notifications;
+    SessionMonitor m_sessionMonitor;
+    ProcessActivator m_activator;
+    PanelWindow m_panel;
+    AppCommands m_commands;
+};
+
+} // namespace nubble

@@ -1,0 +1,190 @@
+#include "Notch/CardHost.h"
+
+#include <QEvent>
+#include <QWidget>
+
+#include <algorithm>
+
+#include "Notch/CardTransition.h"
+#include "Panel/Layout.h"
+#include "Panel/TooltipShell.h"
+#include "Platform/DesktopPreferences.h"
+
+namespace nubble {
+
+namespace {
+
+// The nearest start at which a span of that length lies within the range; a longer one starts where the range does.
+double fitted(double start, double length, double rangeStart, double rangeEnd)
+{
+    return std::max(rangeStart, std::min(start, rangeEnd - length));
+}
+
+// A card's frame stands at its place beside the body, as near to the ring as the card's area allows.
+QRectF placed(const QSizeF &size, const PanelGeometry &geometry)
+{
+    const QRectF &area = geometry.cardArea;
+    QRectF frame(QPointF(), size);
+    frame.moveCenter(geometry.ringCenter);
+    switch (geometry.edge) {
+    case NotchEdge::Right:
+        frame.moveRight(area.right() - Layout::cardGap);
+        break;
+    case NotchEdge::Left:
+        frame.moveLeft(area.left() + Layout::cardGap);
+        break;
+    case NotchEdge::Top:
+        frame.moveTop(area.top() + Layout::cardGap);
+        break;
+    case NotchEdge::Bottom:
+        frame.moveBottom(area.bottom() - Layout::cardGap);
+        break;
+    }
+    const double shadow = Layout::cardPadding; // may leave the card's area
+    if (isVertical(geometry.edge))
+        frame.moveTop(fitted(frame.top(), size.height(), area.top() - shadow, area.bottom() + shadow));
+    else
+        frame.moveLeft(fitted(frame.left(), size.width(), area.left() - shadow, area.right() + shadow));
+    return frame;
+}
+
+} // namespace
+
+CardHost::CardHost(QWidget *view, const DesktopPreferences &preferences)
+    : QObject(view)
+    , m_view(view)
+    , m_preferences(preferences)
+{
+}
+
+void CardHost::setCard(PanelMode::Card card, CardFactory make)
+{
+    m_factories.insert(card, std::move(make));
+}
+
+void CardHost::show(PanelMode mode)
+{
+    if (mode.card == m_card)
+        return;
+    close();
+    m_card = mode.card;
+    open(mode.card);
+    Q_EMIT outlineChanged();
+}
+
+void CardHost::open(PanelMode::Card card)
+{
+    if (!hasCard(card))
+        return;
+    m_shell = new TooltipShell(m_factories.value(card)(), m_geometry.edge, m_translucent, m_view);
+    m_shell->installEventFilter(this);
+    connect(m_shell, &TooltipShell::contentResized, this, [this] {
+        layOut();
+        Q_EMIT outlineChanged();
+    });
+    layOut();
+    m_shell->show();
+    if (animates())
+        CardTransition::run(m_shell, towardsBody(), CardTransition::Direction::In);
+}
+
+void CardHost::close()
+{
+    if (!m_shell)
+        return;
+    m_shell->removeEventFilter(this);
+    m_shell->disconnect(this);
+    m_shell->setAttribute(Qt::WA_TransparentForMouseEvents);
+    m_shell->setEnabled(false);
+    if (animates()) {
+        CardTransition::run(m_shell, towardsBody(), CardTransition::Direction::Out);
+    } else {
+        m_shell->hide();
+        m_shell->deleteLater();
+    }
+    m_shell = nullptr;
+    Q_EMIT hoveredChanged(false);
+}
+
+void CardHost::layOut()
+{
+    CardTransition::cutShort(m_shell);
+    const QRect frame(placed(m_shell->sizeHint(), m_geometry).topLeft().toPoint(), m_shell->sizeHint());
+    m_shell->setGeometry(frame);
+    const QPointF card = m_shell->cardRect().topLeft() + frame.topLeft();
+    const QPointF ring = m_geometry.ringCenter - card;
+    m_shell->setTailAlong(isVertical(m_geometry.edge) ? ring.y() : ring.x());
+}
+
+void CardHost::setGeometry(const PanelGeometry &geometry)
+{
+    const bool turned = geometry.edge != m_geometry.edge;
+    m_geometry = geometry;
+    if (!m_shell)
+        return;
+    if (!turned) {
+        layOut();
+        return;
+    }
+    // The frame belongs to an edge: on another one it is made again.
+    m_shell->hide();
+    m_shell->deleteLater();
+    m_shell = nullptr;
+    open(m_card);
+}
+
+void CardHost::setTranslucent(bool translucent)
+{
+    m_translucent = translucent;
+    if (m_shell)
+        m_shell->setTranslucent(translucent);
+}
+
+QPainterPath CardHost::outline() const
+{
+    return m_shell ? m_shell->outline() : QPainterPath();
+}
+
+void CardHost::focusFirstControl()
+{
+    if (!m_shell)
+        return;
+    for (QWidget *control : m_shell->findChildren<QWidget *>()) {
+        if (control->focusPolicy() & Qt::TabFocus && control->isVisible()) {
+            control->setFocus(Qt::TabFocusReason);
+            return;
+        }
+    }
+}
+
+bool CardHost::animates() const
+{
+    // A window that is cut to its outline has nothing to fade into.
+    return m_translucent && !m_preferences.reducedMotion();
+}
+
+QPoint CardHost::towardsBody() const
+{
+    switch (m_geometry.edge) {
+    case NotchEdge::Right:
+        return {1, 0};
+    case NotchEdge::Left:
+        return {-1, 0};
+    case NotchEdge::Top:
+        return {0, -1};
+    case NotchEdge::Bottom:
+        break;
+    }
+    return {0, 1};
+}
+
+bool CardHost::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_shell && event->type() == QEvent::Enter)
+        Q_EMIT hoveredChanged(true);
+    if (watched == m_shell && event->type() == QEvent::Leave)
+        Q_EMIT hoveredChanged(false);
+    return QObject::eventFilter(watched, event);
+}
+
+} // namespace nubble

@@ -1,0 +1,171 @@
+#include "Notch/ClaudeCell.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <chrono>
+
+#include "Notch/StatusRing.h"
+#include "Panel/Layout.h"
+#include "Panel/Palette.h"
+#include "Panel/Typography.h"
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace nubble {
+
+namespace {
+
+constexpr qint64 turnMsecs = 1400;
+constexpr double gapBelowRing = 269.0 / 45.0; // what the ring with its percentage is longer than the two
+constexpr double hoverMargin = 6;
+
+// From the ring's centre to that of the percentage: below the ring, or above it where below is the screen's edge.
+double percentDistance(NotchEdge edge, double lineHeight)
+{
+    const double distance = Layout::ringDiameter / 2 + gapBelowRing + lineHeight / 2;
+    return edge == NotchEdge::Bottom ? -distance : distance;
+}
+
+QString activityText(RunState activity, bool waiting)
+{
+    if (waiting)
+        return u"a session waits for you"_s;
+    switch (activity) {
+    case RunState::Working:
+        return u"working"_s;
+    case RunState::Completed:
+        return u"just finished"_s;
+    case RunState::Idle:
+        break;
+    }
+    return u"idle"_s;
+}
+
+} // namespace
+
+ClaudeCell::ClaudeCell(QWidget *parent)
+    : QAbstractButton(parent)
+{
+    setFocusPolicy(Qt::TabFocus);
+    m_frame.setTimerType(Qt::PreciseTimer);
+    m_frame.setInterval(16ms);
+    connect(&m_frame, &QTimer::timeout, this, [this] { update(ringArea()); });
+    describe();
+}
+
+void ClaudeCell::placeAround(const QPointF &ringCenter, NotchEdge edge, double percentLineHeight)
+{
+    const double half = Layout::ringDiameter / 2;
+    const QRectF ring(ringCenter - QPointF(half, half), QSizeF(2 * half, 2 * half));
+    QRectF percent(0, 0, 2 * half + 2 * hoverMargin, percentLineHeight);
+    percent.moveCenter(ringCenter + QPointF(0, percentDistance(edge, percentLineHeight)));
+    setGeometry(ring.marginsAdded({hoverMargin, hoverMargin, hoverMargin, hoverMargin}).united(percent).toAlignedRect());
+    m_center = ringCenter - pos();
+    m_percentRect = percent.translated(-pos());
+    update();
+}
+
+void ClaudeCell::setActivity(RunState activity, bool waiting)
+{
+    if (m_activity == activity && m_waiting == waiting)
+        return;
+    m_activity = activity;
+    m_waiting = waiting;
+    describe();
+    animateIfNeeded();
+    update();
+}
+
+void ClaudeCell::setFraction(std::optional<double> fraction)
+{
+    if (m_fraction == fraction)
+        return;
+    m_fraction = fraction;
+    describe();
+    update();
+}
+
+void ClaudeCell::setMotionReduced(bool reduced)
+{
+    m_motionReduced = reduced;
+    animateIfNeeded();
+    update();
+}
+
+QRect ClaudeCell::ringArea() const
+{
+    const double half = Layout::ringDiameter / 2 + 1;
+    return QRectF(m_center - QPointF(half, half), QSizeF(2 * half, 2 * half)).toAlignedRect();
+}
+
+QString ClaudeCell::percentText() const
+{
+    return m_fraction ? QString::number(static_cast<int>(std::clamp(*m_fraction, 0.0, 1.0) * 100)) : QString();
+}
+
+void ClaudeCell::animateIfNeeded()
+{
+    const bool turns = m_activity == RunState::Working && !m_motionReduced && isVisible();
+    if (turns == m_frame.isActive())
+        return;
+    if (turns) {
+        m_turning.start();
+        m_frame.start();
+    } else {
+        m_frame.stop();
+    }
+}
+
+void ClaudeCell::describe()
+{
+    const QString used = m_fraction ? u", %1 % of the plan used"_s.arg(percentText()) : QString();
+    setAccessibleName(u"Claude sessions: "_s + activityText(m_activity, m_waiting) + used);
+    setToolTip(accessibleName());
+}
+
+void ClaudeCell::enterEvent(QEnterEvent *event)
+{
+    Q_EMIT hoveredChanged(true);
+    QAbstractButton::enterEvent(event);
+}
+
+void ClaudeCell::leaveEvent(QEvent *event)
+{
+    Q_EMIT hoveredChanged(false);
+    QAbstractButton::leaveEvent(event);
+}
+
+void ClaudeCell::showEvent(QShowEvent *)
+{
+    animateIfNeeded();
+}
+
+void ClaudeCell::hideEvent(QHideEvent *)
+{
+    animateIfNeeded();
+}
+
+void ClaudeCell::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (m_activity == RunState::Working)
+        drawActivityArc(painter, m_center,
+            m_frame.isActive() ? static_cast<double>(m_turning.elapsed() % turnMsecs) / turnMsecs : 0);
+    else
+        drawStatusRing(painter, m_center, m_activity, m_fraction);
+    if (m_waiting)
+        drawWaitingBadge(painter, m_center);
+    if (hasFocus()) {
+        painter.setPen(QPen(Palette::focus, 1.5));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawEllipse(m_center, Layout::ringDiameter / 2 + 2.5, Layout::ringDiameter / 2 + 2.5);
+    }
+    painter.setFont(Typography::percent());
+    painter.setPen(Palette::textPrimary);
+    Typography::drawTabular(painter, m_percentRect, Qt::AlignHCenter, percentText());
+}
+
+} // namespace nubble

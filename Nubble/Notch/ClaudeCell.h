@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QAbstractButton>
+#include <QElapsedTimer>
+#include <QTimer>
+
+#include <optional>
+
+#include "Panel/NotchEdge.h"
+#include "Sessions/RunState.h"
+
+namespace nubble {
+
+// The status ring with the percentage of the plan below it, a button that opens the sessions card. Repaints only when
+// something that it shows changes, and at every frame while something works.
+class ClaudeCell : public QAbstractButton {
+    Q_OBJECT
+
+public:
+    explicit ClaudeCell(QWidget *parent = nullptr);
+
+    // Takes the place of the ring whose centre is `ringCenter`, in the parent's coordinates.
+    void placeAround(const QPointF &ringCenter, NotchEdge edge, double percentLineHeight);
+
+    void setActivity(RunState activity, bool waiting);
+    void setFraction(std::optional<double> fraction); // of the plan's session window; above 1 shows as 1
+    void setMotionReduced(bool reduced);
+
+Q_SIGNALS:
+    void hoveredChanged(bool hovered);
+
+protected:
+    void enterEvent(QEnterEvent *event) override;
+    void leaveEvent(QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    [[nodiscard]] QRect ringArea() const;
+    [[nodiscard]] QString percentText() const;
+    void animateIfNeeded();
+    void describe();
+
+    QPointF m_center;    // of the ring, in the cell's coordinates
+    QRectF m_percentRect;
+    RunState m_activity = RunState::Idle;
+    bool m_waiting = false;
+    std::optional<double> m_fraction;
+    bool m_motionReduced = false;
+    QTimer m_frame;
+    QElapsedTimer m_turning;
+};
+
+} // namespace nubble

@@ -1,0 +1,96 @@
+#include "Notch/StatusRing.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include "Panel/Layout.h"
+#include "Panel/Palette.h"
+
+namespace nubble {
+
+namespace {
+
+constexpr double stroke = 2.75;
+constexpr double radius = (Layout::ringDiameter - stroke) / 2;
+
+QRectF circle(const QPointF &center, double r)
+{
+    return {center.x() - r, center.y() - r, 2 * r, 2 * r};
+}
+
+// A part of the ring, clockwise from the top; both in turns.
+void drawArc(QPainter &painter, const QPointF &center, const QColor &color, double start, double length)
+{
+    painter.setPen(QPen(color, stroke, Qt::SolidLine, Qt::RoundCap));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawArc(circle(center, radius), qRound((0.25 - start) * 360 * 16), qRound(-length * 360 * 16));
+}
+
+void drawTrack(QPainter &painter, const QPointF &center)
+{
+    painter.setPen(QPen(Palette::ringTrack, stroke));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawEllipse(circle(center, radius));
+}
+
+// Eight petals around an open middle.
+void drawGlyph(QPainter &painter, const QPointF &center, const QColor &color)
+{
+    painter.setPen(QPen(color, 1.7, Qt::SolidLine, Qt::RoundCap));
+    for (int ray = 0; ray < 8; ++ray) {
+        const double angle = ray * std::numbers::pi / 4;
+        const QPointF direction(std::cos(angle), std::sin(angle));
+        const double length = ray % 2 == 0 ? 5.6 : 4.7;
+        painter.drawLine(center + direction * 1.9, center + direction * length);
+    }
+}
+
+void drawCheckMark(QPainter &painter, const QPointF &center, const QColor &color)
+{
+    painter.setPen(QPen(color, 2.3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setBrush(Qt::NoBrush);
+    const QPointF points[] {center + QPointF(-4.6, 0.4), center + QPointF(-1.4, 3.6), center + QPointF(4.7, -3.2)};
+    painter.drawPolyline(points, 3);
+}
+
+QColor levelColor(double fraction)
+{
+    if (fraction < 0.5)
+        return Palette::ample;
+    return fraction < 0.7 ? Palette::watch : Palette::critical;
+}
+
+} // namespace
+
+void drawStatusRing(QPainter &painter, const QPointF &center, RunState activity, std::optional<double> fraction)
+{
+    if (activity == RunState::Completed) {
+        drawArc(painter, center, Palette::ample, 0, 1);
+        drawCheckMark(painter, center, Palette::ample);
+        return;
+    }
+    drawTrack(painter, center);
+    if (const double used = std::clamp(fraction.value_or(0), 0.0, 1.0); used > 0)
+        drawArc(painter, center, levelColor(used), 0, used);
+    drawGlyph(painter, center, Palette::textSecondary);
+}
+
+void drawActivityArc(QPainter &painter, const QPointF &center, double turn)
+{
+    drawTrack(painter, center);
+    drawArc(painter, center, Palette::bronze, turn, 0.25);
+    drawGlyph(painter, center, Palette::bronze);
+}
+
+void drawWaitingBadge(QPainter &painter, const QPointF &center)
+{
+    const QPointF corner = center + QPointF(1, -1) * (radius * std::numbers::sqrt2 / 2);
+    painter.setPen(QPen(Palette::body, 2));
+    painter.setBrush(Palette::badge);
+    painter.drawEllipse(circle(corner, 4.5));
+}
+
+} // namespace nubble

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QScrollArea>
+
+namespace nubble {
+
+// As tall as its content, up to a limit beyond which the content scrolls.
+class CappedScroll : public QScrollArea {
+    Q_OBJECT
+
+public:
+    CappedScroll(QWidget *content, int maxHeight, QWidget *parent = nullptr);
+
+    [[nodiscard]] QSize sizeHint() const override;
+
+Q_SIGNALS:
+    void heightChanged();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
+
+private:
+    void fit();
+
+    int m_maxHeight;
+};
+
+} // namespace nubble

@@ -1,0 +1,86 @@
+#include "Panel/NotchButton.h"
+
+#include <QPainter>
+
+#include "Panel/Layout.h"
+#include "Panel/Palette.h"
+#include "Panel/Symbols.h"
+
+namespace nubble {
+
+NotchButton::NotchButton(const QString &symbol, const QString &helpText, QWidget *parent)
+    : QAbstractButton(parent), m_symbol(symbol), m_tint(Palette::textPrimary)
+{
+    setHelpText(helpText);
+    setFocusPolicy(Qt::TabFocus);
+    m_hover.setStartValue(0.0);
+    m_hover.setEndValue(1.0);
+    m_hover.setDuration(120);
+    connect(&m_hover, &QVariantAnimation::valueChanged, this, qOverload<>(&QWidget::update));
+}
+
+void NotchButton::setSymbol(const QString &symbol)
+{
+    if (m_symbol == symbol)
+        return;
+    m_symbol = symbol;
+    update();
+}
+
+void NotchButton::setHelpText(const QString &helpText)
+{
+    setToolTip(helpText);
+    setAccessibleName(helpText);
+}
+
+void NotchButton::setTint(const QColor &tint)
+{
+    if (m_tint == tint)
+        return;
+    m_tint = tint;
+    update();
+}
+
+QSize NotchButton::sizeHint() const
+{
+    const int side = qCeil(Layout::actionButton);
+    return {side, side};
+}
+
+void NotchButton::enterEvent(QEnterEvent *event)
+{
+    m_hover.setDirection(QAbstractAnimation::Forward);
+    m_hover.start();
+    QAbstractButton::enterEvent(event);
+}
+
+void NotchButton::leaveEvent(QEvent *event)
+{
+    m_hover.setDirection(QAbstractAnimation::Backward);
+    m_hover.start();
+    QAbstractButton::leaveEvent(event);
+}
+
+void NotchButton::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const double side = Layout::actionButton;
+    QRectF circle(0, 0, side, side);
+    circle.moveCenter(QRectF(rect()).center());
+
+    const double lifted = isDown() ? 1.6 : m_hover.currentValue().toDouble();
+    QColor fill = Palette::control;
+    fill.setAlphaF(fill.alphaF() + static_cast<float>(lifted) * Palette::hover.alphaF());
+    painter.setPen(hasFocus() ? QPen(Palette::focus, 1.5) : QPen(Qt::NoPen));
+    painter.setBrush(fill);
+    painter.drawEllipse(circle.adjusted(0.75, 0.75, -0.75, -0.75));
+
+    QColor tint = m_tint;
+    if (!isEnabled())
+        tint.setAlphaF(tint.alphaF() * 0.4F);
+    const double inset = side * 0.23;
+    Symbols::draw(painter, m_symbol, circle.adjusted(inset, inset, -inset, -inset), tint);
+}
+
+} // namespace nubble

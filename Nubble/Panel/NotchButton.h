@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QAbstractButton>
+#include <QColor>
+#include <QVariantAnimation>
+
+namespace nubble {
+
+// A round button with a symbol, for the body and for cards. Lifts under the pointer and shows the keyboard's
+// focus; the help text is its tool tip and its accessible name.
+class NotchButton : public QAbstractButton {
+    Q_OBJECT
+
+public:
+    NotchButton(const QString &symbol, const QString &helpText, QWidget *parent = nullptr);
+
+    void setSymbol(const QString &symbol);
+    void setHelpText(const QString &helpText);
+    void setTint(const QColor &tint);
+
+    [[nodiscard]] QSize sizeHint() const override;
+
+protected:
+    void enterEvent(QEnterEvent *event) override;
+    void leaveEvent(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QString m_symbol;
+    QColor m_tint;
+    QVariantAnimation m_hover; // 0 at rest to 1 under the pointer
+};
+
+} // namespace nubble

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QString>
+
+#include <array>
+#include <optional>
+
+namespace nubble {
+
+// The screen edge that the panel sits on.
+enum class NotchEdge { Right, Left, Top, Bottom };
+
+inline constexpr std::array allEdges{NotchEdge::Right, NotchEdge::Left, NotchEdge::Top, NotchEdge::Bottom};
+
+[[nodiscard]] QString rawValue(NotchEdge edge); // how it is stored
+[[nodiscard]] std::optional<NotchEdge> edgeFrom(const QString &rawValue);
+[[nodiscard]] QString title(NotchEdge edge); // for menus
+
+// Whether the panel runs from top to bottom.
+[[nodiscard]] constexpr bool isVertical(NotchEdge edge)
+{
+    return edge == NotchEdge::Right || edge == NotchEdge::Left;
+}
+
+} // namespace nubble

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QColor>
+
+namespace nubble::Palette {
+
+// Named colour roles, sRGB. Nothing on the panel is drawn in any other colour.
+inline constexpr QColor body{0, 0, 0};
+inline constexpr QColor card{19, 19, 21, 240};
+inline constexpr QColor cardLine{255, 255, 255, 20};
+inline constexpr QColor shadow{0, 0, 0};
+inline constexpr QColor control{255, 255, 255, 18}; // fill below a control's symbol
+inline constexpr QColor hover{255, 255, 255, 26};   // what the pointer adds to a fill
+inline constexpr QColor focus{122, 170, 255};
+inline constexpr QColor ringTrack{255, 255, 255, 46};
+inline constexpr QColor barTrack{255, 255, 255, 31};
+inline constexpr QColor ample{0, 255, 136};
+inline constexpr QColor watch{242, 255, 0};
+inline constexpr QColor critical{255, 63, 0};
+inline constexpr QColor badge{255, 176, 32};  // something waits for the user
+inline constexpr QColor bronze{222, 138, 92}; // something works
+inline constexpr QColor quenwick{150, 122, 255};
+inline constexpr QColor textPrimary{255, 255, 255, 235};
+inline constexpr QColor textSecondary{255, 255, 255, 153};
+
+} // namespace nubble::Palette

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QFont>
+#include <QString>
+
+class QPainter;
+class QRectF;
+
+namespace nubble {
+
+// The program's fonts: Inter where it is installed, else the system's. Sizes are device-independent pixels at
+// any screen scale and font resolution. Needs a QGuiApplication; main thread only.
+namespace Typography {
+
+[[nodiscard]] QFont percent(); // the number below the status ring
+[[nodiscard]] QFont cardTitle();
+[[nodiscard]] QFont rowTitle();
+[[nodiscard]] QFont cardBody();
+[[nodiscard]] QFont caption();
+
+// The height of one line of `percent()`, whole pixels.
+[[nodiscard]] double percentLineHeight();
+
+// Draws one line whose digits are all of the same width, so that changing numbers do not jitter.
+void drawTabular(QPainter &painter, const QRectF &rect, Qt::Alignment alignment, const QString &text);
+
+// The width of that line in the painter's font.
+[[nodiscard]] double tabularWidth(const QPainter &painter, const QString &text);
+
+} // namespace Typography
+
+} // namespace nubble

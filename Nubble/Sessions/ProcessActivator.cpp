@@ -1,0 +1,75 @@
+#include "Sessions/ProcessActivator.h"
+
+#include <QProcess>
+
+#include <algorithm>
+#include <chrono>
+
+#include "Platform/MainThread.h"
+#include "Platform/Workspace.h"
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace nubble {
+
+namespace {
+
+constexpr int mostAncestors = 24;
+constexpr std::chrono::milliseconds longestLookup = 2s;
+
+} // namespace
+
+ProcessActivator::ProcessActivator(Workspace &workspace, ParentLookup parentOf)
+    : m_workspace(workspace), m_parentOf(std::move(parentOf))
+{
+}
+
+void ProcessActivator::activate(pid_t pid)
+{
+    assertMainThread("Nubble/Sessions/ProcessActivator");
+    auto application = ownerApplicationPid(pid);
+    if (!application)
+        application = claudeDesktop();
+    if (application)
+        m_workspace.activate(*application);
+}
+
+std::optional<pid_t> ProcessActivator::ownerApplicationPid(pid_t pid) const
+{
+    for (int budget = mostAncestors; !m_workspace.isRunningApplication(pid); --budget) {
+        const auto parent = m_parentOf(pid);
+        if (!parent || *parent < 2 || *parent == pid || budget == 0)
+            return std::nullopt;
+        pid = *parent;
+    }
+    return pid;
+}
+
+std::optional<pid_t> ProcessActivator::claudeDesktop() const
+{
+    const auto applications = m_workspace.runningApplications();
+    const auto found =
+        std::find_if(applications.begin(), applications.end(), [](const RunningApplication &each) {
+            return each.pid != QCoreApplication::applicationPid()
+                && (each.identifier.contains("claude"_L1, Qt::CaseInsensitive) || each.name == "Claude"_L1);
+        });
+    return found == applications.end() ? std::nullopt : std::optional(found->pid);
+}
+
+std::optional<pid_t> ProcessActivator::parentPid(pid_t pid)
+{
+    QProcess ps;
+    ps.setStandardInputFile(QProcess::nullDevice());
+    ps.start(u"/bin/ps"_s, {u"-o"_s, u"ppid="_s, u"-p"_s, QString::number(pid)});
+    if (!ps.waitForFinished(static_cast<int>(longestLookup.count()))) {
+        ps.kill();
+        ps.waitForFinished(static_cast<int>(longestLookup.count()));
+        return std::nullopt;
+    }
+    bool isNumber = false;
+    const pid_t parent = QString::fromUtf8(ps.readAllStandardOutput()).trimmed().toInt(&isNumber);
+    return isNumber ? std::optional(parent) : std::nullopt;
+}
+
+} // namespace nubble

@@ -1,0 +1,150 @@
+#include "Sessions/ProjectRow.h"
+
+#include <QPainter>
+
+#include <algorithm>
+
+#include "Panel/Palette.h"
+#include "Panel/Symbols.h"
+#include "Panel/Typography.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nubble {
+
+namespace {
+
+constexpr int rowHeight = 46;
+constexpr double iconSide = 15;
+constexpr double padding = 10;
+constexpr qsizetype longestToolTipText = 600;
+
+QString helpText()
+{
+    return u"Bring this session forward"_s;
+}
+
+QString toolTipLine(const QString &text)
+{
+    return text.size() <= longestToolTipText ? text : text.first(longestToolTipText - 1) + u'…';
+}
+
+void drawElided(QPainter &painter, const QRectF &line, const QString &text)
+{
+    // Eliding looks at the whole text: a prompt of a megabyte is cut first to what can never fit.
+    const QString start = text.left(400);
+    const QString shown = painter.fontMetrics().elidedText(start, Qt::ElideRight, qFloor(line.width()));
+    painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, shown);
+}
+
+} // namespace
+
+ProjectRow::ProjectRow(QWidget *parent)
+    : QAbstractButton(parent)
+{
+    setFocusPolicy(Qt::TabFocus);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    m_hover.setStartValue(0.0);
+    m_hover.setEndValue(1.0);
+    m_hover.setDuration(120);
+    connect(&m_hover, &QVariantAnimation::valueChanged, this, qOverload<>(&QWidget::update));
+}
+
+void ProjectRow::setContent(const ProjectRowContent &content)
+{
+    if (m_content == content)
+        return;
+    m_content = content;
+    describe();
+    update();
+}
+
+void ProjectRow::describe()
+{
+    setAccessibleName(u"%1, %2, %3"_s.arg(m_content.title, m_content.word, m_content.elapsed));
+    setAccessibleDescription(
+        m_content.lastPrompt.isEmpty() ? helpText() : toolTipLine(m_content.lastPrompt) + u". "_s + helpText());
+    QStringList lines {helpText(), m_content.title, m_content.lastPrompt, m_content.folder};
+    lines.removeAll(QString());
+    for (QString &line : lines)
+        line = toolTipLine(line).toHtmlEscaped();
+    lines.first() = u"<b>"_s + lines.first() + u"</b>"_s;
+    setToolTip(lines.join(u"<br>"_s));
+}
+
+QSize ProjectRow::sizeHint() const
+{
+    return {100, rowHeight};
+}
+
+void ProjectRow::enterEvent(QEnterEvent *event)
+{
+    lift(QAbstractAnimation::Forward);
+    QAbstractButton::enterEvent(event);
+}
+
+void ProjectRow::leaveEvent(QEvent *event)
+{
+    lift(QAbstractAnimation::Backward);
+    QAbstractButton::leaveEvent(event);
+}
+
+void ProjectRow::lift(QAbstractAnimation::Direction direction)
+{
+    m_hover.setDirection(direction);
+    m_hover.start();
+}
+
+void ProjectRow::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    drawBackground(painter);
+
+    QRectF area = QRectF(rect()).adjusted(padding, 6, -padding, -6);
+    const QRectF icon(area.left(), area.center().y() - iconSide / 2, iconSide, iconSide);
+    Symbols::draw(painter, m_content.symbol, icon, Palette::textSecondary);
+    area.setLeft(icon.right() + 9);
+    area.setRight(area.right() - drawState(painter, area) - 10);
+    drawTexts(painter, area);
+}
+
+void ProjectRow::drawBackground(QPainter &painter) const
+{
+    QColor fill = Palette::hover;
+    fill.setAlphaF(fill.alphaF() * static_cast<float>(isDown() ? 1.5 : m_hover.currentValue().toDouble()));
+    painter.setPen(hasFocus() ? QPen(Palette::focus, 1.5) : QPen(Qt::NoPen));
+    painter.setBrush(fill);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 10, 10);
+}
+
+double ProjectRow::drawState(QPainter &painter, const QRectF &area) const
+{
+    const QRectF upper(area.left(), area.top(), area.width(), area.height() / 2);
+    const QRectF lower = upper.translated(0, area.height() / 2);
+    painter.setFont(Typography::cardBody());
+    painter.setPen(m_content.wordColor);
+    Typography::drawTabular(painter, upper, Qt::AlignRight, m_content.word);
+    const double wordWidth = Typography::tabularWidth(painter, m_content.word);
+
+    painter.setFont(Typography::caption());
+    painter.setPen(Palette::textSecondary);
+    Typography::drawTabular(painter, lower, Qt::AlignRight, m_content.elapsed);
+    return std::max(wordWidth, Typography::tabularWidth(painter, m_content.elapsed));
+}
+
+void ProjectRow::drawTexts(QPainter &painter, const QRectF &area) const
+{
+    const QRectF upper(area.left(), area.top(), area.width(), area.height() / 2);
+    const bool oneLine = m_content.lastPrompt.isEmpty();
+    painter.setFont(Typography::rowTitle());
+    painter.setPen(Palette::textPrimary);
+    drawElided(painter, oneLine ? area : upper, m_content.title);
+    if (oneLine)
+        return;
+    painter.setFont(Typography::cardBody());
+    painter.setPen(Palette::textSecondary);
+    drawElided(painter, upper.translated(0, area.height() / 2), m_content.lastPrompt);
+}
+
+} // namespace nubble

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QAbstractButton>
+#include <QColor>
+#include <QVariantAnimation>
+
+namespace nubble {
+
+// What a row says, already worded.
+struct ProjectRowContent {
+    QString title;
+    QString lastPrompt; // empty when there is none
+    QString word;
+    QColor wordColor;
+    QString elapsed;
+    QString symbol;
+    QString folder;
+
+    bool operator==(const ProjectRowContent &) const = default;
+};
+
+// One session in the sessions card: a button that brings the session forward. Long texts are elided; the tool tip has them
+// whole.
+class ProjectRow : public QAbstractButton {
+    Q_OBJECT
+
+public:
+    explicit ProjectRow(QWidget *parent = nullptr);
+
+    void setContent(const ProjectRowContent &content); // an equal one repaints nothing
+
+    [[nodiscard]] QSize sizeHint() const override;
+
+protected:
+    void enterEvent(QEnterEvent *event) override;
+    void leaveEvent(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    void lift(QAbstractAnimation::Direction direction);
+    void describe();
+    void drawBackground(QPainter &painter) const;
+    double drawState(QPainter &painter, const QRectF &area) const;
+    void drawTexts(QPainter &painter, const QRectF &area) const;
+
+    ProjectRowContent m_content;
+    QVariantAnimation m_hover; // 0 at rest to 1 under the pointer
+};
+
+} // namespace nubble

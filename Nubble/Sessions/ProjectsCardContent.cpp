@@ -1,0 +1,152 @@
+#include "Sessions/ProjectsCardContent.h"
+
+#include <QLabel>
+#include <QSet>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include <chrono>
+
+#include "Panel/CappedScroll.h"
+#include "Panel/CardHeader.h"
+#include "Panel/NotchButton.h"
+#include "Panel/Palette.h"
+#include "Panel/Typography.h"
+#include "Platform/Clock.h"
+#include "Sessions/ProjectRow.h"
+#include "Sessions/SessionDetails.h"
+#include "Sessions/SessionMonitor.h"
+#include "Sessions/SessionTexts.h"
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace nubble {
+
+namespace {
+
+constexpr int cardWidth = 246;
+constexpr int cardHeight = 460;
+constexpr int headerHeight = 24;
+constexpr QMargins margins {8, 12, 8, 10};
+constexpr int spacing = 6;
+constexpr int rowInset = 8; // the header's text stands where the rows' icons do
+
+QColor wordColor(const QString &word)
+{
+    if (word == u"waiting")
+        return Palette::badge;
+    if (word == u"working")
+        return Palette::bronze;
+    return word == u"done" ? Palette::ample : Palette::textSecondary;
+}
+
+QLabel *makeEmptyLabel(QWidget *parent)
+{
+    auto *label = new QLabel(u"No sessions running"_s, parent);
+    label->setFont(Typography::cardBody());
+    label->setAlignment(Qt::AlignCenter);
+    label->setFixedHeight(46);
+    QPalette palette = label->palette();
+    palette.setColor(QPalette::WindowText, Palette::textSecondary);
+    label->setPalette(palette);
+    return label;
+}
+
+} // namespace
+
+ProjectsCardContent::ProjectsCardContent(SessionMonitor &monitor, const Clock &clock, QWidget *parent)
+    : QWidget(parent)
+    , m_monitor(monitor)
+    , m_clock(clock)
+    , m_header(new CardHeader(u"Claude Projects"_s))
+    , m_empty(makeEmptyLabel(this))
+    , m_list(new QWidget)
+    , m_rows(new QVBoxLayout(m_list))
+{
+    setFixedWidth(cardWidth);
+    m_rows->setContentsMargins(0, 0, 0, 0);
+    m_rows->setSpacing(1);
+    auto *close = new NotchButton(u"xmark"_s, u"Close"_s);
+    connect(close, &NotchButton::clicked, this, &ProjectsCardContent::closeRequested);
+    m_header->addAccessory(close);
+    m_header->setContentsMargins(rowInset, 0, rowInset - 2, 0);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(margins);
+    layout->setSpacing(spacing);
+    layout->addWidget(m_header);
+    layout->addWidget(m_empty);
+    const int around = margins.top() + margins.bottom() + headerHeight + spacing;
+    layout->addWidget(new CappedScroll(m_list, cardHeight - around, this));
+
+    connect(&monitor, &SessionMonitor::sessionsChanged, this, &ProjectsCardContent::updateRows);
+    connect(&monitor, &SessionMonitor::recentlyCompletedChanged, this, &ProjectsCardContent::updateRows);
+    connect(&monitor.details(), &SessionDetails::byIdChanged, this, &ProjectsCardContent::updateRows);
+    auto *elapsed = new QTimer(this); // only while the card is open
+    connect(elapsed, &QTimer::timeout, this, &ProjectsCardContent::updateRows);
+    elapsed->start(1s);
+    updateRows();
+}
+
+void ProjectsCardContent::updateRows()
+{
+    const QList<ClaudeSession> &sessions = m_monitor.sessions();
+    QList<RowKey> keys;
+    for (const ClaudeSession &session : sessions)
+        keys.append({session.sessionId, session.pid});
+    removeRowsExcept(keys);
+    for (int position = 0; position < sessions.size(); ++position)
+        showRow(sessions.at(position), position);
+    m_header->setDetail(QString::number(sessions.size()) + u" running"_s);
+    m_empty->setVisible(sessions.isEmpty());
+    m_list->parentWidget()->parentWidget()->setVisible(!sessions.isEmpty());
+}
+
+void ProjectsCardContent::removeRowsExcept(const QList<RowKey> &keys)
+{
+    const QSet<RowKey> kept(keys.begin(), keys.end());
+    for (auto row = m_rowOf.begin(); row != m_rowOf.end();) {
+        if (kept.contains(row.key())) {
+            ++row;
+            continue;
+        }
+        m_rows->removeWidget(row.value());
+        row.value()->hide();
+        row.value()->deleteLater(); // it may be the one whose click is being handled
+        row = m_rowOf.erase(row);
+    }
+}
+
+ProjectRow *ProjectsCardContent::rowOf(const RowKey &key)
+{
+    ProjectRow *&row = m_rowOf[key];
+    if (!row) {
+        row = new ProjectRow(m_list);
+        connect(row, &ProjectRow::clicked, this, [this, pid = key.second] { Q_EMIT sessionChosen(pid); });
+    }
+    return row;
+}
+
+void ProjectsCardContent::showRow(const ClaudeSession &session, int position)
+{
+    ProjectRow *row = rowOf({session.sessionId, session.pid});
+    const QLayoutItem *there = m_rows->itemAt(position);
+    if (!there || there->widget() != row) {
+        m_rows->removeWidget(row);
+        m_rows->insertWidget(position, row);
+    }
+    const SessionDetail detail = m_monitor.details().byId().value(session.sessionId);
+    const QString word = rowWord(session, m_monitor.runState(session));
+    row->setContent({
+        .title = rowTitle(session, detail),
+        .lastPrompt = detail.lastPrompt.value_or(QString()),
+        .word = word,
+        .wordColor = wordColor(word),
+        .elapsed = elapsedText(session.updatedAt.value_or(session.startedAt), m_clock.msecsSinceEpoch()),
+        .symbol = rowSymbol(session),
+        .folder = session.cwd,
+    });
+}
+
+} // namespace nubble

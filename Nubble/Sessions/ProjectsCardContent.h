@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QHash>
+#include <QWidget>
+
+#include <utility>
+
+class QLabel;
+class QVBoxLayout;
+
+namespace nubble {
+
+class CardHeader;
+class Clock;
+struct ClaudeSession;
+class ProjectRow;
+class SessionMonitor;
+
+// The sessions card: every live session as a row, newest activity first. Rows follow their sessions, so that hover, focus and
+// scroll position outlast a poll.
+class ProjectsCardContent : public QWidget {
+    Q_OBJECT
+
+public:
+    ProjectsCardContent(SessionMonitor &monitor, const Clock &clock, QWidget *parent = nullptr);
+
+Q_SIGNALS:
+    void sessionChosen(qint32 pid);
+    void closeRequested();
+
+private:
+    using RowKey = std::pair<QString, qint32>; // two terminals can hold the same session
+
+    void updateRows();
+    ProjectRow *rowOf(const RowKey &key);
+    void removeRowsExcept(const QList<RowKey> &keys);
+    void showRow(const ClaudeSession &session, int position);
+
+    SessionMonitor &m_monitor;
+    const Clock &m_clock;
+    CardHeader *m_header;
+    QLabel *m_empty;
+    QWidget *m_list;
+    QVBoxLayout *m_rows;
+    QHash<RowKey, ProjectRow *> m_rowOf;
+};
+
+} // namespace nubble

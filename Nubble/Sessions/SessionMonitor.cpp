@@ -1,0 +1,102 @@
+#include "Sessions/SessionMonitor.h"
+
+#include <algorithm>
+#include <chrono>
+
+#include "Platform/Clock.h"
+#include "Platform/MainThread.h"
+#include "Platform/ProcessTable.h"
+
+using namespace std::chrono_literals;
+
+namespace nubble {
+
+namespace {
+
+constexpr auto pollInterval = 1s;
+constexpr qint64 completionMsecs = 120'000;
+
+} // namespace
+
+SessionMonitor::SessionMonitor(
+    QString sessionsFolder, QString projectsFolder, const ProcessTable &processes, const Clock &clock,
+    QObject *parent)
+    : QObject(parent), m_files(sessionsFolder), m_processes(processes), m_clock(clock),
+      m_details(std::move(projectsFolder), clock)
+{
+    refresh();
+    m_timer.callOnTimeout(this, &SessionMonitor::refresh);
+    m_timer.start(pollInterval);
+}
+
+RunState SessionMonitor::runState(const ClaudeSession &session) const
+{
+    if (session.isBusy())
+        return RunState::Working;
+    return m_recentlyCompleted.contains(session.sessionId) ? RunState::Completed : RunState::Idle;
+}
+
+RunState SessionMonitor::activity() const
+{
+    RunState strongest = RunState::Idle;
+    for (const ClaudeSession &session : m_sessions)
+        strongest = std::min(strongest, runState(session));
+    return strongest;
+}
+
+void SessionMonitor::refresh()
+{
+    assertMainThread("Nubble/Sessions/SessionMonitor");
+    auto live = m_files.read();
+    if (!live) {
+        publish({});
+        return;
+    }
+    live->removeIf([this](const ClaudeSession &session) { return !m_processes.canSignal(session.pid); });
+    trackRuns(*live);
+    std::stable_sort(live->begin(), live->end(), [](const ClaudeSession &a, const ClaudeSession &b) {
+        return a.lastActivity() > b.lastActivity();
+    });
+    publish(std::move(*live));
+    m_details.update(m_sessions, false);
+}
+
+void SessionMonitor::publish(QList<ClaudeSession> sessions)
+{
+    if (sessions == m_sessions)
+        return;
+    m_sessions = std::move(sessions);
+    Q_EMIT sessionsChanged();
+}
+
+void SessionMonitor::trackRuns(const QList<ClaudeSession> &live)
+{
+    const qint64 now = m_clock.msecsSinceEpoch();
+    QSet<QString> ids;
+    QSet<Run> busy;
+    for (const ClaudeSession &session : live) {
+        ids.insert(session.sessionId);
+        if (session.isBusy())
+            busy.insert({session.sessionId, session.pid});
+    }
+    for (const ClaudeSession &session : live) {
+        const Run run(session.sessionId, session.pid);
+        if (m_busy.contains(run) && !busy.contains(run))
+            m_completedAt.insert(session.sessionId, now);
+    }
+    m_busy = std::move(busy);
+    forgetCompletions(ids, now);
+}
+
+void SessionMonitor::forgetCompletions(const QSet<QString> &ids, qint64 now)
+{
+    m_completedAt.removeIf(
+        [&](const auto &each) { return !ids.contains(each.key()) || now - each.value() >= completionMsecs; });
+    QSet<QString> completed(m_completedAt.keyBegin(), m_completedAt.keyEnd());
+    if (completed == m_recentlyCompleted)
+        return;
+    m_recentlyCompleted = std::move(completed);
+    Q_EMIT recentlyCompletedChanged();
+}
+
+} // namespace nubble

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QHash>
+#include <QList>
+#include <QObject>
+#include <QSet>
+#include <QTimer>
+
+#include <utility>
+
+#include "Sessions/ClaudeSession.h"
+#include "Sessions/RunState.h"
+#include "Sessions/SessionDetails.h"
+#include "Sessions/SessionFiles.h"
+
+namespace nubble {
+
+class Clock;
+class ProcessTable;
+
+// The ordered list of live sessions and the set of those that finished within the last two minutes. Polls its
+// folder once a second, for the first time while it is constructed. Main thread only; every failure is silent
+// and looked at again at the next poll.
+class SessionMonitor : public QObject {
+    Q_OBJECT
+
+public:
+    SessionMonitor(
+        QString sessionsFolder, QString projectsFolder, const ProcessTable &processes, const Clock &clock,
+        QObject *parent = nullptr);
+
+    [[nodiscard]] const QList<ClaudeSession> &sessions() const { return m_sessions; } // newest activity first
+    [[nodiscard]] const QSet<QString> &recentlyCompleted() const
+    {
+        return m_recentlyCompleted;
+    } // session ids
+    [[nodiscard]] RunState runState(const ClaudeSession &session) const;
+    [[nodiscard]] RunState activity() const; // of all sessions together
+    [[nodiscard]] SessionDetails &details() { return m_details; }
+
+    void refresh();
+
+Q_SIGNALS:
+    void sessionsChanged();
+    void recentlyCompletedChanged();
+
+private:
+    // A terminal: two of them can have the same conversation open, one working and one not.
+    using Run = std::pair<QString, qint32>;
+
+    void trackRuns(const QList<ClaudeSession> &live);
+    void forgetCompletions(const QSet<QString> &ids, qint64 now);
+    void publish(QList<ClaudeSession> sessions);
+
+    SessionFiles m_files;
+    const ProcessTable &m_processes;
+    const Clock &m_clock;
+    SessionDetails m_details;
+    QList<ClaudeSession> m_sessions;
+    QSet<QString> m_recentlyCompleted;
+    QSet<Run> m_busy; // at the last poll
+    QHash<QString, qint64> m_completedAt; // milliseconds since 1970, by session id
+    QTimer m_timer;
+};
+
+} // namespace nubble

@@ -1,0 +1,96 @@
+#include "Sessions/TranscriptFinder.h"
+
+#include <QFile>
+
+#include <algorithm>
+#include <dirent.h>
+#include <memory>
+#include <string_view>
+
+namespace nubble {
+
+namespace {
+
+constexpr qint64 searchInterval = 3000; // milliseconds
+
+// The id becomes a file name, and must not lead anywhere else.
+bool isFileName(const QString &id)
+{
+    return !id.isEmpty() && id != QLatin1String(".") && id != QLatin1String("..") && !id.contains(u'/')
+        && !id.contains(QChar::Null);
+}
+
+} // namespace
+
+QString projectFolderName(const QString &cwd)
+{
+    QString name;
+    for (const uint character : cwd.toUcs4()) {
+        if (QChar::isLetter(character) || QChar::isDigit(character))
+            name += QChar::fromUcs4(character);
+        else
+            name += u'-';
+    }
+    return name;
+}
+
+TranscriptFinder::TranscriptFinder(const QString &projectsFolder, FileCosts &costs)
+    : m_projects(QFile::encodeName(projectsFolder)), m_costs(costs)
+{
+}
+
+void TranscriptFinder::startPass(qint64 now, bool force)
+{
+    m_folders.reset();
+    const bool clockWentBack = now < m_searchedAt;
+    if (!force && !clockWentBack && now - m_searchedAt < searchInterval)
+        return;
+    m_searched.clear();
+    m_searchedAt = now;
+}
+
+std::optional<FoundTranscript> TranscriptFinder::find(const ClaudeSession &session)
+{
+    if (!isFileName(session.sessionId))
+        return std::nullopt;
+    const QByteArray file = QFile::encodeName(session.sessionId) + ".jsonl";
+    if (auto found = at(QFile::encodeName(projectFolderName(session.cwd)), file))
+        return found;
+    if (m_searched.contains(session.sessionId))
+        return std::nullopt;
+    for (const QByteArray &folder : folders())
+        if (auto found = at(folder, file))
+            return found;
+    m_searched.insert(session.sessionId);
+    return std::nullopt;
+}
+
+std::optional<FoundTranscript> TranscriptFinder::at(const QByteArray &folder, const QByteArray &file)
+{
+    QByteArray path = m_projects + '/' + folder + '/' + file;
+    const auto stamp = stampOf(path);
+    return stamp ? std::optional(FoundTranscript{std::move(path), *stamp}) : std::nullopt;
+}
+
+std::optional<FileStamp> TranscriptFinder::stampOf(const QByteArray &path)
+{
+    ++m_costs.attributeReads;
+    return RegularFile::stampOf(path.constData());
+}
+
+const QList<QByteArray> &TranscriptFinder::folders()
+{
+    if (m_folders)
+        return *m_folders;
+    m_folders.emplace();
+    ++m_costs.listings;
+    const std::unique_ptr<DIR, int (*)(DIR *)> listing(::opendir(m_projects.constData()), &::closedir);
+    while (const dirent *entry = listing ? ::readdir(listing.get()) : nullptr) {
+        const std::string_view name = entry->d_name;
+        if (entry->d_type != DT_REG && name != "." && name != "..")
+            m_folders->append(QByteArray(entry->d_name));
+    }
+    return *m_folders;
+}
+
+} // namespace nubble

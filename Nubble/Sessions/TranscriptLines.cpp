@@ -1,0 +1,122 @@
+#include "Sessions/TranscriptLines.h"
+
+#include <QByteArrayMatcher>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace nubble {
+
+namespace {
+
+constexpr qsizetype longestText = 4096;
+constexpr qsizetype longestTypedPrompt = 200;
+
+// Most lines are none of these: they are told apart without being parsed.
+constexpr auto titleMarker = qMakeStaticByteArrayMatcher("\"type\":\"ai-title\"");
+constexpr auto lastPromptMarker = qMakeStaticByteArrayMatcher("\"type\":\"last-prompt\"");
+constexpr auto userMarker = qMakeStaticByteArrayMatcher("\"type\":\"user\"");
+constexpr auto toolResultMarker = qMakeStaticByteArrayMatcher("\"type\":\"tool_result\"");
+
+template <typename Matcher> bool contains(QByteArrayView line, const Matcher &marker)
+{
+    return marker.indexIn(line.data(), line.size()) >= 0;
+}
+
+QJsonObject parseLine(QByteArrayView line)
+{
+    const QByteArray bytes = QByteArray::fromRawData(line.data(), line.size());
+    QJsonParseError error{};
+    const QJsonDocument document = QJsonDocument::fromJson(bytes, &error);
+    if (error.error == QJsonParseError::IllegalUTF8String)
+        return QJsonDocument::fromJson(QString::fromLatin1(bytes).toUtf8()).object();
+    return document.object();
+}
+
+QString shortened(const QString &text, qsizetype length)
+{
+    if (text.size() <= length)
+        return text;
+    return text.left(text.at(length - 1).isHighSurrogate() ? length - 1 : length);
+}
+
+std::optional<QString> oneLine(QString text, qsizetype longest)
+{
+    text = shortened(text.replace(u'\n', u' ').trimmed(), longest).trimmed();
+    return text.isEmpty() ? std::nullopt : std::optional(text);
+}
+
+// What Claude Code itself puts in the place of a prompt: commands, their output, notices.
+bool isWrapper(const QString &text)
+{
+    constexpr std::array wrappers{
+        "<command-"_L1,
+        "<local-command-"_L1,
+        "<bash-"_L1,
+        "<task-notification>"_L1,
+        "<system-reminder>"_L1,
+        "<ide_"_L1,
+        "[Request interrupted by user"_L1};
+    const QStringView start = QStringView(text).trimmed();
+    return std::any_of(wrappers.begin(), wrappers.end(), [&](auto each) { return start.startsWith(each); });
+}
+
+std::optional<QString> promptIn(const QJsonValue &content)
+{
+    if (content.isString())
+        return isWrapper(content.toString()) ? std::nullopt : oneLine(content.toString(), longestTypedPrompt);
+    for (const QJsonValue item : content.toArray()) {
+        if (item["type"_L1] != "text"_L1)
+            continue;
+        const QString text = item["text"_L1].toString();
+        if (auto prompt = isWrapper(text) ? std::nullopt : oneLine(text, longestTypedPrompt))
+            return prompt;
+    }
+    return std::nullopt;
+}
+
+void lookAt(QByteArrayView line, bool typedToo, TranscriptValues &values)
+{
+    if (!values.title && contains(line, titleMarker))
+        values.title = field(line, "aiTitle"_L1);
+    if (!values.lastPrompt && contains(line, lastPromptMarker))
+        values.lastPrompt = field(line, "lastPrompt"_L1);
+    if (typedToo && !values.lastPrompt && !values.typedPrompt && contains(line, userMarker))
+        values.typedPrompt = typedPrompt(line);
+}
+
+} // namespace
+
+void findNewest(QByteArrayView lines, bool typedToo, TranscriptValues &values)
+{
+    while (!lines.isEmpty() && !(values.title && values.lastPrompt)) {
+        const qsizetype lineBreak = lines.lastIndexOf('\n');
+        lookAt(lines.sliced(lineBreak + 1), typedToo, values);
+        lines = lines.first(std::max<qsizetype>(lineBreak, 0));
+    }
+}
+
+std::optional<QString> field(QByteArrayView line, QLatin1String key)
+{
+    const QJsonValue value = parseLine(line).value(key);
+    return value.isString() ? oneLine(value.toString(), longestText) : std::nullopt;
+}
+
+std::optional<QString> typedPrompt(QByteArrayView line)
+{
+    if (contains(line, toolResultMarker))
+        return std::nullopt;
+    const QJsonObject object = parseLine(line);
+    const auto isMarked = [&object](auto key) { return object.value(key).toBool(); };
+    if (object.value("type"_L1) != "user"_L1 || isMarked("isMeta"_L1) || isMarked("isSidechain"_L1)
+        || isMarked("isCompactSummary"_L1) || object.contains("toolUseResult"_L1))
+        return std::nullopt;
+    return promptIn(object.value("message"_L1).toObject().value("content"_L1));
+}
+
+} // namespace nubble

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QByteArrayView>
+#include <QLatin1String>
+#include <QString>
+
+#include <optional>
+
+namespace nubble {
+
+// The newest texts found in a transcript, each on one line and never empty.
+struct TranscriptValues {
+    std::optional<QString> title;
+    std::optional<QString> lastPrompt;
+    std::optional<QString> typedPrompt; // stands in while there is no last prompt
+
+    bool operator==(const TranscriptValues &) const = default;
+};
+
+// Fills in what `values` lacks from the newest of `lines`, one JSON object a line, walking from the last to
+// the first. Typed prompts are looked for only when `typedToo`, and only while there is no last prompt. Pure;
+// any thread.
+void findNewest(QByteArrayView lines, bool typedToo, TranscriptValues &values);
+
+// The text under `key`, its line breaks made spaces; none when the line is no object or has no such text.
+[[nodiscard]] std::optional<QString> field(QByteArrayView line, QLatin1String key);
+
+// The prompt in a line that records what the user typed, at most 200 characters of it; none for what only
+// looks like one.
+[[nodiscard]] std::optional<QString> typedPrompt(QByteArrayView line);
+
+} // namespace nubble

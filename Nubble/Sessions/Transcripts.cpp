@@ -1,0 +1,48 @@
+#include "Sessions/Transcripts.h"
+
+#include <QSet>
+
+namespace nubble {
+
+Transcripts::Transcripts(const QString &projectsFolder) : m_finder(projectsFolder, m_costs) { }
+
+QHash<QString, SessionDetail> Transcripts::update(
+    const QList<ClaudeSession> &sessions, bool force, qint64 now, const std::stop_token &stop)
+{
+    m_finder.startPass(now, force);
+    QSet<QString> ids;
+    for (const ClaudeSession &session : sessions) {
+        if (stop.stop_requested())
+            break;
+        if (!ids.contains(session.sessionId))
+            updateOne(session, force);
+        ids.insert(session.sessionId);
+    }
+    m_transcripts.removeIf([&ids](const auto &each) { return !ids.contains(each.key()); });
+
+    QHash<QString, SessionDetail> details;
+    for (auto each = m_transcripts.cbegin(); each != m_transcripts.cend(); ++each)
+        if (each->reader.hasRead())
+            details.insert(each.key(), each->reader.detail());
+    return details;
+}
+
+void Transcripts::updateOne(const ClaudeSession &session, bool force)
+{
+    auto known = m_transcripts.find(session.sessionId);
+    auto stamp = known == m_transcripts.end() ? std::nullopt : m_finder.stampOf(known->path);
+    if (!stamp) {
+        const auto found = m_finder.find(session);
+        if (!found)
+            return;
+        if (known == m_transcripts.end() || known->path != found->path)
+            known = m_transcripts.insert(session.sessionId, {.path = found->path, .stamp = {}, .reader = {}});
+        stamp = found->stamp;
+    }
+    if (!force && known->reader.hasRead() && *stamp == known->stamp)
+        return;
+    if (known->reader.read(known->path, m_costs))
+        known->stamp = *stamp;
+}
+
+} // namespace nubble

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QHash>
+#include <QList>
+
+#include <stop_token>
+
+#include "Sessions/ClaudeSession.h"
+#include "Sessions/SessionDetail.h"
+#include "Sessions/TranscriptFinder.h"
+#include "Sessions/TranscriptReader.h"
+
+namespace nubble {
+
+// The transcripts of the live sessions, each read only when it has changed and only as far as it has grown.
+// Blocks; one thread at a time. A transcript that cannot be read keeps the details it had and is tried again
+// at the next update.
+class Transcripts {
+public:
+    explicit Transcripts(const QString &projectsFolder);
+
+    // The details of those of `sessions` that have a transcript. An unchanged transcript costs one look at
+    // its attributes. `now` is in milliseconds since 1970.
+    QHash<QString, SessionDetail> update(
+        const QList<ClaudeSession> &sessions, bool force, qint64 now, const std::stop_token &stop = {});
+
+    [[nodiscard]] const FileCosts &costs() const { return m_costs; } // since it was constructed
+
+private:
+    struct Transcript {
+        QByteArray path;
+        FileStamp stamp;
+        TranscriptReader reader;
+    };
+
+    void updateOne(const ClaudeSession &session, bool force);
+
+    FileCosts m_costs;
+    TranscriptFinder m_finder;
+    QHash<QString, Transcript> m_transcripts; // by session id
+};
+
+} // namespace nubble

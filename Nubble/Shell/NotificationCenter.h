@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QObject>
+
+namespace nubble {
+
+// What one part of the program asks of another without knowing who answers. Main thread only.
+class NotificationCenter : public QObject {
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+
+Q_SIGNALS:
+    void openChatSearch();
+    void askClaude();
+};
+
+} // namespace nubble

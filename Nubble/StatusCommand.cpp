@@ -1,0 +1,62 @@
+#include "StatusCommand.h"
+
+#include <QJsonDocument>
+
+#include <cstdio>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include "Platform/Clock.h"
+#include "Platform/Freedesktop/SessionBus.h"
+#include "Platform/Home.h"
+#include "Platform/Linux/LinuxProcessTable.h"
+#include "Sessions/SessionMonitor.h"
+#include "StatusReport.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nubble {
+
+namespace {
+
+QJsonObject freshRead(const Home &home)
+{
+    const SystemClock clock;
+    const LinuxProcessTable processes;
+    SessionMonitor monitor(home.file(u".claude/sessions"_s), home.file(u".claude/projects"_s), processes, clock);
+    monitor.details().waitForDone();
+    QJsonObject report = statusReport(monitor, clock);
+    report.insert("source"_L1, u"read"_s);
+    return report;
+}
+
+QJsonObject currentReport(const Home &home, const SessionBus &bus)
+{
+    constexpr int patience = 2000;
+    const std::optional<QVariantList> answer = bus.call(u"Status"_s, {}, patience);
+    const QJsonDocument report
+        = QJsonDocument::fromJson(answer ? answer->value(0).toString().toUtf8() : QByteArray());
+    return report.isObject() ? report.object() : freshRead(home);
+}
+
+qsizetype terminalWidth()
+{
+    winsize size {};
+    return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 100;
+}
+
+} // namespace
+
+int printStatus(const Home &home, const SessionBus &bus, bool json)
+{
+    const QJsonObject report = currentReport(home, bus);
+    const QByteArray text = json ? QJsonDocument(report).toJson(QJsonDocument::Indented)
+                                 : statusTable(report, terminalWidth()).toUtf8();
+    return std::fwrite(text.constData(), 1, static_cast<size_t>(text.size()), stdout)
+                == static_cast<size_t>(text.size())
+            && std::fflush(stdout) == 0
+        ? 0
+        : 1;
+}
+
+} // namespace nubble

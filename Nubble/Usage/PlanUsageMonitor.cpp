@@ -1,0 +1,101 @@
+#include "Usage/PlanUsageMonitor.h"
+
+#include <QTimer>
+
+#include "Platform/Clock.h"
+#include "Platform/Home.h"
+#include "Shell/Tools.h"
+#include "Usage/UsageTexts.h"
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace nubble {
+
+namespace {
+
+constexpr qint64 entriesTrustedFor = 180'000; // ms
+constexpr qint64 freshFor = 1800; // s
+
+PlanUsageReader readerIn(const Home &home, const QString &domain)
+{
+    return PlanUsageReader(home.applicationSupport(u"Claude"_s) + u"/Cache/Cache_Data", domain, [home] {
+        return Tools::find(u"zstd"_s, home);
+    });
+}
+
+} // namespace
+
+const QString PlanUsageMonitor::defaultDomain = u"claude.ai"_s;
+
+PlanUsageMonitor::PlanUsageMonitor(
+    const Home &home, const Clock &clock, const QString &domain, QObject *parent)
+    : PlanUsageMonitor(readerIn(home, domain), clock, parent)
+{
+}
+
+PlanUsageMonitor::PlanUsageMonitor(PlanUsageReader reader, const Clock &clock, QObject *parent)
+    : QObject(parent), m_clock(clock), m_reader(std::move(reader))
+{
+    m_worker.setMaxThreadCount(1);
+    m_worker.setThreadPriority(QThread::LowPriority);
+    refresh(false);
+    auto *timer = new QTimer(this);
+    timer->callOnTimeout(this, [this] { refresh(false); });
+    timer->start(10s);
+}
+
+PlanUsageMonitor::~PlanUsageMonitor()
+{
+    m_stop.request_stop();
+    m_worker.waitForDone();
+}
+
+void PlanUsageMonitor::refresh(bool rescan)
+{
+    if (rescan)
+        m_scannedAt.reset();
+    if (m_working)
+        return;
+    m_working = true;
+    m_worker.start([this, known = trustsEntries() ? m_entries : QList<QByteArray>()] {
+        QMetaObject::invokeMethod(
+            this, [this, outcome = m_reader.read(known, m_stop.get_token())] { accept(outcome); },
+            Qt::QueuedConnection);
+    });
+    Q_EMIT refreshingChanged();
+}
+
+bool PlanUsageMonitor::trustsEntries() const
+{
+    const qint64 age = m_clock.msecsSinceEpoch() - m_scannedAt.value_or(0);
+    return m_scannedAt && age >= 0 && age < entriesTrustedFor; // below 0, the clock was put back
+}
+
+void PlanUsageMonitor::accept(const ReadOutcome &outcome)
+{
+    m_working = false;
+    if (outcome.entries) {
+        m_entries = *outcome.entries;
+        m_scannedAt = m_clock.msecsSinceEpoch();
+    }
+    if (std::holds_alternative<ReadProblem>(outcome.result))
+        m_entries.clear();
+    const Shown shown = shownAfter(outcome);
+    if (shown != m_shown) {
+        m_shown = shown;
+        Q_EMIT changed();
+    }
+    Q_EMIT refreshingChanged();
+}
+
+PlanUsageMonitor::Shown PlanUsageMonitor::shownAfter(const ReadOutcome &outcome) const
+{
+    if (const ReadProblem *problem = std::get_if<ReadProblem>(&outcome.result))
+        return {m_shown.session, m_shown.weekly, problemText(*problem)};
+    const Reading &reading = std::get<Reading>(outcome.result);
+    const qint64 age = (m_clock.msecsSinceEpoch() - reading.capturedAt.toMSecsSinceEpoch()) / 1000;
+    return {reading.session, reading.weekly, age > freshFor ? std::optional(staleText(age)) : std::nullopt};
+}
+
+} // namespace nubble

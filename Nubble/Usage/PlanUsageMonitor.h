@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QObject>
+#include <QThreadPool>
+
+#include "Usage/PlanUsageReader.h"
+
+namespace nubble {
+
+class Clock;
+class Home;
+
+// The two windows of the user's Claude plan, read every ten seconds from what the desktop application has
+// cached of its own usage requests. Numbers stay until newer ones are read; `problem` says why they may be
+// old. Main thread only; reads happen on a worker, and the destructor ends the one under way.
+class PlanUsageMonitor : public QObject {
+    Q_OBJECT
+
+public:
+    // `domain` is the service that the desktop application asks; see defaultDomain.
+    PlanUsageMonitor(const Home &home, const Clock &clock, const QString &domain, QObject *parent = nullptr);
+    PlanUsageMonitor(PlanUsageReader reader, const Clock &clock, QObject *parent = nullptr);
+    ~PlanUsageMonitor() override;
+
+    static const QString defaultDomain;
+
+    [[nodiscard]] const std::optional<PlanWindow> &session() const { return m_shown.session; }
+    [[nodiscard]] const std::optional<PlanWindow> &weekly() const { return m_shown.weekly; }
+    [[nodiscard]] const std::optional<QString> &problem() const
+    {
+        return m_shown.problem;
+    } // absent when fresh
+    [[nodiscard]] bool isRefreshing() const { return m_working; }
+
+    // Starts a read unless one is under way; `rescan` has the cache folder listed again, by the next read at
+    // the latest.
+    void refresh(bool rescan);
+
+Q_SIGNALS:
+    void changed(); // session, weekly or problem
+    void refreshingChanged();
+
+private:
+    struct Shown {
+        std::optional<PlanWindow> session;
+        std::optional<PlanWindow> weekly;
+        std::optional<QString> problem;
+
+        bool operator==(const Shown &) const = default;
+    };
+
+    void accept(const ReadOutcome &outcome);
+    Shown shownAfter(const ReadOutcome &outcome) const;
+    bool trustsEntries() const;
+
+    const Clock &m_clock;
+    Shown m_shown;
+    QList<QByteArray> m_entries; // known to hold usage answers
+    std::optional<qint64> m_scannedAt; // when the folder was last listed
+    bool m_working = false;
+    PlanUsageReader m_reader; // the worker's, while m_working
+    std::stop_source m_stop;
+    QThreadPool m_worker;
+};
+
+} // namespace nubble

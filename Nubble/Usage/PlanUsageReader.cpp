@@ -1,0 +1,128 @@
+#include "Usage/PlanUsageReader.h"
+
+#include <QFile>
+
+#include <algorithm>
+#include <condition_variable>
+#include <fcntl.h>
+#include <mutex>
+#include <sys/stat.h>
+#include <vector>
+
+#include "Platform/RegularFile.h"
+#include "Usage/CacheEntry.h"
+#include "Usage/CacheScan.h"
+#include "Usage/UsageJson.h"
+
+namespace nubble {
+
+namespace {
+
+qint64 modificationOf(const QByteArray &path)
+{
+    struct stat info { };
+    return ::stat(path.constData(), &info) == 0 ? nsecsSinceEpoch(info.st_mtim) : 0;
+}
+
+// Newest first, otherwise in the order given: the first that gives a reading is the newest reading, and the
+// others need no child process.
+QList<QByteArray> byModification(const QList<QByteArray> &entries)
+{
+    std::vector<std::pair<qint64, QByteArray>> dated;
+    for (const QByteArray &each : entries)
+        dated.emplace_back(modificationOf(each), each);
+    std::stable_sort(
+        dated.begin(), dated.end(), [](const auto &a, const auto &b) { return a.first > b.first; });
+    QList<QByteArray> sorted;
+    for (const auto &each : dated)
+        sorted.append(each.second);
+    return sorted;
+}
+
+void pause(std::chrono::milliseconds span, const std::stop_token &stop)
+{
+    std::mutex mutex;
+    std::unique_lock lock(mutex);
+    std::condition_variable_any().wait_for(lock, stop, span, [] { return false; });
+}
+
+} // namespace
+
+PlanUsageReader::PlanUsageReader(
+    const QString &cacheFolder, const QString &domain, FindTool findZstd, ReaderPace pace)
+    : m_folder(QFile::encodeName(cacheFolder)), m_domain(domain.toUtf8()), m_findZstd(std::move(findZstd)),
+      m_pace(pace)
+{
+}
+
+ReadOutcome PlanUsageReader::read(const QList<QByteArray> &known, const std::stop_token &stop)
+{
+    const auto zstd = m_findZstd();
+    if (!zstd)
+        return {ReadProblem::NoZstd, std::nullopt};
+    ReadOutcome outcome = attempt(known, *zstd, stop);
+    if (missesLast(outcome)) {
+        pause(m_pace.secondLook, stop);
+        outcome = attempt(known, *zstd, stop);
+    }
+    const Reading *reading = std::get_if<Reading>(&outcome.result);
+    m_last = reading ? std::optional(*reading) : std::nullopt;
+    return outcome;
+}
+
+// An entry is empty for a moment while a fresh answer is written over it. That must not pass for a cache
+// without usage, nor bring an older answer back.
+bool PlanUsageReader::missesLast(const ReadOutcome &outcome) const
+{
+    if (!m_last)
+        return false;
+    const Reading *reading = std::get_if<Reading>(&outcome.result);
+    return !reading || reading->capturedAt < m_last->capturedAt
+        || (outcome.entries && !outcome.entries->contains(m_last->entry));
+}
+
+ReadOutcome PlanUsageReader::attempt(
+    const QList<QByteArray> &known, const QString &zstd, const std::stop_token &stop) const
+{
+    if (const auto reading = newestReading(known, zstd, stop))
+        return {*reading, std::nullopt};
+    const QList<QByteArray> found = findUsageEntries(m_folder, m_domain);
+    if (found.isEmpty())
+        return {ReadProblem::NoCache, found};
+    if (const auto reading = newestReading(found, zstd, stop))
+        return {*reading, found};
+    return {ReadProblem::Unreadable, found};
+}
+
+std::optional<Reading> PlanUsageReader::newestReading(
+    const QList<QByteArray> &entries, const QString &zstd, const std::stop_token &stop) const
+{
+    for (const QByteArray &each : byModification(entries)) {
+        if (stop.stop_requested())
+            break;
+        if (const auto reading = readingOf(each, zstd, stop))
+            return reading;
+    }
+    return std::nullopt;
+}
+
+std::optional<Reading> PlanUsageReader::readingOf(
+    const QByteArray &entry, const QString &zstd, const std::stop_token &stop) const
+{
+    const auto file = RegularFile::open(entry.constData(), AT_FDCWD);
+    if (!file || file->size() >= CacheEntry::sizeLimit)
+        return std::nullopt;
+    const auto bytes = file->read(0, file->size());
+    const auto key = bytes ? CacheEntry::keyOf(*bytes) : std::nullopt;
+    const auto body = bytes ? CacheEntry::compressedBodyOf(*bytes) : std::nullopt;
+    if (!body || !CacheEntry::isUsageKey(*key, m_domain))
+        return std::nullopt;
+    const auto json = decompress(zstd, *body, m_pace.decompression, stop);
+    const auto windows = json ? parseUsageJson(*json) : std::nullopt;
+    if (!windows)
+        return std::nullopt;
+    const auto capturedAt = QDateTime::fromMSecsSinceEpoch(file->modifiedNsecs() / 1'000'000, Qt::UTC);
+    return Reading{entry, windows->session, windows->weekly, capturedAt};
+}
+
+} // namespace nubble

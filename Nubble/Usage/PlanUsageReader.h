@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+#include <functional>
+#include <stop_token>
+#include <variant>
+
+#include "Usage/Decompressor.h"
+#include "Usage/Reading.h"
+
+namespace nubble {
+
+struct ReadOutcome {
+    std::variant<Reading, ReadProblem> result;
+    std::optional<QList<QByteArray>> entries; // the usage entries, when the cache folder was listed for them
+};
+
+struct ReaderPace {
+    DecompressionLimits decompression;
+    std::chrono::milliseconds secondLook{150}; // an entry being written is whole again by then
+};
+
+// Reads the newest usage answer out of the desktop application's HTTP cache. Blocks and starts child
+// processes: for a worker, one call at a time. Stateless but for the last reading.
+class PlanUsageReader {
+public:
+    using FindTool = std::function<std::optional<QString>()>;
+
+    // `findZstd` is asked at each read.
+    PlanUsageReader(
+        const QString &cacheFolder, const QString &domain, FindTool findZstd, ReaderPace pace = {});
+
+    // Looks into the entries `known` first; lists the folder only when none of them gives a reading.
+    [[nodiscard]] ReadOutcome read(const QList<QByteArray> &known, const std::stop_token &stop = {});
+
+private:
+    ReadOutcome attempt(
+        const QList<QByteArray> &known, const QString &zstd, const std::stop_token &stop) const;
+    std::optional<Reading> newestReading(
+        const QList<QByteArray> &entries, const QString &zstd, const std::stop_token &stop) const;
+    std::optional<Reading> readingOf(
+        const QByteArray &entry, const QString &zstd, const std::stop_token &stop) const;
+    bool missesLast(const ReadOutcome &outcome) const;
+
+    QByteArray m_folder;
+    QByteArray m_domain;
+    FindTool m_findZstd;
+    ReaderPace m_pace;
+    std::optional<Reading> m_last;
+};
+
+} // namespace nubble

@@ -1,0 +1,161 @@
+#include <QElapsedTimer>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <memory>
+
+#include "Usage/PlanUsageMonitor.h"
+#include "support/ManualClock.h"
+#include "usage/UsageCache.h"
+
+using namespace nubble;
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+class PlanUsageMonitorTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_cache.emplace();
+        m_clock = ManualClock();
+    }
+    void cleanup() { m_monitor.reset(); }
+
+    void numbersThatAreOldAreShownWithANotice()
+    {
+        addAnswer(u"a_0"_s, 42, 30min);
+        start();
+        QCOMPARE(shown(), u"42");
+        m_clock.advance(1000);
+        QCOMPARE(afterRefresh(), u"42, Updated 30 min ago — open Claude to refresh");
+        m_clock.advance(60'000);
+        QCOMPARE(afterRefresh(), u"42, Updated 31 min ago — open Claude to refresh");
+        addAnswer(u"a_0"_s, 43, 0min);
+        QCOMPARE(afterRefresh(), u"43");
+    }
+
+    void numbersOutliveAFailure()
+    {
+        start();
+        QCOMPARE(shown(), u"none, Open the Claude app to load plan usage");
+        addAnswer(u"a_0"_s, 42, 0min);
+        QCOMPARE(
+            afterRefresh(),
+            u"42"); // a failure leaves no entries to trust, so that the folder is listed again
+        m_cache->add(u"a_0"_s, UsageCache::entry(UsageCache::usageKey(), "plain"), m_clock.msecsSinceEpoch());
+        QCOMPARE(afterRefresh(), u"42, Couldn't read Claude's usage cache");
+        m_zstd.clear();
+        QCOMPARE(afterRefresh(), u"42, Install zstd (brew install zstd) to read plan usage");
+    }
+
+    void theKnownEntriesAreTrustedForThreeMinutes()
+    {
+        addAnswer(u"a_0"_s, 10, 1min);
+        start();
+        addAnswer(u"b_0"_s, 20, 0min);
+        QCOMPARE(afterRefresh(), u"10");
+        m_clock.advance(179'999);
+        QCOMPARE(afterRefresh(), u"10");
+        m_clock.advance(1);
+        QCOMPARE(afterRefresh(), u"20");
+        addAnswer(u"c_0"_s, 30, 0min);
+        QCOMPARE(afterRefresh(), u"20");
+        QCOMPARE(afterRefresh(true), u"30");
+    }
+
+    void onlyAChangeIsPublished()
+    {
+        addAnswer(u"a_0"_s, 42, 0min);
+        start();
+        const QSignalSpy changed(m_monitor.get(), &PlanUsageMonitor::changed);
+        QCOMPARE(afterRefresh(true), u"42");
+        QCOMPARE(changed.count(), 0);
+        addAnswer(u"a_0"_s, 43, 0min);
+        QCOMPARE(afterRefresh(), u"43");
+        QCOMPARE(changed.count(), 1);
+    }
+
+    void aRefreshDuringAReadIsDropped()
+    {
+        addAnswer(u"a_0"_s, 42, 0min);
+        m_zstd = m_cache->writeScript(
+            u"zstd"_s,
+            "#!/bin/sh\ncd \"${0%/*}\"\necho run >> runs\nuntil [ -e go ]; do sleep 0.01; done\nexec zstd "
+            "-dc\n");
+        m_monitor = monitor();
+        const QSignalSpy refreshing(m_monitor.get(), &PlanUsageMonitor::refreshingChanged);
+        QVERIFY(m_monitor->isRefreshing());
+        m_monitor->refresh(false);
+        m_monitor->refresh(true);
+        QCOMPARE(refreshing.count(), 0);
+        m_cache->write(u"go"_s, {});
+        QTRY_VERIFY(!m_monitor->isRefreshing());
+        QCOMPARE(refreshing.count(), 1);
+        QFile runs(m_cache->path(u"runs"_s));
+        QVERIFY(runs.open(QIODevice::ReadOnly));
+        QCOMPARE(runs.readAll(), "run\n");
+    }
+
+    void aMonitorCanGoInTheMiddleOfARead()
+    {
+        addAnswer(u"a_0"_s, 42, 0min);
+        m_zstd = m_cache->writeScript(u"zstd"_s, "#!/bin/sh\n: > \"${0%/*}/started\"\nexec sleep 60\n");
+        m_monitor = monitor();
+        QTRY_VERIFY(QFile::exists(m_cache->path(u"started"_s)));
+        QElapsedTimer timer;
+        timer.start();
+        m_monitor.reset();
+        QVERIFY(timer.elapsed() < 5000);
+        QCoreApplication::processEvents();
+    }
+
+    void theCacheIsFoundBelowTheHomeFolder()
+    {
+        addAnswer(u"a_0"_s, 42, 0min);
+        m_monitor =
+            std::make_unique<PlanUsageMonitor>(m_cache->home(), m_clock, PlanUsageMonitor::defaultDomain);
+        QTRY_COMPARE(shown(), u"42");
+    }
+
+private:
+    void addAnswer(const QString &name, int percent, std::chrono::minutes age)
+    {
+        m_cache->add(
+            name, UsageCache::usageEntry(percent),
+            m_clock.msecsSinceEpoch() - std::chrono::milliseconds(age).count());
+    }
+    std::unique_ptr<PlanUsageMonitor> monitor()
+    {
+        const auto find = [this] { return m_zstd.isEmpty() ? std::nullopt : std::optional(m_zstd); };
+        return std::make_unique<PlanUsageMonitor>(
+            PlanUsageReader(m_cache->folder(), PlanUsageMonitor::defaultDomain, find, {{}, 1ms}), m_clock);
+    }
+    void start()
+    {
+        m_zstd = u"/usr/bin/zstd"_s;
+        m_monitor = monitor();
+        QTRY_VERIFY(!m_monitor->isRefreshing());
+    }
+    QString afterRefresh(bool rescan = false)
+    {
+        m_monitor->refresh(rescan);
+        return QTest::qWaitFor([this] { return !m_monitor->isRefreshing(); }) ? shown() : u"no end"_s;
+    }
+    QString shown() const
+    {
+        const auto &session = m_monitor->session();
+        const QString number = session ? QString::number(qRound(session->fraction * 100)) : u"none"_s;
+        const auto &problem = m_monitor->problem();
+        return problem ? number + u", " + *problem : number;
+    }
+
+    std::optional<UsageCache> m_cache;
+    ManualClock m_clock;
+    QString m_zstd;
+    std::unique_ptr<PlanUsageMonitor> m_monitor;
+};
+
+QTEST_GUILESS_MAIN(PlanUsageMonitorTest)
+#include "PlanUsageMonitorTest.moc"

@@ -1,0 +1,172 @@
+#include <QDirIterator>
+#include <QTest>
+
+#include <sys/stat.h>
+
+#include "Usage/CacheScan.h"
+#include "Usage/PlanUsageReader.h"
+#include "usage/UsageCache.h"
+
+using namespace nubble;
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr qint64 noon = 1'790'000'000'000;
+
+std::optional<QString> realZstd()
+{
+    return u"/usr/bin/zstd"_s;
+}
+
+PlanUsageReader readerOf(const UsageCache &cache, PlanUsageReader::FindTool findZstd = realZstd)
+{
+    return PlanUsageReader(cache.folder(), u"claude.ai"_s, std::move(findZstd), {{}, 1ms});
+}
+
+// "problem" or the session's percentage, and the names of the entries when the folder was listed.
+QByteArray printed(const ReadOutcome &outcome)
+{
+    static const QMap<ReadProblem, QByteArray> problems{
+        {ReadProblem::NoCache, "no cache"},
+        {ReadProblem::NoZstd, "no zstd"},
+        {ReadProblem::Unreadable, "unreadable"}};
+    QByteArray text;
+    if (const ReadProblem *problem = std::get_if<ReadProblem>(&outcome.result))
+        text = problems.value(*problem);
+    else
+        text = QByteArray::number(qRound(std::get<Reading>(outcome.result).session->fraction * 100));
+    if (!outcome.entries)
+        return text;
+    text += ':';
+    for (const QByteArray &each : *outcome.entries)
+        text += ' ' + each.mid(each.lastIndexOf('/') + 1);
+    return text;
+}
+
+} // namespace
+
+class PlanUsageReaderTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theNewestAnswerIsReadBehindItsTrailingRecords()
+    {
+        const UsageCache cache;
+        cache.add(u"old_0"_s, UsageCache::usageEntry(10), noon - 2);
+        cache.add(u"new_0"_s, UsageCache::usageEntry(20), noon);
+        cache.add(u"newer_1"_s, UsageCache::usageEntry(30), noon + 1);
+        cache.add(u"other_0"_s, UsageCache::entry(UsageCache::keyFor("/api/x"), "body"), noon + 2);
+        const ReadOutcome outcome = readerOf(cache).read({});
+        QCOMPARE(printed(outcome), "20: new_0 old_0");
+        QCOMPARE(std::get<Reading>(outcome.result).capturedAt.toMSecsSinceEpoch(), noon);
+        QCOMPARE(std::get<Reading>(outcome.result).entry, cache.nativePath(u"new_0"_s));
+    }
+
+    void aProblemSaysWhatIsMissing()
+    {
+        const UsageCache cache;
+        QCOMPARE(printed(readerOf(cache).read({})), "no cache:");
+        cache.add(u"a_0"_s, UsageCache::entry(UsageCache::keyFor("/"), "body"), noon);
+        QCOMPARE(printed(readerOf(cache).read({})), "no cache:");
+        cache.add(u"b_0"_s, UsageCache::entry(UsageCache::usageKey(), "plain"), noon);
+        cache.add(
+            u"c_0"_s, UsageCache::entry(UsageCache::usageKey(), QByteArray::fromHex("28b52ffd") + "noise"),
+            noon - 1);
+        cache.add(
+            u"d_0"_s, UsageCache::entry(UsageCache::usageKey(), UsageCache::compressed("{}")), noon - 2);
+        QCOMPARE(printed(readerOf(cache).read({})), "unreadable: b_0 c_0 d_0");
+        cache.add(u"e_0"_s, UsageCache::usageEntry(10), noon - 3);
+        QCOMPARE(printed(readerOf(cache).read({})), "10: b_0 c_0 d_0 e_0");
+        QCOMPARE(printed(readerOf(cache, [] { return std::nullopt; }).read({})), "no zstd");
+    }
+
+    void onEqualDatesTheEarlierEntryWins()
+    {
+        const UsageCache cache;
+        const QByteArray first = cache.add(u"a_0"_s, UsageCache::usageEntry(10), noon);
+        const QByteArray second = cache.add(u"b_0"_s, UsageCache::usageEntry(20), noon);
+        QCOMPARE(printed(readerOf(cache).read({first, second})), "10");
+        QCOMPARE(printed(readerOf(cache).read({second, first})), "20");
+        QStringList listed;
+        QDirIterator folder(cache.folder(), QDir::Files);
+        while (folder.hasNext())
+            listed += QFileInfo(folder.next()).fileName();
+        QVERIFY(printed(readerOf(cache).read({})).endsWith(listed.join(u' ').toLatin1()));
+    }
+
+    void knownEntriesAreTrustedUntilNoneCanBeRead()
+    {
+        const UsageCache cache;
+        const QByteArray known = cache.add(u"a_0"_s, UsageCache::usageEntry(10), noon);
+        cache.add(u"b_0"_s, UsageCache::usageEntry(20), noon + 1);
+        QCOMPARE(printed(readerOf(cache).read({cache.nativePath(u"gone_0"_s), known})), "10");
+        QFile::resize(QFile::decodeName(known), 600'000);
+        QCOMPARE(printed(readerOf(cache).read({known})), "20: b_0");
+        QFile::remove(QFile::decodeName(known));
+        QCOMPARE(printed(readerOf(cache).read({known})), "20: b_0");
+    }
+
+    void whatIsNoFileOfAnEntrysSizeIsPassedOver()
+    {
+        const UsageCache cache;
+        cache.add(u"big_0"_s, UsageCache::usageEntry(10).leftJustified(524'288, 'x'), noon);
+        cache.add(u"largest_0"_s, UsageCache::usageEntry(20).leftJustified(524'287, 'x'), noon);
+        cache.add(u"empty_0"_s, {}, noon);
+        cache.add(u"header_0"_s, QByteArray(24, '\1'), noon);
+        QDir(cache.folder()).mkdir(u"folder_0"_s);
+        QFile::link(u"loop_0"_s, cache.folder() + u"/loop_0");
+        QCOMPARE(::mkfifo(cache.nativePath(u"pipe_0"_s).constData(), 0600), 0);
+        QCOMPARE(printed(readerOf(cache).read({})), "20: largest_0");
+        QCOMPARE(
+            printed(readerOf(cache).read({cache.nativePath(u"pipe_0"_s), cache.nativePath(u"folder_0"_s)})),
+            "20: largest_0");
+    }
+
+    void theSixHundredNewestOfTwentyThousandAreLookedInto()
+    {
+        const UsageCache cache;
+        const QByteArray other = UsageCache::entry(UsageCache::keyFor("/api/x"), "body");
+        for (int i = 0; i < 19'998; ++i)
+            cache.add(u"%1_0"_s.arg(i, 16, 16, QChar(u'0')), other, noon + i * 1000);
+        cache.add(u"young_0"_s, UsageCache::usageEntry(10), noon + 19'997'500);
+        cache.add(
+            u"old_0"_s, UsageCache::usageEntry(20),
+            noon + 19'399'500); // 598 others and the young one are newer
+        QCOMPARE(printed(readerOf(cache).read({})), "10: young_0 old_0");
+        cache.setModified(u"old_0"_s, noon + 19'398'500);
+        QCOMPARE(printed(readerOf(cache).read({})), "10: young_0");
+    }
+
+    void anEntryThatIsBeingWrittenIsLookedAtAgain_data()
+    {
+        QTest::addColumn<bool>("isKnown");
+        QTest::newRow("among known entries") << true;
+        QTest::newRow("while the folder is listed") << false;
+    }
+    void anEntryThatIsBeingWrittenIsLookedAtAgain()
+    {
+        QFETCH(bool, isKnown);
+        const UsageCache cache;
+        const QByteArray entry = cache.add(u"a_0"_s, UsageCache::usageEntry(10), noon);
+        const QByteArray older = cache.add(u"b_0"_s, UsageCache::usageEntry(20), noon - 1);
+        // The fresh answer is whole again as soon as the older one has been read.
+        const QString zstd = cache.writeScript(
+            u"zstd"_s, "#!/bin/sh\nzstd -dc\ncd \"${0%/*}\" && [ -e whole ] && mv whole " + entry + '\n');
+        PlanUsageReader reader = readerOf(cache, [zstd] { return zstd; });
+        QCOMPARE(printed(reader.read({})), "10: a_0 b_0");
+        cache.write(u"whole"_s, UsageCache::usageEntry(30));
+        cache.add(u"a_0"_s, {}, noon + 1);
+        const QList<QByteArray> known = isKnown ? QList{entry, older} : QList<QByteArray>{};
+        QCOMPARE(printed(reader.read(known)), isKnown ? "30" : "30: a_0 b_0");
+
+        QFile::remove(QFile::decodeName(entry));
+        QCOMPARE(printed(reader.read(known)), isKnown ? "20" : "20: b_0");
+        QFile::remove(QFile::decodeName(older));
+        QCOMPARE(printed(reader.read(known)), "no cache:");
+    }
+};
+
+QTEST_GUILESS_MAIN(PlanUsageReaderTest)
+#include "PlanUsageReaderTest.moc"
