@@ -44,13 +44,13 @@ void CardHeader::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setFont(Typography::cardTitle());
     painter.setPen(Palette::textPrimary);
-    painter.drawText(rect(), Qt::AlignLeft | Qt::AlignVCenter, m_title);
+    painter.drawText(contentsRect(), Qt::AlignLeft | Qt::AlignVCenter, m_title);
     const double titleWidth = painter.fontMetrics().horizontalAdvance(m_title);
 
     painter.setFont(Typography::cardBody());
     painter.setPen(Palette::textSecondary);
     Typography::drawTabular(
-        painter, QRectF(rect()).adjusted(titleWidth + 7, 1, 0, 1), Qt::AlignLeft, m_detail);
+        painter, QRectF(contentsRect()).adjusted(titleWidth + 7, 1, 0, 1), Qt::AlignLeft, m_detail);
 }
 
 } // namespace nubble

@@ -48,7 +48,9 @@ QMargins TooltipShell::margins() const
 
 QSize TooltipShell::sizeHint() const
 {
-    return m_content->sizeHint().grownBy(margins());
+    const QSize content
+        = m_content->sizeHint().expandedTo(m_content->minimumSize()).boundedTo(m_content->maximumSize());
+    return content.grownBy(margins());
 }
 
 QRect TooltipShell::cardRect() const

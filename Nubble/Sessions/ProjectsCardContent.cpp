@@ -30,7 +30,7 @@ constexpr int cardHeight = 460;
 constexpr int headerHeight = 24;
 constexpr QMargins margins {8, 12, 8, 10};
 constexpr int spacing = 6;
-constexpr int rowInset = 8; // the header's text stands where the rows' icons do
+constexpr int rowInset = 10; // the header's text stands where the rows' icons do
 
 QColor wordColor(const QString &word)
 {
@@ -70,7 +70,7 @@ ProjectsCardContent::ProjectsCardContent(SessionMonitor &monitor, const Clock &c
     auto *close = new NotchButton(u"xmark"_s, u"Close"_s);
     connect(close, &NotchButton::clicked, this, &ProjectsCardContent::closeRequested);
     m_header->addAccessory(close);
-    m_header->setContentsMargins(rowInset, 0, rowInset - 2, 0);
+    m_header->setContentsMargins(rowInset, 0, rowInset - 6, 0);
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(margins);
