@@ -1,5 +1,6 @@
 #include "Notch/NotchView.h"
 
+#include <QAbstractButton>
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QPainter>
@@ -161,8 +162,12 @@ void NotchView::contextMenuEvent(QContextMenuEvent *event)
 
 void NotchView::keyPressEvent(QKeyEvent *event)
 {
+    auto *focused = qobject_cast<QAbstractButton *>(focusWidget());
+    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (event->key() == Qt::Key_Escape)
         m_services.panelState.collapse();
+    else if (isEnter && focused && !event->isAutoRepeat())
+        focused->animateClick(); // by themselves buttons know the space bar only
     else
         QWidget::keyPressEvent(event);
 }
