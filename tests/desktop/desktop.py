@@ -286,6 +286,8 @@ def run_nubble(*arguments, env):
 class Nubble:
     """The running program."""
 
+    offset = 0  # of its panel, from the middle of the edge
+
     def __init__(self, desktop, home, *arguments, **env):
         self.desktop = desktop
         self.home = ["--home", str(home.path)]
@@ -323,7 +325,7 @@ class Nubble:
 
     def ring(self):
         """The ring's centre on the screen, at the right edge."""
-        return (SCREEN[0] - RING_ACROSS, SCREEN[1] / 2)
+        return (SCREEN[0] - RING_ACROSS, SCREEN[1] / 2 + self.offset)
 
     def open_card(self):
         self.desktop.click(*self.ring())

@@ -1,0 +1,101 @@
+"""The panel's context menu, opened by the right button and used by keyboard and mouse."""
+
+import unittest
+
+from Xlib import X
+from Xlib.error import BadDrawable, BadWindow
+
+from desktop import SCREEN, DesktopTest, eventually
+
+ENTRIES = [
+    "Lock Position", "Move to Edge", "Center on Edge", "Add-ons", "Refresh Everything", "Restart Nubble", "Hide Notch",
+    "Quit Nubble"]
+LEFT_EDGE = 1  # its place in the list of edges
+
+
+class TheContextMenu(DesktopTest):
+    below_ring = 0
+
+    def menu_windows(self):
+        """The program's windows on the screen, but for the panel itself, which is the largest."""
+        found = []
+        for window in self.desktop.root.query_tree().children:
+            try:
+                shown = window.get_attributes().map_state == X.IsViewable
+                if shown and (window.get_wm_class() or [""])[0] == "nubble":
+                    found.append((window.get_geometry().height, window))
+            except (BadWindow, BadDrawable):  # it has just gone
+                pass
+        return [window for _, window in sorted(found, key=lambda each: each[0])[:-1]]
+
+    def open_menu(self, nubble):
+        x, y = nubble.ring()
+        self.below_ring = 10 - self.below_ring  # not where the last press was: two would be a double click
+        self.desktop.click(x, y + self.below_ring, button=3)
+        return eventually(self.menu_windows, "the menu is open")[0]
+
+    def choose(self, nubble, entry, *keys):
+        self.open_menu(nubble)
+        for _ in range(ENTRIES.index(entry) + 1):
+            self.desktop.key("Down")
+        for key in keys or ["Return"]:
+            self.desktop.key(key)
+        eventually(lambda: not self.menu_windows(), "the menu is closed")
+
+    def test_opens_within_the_screen_and_closes_without_effect(self):
+        nubble = self.start_nubble()
+        menu = self.open_menu(nubble).get_geometry()
+        self.assertLessEqual(menu.x + menu.width, SCREEN[0])
+        self.assertGreater(menu.height, 8 * 16)
+        before = nubble.panel()
+        self.desktop.key("Escape")
+        eventually(lambda: not self.menu_windows(), "the menu is closed")
+        self.open_menu(nubble)
+        self.desktop.click(300, 300)
+        eventually(lambda: not self.menu_windows(), "the menu is closed by a click elsewhere")
+        self.assertEqual(nubble.panel(), before)
+
+    def test_locks_and_unlocks_the_position(self):
+        nubble = self.start_nubble()
+        menu = self.open_menu(nubble).get_geometry()
+        self.desktop.click(menu.x + 40, menu.y + 14)  # its first entry
+        nubble.until_panel(locked=True)
+        self.choose(nubble, "Lock Position")
+        nubble.until_panel(locked=False)
+
+    def test_moves_the_panel_along_its_edge_and_to_another(self):
+        self.home.preferences(placement_offset="120")
+        nubble = self.start_nubble()
+        nubble.offset = 120
+        self.choose(nubble, "Center on Edge")
+        nubble.until_panel(offset=0)
+        nubble.offset = 0
+        self.choose(nubble, "Move to Edge", "Right", *["Down"] * LEFT_EDGE, "Return")
+        nubble.until_panel(edge="left")
+        eventually(lambda: max(self.desktop.pixel(0, SCREEN[1] / 2)) < 32, "the body is at the left edge")
+
+    def test_hides_the_panel_until_the_program_is_started_again(self):
+        nubble = self.start_nubble()
+        self.choose(nubble, "Hide Notch")
+        nubble.until_panel(visible=False)
+        eventually(lambda: max(self.desktop.pixel(SCREEN[0] - 1, SCREEN[1] / 2)) > 32, "the panel is gone")
+        self.assertEqual(nubble.run().returncode, 0)
+        nubble.until_panel(visible=True)
+
+    def test_restarts_and_quits_the_program(self):
+        self.home.preferences(placement_offset="-90")
+        nubble = self.start_nubble()
+        nubble.offset = -90
+        self.choose(nubble, "Restart Nubble")
+        self.assertEqual(nubble.process.wait(10), 0)
+        eventually(nubble.is_running, "the successor answers", patience=3)
+        successors = nubble.instances()
+        self.assertEqual(len(successors), 1)
+        self.assertNotEqual(successors, [nubble.process.pid])
+        nubble.until_panel(edge="right", offset=-90)
+        self.choose(nubble, "Quit Nubble")
+        eventually(lambda: not nubble.instances(), "the successor has quit")
+
+
+if __name__ == "__main__":
+    unittest.main()
