@@ -19,12 +19,14 @@ class Layout;
 class MainScreen;
 class NotchPlacement;
 class NotificationCenter;
+class PlanUsageMonitor;
 class ProcessActivator;
 class SessionMonitor;
 
 // What the panel shows and acts on. Everything outlives the view.
 struct NotchServices {
     SessionMonitor &sessionMonitor;
+    PlanUsageMonitor &planUsage;
     PanelState &panelState;
     NotchPlacement &placement;
     const Layout &layout;
@@ -68,6 +70,7 @@ private:
     void makeCells();
     void followDrags();
     void updateActivity();
+    void updateFraction();
     void runAction(Addon addon);
 
     NotchServices m_services;

@@ -10,6 +10,7 @@ class QVBoxLayout;
 
 namespace nubble {
 
+class CappedScroll;
 class CardHeader;
 class Clock;
 struct ClaudeSession;
@@ -41,6 +42,7 @@ private:
     CardHeader *m_header;
     QLabel *m_empty;
     QWidget *m_list;
+    CappedScroll *m_scroll;
     QVBoxLayout *m_rows;
     QHash<RowKey, ProjectRow *> m_rowOf;
 };
