@@ -75,6 +75,7 @@ QString AppDelegate::status()
 
 void AppDelegate::showMenu(const QPoint &screenPosition)
 {
+    m_panel.view().endPreview();
     auto *menu = new QMenu(&m_panel.view());
     menu->setAttribute(Qt::WA_DeleteOnClose);
     const MenuState state {

@@ -157,6 +157,12 @@ void NotchView::setTranslucent(bool translucent)
     update();
 }
 
+void NotchView::endPreview()
+{
+    if (m_services.panelState.mode() == PanelMode::usage())
+        m_services.panelState.collapse();
+}
+
 void NotchView::focusCard()
 {
     m_cards->focusFirstControl();

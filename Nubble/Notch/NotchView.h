@@ -50,6 +50,7 @@ public:
 
     void setGeometryOnScreen(const PanelGeometry &geometry);
     void setTranslucent(bool translucent); // whether what is below shines through
+    void endPreview();                     // closes a card that only the pointer has opened
     void focusCard();                      // the keyboard goes to the open card's first control
 
     [[nodiscard]] QPainterPath outline() const; // of all that is shown, in window coordinates

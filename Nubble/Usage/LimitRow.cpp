@@ -19,7 +19,7 @@ constexpr double lineHeight = 16;
 constexpr double barTop = 21;
 constexpr double barHeight = 6;
 constexpr double resetTop = 31;
-constexpr int rowHeight = 46;
+constexpr double resetHeight = 14;
 
 } // namespace
 
@@ -36,7 +36,7 @@ LimitRow::LimitRow(const QString &label, QWidget *parent)
 
 QSize LimitRow::sizeHint() const
 {
-    return {100, rowHeight};
+    return {100, qCeil(m_resetText.isEmpty() ? barTop + barHeight + 2 : resetTop + resetHeight + 1)};
 }
 
 void LimitRow::setWindow(std::optional<double> fraction, const QString &resetText, bool animated)
@@ -54,6 +54,7 @@ void LimitRow::setWindow(std::optional<double> fraction, const QString &resetTex
     m_fraction = fraction;
     m_resetText = resetText;
     describe();
+    updateGeometry();
     update();
 }
 
@@ -78,7 +79,7 @@ void LimitRow::paintEvent(QPaintEvent *)
     drawBar(painter, QRectF(0, barTop, width(), barHeight));
     painter.setFont(Typography::caption());
     painter.setPen(Palette::textSecondary);
-    Typography::drawTabular(painter, QRectF(0, resetTop, width(), 14), Qt::AlignLeft, m_resetText);
+    Typography::drawTabular(painter, QRectF(0, resetTop, width(), resetHeight), Qt::AlignLeft, m_resetText);
 }
 
 void LimitRow::drawBar(QPainter &painter, const QRectF &bar) const
