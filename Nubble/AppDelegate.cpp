@@ -6,6 +6,7 @@
 
 #include "NotchMenu.h"
 #include "Panel/Typography.h"
+#include "Platform/MainThread.h"
 #include "StatusReport.h"
 
 using namespace Qt::StringLiterals;
@@ -41,6 +42,7 @@ AppDelegate::AppDelegate(const Home &home, SessionBus &bus)
           m_backend.makePanelSurface)
     , m_commands(m_placement, m_mainScreen, m_defaults, m_addons, m_sessionMonitor, m_planUsage)
 {
+    assertMainThread("Nubble/AppDelegate");
     observeState();
 }
 

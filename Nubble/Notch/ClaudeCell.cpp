@@ -122,7 +122,6 @@ void ClaudeCell::describe()
 {
     const QString used = m_fraction ? u", %1 % of the plan used"_s.arg(percentText()) : QString();
     setAccessibleName(u"Claude sessions: "_s + activityText(m_activity, m_waiting) + used);
-    setToolTip(accessibleName());
 }
 
 void ClaudeCell::enterEvent(QEnterEvent *event)

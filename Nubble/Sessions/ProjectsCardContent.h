@@ -35,6 +35,7 @@ private:
     void updateRows();
     ProjectRow *rowOf(const RowKey &key);
     void removeRowsExcept(const QList<RowKey> &keys);
+    void orderFocus();
     void showRow(const ClaudeSession &session, int position);
 
     SessionMonitor &m_monitor;
