@@ -9,7 +9,7 @@ build_packages=(
     libxcb-keysyms1-dev libxcb-ewmh-dev libxcb-icccm4-dev
 )
 run_packages=(zstd procps fonts-inter)
-display_packages=(xvfb openbox picom xdotool x11-utils x11-xserver-utils imagemagick dbus-daemon)
+display_packages=(xvfb openbox picom xdotool x11-utils imagemagick dbus-daemon)
 test_packages=(wmctrl xterm strace python3 python3-pyatspi at-spi2-core)
 bench_packages=(libbenchmark-dev)
 
