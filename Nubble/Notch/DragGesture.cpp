@@ -23,6 +23,7 @@ bool DragGesture::eventFilter(QObject *watched, QEvent *event)
 {
     switch (event->type()) {
     case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick: // a second press soon after a click
         if (const auto *mouse = static_cast<QMouseEvent *>(event); mouse->button() == Qt::LeftButton)
             m_start = mouse->globalPosition();
         return false;

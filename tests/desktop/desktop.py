@@ -1,0 +1,368 @@
+"""A desktop of the test's own: X server, window manager, session bus, and the program on it.
+
+Everything is started here and ended by its process id; what a started program leaves behind becomes a child of the
+test (it is a subreaper) and is ended with it. Nothing waits for a fixed time: `eventually` looks until a condition
+holds.
+"""
+
+import ctypes
+import json
+import os
+import pathlib
+import shutil
+import signal
+import subprocess
+import tempfile
+import time
+import unittest
+
+from Xlib import X, XK, display
+from Xlib.ext import xtest
+
+PROGRAM = os.environ["NUBBLE_PROGRAM"]
+COMPOSITED = os.environ.get("NUBBLE_COMPOSITOR") == "picom"
+PATIENCE = 20.0  # seconds until a condition that does not come true is a failure
+SCREEN = (1280, 800)
+BACKDROP = (48, 96, 160)
+
+# The body in the middle of a vertical edge: its depth, and where the ring's centre is from the edge.
+BODY_DEPTH = 124 / 3
+RING_ACROSS = 62 / 3
+
+ctypes.CDLL(None).prctl(36, 1)  # PR_SET_CHILD_SUBREAPER
+
+
+def eventually(condition, what, patience=PATIENCE):
+    """The first true value that `condition` returns."""
+    deadline = time.monotonic() + patience
+    while True:
+        value = condition()
+        if value:
+            return value
+        if time.monotonic() > deadline:
+            raise AssertionError(f"not within {patience:g} s: {what}")
+        time.sleep(0.02)
+
+
+def descendants(pid):
+    children = {}
+    for entry in pathlib.Path("/proc").glob("[0-9]*/stat"):
+        try:
+            fields = entry.read_text().rpartition(")")[2].split()
+        except OSError:
+            continue
+        children.setdefault(int(fields[1]), []).append(int(entry.parent.name))
+    found = []
+    waiting = [pid]
+    while waiting:
+        below = children.get(waiting.pop(), [])
+        found += below
+        waiting += below
+    return found
+
+
+def end(process):
+    process.terminate()
+    try:
+        return process.wait(PATIENCE)
+    except subprocess.TimeoutExpired:
+        process.kill()
+        return process.wait()
+
+
+def end_descendants():
+    def none_left():
+        for pid in descendants(os.getpid()):
+            try:
+                os.kill(pid, signal.SIGKILL)
+                os.waitpid(pid, os.WNOHANG)
+            except (ProcessLookupError, ChildProcessError):
+                pass
+        return not descendants(os.getpid())
+
+    eventually(none_left, "every started process has ended")
+
+
+class Window:
+    """A client window that notes the buttons pressed on it."""
+
+    def __init__(self, desktop, x, y, width, height, *, managed):
+        self.desktop = desktop
+        screen = desktop.display.screen()
+        red, green, blue = BACKDROP
+        self.window = screen.root.create_window(
+            x, y, width, height, 0, screen.root_depth, background_pixel=red << 16 | green << 8 | blue,
+            override_redirect=not managed, event_mask=X.ButtonPressMask)
+        self.window.set_wm_name("Test window")
+        self.window.map()
+        desktop.display.sync()
+
+    def clicks(self):
+        """Where it has been clicked since the last call, on the screen."""
+        self.desktop.display.sync()
+        found = []
+        for _ in range(self.desktop.display.pending_events()):
+            event = self.desktop.display.next_event()
+            if event.type == X.ButtonPress and event.window == self.window:
+                found.append((event.root_x, event.root_y))
+        return found
+
+    def close(self):
+        self.window.destroy()
+        self.desktop.display.sync()
+
+
+class Desktop:
+    """Xvfb with openbox, with picom if the tests run with a compositor, and a session bus."""
+
+    def __init__(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="nubble-desktop-"))
+        self.folder.chmod(0o700)
+        self.env = {
+            "PATH": os.environ["PATH"], "LANG": "C.UTF-8", "HOME": str(self.folder),
+            "XDG_RUNTIME_DIR": str(self.folder), "NO_AT_BRIDGE": "1", "QT_QPA_PLATFORM": "xcb"}
+        self.env |= {key: value for key, value in os.environ.items() if key.endswith("SAN_OPTIONS")}
+        self.services = []
+        number = self._announced(
+            "Xvfb", "-displayfd", "3", "-screen", "0", "%dx%dx24" % SCREEN, "-dpi", "96", "-nolisten", "tcp",
+            "-noreset")
+        self.env["DISPLAY"] = ":" + number
+        self.env["DBUS_SESSION_BUS_ADDRESS"] = self._announced(
+            "dbus-daemon", "--session", "--nofork", "--print-address=3")
+        self.display = display.Display(self.env["DISPLAY"])
+        self.root = self.display.screen().root
+        self.services.append(self.start("openbox", "--sm-disable"))
+        eventually(lambda: self._property(self.root, "_NET_CLIENT_LIST") is not None, "openbox runs")
+        if COMPOSITED:
+            self.services.append(self.start_compositor())
+        self.backdrop = Window(self, 0, 0, *SCREEN, managed=False)
+
+    def close(self):
+        self.display.close()
+        for service in reversed(self.services):
+            end(service)
+        end_descendants()
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+    def start(self, *command, **options):
+        options.setdefault("stdout", subprocess.DEVNULL)
+        options.setdefault("stderr", subprocess.DEVNULL)
+        return subprocess.Popen(command, stdin=subprocess.DEVNULL, env=self.env, **options)
+
+    def start_compositor(self):
+        compositor = self.start("picom", "--config", "/dev/null", "--backend", "xrender")
+        manager = self.display.intern_atom("_NET_WM_CM_S0")
+        eventually(lambda: self.display.get_selection_owner(manager) != X.NONE, "picom runs")
+        return compositor
+
+    def _announced(self, *command):
+        """Starts a program that writes one line to descriptor 3."""
+        reading, writing = os.pipe()
+
+        def give_descriptor():
+            os.dup2(writing, 3)
+
+        os.set_inheritable(writing, True)
+        self.services.append(subprocess.Popen(
+            command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, env=self.env,
+            close_fds=False, preexec_fn=give_descriptor))
+        os.close(writing)
+        with os.fdopen(reading) as announcement:
+            return announcement.readline().strip()
+
+    # What is on the screen
+
+    def pixels(self, x, y, width, height):
+        """Rows of colours."""
+        raw = self.root.get_image(x, y, width, height, X.ZPixmap, 0xFFFFFFFF).data
+        return [
+            [(raw[at + 2], raw[at + 1], raw[at]) for at in range(row * width * 4, (row + 1) * width * 4, 4)]
+            for row in range(height)]
+
+    def pixel(self, x, y):
+        return self.pixels(int(x), int(y), 1, 1)[0][0]
+
+    # Windows
+
+    def _property(self, window, name):
+        answer = window.get_full_property(self.display.intern_atom(name), X.AnyPropertyType)
+        return answer.value if answer else None
+
+    def active_window(self):
+        value = self._property(self.root, "_NET_ACTIVE_WINDOW")
+        return value[0] if value is not None and len(value) else 0
+
+    def client_windows(self):
+        return list(self._property(self.root, "_NET_CLIENT_LIST") or [])
+
+    def window_of(self, process):
+        """The managed window of a process, once it is there."""
+        def find():
+            for identifier in self.client_windows():
+                pid = self._property(self.display.create_resource_object("window", identifier), "_NET_WM_PID")
+                if pid is not None and pid[0] == process.pid:
+                    return identifier
+            return None
+
+        return eventually(find, "the window of " + str(process.args))
+
+    def current_desktop(self):
+        return self._property(self.root, "_NET_CURRENT_DESKTOP")[0]
+
+    def run(self, *command):
+        subprocess.run(command, env=self.env, check=True, timeout=PATIENCE, stdout=subprocess.DEVNULL)
+
+    # What a user does
+
+    def move_pointer(self, x, y):
+        xtest.fake_input(self.display, X.MotionNotify, x=round(x), y=round(y))
+        self.display.sync()
+
+    def press(self, button=1):
+        xtest.fake_input(self.display, X.ButtonPress, button)
+        self.display.sync()
+
+    def release(self, button=1):
+        xtest.fake_input(self.display, X.ButtonRelease, button)
+        self.display.sync()
+
+    def click(self, x, y, button=1):
+        self.move_pointer(x, y)
+        self.press(button)
+        self.release(button)
+
+    def drag(self, start, to):
+        self.move_pointer(*start)
+        self.press()
+        for step in range(1, 11):
+            self.move_pointer(*(a + (b - a) * step / 10 for a, b in zip(start, to)))
+        self.release()
+
+    def key(self, name):
+        code = self.display.keysym_to_keycode(XK.string_to_keysym(name))
+        xtest.fake_input(self.display, X.KeyPress, code)
+        xtest.fake_input(self.display, X.KeyRelease, code)
+        self.display.sync()
+
+
+class Home:
+    """A home folder with the files that sessions leave in it."""
+
+    def __init__(self, folder):
+        self.path = pathlib.Path(folder)
+        (self.path / ".claude/sessions").mkdir(parents=True)
+        (self.path / ".config").mkdir()
+
+    def record(self, pid, **fields):
+        now = int(time.time() * 1000)
+        record = {
+            "pid": pid, "sessionId": f"session-{pid}", "cwd": "/tmp/garden", "startedAt": now, "updatedAt": now,
+            "status": "idle", "kind": "interactive", "entrypoint": "cli"} | fields
+        whole = self.path / f".claude/sessions/{pid}.json.new"
+        whole.write_text(json.dumps(record))
+        whole.rename(whole.with_suffix(""))
+
+    def transcript(self, session, title, prompt, cwd="/tmp/garden"):
+        folder = self.path / ".claude/projects" / cwd.replace("/", "-")
+        folder.mkdir(parents=True, exist_ok=True)
+        lines = [
+            {"type": "ai-title", "aiTitle": title, "sessionId": session},
+            {"type": "last-prompt", "lastPrompt": prompt, "sessionId": session}]
+        text = "".join(json.dumps(line, separators=(",", ":")) + "\n" for line in lines)
+        (folder / f"{session}.jsonl").write_text(text)
+
+    def preferences(self, **values):
+        text = "[General]\n" + "".join(f"{key}={value}\n" for key, value in values.items())
+        (self.path / ".config/com.brevandel.nubble.conf").write_text(text.replace("_", "."))
+
+
+def run_nubble(*arguments, env):
+    """One run of the program that ends by itself."""
+    return subprocess.run(
+        [PROGRAM, *arguments], stdin=subprocess.DEVNULL, env=env, capture_output=True, text=True, timeout=PATIENCE,
+        check=False)
+
+
+class Nubble:
+    """The running program."""
+
+    def __init__(self, desktop, home, *arguments, **env):
+        self.desktop = desktop
+        self.home = ["--home", str(home.path)]
+        self.process = subprocess.Popen(
+            [PROGRAM, *self.home, *arguments], stdin=subprocess.DEVNULL, env=desktop.env | env)
+        eventually(self.is_running, "the program answers")
+
+    def run(self, *arguments):
+        return run_nubble(*self.home, *arguments, env=self.desktop.env)
+
+    def status(self):
+        return json.loads(self.run("status", "--json").stdout)
+
+    def is_running(self):
+        return self.status()["source"] == "running"
+
+    def panel(self):
+        return self.status().get("panel", {})
+
+    def until_panel(self, **wanted):
+        eventually(
+            lambda: wanted.items() <= self.panel().items(), f"panel {wanted}, it is {self.panel()}")
+
+    def instances(self):
+        """The process ids of this home's instances."""
+        found = []
+        for pid in descendants(os.getpid()):
+            try:
+                arguments = pathlib.Path(f"/proc/{pid}/cmdline").read_bytes().split(b"\0")[:-1]
+            except OSError:
+                continue
+            if [each.decode() for each in arguments[:3]] == [PROGRAM, *self.home]:
+                found.append(pid)
+        return found
+
+    def ring(self):
+        """The ring's centre on the screen, at the right edge."""
+        return (SCREEN[0] - RING_ACROSS, SCREEN[1] / 2)
+
+    def open_card(self):
+        self.desktop.click(*self.ring())
+        self.until_panel(mode="sessions")
+
+    def quit(self):
+        return end(self.process)
+
+
+class DesktopTest(unittest.TestCase):
+    """Each test has a home and, from `start_nubble`, a program of its own; the desktop is the class's."""
+
+    @classmethod
+    def setUpClass(cls):
+        cls.desktop = Desktop()
+        cls.addClassCleanup(cls.desktop.close)
+
+    def setUp(self):
+        self.home = Home(tempfile.mkdtemp(dir=self.desktop.folder))
+        self.desktop.move_pointer(400, 700)
+        self.desktop.backdrop.clicks()
+
+    def start_nubble(self, *arguments, **env):
+        nubble = Nubble(self.desktop, self.home, *arguments, **env)
+        self.addCleanup(self._end, nubble)
+        return nubble
+
+    def _end(self, nubble):
+        nubble.quit()
+        for pid in nubble.instances():
+            os.kill(pid, signal.SIGTERM)
+        eventually(lambda: not nubble.instances(), "every instance has ended")
+
+    def start_terminal(self):
+        """An xterm whose shell runs a sleeping process. Returns the xterm and that process's id."""
+        note = pathlib.Path(tempfile.mkdtemp(dir=self.desktop.folder)) / "pid"
+        terminal = self.desktop.start(
+            "xterm", "-geometry", "60x12+40+40", "-e", "sh", "-c",
+            f"sleep 1000 & echo $! > {note}.new; mv {note}.new {note}; wait")
+        self.addCleanup(end, terminal)
+        eventually(note.exists, "the process in the terminal runs")
+        return terminal, int(note.read_text())

@@ -1,0 +1,147 @@
+"""Where the panel is, what it covers, and which clicks it takes."""
+
+import unittest
+
+from desktop import BACKDROP, BODY_DEPTH, COMPOSITED, SCREEN, DesktopTest, Window, end, eventually
+
+WIDTH, HEIGHT = SCREEN
+BODY_BEFORE_RING = 154 / 3  # along, from the body's start to the ring's centre
+AT_EDGES = {  # where a drag goes, and a pixel of the body at that edge
+    "left": ((4, 300), (0, 300)),
+    "top": ((500, 3), (500, 0)),
+    "bottom": ((700, HEIGHT - 3), (700, HEIGHT - 1)),
+    "right": ((WIDTH - 3, 500), (WIDTH - 1, 500)),
+}
+
+
+def is_dark(colour):
+    return max(colour) < 32
+
+
+class PanelTest(DesktopTest):
+    def until_dark(self, x, y):
+        eventually(lambda: is_dark(self.desktop.pixel(x, y)), f"the body is at {x}, {y}")
+
+    def until_backdrop(self, x, y):
+        eventually(lambda: self.desktop.pixel(x, y) == BACKDROP, f"the desktop is seen at {x}, {y}")
+
+    def covered(self):
+        """Left, top, right and bottom of all that differs from the desktop's colour."""
+        rows = self.desktop.pixels(0, 0, WIDTH, HEIGHT)
+        ys = [y for y, row in enumerate(rows) if row.count(BACKDROP) < WIDTH]
+        xs = [x for y in ys for x, colour in enumerate(rows[y]) if colour != BACKDROP]
+        return (min(xs), min(ys), max(xs) + 1, max(ys) + 1) if xs else None
+
+
+class ThePanel(PanelTest):
+    def test_goes_to_each_edge_by_a_drag_and_stays_there_after_a_restart(self):
+        nubble = self.start_nubble()
+        position = nubble.ring()
+        for edge, (target, body) in AT_EDGES.items():
+            with self.subTest(edge=edge):
+                self.desktop.drag(position, target)
+                nubble.until_panel(edge=edge, mode="collapsed")
+                self.until_dark(*body)
+                position = body
+        self.desktop.drag(position, AT_EDGES["bottom"][0])
+        nubble.until_panel(edge="bottom")
+        offset = nubble.panel()["offset"]
+        self.assertAlmostEqual(offset, 60, delta=1.5)
+        self.assertEqual(nubble.quit(), 0)
+        self.until_backdrop(*AT_EDGES["bottom"][1])
+        nubble = self.start_nubble()
+        nubble.until_panel(edge="bottom", offset=offset)
+        self.until_dark(*AT_EDGES["bottom"][1])
+
+    def test_stays_when_it_is_locked_and_dragged_but_closes_its_card(self):
+        self.home.preferences(placement_locked="true")
+        nubble = self.start_nubble()
+        nubble.open_card()
+        self.desktop.drag(nubble.ring(), (4, 300))
+        nubble.until_panel(mode="collapsed", edge="right", offset=0)
+
+    def test_covers_nothing_but_the_body(self):
+        self.start_nubble()
+        left, top, right, bottom = eventually(self.covered, "the body is on the screen")
+        self.assertEqual(right, WIDTH)
+        self.assertAlmostEqual(left, WIDTH - BODY_DEPTH, delta=1.5)
+        self.assertAlmostEqual(top, HEIGHT / 2 - BODY_BEFORE_RING, delta=4)  # its shoulders end in a point
+        self.assertLess(bottom - top, 130)
+        # Outside the rounded ends.
+        for corner in (top + 1, bottom - 2):
+            self.assertEqual(self.desktop.pixel(left + 1, corner), BACKDROP)
+
+    def test_shows_no_black_around_an_open_card(self):
+        nubble = self.start_nubble()
+        nubble.open_card()
+        eventually(lambda: self.desktop.pixel(WIDTH - 200, HEIGHT // 2) != BACKDROP, "the card is on the screen")
+        gap = WIDTH - BODY_DEPTH - 3  # between the body and the card, far from the tail
+        for y in (HEIGHT / 2 - 80, HEIGHT / 2 + 80):
+            self.assertEqual(self.desktop.pixel(gap, y), BACKDROP)
+        x = WIDTH - 200
+        column = [row[0] for row in self.desktop.pixels(x, HEIGHT // 2 - 120, 1, 240)]
+        card = [y for y, colour in enumerate(column) if is_dark(colour)]
+        outside = column[:card[0] - 1] + column[card[-1] + 2:]
+        if COMPOSITED:
+            self.assertFalse([colour for colour in outside if colour[2] < BACKDROP[2] // 3])
+        else:
+            self.assertEqual(set(outside), {BACKDROP})
+
+    def test_takes_clicks_on_its_body_only(self):
+        nubble = self.start_nubble()
+        beside = (WIDTH - 200, HEIGHT / 2)
+        self.desktop.click(*beside)
+        eventually(self.desktop.backdrop.clicks, "the click has reached the window below")
+        self.desktop.click(WIDTH - BODY_DEPTH + 8, HEIGHT / 2 + 40)
+        nubble.open_card()
+        self.desktop.click(*beside)
+        self.assertEqual(nubble.panel()["mode"], "sessions")
+        self.assertEqual(self.desktop.backdrop.clicks(), [])
+
+    def test_closes_its_card_by_a_click_elsewhere_and_on_the_ring(self):
+        nubble = self.start_nubble()
+        for button in (1, 3):
+            nubble.open_card()
+            self.desktop.click(300, 300, button)
+            nubble.until_panel(mode="collapsed")
+        nubble.open_card()
+        self.desktop.click(*nubble.ring())
+        nubble.until_panel(mode="collapsed")
+
+    def test_lies_above_a_full_screen_window(self):
+        self.start_nubble()
+        window = Window(self.desktop, 0, 0, 400, 300, managed=True)
+        self.addCleanup(window.close)
+        self.desktop.run("wmctrl", "-i", "-a", hex(window.window.id))
+        self.desktop.run("wmctrl", "-i", "-r", hex(window.window.id), "-b", "add,fullscreen")
+        eventually(lambda: window.window.get_geometry().width == WIDTH, "the window fills the screen")
+        self.until_dark(WIDTH - 1, HEIGHT / 2)
+        self.assertNotIn("nubble", " ".join(str(each) for each in self.desktop.client_windows()))
+
+    def test_follows_the_screen_when_that_changes_its_size(self):
+        self.start_nubble()
+        self.until_dark(WIDTH - 1, HEIGHT / 2)
+        self.addCleanup(self.desktop.run, "xrandr", "--output", "screen", "--mode", "%dx%d" % SCREEN)
+        self.desktop.run("xrandr", "--newmode", "small", *"30 1024 1025 1026 1027 700 701 702 703".split())
+        self.desktop.run("xrandr", "--addmode", "screen", "small")
+        self.desktop.run("xrandr", "--output", "screen", "--mode", "small")
+        self.until_dark(1023, 350)
+        eventually(lambda: self.desktop.pixel(1023 - 60, 350) == BACKDROP, "nothing is left beside the body")
+
+
+if not COMPOSITED:
+    class ThePanelWithoutACompositor(PanelTest):
+        def test_goes_on_when_a_compositor_comes_and_goes(self):
+            nubble = self.start_nubble()
+            nubble.open_card()
+            for _ in range(2):
+                compositor = self.desktop.start_compositor()
+                self.until_dark(WIDTH - 1, HEIGHT / 2)
+                self.until_backdrop(WIDTH - BODY_DEPTH - 3, HEIGHT / 2 - 100)
+                end(compositor)
+                self.until_dark(WIDTH - 1, HEIGHT / 2)
+                self.until_backdrop(WIDTH - BODY_DEPTH + 2, HEIGHT / 2 - BODY_BEFORE_RING + 2)
+
+
+if __name__ == "__main__":
+    unittest.main()
