@@ -4,17 +4,19 @@
 #include "Panel/NotchPlacement.h"
 #include "Sessions/SessionMonitor.h"
 #include "Shell/Defaults.h"
+#include "Usage/PlanUsageMonitor.h"
 
 namespace nubble {
 
 AppCommands::AppCommands(NotchPlacement &placement, const MainScreen &mainScreen, Defaults &defaults,
-    const ActiveAddons &addons, SessionMonitor &sessionMonitor, QObject *parent)
+    const ActiveAddons &addons, SessionMonitor &sessionMonitor, PlanUsageMonitor &planUsage, QObject *parent)
     : QObject(parent)
     , m_placement(placement)
     , m_mainScreen(mainScreen)
     , m_defaults(defaults)
     , m_addons(addons)
     , m_sessionMonitor(sessionMonitor)
+    , m_planUsage(planUsage)
 {
 }
 
@@ -48,6 +50,7 @@ void AppCommands::refreshAll()
 {
     m_sessionMonitor.refresh();
     m_sessionMonitor.details().update(m_sessionMonitor.sessions(), true);
+    m_planUsage.refresh(true);
 }
 
 void AppCommands::restart()

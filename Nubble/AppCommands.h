@@ -10,6 +10,7 @@ namespace nubble {
 class Defaults;
 class MainScreen;
 class NotchPlacement;
+class PlanUsageMonitor;
 class SessionMonitor;
 
 // What the user can ask of the whole program: one place for every menu and for the command line. Main thread only.
@@ -18,7 +19,7 @@ class AppCommands : public QObject {
 
 public:
     AppCommands(NotchPlacement &placement, const MainScreen &mainScreen, Defaults &defaults,
-        const ActiveAddons &addons, SessionMonitor &sessionMonitor, QObject *parent = nullptr);
+        const ActiveAddons &addons, SessionMonitor &sessionMonitor, PlanUsageMonitor &planUsage, QObject *parent = nullptr);
 
     void toggleLocked();
     void toggleVisible();
@@ -39,6 +40,7 @@ private:
     Defaults &m_defaults;
     const ActiveAddons &m_addons;
     SessionMonitor &m_sessionMonitor;
+    PlanUsageMonitor &m_planUsage;
 };
 
 } // namespace nubble

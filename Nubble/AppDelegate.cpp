@@ -6,6 +6,7 @@
 
 #include "NotchMenu.h"
 #include "Panel/Typography.h"
+#include "Platform/MainThread.h"
 #include "StatusReport.h"
 
 using namespace Qt::StringLiterals;
@@ -22,10 +23,12 @@ AppDelegate::AppDelegate(const Home &home, SessionBus &bus)
     , m_placement(m_defaults, m_layout)
     , m_sessionMonitor(
           home.file(u".claude/sessions"_s), home.file(u".claude/projects"_s), m_processes, m_clock)
+    , m_planUsage(home, m_clock, PlanUsageMonitor::domainIn(m_defaults))
     , m_activator(*m_backend.workspace)
     , m_panel(
           {
               .sessionMonitor = m_sessionMonitor,
+              .planUsage = m_planUsage,
               .panelState = m_panelState,
               .placement = m_placement,
               .layout = m_layout,
@@ -37,8 +40,9 @@ AppDelegate::AppDelegate(const Home &home, SessionBus &bus)
               .actions = m_addons.actions(),
           },
           m_backend.makePanelSurface)
-    , m_commands(m_placement, m_mainScreen, m_defaults, m_addons, m_sessionMonitor)
+    , m_commands(m_placement, m_mainScreen, m_defaults, m_addons, m_sessionMonitor, m_planUsage)
 {
+    assertMainThread("Nubble/AppDelegate");
     observeState();
 }
 
@@ -66,12 +70,14 @@ QString AppDelegate::status()
 {
     QJsonObject report = statusReport(m_sessionMonitor, m_clock);
     report.insert("source"_L1, u"running"_s);
+    report.insert("usage"_L1, usageReport(m_planUsage));
     report.insert("panel"_L1, panelReport(m_panelState, m_placement));
     return QString::fromUtf8(QJsonDocument(report).toJson(QJsonDocument::Compact));
 }
 
 void AppDelegate::showMenu(const QPoint &screenPosition)
 {
+    m_panel.view().endPreview();
     auto *menu = new QMenu(&m_panel.view());
     menu->setAttribute(Qt::WA_DeleteOnClose);
     const MenuState state {

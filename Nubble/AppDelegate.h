@@ -19,6 +19,7 @@
 #include "Shell/Defaults.h"
 #include "Shell/NotificationCenter.h"
 #include "Shell/Relaunch.h"
+#include "Usage/PlanUsageMonitor.h"
 
 namespace nubble {
 
@@ -53,6 +54,7 @@ private:
     PanelState m_panelState;
     NotificationCenter m_notifications;
     SessionMonitor m_sessionMonitor;
+    PlanUsageMonitor m_planUsage;
     ProcessActivator m_activator;
     PanelWindow m_panel;
     AppCommands m_commands;

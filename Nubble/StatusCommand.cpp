@@ -1,5 +1,7 @@
 #include "StatusCommand.h"
 
+#include <QDateTime>
+#include <QEventLoop>
 #include <QJsonDocument>
 
 #include <cstdio>
@@ -11,7 +13,9 @@
 #include "Platform/Home.h"
 #include "Platform/Linux/LinuxProcessTable.h"
 #include "Sessions/SessionMonitor.h"
+#include "Shell/Defaults.h"
 #include "StatusReport.h"
+#include "Usage/PlanUsageMonitor.h"
 
 using namespace Qt::StringLiterals;
 
@@ -24,8 +28,15 @@ QJsonObject freshRead(const Home &home)
     const SystemClock clock;
     const LinuxProcessTable processes;
     SessionMonitor monitor(home.file(u".claude/sessions"_s), home.file(u".claude/projects"_s), processes, clock);
+    const Defaults defaults(Defaults::fileOf(u"com.brevandel.nubble"_s, home.configFolder()));
+    const PlanUsageMonitor planUsage(home, clock, PlanUsageMonitor::domainIn(defaults));
     monitor.details().waitForDone();
+    QEventLoop reading;
+    QObject::connect(&planUsage, &PlanUsageMonitor::refreshingChanged, &reading, &QEventLoop::quit);
+    if (planUsage.isRefreshing())
+        reading.exec();
     QJsonObject report = statusReport(monitor, clock);
+    report.insert("usage"_L1, usageReport(planUsage));
     report.insert("source"_L1, u"read"_s);
     return report;
 }
@@ -51,7 +62,7 @@ int printStatus(const Home &home, const SessionBus &bus, bool json)
 {
     const QJsonObject report = currentReport(home, bus);
     const QByteArray text = json ? QJsonDocument(report).toJson(QJsonDocument::Indented)
-                                 : statusTable(report, terminalWidth()).toUtf8();
+                                 : statusTable(report, terminalWidth(), QDateTime::currentDateTime()).toUtf8();
     return std::fwrite(text.constData(), 1, static_cast<size_t>(text.size()), stdout)
                 == static_cast<size_t>(text.size())
             && std::fflush(stdout) == 0

@@ -1,5 +1,6 @@
 #include "StatusReport.h"
 
+#include <QDateTime>
 #include <QJsonArray>
 
 #include <algorithm>
@@ -11,6 +12,8 @@
 #include "Sessions/SessionDetails.h"
 #include "Sessions/SessionMonitor.h"
 #include "Sessions/SessionTexts.h"
+#include "Usage/PlanUsageMonitor.h"
+#include "Usage/UsageTexts.h"
 
 using namespace Qt::StringLiterals;
 
@@ -33,6 +36,17 @@ QJsonObject sessionReport(SessionMonitor &monitor, const ClaudeSession &session,
         {u"elapsed"_s, elapsedText(session.updatedAt.value_or(session.startedAt), clock.msecsSinceEpoch())},
         {u"startedAt"_s, session.startedAt},
         {u"updatedAt"_s, session.updatedAt ? QJsonValue(*session.updatedAt) : QJsonValue()},
+    };
+}
+
+QJsonValue windowReport(const std::optional<PlanWindow> &window)
+{
+    if (!window)
+        return {};
+    return QJsonObject {
+        {u"fraction"_s, window->fraction},
+        {u"resetsAt"_s,
+            window->resetsAt ? QJsonValue(window->resetsAt->toUTC().toString(Qt::ISODate)) : QJsonValue()},
     };
 }
 
@@ -71,6 +85,33 @@ QString tableOf(const QList<Row> &rows, qsizetype width)
     return table;
 }
 
+QString sessionsTable(const QJsonArray &sessions, qsizetype width)
+{
+    if (sessions.isEmpty())
+        return u"No sessions running\n"_s;
+    QList<Row> rows {{u"STATE"_s, u"SINCE"_s, u"SESSION"_s, u"LAST PROMPT"_s}};
+    for (const QJsonValue &session : sessions)
+        rows.append({printable(session["word"_L1]), printable(session["elapsed"_L1]),
+            printable(session["title"_L1]), printable(session["lastPrompt"_L1])});
+    return tableOf(rows, width);
+}
+
+QString usageLine(const QString &label, const QJsonValue &window, const QDateTime &now)
+{
+    if (!window.isObject())
+        return {};
+    const QDateTime resetsAt = QDateTime::fromString(window["resetsAt"_L1].toString(), Qt::ISODate);
+    const QString reset = resetText(resetsAt.isValid() ? std::optional(resetsAt) : std::nullopt, now);
+    return label.leftJustified(17) + percentText(window["fraction"_L1].toDouble()).leftJustified(11) + reset + u'\n';
+}
+
+QString usageTable(const QJsonObject &usage, const QDateTime &now)
+{
+    const QString problem = usage.value("problem"_L1).toString();
+    return u"\n"_s + usageLine(u"Current session"_s, usage.value("session"_L1), now)
+        + usageLine(u"All models"_s, usage.value("weekly"_L1), now) + (problem.isEmpty() ? problem : problem + u'\n');
+}
+
 } // namespace
 
 QJsonObject statusReport(SessionMonitor &monitor, const Clock &clock)
@@ -79,6 +120,15 @@ QJsonObject statusReport(SessionMonitor &monitor, const Clock &clock)
     for (const ClaudeSession &session : monitor.sessions())
         sessions.append(sessionReport(monitor, session, clock));
     return {{u"activity"_s, stateName(monitor.activity())}, {u"sessions"_s, sessions}};
+}
+
+QJsonObject usageReport(const PlanUsageMonitor &planUsage)
+{
+    return {
+        {u"session"_s, windowReport(planUsage.session())},
+        {u"weekly"_s, windowReport(planUsage.weekly())},
+        {u"problem"_s, planUsage.problem() ? QJsonValue(*planUsage.problem()) : QJsonValue()},
+    };
 }
 
 QJsonObject panelReport(const PanelState &state, const NotchPlacement &placement)
@@ -92,16 +142,10 @@ QJsonObject panelReport(const PanelState &state, const NotchPlacement &placement
     };
 }
 
-QString statusTable(const QJsonObject &report, qsizetype width)
+QString statusTable(const QJsonObject &report, qsizetype width, const QDateTime &now)
 {
-    const QJsonArray sessions = report.value("sessions"_L1).toArray();
-    if (sessions.isEmpty())
-        return u"No sessions running\n"_s;
-    QList<Row> rows {{u"STATE"_s, u"SINCE"_s, u"SESSION"_s, u"LAST PROMPT"_s}};
-    for (const QJsonValue &session : sessions)
-        rows.append({printable(session["word"_L1]), printable(session["elapsed"_L1]),
-            printable(session["title"_L1]), printable(session["lastPrompt"_L1])});
-    return tableOf(rows, width);
+    return sessionsTable(report.value("sessions"_L1).toArray(), width)
+        + usageTable(report.value("usage"_L1).toObject(), now);
 }
 
 } // namespace nubble

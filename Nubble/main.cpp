@@ -1,5 +1,7 @@
 #include <QApplication>
 #include <QCryptographicHash>
+#include <QPalette>
+#include <QToolTip>
 
 #include <cstdio>
 #include <vector>
@@ -7,6 +9,7 @@
 #include "AppDelegate.h"
 #include "CommandLine.h"
 #include "Control.h"
+#include "Panel/Palette.h"
 #include "Platform/Linux/TerminationSignals.h"
 #include "Shell/Migration.h"
 #include "StatusCommand.h"
@@ -56,6 +59,8 @@ int run(int argc, char *argv[], const CommandLine &line, const Home &home)
     QApplication application(count, qtArguments.data());
     QApplication::setApplicationName(u"nubble"_s);
     QApplication::setApplicationDisplayName(u"Nubble"_s);
+    QApplication::setPalette(Palette::widgets());
+    QToolTip::setPalette(Palette::widgets());
     QApplication::setQuitOnLastWindowClosed(false);
 
     const bool openSessions = line.verb == CommandLine::Verb::Sessions;

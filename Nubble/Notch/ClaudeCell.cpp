@@ -2,13 +2,13 @@
 
 #include <QPainter>
 
-#include <algorithm>
 #include <chrono>
 
 #include "Notch/StatusRing.h"
 #include "Panel/Layout.h"
 #include "Panel/Palette.h"
 #include "Panel/Typography.h"
+#include "Usage/UsageTexts.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -102,7 +102,7 @@ QRect ClaudeCell::ringArea() const
 
 QString ClaudeCell::percentText() const
 {
-    return m_fraction ? QString::number(static_cast<int>(std::clamp(*m_fraction, 0.0, 1.0) * 100)) : QString();
+    return m_fraction ? QString::number(percentOf(*m_fraction)) : QString();
 }
 
 void ClaudeCell::animateIfNeeded()
@@ -122,7 +122,6 @@ void ClaudeCell::describe()
 {
     const QString used = m_fraction ? u", %1 % of the plan used"_s.arg(percentText()) : QString();
     setAccessibleName(u"Claude sessions: "_s + activityText(m_activity, m_waiting) + used);
-    setToolTip(accessibleName());
 }
 
 void ClaudeCell::enterEvent(QEnterEvent *event)

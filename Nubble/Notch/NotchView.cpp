@@ -22,6 +22,8 @@
 #include "Sessions/ProjectsCardContent.h"
 #include "Sessions/SessionMonitor.h"
 #include "Shell/NotificationCenter.h"
+#include "Usage/PlanUsageMonitor.h"
+#include "Usage/UsageCardContent.h"
 
 using namespace Qt::StringLiterals;
 
@@ -55,6 +57,9 @@ void NotchView::makeCards()
         connect(card, &ProjectsCardContent::closeRequested, &m_services.panelState, &PanelState::collapse);
         return card;
     });
+    m_cards->setCard(PanelMode::Card::Usage, [this] {
+        return new UsageCardContent(m_services.planUsage, m_services.clock, m_services.preferences);
+    });
 }
 
 void NotchView::makeCells()
@@ -63,10 +68,13 @@ void NotchView::makeCells()
     connect(m_claude, &ClaudeCell::clicked, this, [this] { open(PanelMode::sessions()); });
     connect(&monitor, &SessionMonitor::sessionsChanged, this, &NotchView::updateActivity);
     connect(&monitor, &SessionMonitor::recentlyCompletedChanged, this, &NotchView::updateActivity);
+    connect(m_claude, &ClaudeCell::hoveredChanged, &m_hover, &HoverPreview::setRingHovered);
+    connect(&m_services.planUsage, &PlanUsageMonitor::changed, this, &NotchView::updateFraction);
     connect(&m_services.preferences, &DesktopPreferences::reducedMotionChanged, this,
         [this] { m_claude->setMotionReduced(m_services.preferences.reducedMotion()); });
     m_claude->setMotionReduced(m_services.preferences.reducedMotion());
     updateActivity();
+    updateFraction();
 
     m_actions->setVisible(!m_services.actions.isEmpty());
     connect(m_actions, &ActionsCell::triggered, this, &NotchView::runAction);
@@ -94,6 +102,12 @@ void NotchView::updateActivity()
     m_claude->setActivity(m_services.sessionMonitor.activity(), waiting);
 }
 
+void NotchView::updateFraction()
+{
+    const std::optional<PlanWindow> &session = m_services.planUsage.session();
+    m_claude->setFraction(session ? std::optional(session->fraction) : std::nullopt);
+}
+
 void NotchView::open(PanelMode mode)
 {
     if (mode == m_services.panelState.mode()) {
@@ -107,6 +121,7 @@ void NotchView::open(PanelMode mode)
         SessionMonitor &monitor = m_services.sessionMonitor;
         monitor.refresh();
         monitor.details().update(monitor.sessions(), false);
+        m_services.planUsage.refresh(false);
     }
 }
 
@@ -141,6 +156,12 @@ void NotchView::setTranslucent(bool translucent)
     m_translucent = translucent;
     m_cards->setTranslucent(translucent);
     update();
+}
+
+void NotchView::endPreview()
+{
+    if (m_services.panelState.mode() == PanelMode::usage())
+        m_services.panelState.collapse();
 }
 
 void NotchView::focusCard()

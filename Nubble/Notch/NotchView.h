@@ -19,12 +19,14 @@ class Layout;
 class MainScreen;
 class NotchPlacement;
 class NotificationCenter;
+class PlanUsageMonitor;
 class ProcessActivator;
 class SessionMonitor;
 
 // What the panel shows and acts on. Everything outlives the view.
 struct NotchServices {
     SessionMonitor &sessionMonitor;
+    PlanUsageMonitor &planUsage;
     PanelState &panelState;
     NotchPlacement &placement;
     const Layout &layout;
@@ -48,6 +50,7 @@ public:
 
     void setGeometryOnScreen(const PanelGeometry &geometry);
     void setTranslucent(bool translucent); // whether what is below shines through
+    void endPreview();                     // closes a card that only the pointer has opened
     void focusCard();                      // the keyboard goes to the open card's first control
 
     [[nodiscard]] QPainterPath outline() const; // of all that is shown, in window coordinates
@@ -68,6 +71,7 @@ private:
     void makeCells();
     void followDrags();
     void updateActivity();
+    void updateFraction();
     void runAction(Addon addon);
 
     NotchServices m_services;

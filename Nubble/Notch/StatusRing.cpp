@@ -8,6 +8,7 @@
 
 #include "Panel/Layout.h"
 #include "Panel/Palette.h"
+#include "Usage/UsageColors.h"
 
 namespace nubble {
 
@@ -56,13 +57,6 @@ void drawCheckMark(QPainter &painter, const QPointF &center, const QColor &color
     painter.drawPolyline(points, 3);
 }
 
-QColor levelColor(double fraction)
-{
-    if (fraction < 0.5)
-        return Palette::ample;
-    return fraction < 0.7 ? Palette::watch : Palette::critical;
-}
-
 } // namespace
 
 void drawStatusRing(QPainter &painter, const QPointF &center, RunState activity, std::optional<double> fraction)
@@ -74,7 +68,7 @@ void drawStatusRing(QPainter &painter, const QPointF &center, RunState activity,
     }
     drawTrack(painter, center);
     if (const double used = std::clamp(fraction.value_or(0), 0.0, 1.0); used > 0)
-        drawArc(painter, center, levelColor(used), 0, used);
+        drawArc(painter, center, colorOf(levelOf(used)), 0, used);
     drawGlyph(painter, center, Palette::textSecondary);
 }
 

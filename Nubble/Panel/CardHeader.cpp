@@ -3,6 +3,7 @@
 #include <QHBoxLayout>
 #include <QPainter>
 
+#include "Panel/CardMetrics.h"
 #include "Panel/Palette.h"
 #include "Panel/Typography.h"
 
@@ -16,7 +17,7 @@ CardHeader::CardHeader(const QString &title, QWidget *parent)
     m_accessories->setContentsMargins(0, 0, 0, 0);
     m_accessories->setSpacing(6);
     m_accessories->addStretch();
-    setFixedHeight(24);
+    setFixedHeight(CardMetrics::headerHeight);
     describe();
 }
 

@@ -41,6 +41,14 @@ void NotchButton::setTint(const QColor &tint)
     update();
 }
 
+void NotchButton::setRotation(double degrees)
+{
+    if (m_rotation == degrees)
+        return;
+    m_rotation = degrees;
+    update();
+}
+
 QSize NotchButton::sizeHint() const
 {
     const int side = qCeil(Layout::actionButton);
@@ -79,8 +87,12 @@ void NotchButton::paintEvent(QPaintEvent *)
     QColor tint = m_tint;
     if (!isEnabled())
         tint.setAlphaF(tint.alphaF() * 0.4F);
-    const double inset = side * 0.23;
-    Symbols::draw(painter, m_symbol, circle.adjusted(inset, inset, -inset, -inset), tint);
+    QRectF symbol(0, 0, side * 0.54, side * 0.54);
+    symbol.moveCenter(QPointF());
+    painter.translate(circle.center());
+    painter.rotate(m_rotation);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, m_rotation != 0);
+    Symbols::draw(painter, m_symbol, symbol, tint);
 }
 
 } // namespace nubble

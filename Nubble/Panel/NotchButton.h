@@ -17,6 +17,7 @@ public:
     void setSymbol(const QString &symbol);
     void setHelpText(const QString &helpText);
     void setTint(const QColor &tint);
+    void setRotation(double degrees); // of the symbol, clockwise
 
     [[nodiscard]] QSize sizeHint() const override;
 
@@ -28,6 +29,7 @@ protected:
 private:
     QString m_symbol;
     QColor m_tint;
+    double m_rotation = 0;
     QVariantAnimation m_hover; // 0 at rest to 1 under the pointer
 };
 

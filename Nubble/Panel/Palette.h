@@ -2,6 +2,8 @@
 
 #include <QColor>
 
+class QPalette;
+
 namespace nubble::Palette {
 
 // Named colour roles, sRGB. Nothing on the panel is drawn in any other colour.
@@ -22,5 +24,8 @@ inline constexpr QColor bronze{222, 138, 92}; // something works
 inline constexpr QColor quenwick{150, 122, 255};
 inline constexpr QColor textPrimary{255, 255, 255, 235};
 inline constexpr QColor textSecondary{255, 255, 255, 153};
+
+// The same for the menus and tool tips that the toolkit draws.
+[[nodiscard]] QPalette widgets();
 
 } // namespace nubble::Palette

@@ -41,9 +41,14 @@ void draw(QPainter &painter, const QString &name, const QRectF &rect, const QCol
         pixmap = render(name, rect.size(), tint, scale);
         QPixmapCache::insert(key, pixmap);
     }
+    if (painter.transform().type() > QTransform::TxTranslate) {
+        painter.drawPixmap(rect.topLeft(), pixmap);
+        return;
+    }
     // Whole device pixels keep the drawing sharp.
-    const QPointF corner(std::round(rect.x() * scale) / scale, std::round(rect.y() * scale) / scale);
-    painter.drawPixmap(corner, pixmap);
+    const QPointF origin(painter.transform().dx(), painter.transform().dy());
+    const QPointF corner = rect.topLeft() * scale + origin * scale;
+    painter.drawPixmap(QPointF(std::round(corner.x()), std::round(corner.y())) / scale - origin, pixmap);
 }
 
 } // namespace nubble::Symbols

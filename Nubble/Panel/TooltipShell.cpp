@@ -105,13 +105,15 @@ QPixmap TooltipShell::drawn() const
     QColor fill = Palette::card;
     if (m_translucent) {
         painter.setRenderHint(QPainter::Antialiasing);
-        drawSoftShadow(painter, outline, shadowReach);
+        drawSoftShadow(painter, cardOutline(m_edge, cardRect(), 0, m_tailAlong), shadowReach);
     } else {
         // The window is cut along the outline: fill beyond it, so that no pixel on the way is left unpainted.
         fill.setAlpha(255);
         painter.fillRect(rect(), fill);
     }
+    painter.setCompositionMode(QPainter::CompositionMode_Source); // no shadow below the tail
     painter.fillPath(outline, fill);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
 
     // The line runs inside the outline: half of a stroke of twice its width.
     painter.setRenderHint(QPainter::Antialiasing);

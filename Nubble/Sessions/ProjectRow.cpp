@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "Panel/CardMetrics.h"
 #include "Panel/Palette.h"
 #include "Panel/Symbols.h"
 #include "Panel/Typography.h"
@@ -16,7 +17,6 @@ namespace {
 
 constexpr int rowHeight = 46;
 constexpr double iconSide = 15;
-constexpr double padding = 10;
 constexpr qsizetype longestToolTipText = 600;
 
 QString helpText()
@@ -101,7 +101,7 @@ void ProjectRow::paintEvent(QPaintEvent *)
     painter.setRenderHint(QPainter::Antialiasing);
     drawBackground(painter);
 
-    QRectF area = QRectF(rect()).adjusted(padding, 6, -padding, -6);
+    QRectF area = QRectF(rect()).adjusted(CardMetrics::rowPadding, 6, -CardMetrics::rowPadding, -6);
     const QRectF icon(area.left(), area.center().y() - iconSide / 2, iconSide, iconSide);
     Symbols::draw(painter, m_content.symbol, icon, Palette::textSecondary);
     area.setLeft(icon.right() + 9);

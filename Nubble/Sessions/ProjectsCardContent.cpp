@@ -9,9 +9,9 @@
 
 #include "Panel/CappedScroll.h"
 #include "Panel/CardHeader.h"
+#include "Panel/CardMetrics.h"
 #include "Panel/NotchButton.h"
 #include "Panel/Palette.h"
-#include "Panel/Typography.h"
 #include "Platform/Clock.h"
 #include "Sessions/ProjectRow.h"
 #include "Sessions/SessionDetails.h"
@@ -25,13 +25,6 @@ namespace nubble {
 
 namespace {
 
-constexpr int cardWidth = 246;
-constexpr int cardHeight = 460;
-constexpr int headerHeight = 24;
-constexpr QMargins margins {8, 12, 8, 10};
-constexpr int spacing = 6;
-constexpr int rowInset = 10; // the header's text stands where the rows' icons do
-
 QColor wordColor(const QString &word)
 {
     if (word == u"waiting")
@@ -41,15 +34,12 @@ QColor wordColor(const QString &word)
     return word == u"done" ? Palette::ample : Palette::textSecondary;
 }
 
-QLabel *makeEmptyLabel(QWidget *parent)
+QLabel *makeEmptyLabel()
 {
-    auto *label = new QLabel(u"No sessions running"_s, parent);
-    label->setFont(Typography::cardBody());
+    QLabel *label = CardMetrics::makeNote();
+    label->setText(u"No sessions running"_s);
     label->setAlignment(Qt::AlignCenter);
     label->setFixedHeight(46);
-    QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, Palette::textSecondary);
-    label->setPalette(palette);
     return label;
 }
 
@@ -60,25 +50,26 @@ ProjectsCardContent::ProjectsCardContent(SessionMonitor &monitor, const Clock &c
     , m_monitor(monitor)
     , m_clock(clock)
     , m_header(new CardHeader(u"Claude Projects"_s))
-    , m_empty(makeEmptyLabel(this))
+    , m_empty(makeEmptyLabel())
     , m_list(new QWidget)
     , m_rows(new QVBoxLayout(m_list))
 {
-    setFixedWidth(cardWidth);
+    setFixedWidth(CardMetrics::width);
     m_rows->setContentsMargins(0, 0, 0, 0);
     m_rows->setSpacing(1);
     auto *close = new NotchButton(u"xmark"_s, u"Close"_s);
     connect(close, &NotchButton::clicked, this, &ProjectsCardContent::closeRequested);
     m_header->addAccessory(close);
-    m_header->setContentsMargins(rowInset, 0, rowInset - 6, 0);
+    m_header->setContentsMargins(CardMetrics::rowPadding, 0, CardMetrics::rowPadding - 6, 0);
 
     auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(margins);
-    layout->setSpacing(spacing);
+    layout->setContentsMargins(CardMetrics::rowMargins);
+    layout->setSpacing(CardMetrics::spacing);
     layout->addWidget(m_header);
     layout->addWidget(m_empty);
-    const int around = margins.top() + margins.bottom() + headerHeight + spacing;
-    layout->addWidget(new CappedScroll(m_list, cardHeight - around, this));
+    const int around = CardMetrics::rowMargins.top() + CardMetrics::rowMargins.bottom()
+        + CardMetrics::headerHeight + CardMetrics::spacing;
+    layout->addWidget(m_scroll = new CappedScroll(m_list, CardMetrics::maxHeight - around));
 
     connect(&monitor, &SessionMonitor::sessionsChanged, this, &ProjectsCardContent::updateRows);
     connect(&monitor, &SessionMonitor::recentlyCompletedChanged, this, &ProjectsCardContent::updateRows);
@@ -98,9 +89,10 @@ void ProjectsCardContent::updateRows()
     removeRowsExcept(keys);
     for (int position = 0; position < sessions.size(); ++position)
         showRow(sessions.at(position), position);
+    orderFocus();
     m_header->setDetail(QString::number(sessions.size()) + u" running"_s);
     m_empty->setVisible(sessions.isEmpty());
-    m_list->parentWidget()->parentWidget()->setVisible(!sessions.isEmpty());
+    m_scroll->setVisible(!sessions.isEmpty());
 }
 
 void ProjectsCardContent::removeRowsExcept(const QList<RowKey> &keys)
@@ -115,6 +107,17 @@ void ProjectsCardContent::removeRowsExcept(const QList<RowKey> &keys)
         row.value()->hide();
         row.value()->deleteLater(); // it may be the one whose click is being handled
         row = m_rowOf.erase(row);
+    }
+}
+
+// Tab follows the rows as they stand, not as they came.
+void ProjectsCardContent::orderFocus()
+{
+    for (int position = 1; position < m_rows->count(); ++position) {
+        QWidget *before = m_rows->itemAt(position - 1)->widget();
+        QWidget *row = m_rows->itemAt(position)->widget();
+        if (before->nextInFocusChain() != row)
+            setTabOrder(before, row);
     }
 }
 

@@ -10,6 +10,7 @@ class QVBoxLayout;
 
 namespace nubble {
 
+class CappedScroll;
 class CardHeader;
 class Clock;
 struct ClaudeSession;
@@ -34,6 +35,7 @@ private:
     void updateRows();
     ProjectRow *rowOf(const RowKey &key);
     void removeRowsExcept(const QList<RowKey> &keys);
+    void orderFocus();
     void showRow(const ClaudeSession &session, int position);
 
     SessionMonitor &m_monitor;
@@ -41,6 +43,7 @@ private:
     CardHeader *m_header;
     QLabel *m_empty;
     QWidget *m_list;
+    CappedScroll *m_scroll;
     QVBoxLayout *m_rows;
     QHash<RowKey, ProjectRow *> m_rowOf;
 };

@@ -16,7 +16,7 @@ namespace nubble {
 
 namespace {
 
-constexpr qint64 largestRecord = 1024 * 1024;
+constexpr qint64 largestRecord = 1'048'576; // bytes
 constexpr qint64 largestPass = 64 * largestRecord;
 constexpr std::chrono::milliseconds longestWait(2);
 constexpr std::chrono::microseconds waitStep(100);

@@ -16,6 +16,23 @@ namespace {
 constexpr auto pollInterval = 1s;
 constexpr qint64 completionMsecs = 120'000;
 
+// Sessions of equal activity keep their order.
+QList<ClaudeSession> newestFirst(const QList<ClaudeSession> &sessions)
+{
+    QList<const ClaudeSession *> order;
+    order.reserve(sessions.size());
+    for (const ClaudeSession &session : sessions)
+        order.append(&session);
+    std::stable_sort(order.begin(), order.end(), [](const ClaudeSession *a, const ClaudeSession *b) {
+        return a->lastActivity() > b->lastActivity();
+    });
+    QList<ClaudeSession> sorted;
+    sorted.reserve(sessions.size());
+    for (const ClaudeSession *session : order)
+        sorted.append(*session);
+    return sorted;
+}
+
 } // namespace
 
 SessionMonitor::SessionMonitor(
@@ -54,10 +71,7 @@ void SessionMonitor::refresh()
     }
     live->removeIf([this](const ClaudeSession &session) { return !m_processes.canSignal(session.pid); });
     trackRuns(*live);
-    std::stable_sort(live->begin(), live->end(), [](const ClaudeSession &a, const ClaudeSession &b) {
-        return a.lastActivity() > b.lastActivity();
-    });
-    publish(std::move(*live));
+    publish(newestFirst(*live));
     m_details.update(m_sessions, false);
 }
 

@@ -2,7 +2,6 @@
 
 #include <QFile>
 
-#include <algorithm>
 #include <dirent.h>
 #include <memory>
 #include <string_view>

@@ -10,7 +10,7 @@ namespace nubble {
 
 namespace {
 
-constexpr std::array<qint64, 3> tailLengths{256 * 1024, 2 * 1024 * 1024, 8 * 1024 * 1024};
+constexpr std::array<qint64, 3> tailLengths{262'144, 2'097'152, 8'388'608};
 
 std::optional<QByteArray> readCounted(const RegularFile &file, qint64 from, qint64 to, FileCosts &costs)
 {

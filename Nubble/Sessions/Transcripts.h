@@ -18,6 +18,7 @@ namespace nubble {
 class Transcripts {
 public:
     explicit Transcripts(const QString &projectsFolder);
+    Q_DISABLE_COPY_MOVE(Transcripts)
 
     // The details of those of `sessions` that have a transcript. An unchanged transcript costs one look at
     // its attributes. `now` is in milliseconds since 1970.

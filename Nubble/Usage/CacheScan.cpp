@@ -5,7 +5,6 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
-#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
@@ -25,18 +24,6 @@ struct CloseFolder {
 };
 using Folder = std::unique_ptr<DIR, CloseFolder>;
 
-struct Candidate {
-    qint64 modifiedNsecs;
-    qint64 position; // in the listing
-    QByteArray name;
-
-    bool operator<(const Candidate &other) const // newest first, then as listed
-    {
-        return modifiedNsecs != other.modifiedNsecs ? modifiedNsecs > other.modifiedNsecs
-                                                    : position < other.position;
-    }
-};
-
 Folder openFolder(const QByteArray &path)
 {
     const int descriptor = ::open(path.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -48,39 +35,54 @@ Folder openFolder(const QByteArray &path)
     return folder;
 }
 
-std::optional<qint64> modificationOfEntry(int folder, const char *name)
+// Whether a file of that name, size and kind can be an entry; tells its status in `info`.
+bool canBeEntry(int folder, const char *name, struct stat &info)
 {
-    struct stat info { };
-    if (!QByteArrayView(name).endsWith("_0") || ::fstatat(folder, name, &info, 0) != 0
-        || !S_ISREG(info.st_mode) || info.st_size <= CacheEntry::headerSize
-        || info.st_size >= CacheEntry::sizeLimit)
-        return std::nullopt;
-    return nsecsSinceEpoch(info.st_mtim);
+    return QByteArrayView(name).endsWith("_0") && ::fstatat(folder, name, &info, 0) == 0
+        && S_ISREG(info.st_mode) && info.st_size > CacheEntry::headerSize
+        && info.st_size < CacheEntry::sizeLimit;
 }
 
-// A heap of the newest files seen so far, the oldest of them on top: memory stays bounded in a folder of any
-// size.
-void keepNewest(std::vector<Candidate> &heap, qint64 modifiedNsecs, qint64 position, const char *name)
-{
-    if (heap.size() == filesExamined) {
-        if (modifiedNsecs <= heap.front().modifiedNsecs)
-            return;
-        std::pop_heap(heap.begin(), heap.end());
-        heap.pop_back();
+} // namespace
+
+struct CacheScan::Candidate {
+    qint64 modifiedNsecs;
+    qint64 position; // in the listing
+    QByteArray name;
+    State state;
+
+    bool operator<(const Candidate &other) const // newest first, then as listed
+    {
+        return modifiedNsecs != other.modifiedNsecs ? modifiedNsecs > other.modifiedNsecs
+                                                    : position < other.position;
     }
-    heap.push_back({modifiedNsecs, position, name});
-    std::push_heap(heap.begin(), heap.end());
+};
+
+CacheScan::CacheScan(QByteArray folder, QByteArray domain)
+    : m_folder(std::move(folder)), m_domain(std::move(domain))
+{
 }
 
-std::vector<Candidate> newestEntries(DIR *folder)
+// Keeps a heap of the newest files seen so far, the oldest of them on top: memory stays bounded in a folder
+// of any size.
+std::vector<CacheScan::Candidate> CacheScan::newestIn(DIR *folder)
 {
     std::vector<Candidate> heap;
-    const int descriptor = ::dirfd(folder);
+    struct stat info { };
     errno = 0;
-    for (qint64 position = 0; const dirent *each = ::readdir(folder); ++position) {
-        if (const auto modified = modificationOfEntry(descriptor, each->d_name))
-            keepNewest(heap, *modified, position, each->d_name);
-        errno = 0;
+    for (qint64 position = 0; const dirent *each = ::readdir(folder); ++position, errno = 0) {
+        if (!canBeEntry(::dirfd(folder), each->d_name, info))
+            continue;
+        const qint64 modified = nsecsSinceEpoch(info.st_mtim);
+        if (heap.size() == filesExamined) {
+            if (modified <= heap.front().modifiedNsecs)
+                continue;
+            std::pop_heap(heap.begin(), heap.end());
+            heap.pop_back();
+        }
+        heap.push_back(
+            {modified, position, each->d_name, {info.st_ino, info.st_size, nsecsSinceEpoch(info.st_ctim)}});
+        std::push_heap(heap.begin(), heap.end());
     }
     if (errno != 0)
         return {};
@@ -88,26 +90,28 @@ std::vector<Candidate> newestEntries(DIR *folder)
     return heap;
 }
 
-bool isUsageEntry(int folder, const QByteArray &name, const QByteArray &domain)
+bool CacheScan::holdsUsage(int folder, const QByteArray &name) const
 {
     const auto file = RegularFile::open(name.constData(), folder);
     const auto head = file ? file->read(0, headLength) : std::nullopt;
     const auto key = head ? CacheEntry::keyOf(*head) : std::nullopt;
-    return key && CacheEntry::isUsageKey(*key, domain);
+    return key && CacheEntry::isUsageKey(*key, m_domain);
 }
 
-} // namespace
-
-QList<QByteArray> findUsageEntries(const QByteArray &path, const QByteArray &domain)
+QList<QByteArray> CacheScan::usageEntries()
 {
     QList<QByteArray> found;
-    const Folder folder = openFolder(path);
-    if (!folder)
-        return found;
-    for (const Candidate &each : newestEntries(folder.get())) {
-        if (isUsageEntry(::dirfd(folder.get()), each.name, domain))
-            found.append(path + '/' + each.name);
+    QHash<QByteArray, Verdict> verdicts;
+    const Folder folder = openFolder(m_folder);
+    for (const Candidate &each : folder ? newestIn(folder.get()) : std::vector<Candidate>()) {
+        Verdict verdict = m_verdicts.value(each.name);
+        if (verdict.state != each.state)
+            verdict = {each.state, holdsUsage(::dirfd(folder.get()), each.name)};
+        if (verdict.isUsage)
+            found.append(m_folder + '/' + each.name);
+        verdicts.insert(each.name, verdict);
     }
+    m_verdicts = verdicts;
     return found;
 }
 

@@ -3,6 +3,7 @@
 #include <QTimer>
 
 #include "Platform/Clock.h"
+#include "Shell/Defaults.h"
 #include "Platform/Home.h"
 #include "Shell/Tools.h"
 #include "Usage/UsageTexts.h"
@@ -43,6 +44,11 @@ PlanUsageMonitor::PlanUsageMonitor(PlanUsageReader reader, const Clock &clock, Q
     auto *timer = new QTimer(this);
     timer->callOnTimeout(this, [this] { refresh(false); });
     timer->start(10s);
+}
+
+QString PlanUsageMonitor::domainIn(const Defaults &defaults)
+{
+    return defaults.string(u"planUsage.domain"_s).value_or(defaultDomain);
 }
 
 PlanUsageMonitor::~PlanUsageMonitor()

@@ -8,6 +8,7 @@
 namespace nubble {
 
 class Clock;
+class Defaults;
 class Home;
 
 // The two windows of the user's Claude plan, read every ten seconds from what the desktop application has
@@ -23,6 +24,7 @@ public:
     ~PlanUsageMonitor() override;
 
     static const QString defaultDomain;
+    [[nodiscard]] static QString domainIn(const Defaults &defaults); // as the user prefers
 
     [[nodiscard]] const std::optional<PlanWindow> &session() const { return m_shown.session; }
     [[nodiscard]] const std::optional<PlanWindow> &weekly() const { return m_shown.weekly; }

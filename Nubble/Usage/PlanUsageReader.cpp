@@ -11,7 +11,6 @@
 
 #include "Platform/RegularFile.h"
 #include "Usage/CacheEntry.h"
-#include "Usage/CacheScan.h"
 #include "Usage/UsageJson.h"
 
 namespace nubble {
@@ -50,8 +49,8 @@ void pause(std::chrono::milliseconds span, const std::stop_token &stop)
 
 PlanUsageReader::PlanUsageReader(
     const QString &cacheFolder, const QString &domain, FindTool findZstd, ReaderPace pace)
-    : m_folder(QFile::encodeName(cacheFolder)), m_domain(domain.toUtf8()), m_findZstd(std::move(findZstd)),
-      m_pace(pace)
+    : m_scan(QFile::encodeName(cacheFolder), domain.toUtf8()), m_domain(domain.toUtf8()),
+      m_findZstd(std::move(findZstd)), m_pace(pace)
 {
 }
 
@@ -82,11 +81,11 @@ bool PlanUsageReader::missesLast(const ReadOutcome &outcome) const
 }
 
 ReadOutcome PlanUsageReader::attempt(
-    const QList<QByteArray> &known, const QString &zstd, const std::stop_token &stop) const
+    const QList<QByteArray> &known, const QString &zstd, const std::stop_token &stop)
 {
     if (const auto reading = newestReading(known, zstd, stop))
         return {*reading, std::nullopt};
-    const QList<QByteArray> found = findUsageEntries(m_folder, m_domain);
+    const QList<QByteArray> found = m_scan.usageEntries();
     if (found.isEmpty())
         return {ReadProblem::NoCache, found};
     if (const auto reading = newestReading(found, zstd, stop))

@@ -8,6 +8,7 @@
 #include <stop_token>
 #include <variant>
 
+#include "Usage/CacheScan.h"
 #include "Usage/Decompressor.h"
 #include "Usage/Reading.h"
 
@@ -37,15 +38,14 @@ public:
     [[nodiscard]] ReadOutcome read(const QList<QByteArray> &known, const std::stop_token &stop = {});
 
 private:
-    ReadOutcome attempt(
-        const QList<QByteArray> &known, const QString &zstd, const std::stop_token &stop) const;
+    ReadOutcome attempt(const QList<QByteArray> &known, const QString &zstd, const std::stop_token &stop);
     std::optional<Reading> newestReading(
         const QList<QByteArray> &entries, const QString &zstd, const std::stop_token &stop) const;
     std::optional<Reading> readingOf(
         const QByteArray &entry, const QString &zstd, const std::stop_token &stop) const;
     bool missesLast(const ReadOutcome &outcome) const;
 
-    QByteArray m_folder;
+    CacheScan m_scan;
     QByteArray m_domain;
     FindTool m_findZstd;
     ReaderPace m_pace;

@@ -38,29 +38,46 @@ QByteArray readLine(int descriptor)
     ::_exit(127);
 }
 
+xcb_atom_t atom(xcb_connection_t *connection, const QByteArray &name)
+{
+    const auto request = xcb_intern_atom(connection, 0, static_cast<uint16_t>(name.size()), name.constData());
+    auto *reply = xcb_intern_atom_reply(connection, request, nullptr);
+    const xcb_atom_t result = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+    std::free(reply);
+    return result;
+}
+
+bool hasProperty(xcb_connection_t *connection, xcb_window_t window, xcb_atom_t name)
+{
+    const auto request = xcb_get_property(connection, 0, window, name, XCB_GET_PROPERTY_TYPE_ANY, 0, 1);
+    auto *reply = xcb_get_property_reply(connection, request, nullptr);
+    const bool present = reply && reply->type != XCB_ATOM_NONE;
+    std::free(reply);
+    return present;
+}
+
+// Openbox overlooks windows that are shown while it starts, whatever it has announced by then. So one is
+// shown again and again until it is looked after.
 void waitForWindowManager()
 {
+    constexpr int mostTries = 200;
+    constexpr useconds_t pause = 50'000;
     xcb_connection_t *connection = xcb_connect(nullptr, nullptr);
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
-    const QByteArray name =
-        "_NET_CLIENT_LIST"; // the last that openbox sets, when it begins to look after windows
-    auto *atom = xcb_intern_atom_reply(
-        connection, xcb_intern_atom(connection, 0, static_cast<uint16_t>(name.size()), name.constData()),
-        nullptr);
-    const uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
-    xcb_change_window_attributes(connection, root, XCB_CW_EVENT_MASK, &events);
-    for (bool running = false; !running;) {
-        const auto request =
-            xcb_get_property(connection, 0, root, atom->atom, XCB_GET_PROPERTY_TYPE_ANY, 0, 1);
-        auto *property = xcb_get_property_reply(connection, request, nullptr);
-        if (!property)
-            qFatal("the private display has gone");
-        running = property->format == 32;
-        std::free(property);
-        if (!running)
-            std::free(xcb_wait_for_event(connection));
+    const xcb_atom_t managed = atom(connection, "WM_STATE");
+    const xcb_window_t window = xcb_generate_id(connection);
+    xcb_create_window(
+        connection, XCB_COPY_FROM_PARENT, window, root, 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+        XCB_COPY_FROM_PARENT, 0, nullptr);
+    int tries = 0;
+    for (; tries < mostTries && !hasProperty(connection, window, managed); ++tries) {
+        xcb_unmap_window(connection, window);
+        xcb_map_window(connection, window);
+        xcb_flush(connection);
+        ::usleep(pause);
     }
-    std::free(atom);
+    if (tries == mostTries)
+        qFatal("openbox does not start");
     xcb_disconnect(connection);
 }
 

@@ -3,7 +3,6 @@
 
 #include <sys/stat.h>
 
-#include "Usage/CacheScan.h"
 #include "Usage/PlanUsageReader.h"
 #include "usage/UsageCache.h"
 
@@ -137,6 +136,20 @@ private Q_SLOTS:
         QCOMPARE(printed(readerOf(cache).read({})), "10: young_0 old_0");
         cache.setModified(u"old_0"_s, noon + 19'398'500);
         QCOMPARE(printed(readerOf(cache).read({})), "10: young_0");
+    }
+
+    void aFileThatHasChangedIsLookedIntoAgain()
+    {
+        const UsageCache cache;
+        const QByteArray usage = UsageCache::usageEntry(10);
+        cache.add(u"a_0"_s, QByteArray(usage.size(), 'x'), noon);
+        PlanUsageReader reader = readerOf(cache);
+        QCOMPARE(printed(reader.read({})), "no cache:");
+        cache.add(u"a_0"_s, usage, noon);
+        QCOMPARE(printed(reader.read({})), "10: a_0");
+        QCOMPARE(printed(reader.read({})), "10: a_0");
+        cache.add(u"a_0"_s, QByteArray(usage.size(), 'x'), noon);
+        QCOMPARE(printed(reader.read({})), "no cache:");
     }
 
     void anEntryThatIsBeingWrittenIsLookedAtAgain_data()

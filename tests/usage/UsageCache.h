@@ -53,16 +53,26 @@ public:
 
     QByteArray add(const QString &name, const QByteArray &bytes, qint64 modifiedMsecs) const
     {
-        write(QStringLiteral(".config/Claude/Cache/Cache_Data/") + name, bytes);
-        setModified(name, modifiedMsecs);
+        QDir().mkpath(folder());
+        QFile file(folder() + u'/' + name);
+        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush())
+            qFatal("cannot write %s", qPrintable(name));
+        date(file, modifiedMsecs);
         return nativePath(name);
     }
     void setModified(const QString &name, qint64 msecs) const
     {
         QFile file(folder() + u'/' + name);
-        if (!file.open(QIODevice::ReadWrite)
-            || !file.setFileTime(QDateTime::fromMSecsSinceEpoch(msecs), QFileDevice::FileModificationTime))
-            qFatal("cannot date %s", qPrintable(name));
+        if (!file.open(QIODevice::ReadWrite))
+            qFatal("cannot open %s", qPrintable(name));
+        date(file, msecs);
+    }
+
+private:
+    static void date(QFile &file, qint64 msecs)
+    {
+        if (!file.setFileTime(QDateTime::fromMSecsSinceEpoch(msecs), QFileDevice::FileModificationTime))
+            qFatal("cannot date %s", qPrintable(file.fileName()));
     }
 };
 

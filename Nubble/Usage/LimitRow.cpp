@@ -1,0 +1,99 @@
+#include "Usage/LimitRow.h"
+
+#include <QPainter>
+
+#include <algorithm>
+
+#include "Panel/Palette.h"
+#include "Panel/Typography.h"
+#include "Usage/UsageColors.h"
+#include "Usage/UsageTexts.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nubble {
+
+namespace {
+
+constexpr double lineHeight = 16;
+constexpr double barTop = 21;
+constexpr double barHeight = 6;
+constexpr double resetTop = 31;
+constexpr double resetHeight = 14;
+
+} // namespace
+
+LimitRow::LimitRow(const QString &label, QWidget *parent)
+    : QWidget(parent)
+    , m_label(label)
+{
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    m_bar.setDuration(200);
+    m_bar.setEasingCurve(QEasingCurve::OutCubic);
+    connect(&m_bar, &QVariantAnimation::valueChanged, this, qOverload<>(&QWidget::update));
+    describe();
+}
+
+QSize LimitRow::sizeHint() const
+{
+    return {100, qCeil(m_resetText.isEmpty() ? barTop + barHeight + 2 : resetTop + resetHeight + 1)};
+}
+
+void LimitRow::setWindow(std::optional<double> fraction, const QString &resetText, bool animated)
+{
+    if (m_fraction == fraction && m_resetText == resetText)
+        return;
+    const bool runs = animated && m_fraction && fraction && m_fraction != fraction;
+    const double target = std::clamp(fraction.value_or(0), 0.0, 1.0);
+    m_bar.stop();
+    m_bar.setStartValue(runs ? m_bar.currentValue() : QVariant(target));
+    m_bar.setEndValue(target);
+    m_bar.setCurrentTime(0);
+    if (runs)
+        m_bar.start();
+    m_fraction = fraction;
+    m_resetText = resetText;
+    describe();
+    updateGeometry();
+    update();
+}
+
+void LimitRow::describe()
+{
+    QStringList parts {m_label, m_fraction ? percentText(*m_fraction) : u"not known"_s, m_resetText};
+    parts.removeAll(QString());
+    setAccessibleName(parts.join(u", "_s));
+}
+
+void LimitRow::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF line(0, 0, width(), lineHeight);
+    painter.setFont(Typography::rowTitle());
+    painter.setPen(Palette::textPrimary);
+    painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter, m_label);
+    painter.setFont(Typography::cardBody());
+    painter.setPen(Palette::textSecondary);
+    Typography::drawTabular(painter, line, Qt::AlignRight, m_fraction ? percentText(*m_fraction) : QString());
+    drawBar(painter, QRectF(0, barTop, width(), barHeight));
+    painter.setFont(Typography::caption());
+    painter.setPen(Palette::textSecondary);
+    Typography::drawTabular(painter, QRectF(0, resetTop, width(), resetHeight), Qt::AlignLeft, m_resetText);
+}
+
+void LimitRow::drawBar(QPainter &painter, const QRectF &bar) const
+{
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Palette::barTrack);
+    painter.drawRoundedRect(bar, barHeight / 2, barHeight / 2);
+    const double shown = m_bar.currentValue().toDouble();
+    if (!m_fraction || shown <= 0)
+        return;
+    QRectF used = bar;
+    used.setWidth(std::max(barHeight, bar.width() * shown)); // never less than a dot
+    painter.setBrush(colorOf(levelOf(*m_fraction)));
+    painter.drawRoundedRect(used, barHeight / 2, barHeight / 2);
+}
+
+} // namespace nubble

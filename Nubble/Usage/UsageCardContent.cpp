@@ -1,0 +1,83 @@
+#include "Usage/UsageCardContent.h"
+
+#include <QDateTime>
+#include <QLabel>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include <chrono>
+
+#include "Panel/CardHeader.h"
+#include "Panel/CardMetrics.h"
+#include "Panel/Palette.h"
+#include "Panel/Typography.h"
+#include "Platform/Clock.h"
+#include "Platform/DesktopPreferences.h"
+#include "Usage/LimitRow.h"
+#include "Usage/PlanUsageMonitor.h"
+#include "Usage/RefreshButton.h"
+#include "Usage/UsageTexts.h"
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace nubble {
+
+namespace {
+
+void showWindow(LimitRow &row, const std::optional<PlanWindow> &window, const QDateTime &now, bool animated)
+{
+    row.setWindow(window ? std::optional(window->fraction) : std::nullopt,
+        window ? resetText(window->resetsAt, now) : QString(), animated);
+}
+
+} // namespace
+
+UsageCardContent::UsageCardContent(
+    PlanUsageMonitor &planUsage, const Clock &clock, const DesktopPreferences &preferences, QWidget *parent)
+    : QWidget(parent)
+    , m_planUsage(planUsage)
+    , m_clock(clock)
+    , m_preferences(preferences)
+    , m_refresh(new RefreshButton)
+    , m_session(new LimitRow(u"Current session"_s))
+    , m_weekly(new LimitRow(u"All models"_s))
+    , m_problem(CardMetrics::makeNote())
+{
+    setFixedWidth(CardMetrics::width);
+    auto *header = new CardHeader(u"Claude Usage"_s);
+    header->addAccessory(m_refresh);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(CardMetrics::textMargins);
+    layout->setSpacing(CardMetrics::spacing + 2);
+    for (QWidget *part : {static_cast<QWidget *>(header), static_cast<QWidget *>(m_session),
+             static_cast<QWidget *>(m_weekly), static_cast<QWidget *>(m_problem)})
+        layout->addWidget(part);
+
+    connect(m_refresh, &RefreshButton::clicked, &planUsage, [&planUsage] { planUsage.refresh(true); });
+    connect(&planUsage, &PlanUsageMonitor::changed, this, &UsageCardContent::updateWindows);
+    connect(&planUsage, &PlanUsageMonitor::refreshingChanged, this, &UsageCardContent::updateRefreshing);
+    auto *countdown = new QTimer(this); // of the reset texts, only while the card is open
+    connect(countdown, &QTimer::timeout, this, &UsageCardContent::updateWindows);
+    countdown->start(1s);
+    updateWindows();
+    updateRefreshing();
+}
+
+void UsageCardContent::updateWindows()
+{
+    const QDateTime now = QDateTime::fromMSecsSinceEpoch(m_clock.msecsSinceEpoch());
+    const bool animated = !m_preferences.reducedMotion();
+    showWindow(*m_session, m_planUsage.session(), now, animated);
+    showWindow(*m_weekly, m_planUsage.weekly(), now, animated);
+    m_problem->setText(m_planUsage.problem().value_or(QString()));
+    m_problem->setVisible(m_planUsage.problem().has_value());
+}
+
+void UsageCardContent::updateRefreshing()
+{
+    m_refresh->setRefreshing(m_planUsage.isRefreshing(), m_preferences.reducedMotion());
+}
+
+} // namespace nubble

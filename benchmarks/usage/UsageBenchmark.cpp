@@ -1,0 +1,84 @@
+#include <benchmark/benchmark.h>
+
+#include <dirent.h>
+#include <sys/stat.h>
+
+#include "Usage/CacheScan.h"
+#include "Usage/PlanUsageReader.h"
+#include "usage/UsageCache.h"
+
+using namespace nubble;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// A cache of so many entries, two of which hold usage answers.
+class Cache {
+public:
+    explicit Cache(qint64 files)
+    {
+        const QByteArray other = UsageCache::entry(UsageCache::keyFor("/api/x"), QByteArray(1000, 'x'));
+        for (qint64 i = 2; i < files; ++i)
+            m_cache.write(u".config/Claude/Cache/Cache_Data/%1_0"_s.arg(i, 16, 16, QChar(u'0')), other);
+        for (const QString &name : {u"usage1_0"_s, u"usage2_0"_s})
+            m_cache.write(u".config/Claude/Cache/Cache_Data/"_s + name, UsageCache::usageEntry(10));
+    }
+
+    [[nodiscard]] QString folder() const { return m_cache.folder(); }
+    [[nodiscard]] QByteArray nativeFolder() const { return QFile::encodeName(m_cache.folder()); }
+
+private:
+    UsageCache m_cache;
+};
+
+// The floor for everything below: what it costs to have the folder listed and every file's size and date
+// told.
+void bareListingAndStat(benchmark::State &state)
+{
+    const Cache cache(state.range(0));
+    for (auto run : state) {
+        DIR *folder = ::opendir(cache.nativeFolder().constData());
+        while (const dirent *each = ::readdir(folder)) {
+            struct stat info { };
+            benchmark::DoNotOptimize(::fstatat(::dirfd(folder), each->d_name, &info, 0));
+        }
+        ::closedir(folder);
+    }
+}
+BENCHMARK(bareListingAndStat)->Arg(1000)->Arg(20'000)->Unit(benchmark::kMillisecond);
+
+void firstScan(benchmark::State &state)
+{
+    const Cache cache(state.range(0));
+    for (auto run : state) {
+        if (CacheScan(cache.nativeFolder(), "claude.ai").usageEntries().size() != 2)
+            state.SkipWithError("the usage entries are not found");
+    }
+}
+BENCHMARK(firstScan)->Arg(1000)->Arg(20'000)->Unit(benchmark::kMillisecond);
+
+void laterScan(benchmark::State &state)
+{
+    const Cache cache(state.range(0));
+    CacheScan scan(cache.nativeFolder(), "claude.ai");
+    benchmark::DoNotOptimize(scan.usageEntries());
+    for (auto run : state) {
+        if (scan.usageEntries().size() != 2)
+            state.SkipWithError("the usage entries are not found");
+    }
+}
+BENCHMARK(laterScan)->Arg(1000)->Arg(20'000)->Unit(benchmark::kMillisecond);
+
+void refreshOfKnownEntries(benchmark::State &state)
+{
+    const Cache cache(state.range(0));
+    const auto entries = CacheScan(cache.nativeFolder(), "claude.ai").usageEntries();
+    PlanUsageReader reader(cache.folder(), u"claude.ai"_s, [] { return u"/usr/bin/zstd"_s; });
+    for (auto run : state) {
+        if (!std::holds_alternative<Reading>(reader.read(entries).result))
+            state.SkipWithError("the usage is not read");
+    }
+}
+BENCHMARK(refreshOfKnownEntries)->Arg(1000)->Arg(20'000)->Unit(benchmark::kMillisecond);
+
+} // namespace

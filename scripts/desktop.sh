@@ -1,0 +1,77 @@
+# shellcheck shell=bash
+# A private display with a window manager, and a private session bus. To be sourced. What is started here ends with the
+# calling script, by process id and in the reverse order.
+
+started=()
+private_folder=
+
+end_private_desktop() {
+    local i
+    for ((i = ${#started[@]} - 1; i >= 0; i--)); do
+        kill "${started[i]}" 2>/dev/null || true
+        wait "${started[i]}" 2>/dev/null || true
+    done
+    started=()
+    [[ -z $private_folder ]] || rm -rf "$private_folder"
+}
+
+# start COMMAND…: in the background, to be ended with the rest. Its number is in $! afterwards.
+start() {
+    "$@" </dev/null >>"$private_folder/log" 2>&1 3>"$private_folder/announced" &
+    started+=($!)
+}
+
+# The line that the program started last has written to descriptor 3.
+announced_line() {
+    local tries
+    for ((tries = 0; tries < 200; tries++)); do
+        if [[ -s $private_folder/announced ]]; then
+            head -n 1 "$private_folder/announced"
+            return 0
+        fi
+        kill -0 "${started[-1]}" 2>/dev/null || break
+        sleep 0.05
+    done
+    cat "$private_folder/log" >&2
+    return 1
+}
+
+await() {
+    local tries
+    for ((tries = 0; tries < 200; tries++)); do
+        if "$@" >/dev/null 2>&1; then
+            return 0
+        fi
+        sleep 0.05
+    done
+    echo "Waited in vain for: $*" >&2
+    return 1
+}
+
+is_managed() {
+    xprop -root _NET_CLIENT_LIST | grep -q 'window id'
+}
+
+# Sets DISPLAY, DBUS_SESSION_BUS_ADDRESS and XDG_RUNTIME_DIR, and keeps the surrounding desktop's settings out.
+start_private_desktop() {
+    local number name
+    private_folder=$(mktemp -d)
+    trap end_private_desktop EXIT
+    trap 'exit 130' INT
+    trap 'exit 143' TERM
+    for name in ${!QT_*} WAYLAND_DISPLAY XDG_CURRENT_DESKTOP DESKTOP_SESSION SESSION_MANAGER XAUTHORITY; do
+        unset "$name"
+    done
+    export LC_ALL=C.UTF-8
+    export XDG_RUNTIME_DIR=$private_folder/runtime
+    mkdir -m 700 "$XDG_RUNTIME_DIR"
+
+    start Xvfb -displayfd 3 -screen 0 1280x800x24 -dpi 96 -nolisten tcp -noreset
+    number=$(announced_line)
+    export DISPLAY=:$number
+    start dbus-daemon --session --nofork --print-address=3
+    DBUS_SESSION_BUS_ADDRESS=$(announced_line)
+    export DBUS_SESSION_BUS_ADDRESS
+    start openbox --sm-disable
+    await is_managed
+}
