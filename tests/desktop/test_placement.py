@@ -40,7 +40,7 @@ class ThePanel(PanelTest):
         for edge, (target, body) in AT_EDGES.items():
             with self.subTest(edge=edge):
                 self.desktop.drag(position, target)
-                nubble.until_panel(edge=edge, mode="collapsed")
+                nubble.until_panel(edge=edge)
                 self.until_dark(*body)
                 position = body
         self.desktop.drag(position, AT_EDGES["bottom"][0])
