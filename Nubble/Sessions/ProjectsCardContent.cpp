@@ -46,13 +46,8 @@ QLabel *makeEmptyLabel()
 } // namespace
 
 ProjectsCardContent::ProjectsCardContent(SessionMonitor &monitor, const Clock &clock, QWidget *parent)
-    : QWidget(parent)
-    , m_monitor(monitor)
-    , m_clock(clock)
-    , m_header(new CardHeader(u"Claude Projects"_s))
-    , m_empty(makeEmptyLabel())
-    , m_list(new QWidget)
-    , m_rows(new QVBoxLayout(m_list))
+    : QWidget(parent), m_monitor(monitor), m_clock(clock), m_header(new CardHeader(u"Claude Projects"_s)),
+      m_empty(makeEmptyLabel()), m_list(new QWidget), m_rows(new QVBoxLayout(m_list))
 {
     setFixedWidth(CardMetrics::width);
     m_rows->setContentsMargins(0, 0, 0, 0);

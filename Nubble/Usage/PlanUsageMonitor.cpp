@@ -3,8 +3,8 @@
 #include <QTimer>
 
 #include "Platform/Clock.h"
-#include "Shell/Defaults.h"
 #include "Platform/Home.h"
+#include "Shell/Defaults.h"
 #include "Shell/Tools.h"
 #include "Usage/UsageTexts.h"
 
@@ -16,7 +16,7 @@ namespace nubble {
 namespace {
 
 constexpr qint64 entriesTrustedFor = 180'000; // ms
-constexpr qint64 freshFor = 1800; // s
+constexpr qint64 freshFor = 1800;             // s
 
 PlanUsageReader readerIn(const Home &home, const QString &domain)
 {
