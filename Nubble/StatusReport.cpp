@@ -45,7 +45,13 @@ QString printable(const QJsonValue &value)
 
 QString fitted(const QString &text, qsizetype width)
 {
-    return text.size() > width ? text.first(std::max<qsizetype>(width - 1, 0)) + u'…' : text.leftJustified(width);
+    if (text.size() <= width)
+        return text.leftJustified(width);
+    QString start = text.first(std::max<qsizetype>(width - 1, 0));
+    if (!start.isEmpty() && start.back().isHighSurrogate())
+        start.chop(1); // not half a character
+    start += u'…';
+    return start.leftJustified(width);
 }
 
 // The last column takes what is left of the line.
