@@ -98,9 +98,18 @@ void ProjectsCardContent::updateRows()
     removeRowsExcept(keys);
     for (int position = 0; position < sessions.size(); ++position)
         showRow(sessions.at(position), position);
+    if (std::exchange(m_order, keys) != keys)
+        orderFocus();
     m_header->setDetail(QString::number(sessions.size()) + u" running"_s);
     m_empty->setVisible(sessions.isEmpty());
     m_list->parentWidget()->parentWidget()->setVisible(!sessions.isEmpty());
+}
+
+// Tab goes from row to row as they stand; by itself it would go in the order in which they came.
+void ProjectsCardContent::orderFocus()
+{
+    for (int position = 1; position < m_rows->count(); ++position)
+        setTabOrder(m_rows->itemAt(position - 1)->widget(), m_rows->itemAt(position)->widget());
 }
 
 void ProjectsCardContent::removeRowsExcept(const QList<RowKey> &keys)

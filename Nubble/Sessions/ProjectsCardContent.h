@@ -34,6 +34,7 @@ private:
     void updateRows();
     ProjectRow *rowOf(const RowKey &key);
     void removeRowsExcept(const QList<RowKey> &keys);
+    void orderFocus();
     void showRow(const ClaudeSession &session, int position);
 
     SessionMonitor &m_monitor;
@@ -43,6 +44,7 @@ private:
     QWidget *m_list;
     QVBoxLayout *m_rows;
     QHash<RowKey, ProjectRow *> m_rowOf;
+    QList<RowKey> m_order; // from top to bottom
 };
 
 } // namespace nubble
