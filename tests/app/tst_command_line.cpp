@@ -83,13 +83,6 @@ private Q_SLOTS:
             shown(parseCommandLine(arguments.isEmpty() ? QStringList() : arguments.split(u'|'))), meaning);
     }
 
-    void helpNamesEveryCommandAndOption()
-    {
-        for (const auto &word :
-             {u"sessions"_s, u"status"_s, u"--json"_s, u"--home"_s, u"--help"_s, u"--version"_s})
-            QVERIFY2(helpText().contains(word), qPrintable(word));
-    }
-
 private:
     TemporaryHome m_home;
     QString m_before;

@@ -156,16 +156,6 @@ private Q_SLOTS:
         world.monitor.details().waitForDone();
         QCOMPARE(world.monitor.details().byId().value(u"session-11"_s).title, u"A title"_s);
     }
-
-    void addonsExplainThemselvesInToolTips()
-    {
-        PanelWorld world;
-        OpenMenu open(world);
-        for (const QAction *action : open.menu.findChildren<QAction *>())
-            if (action->text() == u"Search Chats")
-                QCOMPARE(action->toolTip(), description(Addon::Search));
-        QVERIFY(open.menu.toolTipsVisible());
-    }
 };
 
 QTEST_MAIN(TestNotchMenu)
