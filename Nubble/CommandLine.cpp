@@ -46,8 +46,8 @@ std::variant<CommandLine, UsageError> parseCommandLine(const QStringList &argume
         if (argument == u"--home") {
             const QFileInfo folder(arguments.value(++i));
             if (!folder.isDir())
-                return UsageError{u"--home needs an existing folder"_s};
-            line.home = folder.canonicalFilePath();
+                return UsageError {u"--home needs an existing folder"_s};
+            line.home = folder.canonicalFilePath(); // one folder, one instance, however it is spelled
         } else if (argument == u"--json") {
             line.json = true;
         } else if (const auto verb = verbFrom(argument); verb && !verbGiven) {

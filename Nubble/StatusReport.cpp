@@ -59,8 +59,13 @@ QString printable(const QJsonValue &value)
 
 QString fitted(const QString &text, qsizetype width)
 {
-    return text.size() > width ? text.first(std::max<qsizetype>(width - 1, 0)) + u'…'
-                               : text.leftJustified(width);
+    if (text.size() <= width)
+        return text.leftJustified(width);
+    QString start = text.first(std::max<qsizetype>(width - 1, 0));
+    if (!start.isEmpty() && start.back().isHighSurrogate())
+        start.chop(1); // not half a character
+    start += u'…';
+    return start.leftJustified(width);
 }
 
 // The last column takes what is left of the line.
@@ -91,7 +96,7 @@ QString sessionsTable(const QJsonArray &sessions, qsizetype width)
     if (sessions.isEmpty())
         return u"No sessions running\n"_s;
     QList<Row> rows{{u"STATE"_s, u"SINCE"_s, u"SESSION"_s, u"LAST PROMPT"_s}};
-    for (const QJsonValue &session : sessions)
+    for (const QJsonValue session : sessions)
         rows.append(
             {printable(session["word"_L1]), printable(session["elapsed"_L1]), printable(session["title"_L1]),
              printable(session["lastPrompt"_L1])});

@@ -56,9 +56,9 @@ CardHost::CardHost(QWidget *view, const DesktopPreferences &preferences)
 {
 }
 
-void CardHost::setCard(PanelMode::Card card, CardFactory make)
+void CardHost::setCard(PanelMode::Card card, const CardFactory &make)
 {
-    m_factories.insert(card, std::move(make));
+    m_factories.insert(card, make);
 }
 
 void CardHost::show(PanelMode mode)

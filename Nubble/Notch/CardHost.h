@@ -26,7 +26,7 @@ public:
 
     CardHost(QWidget *view, const DesktopPreferences &preferences);
 
-    void setCard(PanelMode::Card card, CardFactory make);
+    void setCard(PanelMode::Card card, const CardFactory &make);
     [[nodiscard]] bool hasCard(PanelMode::Card card) const { return m_factories.contains(card); }
 
     void show(PanelMode mode);

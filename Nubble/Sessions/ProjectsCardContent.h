@@ -46,6 +46,7 @@ private:
     CappedScroll *m_scroll;
     QVBoxLayout *m_rows;
     QHash<RowKey, ProjectRow *> m_rowOf;
+    QList<RowKey> m_order; // from top to bottom
 };
 
 } // namespace nubble
