@@ -46,7 +46,7 @@ std::variant<CommandLine, UsageError> parseCommandLine(const QStringList &argume
         if (argument == u"--home") {
             const QFileInfo folder(arguments.value(++i));
             if (!folder.isDir())
-                return UsageError {u"--home needs an existing folder"_s};
+                return UsageError{u"--home needs an existing folder"_s};
             line.home = folder.canonicalFilePath(); // one folder, one instance, however it is spelled
         } else if (argument == u"--json") {
             line.json = true;

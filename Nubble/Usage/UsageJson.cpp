@@ -33,7 +33,7 @@ std::optional<PlanWindow> windowOf(const QJsonObject &object, const QString &per
 PlanWindows windowsInLimits(const QJsonArray &limits)
 {
     PlanWindows windows;
-    for (const QJsonValue &each : limits) {
+    for (const QJsonValue each : limits) {
         const QJsonObject limit = each.toObject();
         const QString kind = limit.value(u"kind"_s).toString();
         const auto window = windowOf(limit, u"percent"_s);

@@ -24,11 +24,11 @@ namespace nubble {
 // libraries of the sessions and the panel.
 struct PanelWorld {
     explicit PanelWorld(const QByteArray &stored = {})
-        : defaults(home.write(QStringLiteral("preferences.conf"), "[General]\n" + stored)),
-          addons(defaults), layout(11, false, static_cast<int>(addons.actions().size())),
-          placement(defaults, layout), monitor(
-                                           home.path(QStringLiteral(".claude/sessions")),
-                                           home.path(QStringLiteral(".claude/projects")), processes, clock),
+        : defaults(home.write(QStringLiteral("preferences.conf"), "[General]\n" + stored)), addons(defaults),
+          layout(11, false, static_cast<int>(addons.actions().size())), placement(defaults, layout),
+          monitor(
+              home.path(QStringLiteral(".claude/sessions")), home.path(QStringLiteral(".claude/projects")),
+              processes, clock),
           activator(workspace, [](pid_t) { return std::nullopt; })
     {
     }
