@@ -115,6 +115,8 @@ QString usageLine(const QString &label, const QJsonValue &window, const QDateTim
 
 QString usageTable(const QJsonObject &usage, const QDateTime &now)
 {
+    if (usage.isEmpty())
+        return {};
     const QString problem = usage.value("problem"_L1).toString();
     return u"\n"_s + usageLine(u"Current session"_s, usage.value("session"_L1), now)
         + usageLine(u"All models"_s, usage.value("weekly"_L1), now)

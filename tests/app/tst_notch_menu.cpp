@@ -32,7 +32,8 @@ QString shown(const QMenu &menu)
 // The menu as it opens in that world.
 struct OpenMenu {
     explicit OpenMenu(PanelWorld &world)
-        : commands(world.placement, world.mainScreen, world.defaults, world.addons, world.monitor)
+        : commands(
+            world.placement, world.mainScreen, world.defaults, world.addons, world.monitor, world.planUsage)
     {
         const MenuState state{
             .edge = world.placement.edge(), .locked = world.placement.isLocked(), .addons = world.addons};

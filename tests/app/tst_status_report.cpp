@@ -23,6 +23,13 @@ QJsonObject reportOf(const QJsonArray &sessions)
     return {{u"sessions"_s, sessions}};
 }
 
+const QDateTime now = QDateTime::fromSecsSinceEpoch(1'790'000'000);
+
+QJsonObject windowOf(double fraction, const QDateTime &resetsAt)
+{
+    return {{u"fraction"_s, fraction}, {u"resetsAt"_s, resetsAt.toUTC().toString(Qt::ISODate)}};
+}
+
 } // namespace
 
 class TestStatusReport : public QObject {
@@ -32,7 +39,7 @@ private Q_SLOTS:
     void sessionsAreReportedInTheCardsOrderWithEveryKey()
     {
         PanelWorld world;
-        const qint64 now = world.clock.msecsSinceEpoch();
+        const qint64 nowMsecs = world.clock.msecsSinceEpoch();
         world.addSession(11, u"older"_s, u"waiting"_s, 7'200'000);
         world.addSession(12, u"busy one"_s, u"busy"_s, 1000);
         world.addSession(
@@ -56,8 +63,8 @@ private Q_SLOTS:
                 {u"state"_s, u"working"_s},
                 {u"word"_s, u"working"_s},
                 {u"elapsed"_s, u"just now"_s},
-                {u"startedAt"_s, now - 86'400'000},
-                {u"updatedAt"_s, now - 1000},
+                {u"startedAt"_s, nowMsecs - 86'400'000},
+                {u"updatedAt"_s, nowMsecs - 1000},
             }));
         QCOMPARE(sessions[1][u"word"_s].toString(), u"waiting"_s);
         QCOMPARE(sessions[1][u"state"_s].toString(), u"idle"_s);
@@ -101,13 +108,28 @@ private Q_SLOTS:
             }));
     }
 
+    void theUsageIsReportedAsFarAsItIsKnown()
+    {
+        PanelWorld world;
+        QTRY_VERIFY(!world.planUsage.isRefreshing());
+        const QJsonObject usage = usageReport(world.planUsage);
+        QCOMPARE(usage.keys(), QStringList({u"problem"_s, u"session"_s, u"weekly"_s}));
+        QVERIFY(usage[u"session"_s].isNull() && usage[u"weekly"_s].isNull());
+        QVERIFY(!usage[u"problem"_s].toString().isEmpty());
+
+        const QJsonObject known{{u"session"_s, windowOf(0.42, now.addSecs(3660))}, {u"problem"_s, u"Old"_s}};
+        QCOMPARE(
+            statusTable({{u"usage"_s, known}}, 80, now),
+            u"No sessions running\n\nCurrent session  42% Used   Resets in 1 hr 1 min\nOld\n"_s);
+    }
+
     void theTableFitsItsWidthWhateverTheTexts()
     {
         const QJsonArray sessions{
             sessionOf(u"short"_s, QString()), sessionOf(QString(500, u't'), QString(100'000, u'p')),
             sessionOf(u"emoji"_s, u"🙂"_s.repeated(200)), sessionOf(QString(), u"x"_s)};
         for (const qsizetype width : {50, 51, 80, 100, 300}) {
-            const QString table = statusTable(reportOf(sessions), width);
+            const QString table = statusTable(reportOf(sessions), width, now);
             const QStringList lines = table.chopped(1).split(u'\n');
             QCOMPARE(lines.size(), 5);
             for (const QString &line : lines) {
@@ -121,7 +143,7 @@ private Q_SLOTS:
     void theTablePrintsNothingThatATerminalObeys()
     {
         const QString evil = u"a\x1b[31mb\nc\rd\te\u0085f\u009bg"_s;
-        const QString table = statusTable(reportOf({sessionOf(evil, evil)}), 200);
+        const QString table = statusTable(reportOf({sessionOf(evil, evil)}), 200, now);
         QCOMPARE(table.count(u'\n'), 2);
         QVERIFY(table.contains(u"a[31mbcdefg"_s));
         for (const QChar each : table)
@@ -130,9 +152,9 @@ private Q_SLOTS:
 
     void anAnswerOfAnotherShapeIsNoSessions()
     {
-        QCOMPARE(statusTable({}, 80), u"No sessions running\n"_s);
-        QCOMPARE(statusTable({{u"sessions"_s, 3}}, 80), u"No sessions running\n"_s);
-        QVERIFY(!statusTable(reportOf({1, QJsonArray(), QJsonValue()}), 80).isEmpty());
+        QCOMPARE(statusTable({}, 80, now), u"No sessions running\n"_s);
+        QCOMPARE(statusTable({{u"sessions"_s, 3}}, 80, now), u"No sessions running\n"_s);
+        QVERIFY(!statusTable(reportOf({1, QJsonArray(), QJsonValue()}), 80, now).isEmpty());
     }
 };
 

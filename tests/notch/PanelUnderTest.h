@@ -19,6 +19,7 @@ public:
         : window(
             {
                 .sessionMonitor = world.monitor,
+                .planUsage = world.planUsage,
                 .panelState = world.state,
                 .placement = world.placement,
                 .layout = world.layout,

@@ -34,6 +34,24 @@ private Q_SLOTS:
         QCOMPARE(panel.rowNames(), QStringList{u"new, idle, just now"_s});
     }
 
+    void pointingAtTheRingPreviewsTheUsage()
+    {
+        PanelWorld world;
+        PanelUnderTest panel(world);
+        QEnterEvent enter({5, 5}, {5, 5}, {5, 5});
+        QEvent leave(QEvent::Leave);
+        QCoreApplication::sendEvent(panel.ring(), &enter);
+        QCOMPARE(world.state.mode(), PanelMode::usage());
+        QVERIFY(panel.control(u"Refresh now"_s) != nullptr);
+        panel.clickRing();
+        QCOMPARE(world.state.mode(), PanelMode::sessions());
+        panel.clickRing();
+        QCoreApplication::sendEvent(panel.ring(), &enter);
+        QCoreApplication::sendEvent(panel.ring(), &leave);
+        QCOMPARE(world.state.mode(), PanelMode::usage());
+        QTRY_COMPARE(world.state.mode(), PanelMode::collapsed());
+    }
+
     void escapeCollapses()
     {
         PanelWorld world;

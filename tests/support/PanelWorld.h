@@ -12,6 +12,7 @@
 #include "Shell/Addon.h"
 #include "Shell/Defaults.h"
 #include "Shell/NotificationCenter.h"
+#include "Usage/PlanUsageMonitor.h"
 #include "support/FakeDesktopPreferences.h"
 #include "support/FakeProcessTable.h"
 #include "support/FakeWorkspace.h"
@@ -29,6 +30,7 @@ struct PanelWorld {
           monitor(
               home.path(QStringLiteral(".claude/sessions")), home.path(QStringLiteral(".claude/projects")),
               processes, clock),
+          planUsage(home.home(), clock, PlanUsageMonitor::defaultDomain),
           activator(workspace, [](pid_t) { return std::nullopt; })
     {
     }
@@ -67,6 +69,7 @@ struct PanelWorld {
     PanelState state;
     NotificationCenter notifications;
     SessionMonitor monitor;
+    PlanUsageMonitor planUsage;
     ProcessActivator activator;
 };
 

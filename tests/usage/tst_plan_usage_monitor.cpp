@@ -158,4 +158,4 @@ private:
 };
 
 QTEST_GUILESS_MAIN(PlanUsageMonitorTest)
-#include "PlanUsageMonitorTest.moc"
+#include "tst_plan_usage_monitor.moc"

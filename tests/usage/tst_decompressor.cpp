@@ -95,4 +95,4 @@ private:
 };
 
 QTEST_GUILESS_MAIN(DecompressorTest)
-#include "DecompressorTest.moc"
+#include "tst_decompressor.moc"

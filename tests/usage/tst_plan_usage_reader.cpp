@@ -182,4 +182,4 @@ private Q_SLOTS:
 };
 
 QTEST_GUILESS_MAIN(PlanUsageReaderTest)
-#include "PlanUsageReaderTest.moc"
+#include "tst_plan_usage_reader.moc"
