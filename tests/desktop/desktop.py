@@ -40,7 +40,7 @@ def eventually(condition, what, patience=PATIENCE, pause=0.02):
         if value:
             return value
         if time.monotonic() > deadline:
-            raise AssertionError(f"not within {patience:g} s: {what}")
+            raise AssertionError(f"not within {patience:g} s: {what() if callable(what) else what}")
         time.sleep(pause)
 
 
@@ -309,7 +309,7 @@ class Nubble:
 
     def until_panel(self, **wanted):
         eventually(
-            lambda: wanted.items() <= self.panel().items(), f"panel {wanted}, it is {self.panel()}")
+            lambda: wanted.items() <= self.panel().items(), lambda: f"panel {wanted}, it is {self.panel()}")
 
     def instances(self):
         """The process ids of this home's instances."""
