@@ -4,12 +4,14 @@
 #include <QToolTip>
 
 #include <cstdio>
+#include <optional>
 #include <vector>
 
 #include "AppDelegate.h"
 #include "CommandLine.h"
 #include "Control.h"
 #include "Panel/Palette.h"
+#include "Platform/Freedesktop/FontPreload.h"
 #include "Platform/Linux/TerminationSignals.h"
 #include "Shell/Migration.h"
 #include "StatusCommand.h"
@@ -49,6 +51,7 @@ int run(int argc, char *argv[], const CommandLine &line, const Home &home)
     std::optional<QByteArray> platform = qtPlatform();
     if (!platform)
         return fail(exitFailure, u"there is no display to show the panel on; see nubble --help"_s);
+    std::optional<FontPreload> fonts(std::in_place);
     // As an argument, for the environment would be handed down to every child process.
     std::vector<char *> qtArguments(argv, argv + argc);
     QByteArray option("-platform");
@@ -74,6 +77,7 @@ int run(int argc, char *argv[], const CommandLine &line, const Home &home)
         Defaults defaults(Defaults::fileOf(u"com.brevandel.nubble"_s, home.configFolder()));
         Migration::fromBrindleCove(defaults, home);
     }
+    fonts.reset();
     AppDelegate delegate(home, bus);
     control->serve(delegate);
     const TerminationSignals signals_;

@@ -19,7 +19,7 @@ import unittest
 from Xlib import X, XK, display
 from Xlib.ext import xtest
 
-PROGRAM = os.environ["NUBBLE_PROGRAM"]
+PROGRAM = os.environ.get("NUBBLE_PROGRAM", "")
 COMPOSITED = os.environ.get("NUBBLE_COMPOSITOR") == "picom"
 PATIENCE = 20.0  # seconds until a condition that does not come true is a failure
 SCREEN = (1280, 800)
@@ -32,7 +32,7 @@ RING_ACROSS = 62 / 3
 ctypes.CDLL(None).prctl(36, 1)  # PR_SET_CHILD_SUBREAPER
 
 
-def eventually(condition, what, patience=PATIENCE):
+def eventually(condition, what, patience=PATIENCE, pause=0.02):
     """The first true value that `condition` returns."""
     deadline = time.monotonic() + patience
     while True:
@@ -40,8 +40,8 @@ def eventually(condition, what, patience=PATIENCE):
         if value:
             return value
         if time.monotonic() > deadline:
-            raise AssertionError(f"not within {patience:g} s: {what}")
-        time.sleep(0.02)
+            raise AssertionError(f"not within {patience:g} s: {what() if callable(what) else what}")
+        time.sleep(pause)
 
 
 def descendants(pid):
@@ -309,7 +309,7 @@ class Nubble:
 
     def until_panel(self, **wanted):
         eventually(
-            lambda: wanted.items() <= self.panel().items(), f"panel {wanted}, it is {self.panel()}")
+            lambda: wanted.items() <= self.panel().items(), lambda: f"panel {wanted}, it is {self.panel()}")
 
     def instances(self):
         """The process ids of this home's instances."""

@@ -6,6 +6,7 @@ from desktop import BACKDROP, BODY_DEPTH, COMPOSITED, SCREEN, DesktopTest, Windo
 
 WIDTH, HEIGHT = SCREEN
 BODY_BEFORE_RING = 154 / 3  # along, from the body's start to the ring's centre
+AWAY = (400, 500)
 AT_EDGES = {  # where a drag goes, and a pixel of the body at that edge
     "left": ((4, 300), (0, 300)),
     "top": ((500, 3), (500, 0)),
@@ -42,6 +43,8 @@ class ThePanel(PanelTest):
                 self.desktop.drag(position, target)
                 nubble.until_panel(edge=edge)
                 self.until_dark(*body)
+                self.desktop.move_pointer(*AWAY)  # off the ring, which would show its card
+                nubble.until_panel(mode="collapsed")
                 position = body
         self.desktop.drag(position, AT_EDGES["bottom"][0])
         nubble.until_panel(edge="bottom")
