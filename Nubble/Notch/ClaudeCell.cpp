@@ -18,7 +18,7 @@ namespace nubble {
 namespace {
 
 constexpr qint64 turnMsecs = 1400;
-constexpr double gapBelowRing = 269.0 / 45.0; // what the ring with its percentage is longer than the two
+constexpr double gapBelowRing = 3.5;
 constexpr double hoverMargin = 6;
 
 // From the ring's centre to that of the percentage: below the ring, or above it where below is the screen's

@@ -47,7 +47,8 @@ NotchView::NotchView(const NotchServices &services, QWidget *parent)
 void NotchView::makeCards()
 {
     m_cards->setCard(PanelMode::Card::Sessions, [this] {
-        auto *card = new ProjectsCardContent(m_services.sessionMonitor, m_services.clock);
+        auto *card = new ProjectsCardContent(
+            m_services.sessionMonitor, m_services.clock, qFloor(m_geometry.roomForCard()));
         connect(card, &ProjectsCardContent::sessionChosen, this, [this](qint32 pid) {
             m_services.activator.activate(pid);
         });

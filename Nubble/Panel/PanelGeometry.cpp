@@ -42,6 +42,12 @@ QList<QRectF> PanelGeometry::activeRects(bool cardOpen) const
     return cardOpen ? QList{body, cardArea} : QList{body};
 }
 
+double PanelGeometry::roomForCard() const
+{
+    const double beside = isVertical(edge) ? 0 : body.height() + Layout::cardGap + Layout::tailSpace;
+    return screen.height() - beside - 2 * Layout::cardPadding;
+}
+
 PanelGeometry panelGeometry(const Layout &layout, NotchEdge edge, double offset, const QRectF &screen)
 {
     const QRectF window = alignedAlong(edge, layout.windowFrame(edge, offset, screen));

@@ -22,6 +22,7 @@ struct PanelGeometry {
     QPointF ringCenter;
 
     [[nodiscard]] QList<QRectF> activeRects(bool cardOpen) const;
+    [[nodiscard]] double roomForCard() const; // the height that the screen leaves to an open card
 
     bool operator==(const PanelGeometry &) const = default;
 };

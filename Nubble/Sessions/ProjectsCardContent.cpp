@@ -5,6 +5,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <chrono>
 
 #include "Panel/CappedScroll.h"
@@ -45,7 +46,8 @@ QLabel *makeEmptyLabel()
 
 } // namespace
 
-ProjectsCardContent::ProjectsCardContent(SessionMonitor &monitor, const Clock &clock, QWidget *parent)
+ProjectsCardContent::ProjectsCardContent(
+    SessionMonitor &monitor, const Clock &clock, int maxHeight, QWidget *parent)
     : QWidget(parent), m_monitor(monitor), m_clock(clock), m_header(new CardHeader(u"Claude Projects"_s)),
       m_empty(makeEmptyLabel()), m_list(new QWidget), m_rows(new QVBoxLayout(m_list))
 {
@@ -64,7 +66,7 @@ ProjectsCardContent::ProjectsCardContent(SessionMonitor &monitor, const Clock &c
     layout->addWidget(m_empty);
     const int around = CardMetrics::rowMargins.top() + CardMetrics::rowMargins.bottom()
         + CardMetrics::headerHeight + CardMetrics::spacing;
-    layout->addWidget(m_scroll = new CappedScroll(m_list, CardMetrics::maxHeight - around));
+    layout->addWidget(m_scroll = new CappedScroll(m_list, std::min(CardMetrics::maxHeight, maxHeight) - around));
 
     connect(&monitor, &SessionMonitor::sessionsChanged, this, &ProjectsCardContent::updateRows);
     connect(&monitor, &SessionMonitor::recentlyCompletedChanged, this, &ProjectsCardContent::updateRows);

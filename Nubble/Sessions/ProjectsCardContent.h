@@ -23,7 +23,9 @@ class ProjectsCardContent : public QWidget {
     Q_OBJECT
 
 public:
-    ProjectsCardContent(SessionMonitor &monitor, const Clock &clock, QWidget *parent = nullptr);
+    // `maxHeight` is what the screen has room for.
+    ProjectsCardContent(
+        SessionMonitor &monitor, const Clock &clock, int maxHeight, QWidget *parent = nullptr);
 
 Q_SIGNALS:
     void sessionChosen(qint32 pid);
