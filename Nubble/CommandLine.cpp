@@ -16,8 +16,8 @@ struct Spelling {
 };
 
 constexpr std::array verbs{
-    Spelling{u"sessions", CommandLine::Verb::Sessions}, Spelling{u"status", CommandLine::Verb::Status},
-    Spelling{u"--help", CommandLine::Verb::Help},       Spelling{u"-h", CommandLine::Verb::Help},
+    Spelling{u"sessions", CommandLine::Verb::Sessions},
+    Spelling{u"status", CommandLine::Verb::Status},
     Spelling{u"--version", CommandLine::Verb::Version},
 };
 
@@ -50,6 +50,9 @@ std::variant<CommandLine, UsageError> parseCommandLine(const QStringList &argume
             line.home = folder.canonicalFilePath(); // one folder, one instance, however it is spelled
         } else if (argument == u"--json") {
             line.json = true;
+        } else if (argument == u"--help" || argument == u"-h") {
+            line.verb = CommandLine::Verb::Help;
+            return line; // whatever else is there
         } else if (const auto verb = verbFrom(argument); verb && !verbGiven) {
             line.verb = *verb;
             verbGiven = true;

@@ -41,11 +41,13 @@ QRectF placed(const QSizeF &size, const PanelGeometry &geometry)
         frame.moveBottom(area.bottom() - Layout::cardGap);
         break;
     }
-    const double shadow = Layout::cardPadding; // may leave the card's area
+    // Cards keep a distance from the ends of the screen; their shadows need not.
+    const QRectF within = area.intersected(geometry.screen.marginsRemoved({8, 8, 8, 8}));
+    const double shadow = Layout::cardPadding;
     if (isVertical(geometry.edge))
-        frame.moveTop(fitted(frame.top(), size.height(), area.top() - shadow, area.bottom() + shadow));
+        frame.moveTop(fitted(frame.top(), size.height(), within.top() - shadow, within.bottom() + shadow));
     else
-        frame.moveLeft(fitted(frame.left(), size.width(), area.left() - shadow, area.right() + shadow));
+        frame.moveLeft(fitted(frame.left(), size.width(), within.left() - shadow, within.right() + shadow));
     return frame;
 }
 

@@ -9,14 +9,10 @@
 namespace nubble {
 
 NotchButton::NotchButton(const QString &symbol, const QString &helpText, QWidget *parent)
-    : QAbstractButton(parent), m_symbol(symbol), m_tint(Palette::textPrimary)
+    : QAbstractButton(parent), m_symbol(symbol), m_tint(Palette::textPrimary), m_hover(this)
 {
     setHelpText(helpText);
     setFocusPolicy(Qt::TabFocus);
-    m_hover.setStartValue(0.0);
-    m_hover.setEndValue(1.0);
-    m_hover.setDuration(120);
-    connect(&m_hover, &QVariantAnimation::valueChanged, this, qOverload<>(&QWidget::update));
 }
 
 void NotchButton::setSymbol(const QString &symbol)
@@ -55,20 +51,6 @@ QSize NotchButton::sizeHint() const
     return {side, side};
 }
 
-void NotchButton::enterEvent(QEnterEvent *event)
-{
-    m_hover.setDirection(QAbstractAnimation::Forward);
-    m_hover.start();
-    QAbstractButton::enterEvent(event);
-}
-
-void NotchButton::leaveEvent(QEvent *event)
-{
-    m_hover.setDirection(QAbstractAnimation::Backward);
-    m_hover.start();
-    QAbstractButton::leaveEvent(event);
-}
-
 void NotchButton::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
@@ -77,11 +59,8 @@ void NotchButton::paintEvent(QPaintEvent *)
     QRectF circle(0, 0, side, side);
     circle.moveCenter(QRectF(rect()).center());
 
-    const double lifted = isDown() ? 1.6 : m_hover.currentValue().toDouble();
-    QColor fill = Palette::control;
-    fill.setAlphaF(fill.alphaF() + static_cast<float>(lifted) * Palette::hover.alphaF());
     painter.setPen(hasFocus() ? QPen(Palette::focus, 1.5) : QPen(Qt::NoPen));
-    painter.setBrush(fill);
+    painter.setBrush(m_hover.lifted(Palette::control, isDown()));
     painter.drawEllipse(circle.adjusted(0.75, 0.75, -0.75, -0.75));
 
     QColor tint = m_tint;

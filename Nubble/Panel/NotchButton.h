@@ -2,7 +2,8 @@
 
 #include <QAbstractButton>
 #include <QColor>
-#include <QVariantAnimation>
+
+#include "Panel/HoverLift.h"
 
 namespace nubble {
 
@@ -22,15 +23,13 @@ public:
     [[nodiscard]] QSize sizeHint() const override;
 
 protected:
-    void enterEvent(QEnterEvent *event) override;
-    void leaveEvent(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
     QString m_symbol;
     QColor m_tint;
     double m_rotation = 0;
-    QVariantAnimation m_hover; // 0 at rest to 1 under the pointer
+    HoverLift m_hover;
 };
 
 } // namespace nubble

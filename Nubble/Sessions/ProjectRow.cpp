@@ -26,7 +26,12 @@ QString helpText()
 
 QString toolTipLine(const QString &text)
 {
-    return text.size() <= longestToolTipText ? text : text.first(longestToolTipText - 1) + u'…';
+    if (text.size() <= longestToolTipText)
+        return text;
+    QString start = text.first(longestToolTipText - 1);
+    if (start.back().isHighSurrogate())
+        start.chop(1); // not half a character
+    return start + u'…';
 }
 
 void drawElided(QPainter &painter, const QRectF &line, const QString &text)
@@ -39,14 +44,10 @@ void drawElided(QPainter &painter, const QRectF &line, const QString &text)
 
 } // namespace
 
-ProjectRow::ProjectRow(QWidget *parent) : QAbstractButton(parent)
+ProjectRow::ProjectRow(QWidget *parent) : QAbstractButton(parent), m_hover(this)
 {
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    m_hover.setStartValue(0.0);
-    m_hover.setEndValue(1.0);
-    m_hover.setDuration(120);
-    connect(&m_hover, &QVariantAnimation::valueChanged, this, qOverload<>(&QWidget::update));
 }
 
 void ProjectRow::setContent(const ProjectRowContent &content)
@@ -77,24 +78,6 @@ QSize ProjectRow::sizeHint() const
     return {100, rowHeight};
 }
 
-void ProjectRow::enterEvent(QEnterEvent *event)
-{
-    lift(QAbstractAnimation::Forward);
-    QAbstractButton::enterEvent(event);
-}
-
-void ProjectRow::leaveEvent(QEvent *event)
-{
-    lift(QAbstractAnimation::Backward);
-    QAbstractButton::leaveEvent(event);
-}
-
-void ProjectRow::lift(QAbstractAnimation::Direction direction)
-{
-    m_hover.setDirection(direction);
-    m_hover.start();
-}
-
 void ProjectRow::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
@@ -111,10 +94,8 @@ void ProjectRow::paintEvent(QPaintEvent *)
 
 void ProjectRow::drawBackground(QPainter &painter) const
 {
-    QColor fill = Palette::hover;
-    fill.setAlphaF(fill.alphaF() * static_cast<float>(isDown() ? 1.5 : m_hover.currentValue().toDouble()));
     painter.setPen(hasFocus() ? QPen(Palette::focus, 1.5) : QPen(Qt::NoPen));
-    painter.setBrush(fill);
+    painter.setBrush(m_hover.lifted(Qt::transparent, isDown()));
     painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 10, 10);
 }
 

@@ -2,7 +2,8 @@
 
 #include <QAbstractButton>
 #include <QColor>
-#include <QVariantAnimation>
+
+#include "Panel/HoverLift.h"
 
 namespace nubble {
 
@@ -32,19 +33,16 @@ public:
     [[nodiscard]] QSize sizeHint() const override;
 
 protected:
-    void enterEvent(QEnterEvent *event) override;
-    void leaveEvent(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    void lift(QAbstractAnimation::Direction direction);
     void describe();
     void drawBackground(QPainter &painter) const;
     double drawState(QPainter &painter, const QRectF &area) const;
     void drawTexts(QPainter &painter, const QRectF &area) const;
 
     ProjectRowContent m_content;
-    QVariantAnimation m_hover; // 0 at rest to 1 under the pointer
+    HoverLift m_hover;
 };
 
 } // namespace nubble
