@@ -8,15 +8,11 @@
 
 namespace nubble {
 
-AppCommands::AppCommands(NotchPlacement &placement, const MainScreen &mainScreen, Defaults &defaults,
-    const ActiveAddons &addons, SessionMonitor &sessionMonitor, PlanUsageMonitor &planUsage, QObject *parent)
-    : QObject(parent)
-    , m_placement(placement)
-    , m_mainScreen(mainScreen)
-    , m_defaults(defaults)
-    , m_addons(addons)
-    , m_sessionMonitor(sessionMonitor)
-    , m_planUsage(planUsage)
+AppCommands::AppCommands(
+    NotchPlacement &placement, const MainScreen &mainScreen, Defaults &defaults, const ActiveAddons &addons,
+    SessionMonitor &sessionMonitor, PlanUsageMonitor &planUsage, QObject *parent)
+    : QObject(parent), m_placement(placement), m_mainScreen(mainScreen), m_defaults(defaults),
+      m_addons(addons), m_sessionMonitor(sessionMonitor), m_planUsage(planUsage)
 {
 }
 

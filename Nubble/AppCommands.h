@@ -13,13 +13,16 @@ class NotchPlacement;
 class PlanUsageMonitor;
 class SessionMonitor;
 
-// What the user can ask of the whole program: one place for every menu and for the command line. Main thread only.
+// What the user can ask of the whole program: one place for every menu and for the command line. Main thread
+// only.
 class AppCommands : public QObject {
     Q_OBJECT
 
 public:
-    AppCommands(NotchPlacement &placement, const MainScreen &mainScreen, Defaults &defaults,
-        const ActiveAddons &addons, SessionMonitor &sessionMonitor, PlanUsageMonitor &planUsage, QObject *parent = nullptr);
+    AppCommands(
+        NotchPlacement &placement, const MainScreen &mainScreen, Defaults &defaults,
+        const ActiveAddons &addons, SessionMonitor &sessionMonitor, PlanUsageMonitor &planUsage,
+        QObject *parent = nullptr);
 
     void toggleLocked();
     void toggleVisible();

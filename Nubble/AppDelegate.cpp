@@ -14,18 +14,15 @@ using namespace Qt::StringLiterals;
 namespace nubble {
 
 AppDelegate::AppDelegate(const Home &home, SessionBus &bus)
-    : m_bus(bus)
-    , m_relaunch(Relaunch::ofThisProcess())
-    , m_defaults(Defaults::fileOf(u"com.brevandel.nubble"_s, home.configFolder()))
-    , m_addons(m_defaults)
-    , m_backend(makeBackend(home))
-    , m_layout(Typography::percentLineHeight(), false, static_cast<int>(m_addons.actions().size()))
-    , m_placement(m_defaults, m_layout)
-    , m_sessionMonitor(
-          home.file(u".claude/sessions"_s), home.file(u".claude/projects"_s), m_processes, m_clock)
-    , m_planUsage(home, m_clock, PlanUsageMonitor::domainIn(m_defaults))
-    , m_activator(*m_backend.workspace)
-    , m_panel(
+    : m_bus(bus), m_relaunch(Relaunch::ofThisProcess()),
+      m_defaults(Defaults::fileOf(u"com.brevandel.nubble"_s, home.configFolder())), m_addons(m_defaults),
+      m_backend(makeBackend(home)),
+      m_layout(Typography::percentLineHeight(), false, static_cast<int>(m_addons.actions().size())),
+      m_placement(m_defaults, m_layout),
+      m_sessionMonitor(
+          home.file(u".claude/sessions"_s), home.file(u".claude/projects"_s), m_processes, m_clock),
+      m_planUsage(home, m_clock, PlanUsageMonitor::domainIn(m_defaults)), m_activator(*m_backend.workspace),
+      m_panel(
           {
               .sessionMonitor = m_sessionMonitor,
               .planUsage = m_planUsage,
@@ -39,8 +36,8 @@ AppDelegate::AppDelegate(const Home &home, SessionBus &bus)
               .notifications = m_notifications,
               .actions = m_addons.actions(),
           },
-          m_backend.makePanelSurface)
-    , m_commands(m_placement, m_mainScreen, m_defaults, m_addons, m_sessionMonitor, m_planUsage)
+          m_backend.makePanelSurface),
+      m_commands(m_placement, m_mainScreen, m_defaults, m_addons, m_sessionMonitor, m_planUsage)
 {
     assertMainThread("Nubble/AppDelegate");
     observeState();
@@ -48,7 +45,8 @@ AppDelegate::AppDelegate(const Home &home, SessionBus &bus)
 
 void AppDelegate::observeState()
 {
-    connect(m_backend.mouseMonitor.get(), &MouseMonitor::pressedElsewhere, &m_panelState, &PanelState::collapse);
+    connect(
+        m_backend.mouseMonitor.get(), &MouseMonitor::pressedElsewhere, &m_panelState, &PanelState::collapse);
     connect(&m_panel.view(), &NotchView::menuRequested, this, &AppDelegate::showMenu);
     connect(&m_commands, &AppCommands::restartRequested, this, &AppDelegate::restart);
     connect(&m_commands, &AppCommands::quitRequested, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
@@ -80,8 +78,7 @@ void AppDelegate::showMenu(const QPoint &screenPosition)
     m_panel.view().endPreview();
     auto *menu = new QMenu(&m_panel.view());
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    const MenuState state {
-        .edge = m_placement.edge(), .locked = m_placement.isLocked(), .addons = m_addons};
+    const MenuState state{.edge = m_placement.edge(), .locked = m_placement.isLocked(), .addons = m_addons};
     fill(*menu, notchMenu(state, m_commands));
     menu->popup(screenPosition);
 }

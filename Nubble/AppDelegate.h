@@ -23,8 +23,8 @@
 
 namespace nubble {
 
-// The composition root: owns every service, model and window for the whole run, in the order in which they are built, and
-// wires them. Main thread only.
+// The composition root: owns every service, model and window for the whole run, in the order in which they
+// are built, and wires them. Main thread only.
 class AppDelegate : public QObject {
     Q_OBJECT
 

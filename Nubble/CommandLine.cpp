@@ -15,12 +15,10 @@ struct Spelling {
     CommandLine::Verb verb;
 };
 
-constexpr std::array verbs {
-    Spelling {u"sessions", CommandLine::Verb::Sessions},
-    Spelling {u"status", CommandLine::Verb::Status},
-    Spelling {u"--help", CommandLine::Verb::Help},
-    Spelling {u"-h", CommandLine::Verb::Help},
-    Spelling {u"--version", CommandLine::Verb::Version},
+constexpr std::array verbs{
+    Spelling{u"sessions", CommandLine::Verb::Sessions}, Spelling{u"status", CommandLine::Verb::Status},
+    Spelling{u"--help", CommandLine::Verb::Help},       Spelling{u"-h", CommandLine::Verb::Help},
+    Spelling{u"--version", CommandLine::Verb::Version},
 };
 
 std::optional<CommandLine::Verb> verbFrom(const QString &argument)
@@ -48,8 +46,8 @@ std::variant<CommandLine, UsageError> parseCommandLine(const QStringList &argume
         if (argument == u"--home") {
             const QFileInfo folder(arguments.value(++i));
             if (!folder.isDir())
-                return UsageError {u"--home needs an existing folder"_s};
-            line.home = folder.canonicalFilePath();
+                return UsageError{u"--home needs an existing folder"_s};
+            line.home = folder.canonicalFilePath(); // one folder, one instance, however it is spelled
         } else if (argument == u"--json") {
             line.json = true;
         } else if (const auto verb = verbFrom(argument); verb && !verbGiven) {

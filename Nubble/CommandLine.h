@@ -13,8 +13,8 @@ struct CommandLine {
     enum class Verb { Run, Sessions, Status, Help, Version };
 
     Verb verb = Verb::Run;
-    bool json = false;            // of the status
-    std::optional<QString> home;  // another home folder, absolute
+    bool json = false;           // of the status
+    std::optional<QString> home; // another home folder, absolute
 };
 
 // One line for standard error.

@@ -4,10 +4,7 @@
 
 namespace nubble {
 
-Control::Control(QObject *exported)
-    : QDBusAbstractAdaptor(exported)
-{
-}
+Control::Control(QObject *exported) : QDBusAbstractAdaptor(exported) { }
 
 void Control::serve(AppDelegate &delegate)
 {

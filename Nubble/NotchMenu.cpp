@@ -57,7 +57,9 @@ QList<MenuEntry> notchMenu(const MenuState &state, AppCommands &commands)
     MenuEntry center = entry(u"Center on Edge"_s, [&commands] { commands.centerOnEdge(); });
     center.enabled = !state.locked;
     return {
-        entry(state.locked ? u"Unlock Position"_s : u"Lock Position"_s, [&commands] { commands.toggleLocked(); }),
+        entry(
+            state.locked ? u"Unlock Position"_s : u"Lock Position"_s,
+            [&commands] { commands.toggleLocked(); }),
         submenu(u"Move to Edge"_s, edgeEntries(state, commands)),
         center,
         submenu(u"Add-ons"_s, addonEntries(state, commands)),

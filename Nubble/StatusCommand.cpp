@@ -27,7 +27,8 @@ QJsonObject freshRead(const Home &home)
 {
     const SystemClock clock;
     const LinuxProcessTable processes;
-    SessionMonitor monitor(home.file(u".claude/sessions"_s), home.file(u".claude/projects"_s), processes, clock);
+    SessionMonitor monitor(
+        home.file(u".claude/sessions"_s), home.file(u".claude/projects"_s), processes, clock);
     const Defaults defaults(Defaults::fileOf(u"com.brevandel.nubble"_s, home.configFolder()));
     const PlanUsageMonitor planUsage(home, clock, PlanUsageMonitor::domainIn(defaults));
     monitor.details().waitForDone();
@@ -45,14 +46,14 @@ QJsonObject currentReport(const Home &home, const SessionBus &bus)
 {
     constexpr int patience = 2000;
     const std::optional<QVariantList> answer = bus.call(u"Status"_s, {}, patience);
-    const QJsonDocument report
-        = QJsonDocument::fromJson(answer ? answer->value(0).toString().toUtf8() : QByteArray());
+    const QJsonDocument report =
+        QJsonDocument::fromJson(answer ? answer->value(0).toString().toUtf8() : QByteArray());
     return report.isObject() ? report.object() : freshRead(home);
 }
 
 qsizetype terminalWidth()
 {
-    winsize size {};
+    winsize size{};
     return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 100;
 }
 
@@ -61,8 +62,9 @@ qsizetype terminalWidth()
 int printStatus(const Home &home, const SessionBus &bus, bool json)
 {
     const QJsonObject report = currentReport(home, bus);
-    const QByteArray text = json ? QJsonDocument(report).toJson(QJsonDocument::Indented)
-                                 : statusTable(report, terminalWidth(), QDateTime::currentDateTime()).toUtf8();
+    const QByteArray text = json
+        ? QJsonDocument(report).toJson(QJsonDocument::Indented)
+        : statusTable(report, terminalWidth(), QDateTime::currentDateTime()).toUtf8();
     return std::fwrite(text.constData(), 1, static_cast<size_t>(text.size()), stdout)
                 == static_cast<size_t>(text.size())
             && std::fflush(stdout) == 0

@@ -43,10 +43,10 @@ QJsonValue windowReport(const std::optional<PlanWindow> &window)
 {
     if (!window)
         return {};
-    return QJsonObject {
+    return QJsonObject{
         {u"fraction"_s, window->fraction},
         {u"resetsAt"_s,
-            window->resetsAt ? QJsonValue(window->resetsAt->toUTC().toString(Qt::ISODate)) : QJsonValue()},
+         window->resetsAt ? QJsonValue(window->resetsAt->toUTC().toString(Qt::ISODate)) : QJsonValue()},
     };
 }
 
@@ -59,7 +59,13 @@ QString printable(const QJsonValue &value)
 
 QString fitted(const QString &text, qsizetype width)
 {
-    return text.size() > width ? text.first(std::max<qsizetype>(width - 1, 0)) + u'…' : text.leftJustified(width);
+    if (text.size() <= width)
+        return text.leftJustified(width);
+    QString start = text.first(std::max<qsizetype>(width - 1, 0));
+    if (!start.isEmpty() && start.back().isHighSurrogate())
+        start.chop(1); // not half a character
+    start += u'…';
+    return start.leftJustified(width);
 }
 
 // The last column takes what is left of the line.
@@ -67,7 +73,7 @@ using Row = std::array<QString, 4>;
 
 QString tableOf(const QList<Row> &rows, qsizetype width)
 {
-    std::array<qsizetype, 4> widths {};
+    std::array<qsizetype, 4> widths{};
     for (const Row &row : rows)
         for (size_t column = 0; column < row.size(); ++column)
             widths.at(column) = std::max(widths.at(column), row.at(column).size());
@@ -89,10 +95,11 @@ QString sessionsTable(const QJsonArray &sessions, qsizetype width)
 {
     if (sessions.isEmpty())
         return u"No sessions running\n"_s;
-    QList<Row> rows {{u"STATE"_s, u"SINCE"_s, u"SESSION"_s, u"LAST PROMPT"_s}};
-    for (const QJsonValue &session : sessions)
-        rows.append({printable(session["word"_L1]), printable(session["elapsed"_L1]),
-            printable(session["title"_L1]), printable(session["lastPrompt"_L1])});
+    QList<Row> rows{{u"STATE"_s, u"SINCE"_s, u"SESSION"_s, u"LAST PROMPT"_s}};
+    for (const QJsonValue session : sessions)
+        rows.append(
+            {printable(session["word"_L1]), printable(session["elapsed"_L1]), printable(session["title"_L1]),
+             printable(session["lastPrompt"_L1])});
     return tableOf(rows, width);
 }
 
@@ -102,14 +109,18 @@ QString usageLine(const QString &label, const QJsonValue &window, const QDateTim
         return {};
     const QDateTime resetsAt = QDateTime::fromString(window["resetsAt"_L1].toString(), Qt::ISODate);
     const QString reset = resetText(resetsAt.isValid() ? std::optional(resetsAt) : std::nullopt, now);
-    return label.leftJustified(17) + percentText(window["fraction"_L1].toDouble()).leftJustified(11) + reset + u'\n';
+    return label.leftJustified(17) + percentText(window["fraction"_L1].toDouble()).leftJustified(11) + reset
+        + u'\n';
 }
 
 QString usageTable(const QJsonObject &usage, const QDateTime &now)
 {
+    if (usage.isEmpty())
+        return {};
     const QString problem = usage.value("problem"_L1).toString();
     return u"\n"_s + usageLine(u"Current session"_s, usage.value("session"_L1), now)
-        + usageLine(u"All models"_s, usage.value("weekly"_L1), now) + (problem.isEmpty() ? problem : problem + u'\n');
+        + usageLine(u"All models"_s, usage.value("weekly"_L1), now)
+        + (problem.isEmpty() ? problem : problem + u'\n');
 }
 
 } // namespace
@@ -134,10 +145,8 @@ QJsonObject usageReport(const PlanUsageMonitor &planUsage)
 QJsonObject panelReport(const PanelState &state, const NotchPlacement &placement)
 {
     return {
-        {u"mode"_s, name(state.mode())},
-        {u"edge"_s, rawValue(placement.edge())},
-        {u"offset"_s, placement.offset()},
-        {u"locked"_s, placement.isLocked()},
+        {u"mode"_s, name(state.mode())},       {u"edge"_s, rawValue(placement.edge())},
+        {u"offset"_s, placement.offset()},     {u"locked"_s, placement.isLocked()},
         {u"visible"_s, placement.isVisible()},
     };
 }

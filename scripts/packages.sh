@@ -6,11 +6,11 @@ build_packages=(
     g++ cmake ninja-build pkgconf
     qt6-base-dev qt6-svg-dev libgl-dev
     libxcb1-dev libxcb-shape0-dev libxcb-xinput-dev libxcb-xfixes0-dev libxcb-randr0-dev
-    libxcb-keysyms1-dev libxcb-ewmh-dev libxcb-icccm4-dev
 )
 run_packages=(zstd procps fonts-inter)
 display_packages=(xvfb openbox picom xdotool x11-utils imagemagick dbus-daemon)
-test_packages=(wmctrl xterm strace python3 python3-pyatspi at-spi2-core)
+test_packages=(wmctrl xterm x11-xserver-utils strace python3 python3-pyatspi at-spi2-core)
+fuzz_packages=(clang libclang-rt-dev)
 bench_packages=(libbenchmark-dev)
 
 missing_packages() {

@@ -26,8 +26,7 @@ NotchButton *makeButton(Addon addon, QWidget *parent)
 
 } // namespace
 
-ActionsCell::ActionsCell(const QList<Addon> &actions, QWidget *parent)
-    : QWidget(parent)
+ActionsCell::ActionsCell(const QList<Addon> &actions, QWidget *parent) : QWidget(parent)
 {
     for (const Addon addon : actions) {
         NotchButton *button = makeButton(addon, this);

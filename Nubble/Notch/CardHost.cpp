@@ -14,7 +14,8 @@ namespace nubble {
 
 namespace {
 
-// The nearest start at which a span of that length lies within the range; a longer one starts where the range does.
+// The nearest start at which a span of that length lies within the range; a longer one starts where the range
+// does.
 double fitted(double start, double length, double rangeStart, double rangeEnd)
 {
     return std::max(rangeStart, std::min(start, rangeEnd - length));
@@ -51,15 +52,13 @@ QRectF placed(const QSizeF &size, const PanelGeometry &geometry)
 } // namespace
 
 CardHost::CardHost(QWidget *view, const DesktopPreferences &preferences)
-    : QObject(view)
-    , m_view(view)
-    , m_preferences(preferences)
+    : QObject(view), m_view(view), m_preferences(preferences)
 {
 }
 
-void CardHost::setCard(PanelMode::Card card, CardFactory make)
+void CardHost::setCard(PanelMode::Card card, const CardFactory &make)
 {
-    m_factories.insert(card, std::move(make));
+    m_factories.insert(card, make);
 }
 
 void CardHost::show(PanelMode mode)

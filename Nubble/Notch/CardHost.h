@@ -16,8 +16,8 @@ namespace nubble {
 class DesktopPreferences;
 class TooltipShell;
 
-// Shows the open card beside the body, in the panel's window. Cards are made when they open and go when they close. A mode
-// without a card shows none. Main thread only.
+// Shows the open card beside the body, in the panel's window. Cards are made when they open and go when they
+// close. A mode without a card shows none. Main thread only.
 class CardHost : public QObject {
     Q_OBJECT
 
@@ -26,7 +26,7 @@ public:
 
     CardHost(QWidget *view, const DesktopPreferences &preferences);
 
-    void setCard(PanelMode::Card card, CardFactory make);
+    void setCard(PanelMode::Card card, const CardFactory &make);
     [[nodiscard]] bool hasCard(PanelMode::Card card) const { return m_factories.contains(card); }
 
     void show(PanelMode mode);

@@ -31,8 +31,9 @@ void run(QWidget *card, const QPoint &towardsBody, Direction direction)
         effect->setOpacity(presence);
         card->move(home + towardsBody * qRound(distance * (1 - presence)));
     };
-    QObject::connect(animation, &QVariantAnimation::valueChanged, card,
-        [show](const QVariant &value) { show(value.toDouble()); });
+    QObject::connect(animation, &QVariantAnimation::valueChanged, card, [show](const QVariant &value) {
+        show(value.toDouble());
+    });
     QObject::connect(animation, &QVariantAnimation::finished, card, [card, direction] {
         card->setGraphicsEffect(nullptr);
         if (direction == Direction::Out) {

@@ -21,7 +21,8 @@ constexpr qint64 turnMsecs = 1400;
 constexpr double gapBelowRing = 269.0 / 45.0; // what the ring with its percentage is longer than the two
 constexpr double hoverMargin = 6;
 
-// From the ring's centre to that of the percentage: below the ring, or above it where below is the screen's edge.
+// From the ring's centre to that of the percentage: below the ring, or above it where below is the screen's
+// edge.
 double percentDistance(NotchEdge edge, double lineHeight)
 {
     const double distance = Layout::ringDiameter / 2 + gapBelowRing + lineHeight / 2;
@@ -45,8 +46,7 @@ QString activityText(RunState activity, bool waiting)
 
 } // namespace
 
-ClaudeCell::ClaudeCell(QWidget *parent)
-    : QAbstractButton(parent)
+ClaudeCell::ClaudeCell(QWidget *parent) : QAbstractButton(parent)
 {
     setFocusPolicy(Qt::TabFocus);
     m_frame.setTimerType(Qt::PreciseTimer);
@@ -61,7 +61,9 @@ void ClaudeCell::placeAround(const QPointF &ringCenter, NotchEdge edge, double p
     const QRectF ring(ringCenter - QPointF(half, half), QSizeF(2 * half, 2 * half));
     QRectF percent(0, 0, 2 * half + 2 * hoverMargin, percentLineHeight);
     percent.moveCenter(ringCenter + QPointF(0, percentDistance(edge, percentLineHeight)));
-    setGeometry(ring.marginsAdded({hoverMargin, hoverMargin, hoverMargin, hoverMargin}).united(percent).toAlignedRect());
+    setGeometry(ring.marginsAdded({hoverMargin, hoverMargin, hoverMargin, hoverMargin})
+                    .united(percent)
+                    .toAlignedRect());
     m_center = ringCenter - pos();
     m_percentRect = percent.translated(-pos());
     update();
@@ -151,7 +153,8 @@ void ClaudeCell::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     if (m_activity == RunState::Working)
-        drawActivityArc(painter, m_center,
+        drawActivityArc(
+            painter, m_center,
             m_frame.isActive() ? static_cast<double>(m_turning.elapsed() % turnMsecs) / turnMsecs : 0);
     else
         drawStatusRing(painter, m_center, m_activity, m_fraction);

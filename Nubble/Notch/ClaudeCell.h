@@ -11,8 +11,8 @@
 
 namespace nubble {
 
-// The status ring with the percentage of the plan below it, a button that opens the sessions card. Repaints only when
-// something that it shows changes, and at every frame while something works.
+// The status ring with the percentage of the plan below it, a button that opens the sessions card. Repaints
+// only when something that it shows changes, and at every frame while something works.
 class ClaudeCell : public QAbstractButton {
     Q_OBJECT
 
@@ -42,7 +42,7 @@ private:
     void animateIfNeeded();
     void describe();
 
-    QPointF m_center;    // of the ring, in the cell's coordinates
+    QPointF m_center; // of the ring, in the cell's coordinates
     QRectF m_percentRect;
     RunState m_activity = RunState::Idle;
     bool m_waiting = false;

@@ -9,8 +9,8 @@ class QMouseEvent;
 
 namespace nubble {
 
-// Dragging by the left button that starts on any of the watched widgets. A drag begins four pixels from where the button went
-// down; the widget below then gets no click.
+// Dragging by the left button that starts on any of the watched widgets. A drag begins four pixels from where
+// the button went down; the widget below then gets no click.
 class DragGesture : public QObject {
     Q_OBJECT
 

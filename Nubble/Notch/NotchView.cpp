@@ -30,13 +30,9 @@ using namespace Qt::StringLiterals;
 namespace nubble {
 
 NotchView::NotchView(const NotchServices &services, QWidget *parent)
-    : QWidget(parent)
-    , m_services(services)
-    , m_hover(services.panelState)
-    , m_cards(new CardHost(this, services.preferences))
-    , m_claude(new ClaudeCell(this))
-    , m_actions(new ActionsCell(services.actions, this))
-    , m_drag(new DragGesture(this))
+    : QWidget(parent), m_services(services), m_hover(services.panelState),
+      m_cards(new CardHost(this, services.preferences)), m_claude(new ClaudeCell(this)),
+      m_actions(new ActionsCell(services.actions, this)), m_drag(new DragGesture(this))
 {
     setWindowTitle(u"Nubble"_s);
     setAccessibleName(u"Nubble"_s);
@@ -52,8 +48,9 @@ void NotchView::makeCards()
 {
     m_cards->setCard(PanelMode::Card::Sessions, [this] {
         auto *card = new ProjectsCardContent(m_services.sessionMonitor, m_services.clock);
-        connect(card, &ProjectsCardContent::sessionChosen, this,
-            [this](qint32 pid) { m_services.activator.activate(pid); });
+        connect(card, &ProjectsCardContent::sessionChosen, this, [this](qint32 pid) {
+            m_services.activator.activate(pid);
+        });
         connect(card, &ProjectsCardContent::closeRequested, &m_services.panelState, &PanelState::collapse);
         return card;
     });
@@ -70,8 +67,9 @@ void NotchView::makeCells()
     connect(&monitor, &SessionMonitor::recentlyCompletedChanged, this, &NotchView::updateActivity);
     connect(m_claude, &ClaudeCell::hoveredChanged, &m_hover, &HoverPreview::setRingHovered);
     connect(&m_services.planUsage, &PlanUsageMonitor::changed, this, &NotchView::updateFraction);
-    connect(&m_services.preferences, &DesktopPreferences::reducedMotionChanged, this,
-        [this] { m_claude->setMotionReduced(m_services.preferences.reducedMotion()); });
+    connect(&m_services.preferences, &DesktopPreferences::reducedMotionChanged, this, [this] {
+        m_claude->setMotionReduced(m_services.preferences.reducedMotion());
+    });
     m_claude->setMotionReduced(m_services.preferences.reducedMotion());
     updateActivity();
     updateFraction();
@@ -97,8 +95,9 @@ void NotchView::followDrags()
 void NotchView::updateActivity()
 {
     const QList<ClaudeSession> &sessions = m_services.sessionMonitor.sessions();
-    const bool waiting = std::any_of(
-        sessions.begin(), sessions.end(), [](const ClaudeSession &session) { return session.status == u"waiting"; });
+    const bool waiting = std::any_of(sessions.begin(), sessions.end(), [](const ClaudeSession &session) {
+        return session.status == u"waiting";
+    });
     m_claude->setActivity(m_services.sessionMonitor.activity(), waiting);
 }
 

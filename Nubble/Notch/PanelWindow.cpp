@@ -7,13 +7,12 @@
 namespace nubble {
 
 PanelWindow::PanelWindow(const NotchServices &services, const SurfaceFactory &makeSurface, QObject *parent)
-    : QObject(parent)
-    , m_services(services)
-    , m_view(std::make_unique<NotchView>(services))
-    , m_surface(makeSurface(*m_view))
+    : QObject(parent), m_services(services), m_view(std::make_unique<NotchView>(services)),
+      m_surface(makeSurface(*m_view))
 {
     connect(m_surface.get(), &PanelSurface::translucencyChanged, this, &PanelWindow::updateTranslucency);
-    connect(m_view.get(), &NotchView::outlineChanged, this, [this] { m_surface->setOutline(m_view->outline()); });
+    connect(
+        m_view.get(), &NotchView::outlineChanged, this, [this] { m_surface->setOutline(m_view->outline()); });
     connect(m_view.get(), &NotchView::keyboardWanted, this, [this] {
         m_surface->takeKeyboard();
         m_view->focusCard();
@@ -67,7 +66,7 @@ std::optional<PanelWindow::Anchor> PanelWindow::bodyOnScreen() const
 {
     if (!m_geometry)
         return std::nullopt;
-    return Anchor {m_geometry->body.translated(m_geometry->frame.topLeft()), m_geometry->edge};
+    return Anchor{m_geometry->body.translated(m_geometry->frame.topLeft()), m_geometry->edge};
 }
 
 void PanelWindow::openForKeyboard(PanelMode mode)

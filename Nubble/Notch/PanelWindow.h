@@ -11,8 +11,8 @@ namespace nubble {
 
 class PanelSurface;
 
-// The panel's window: keeps the view on the screen's edge, its shape and its click-through areas in step with placement, mode
-// and screen. Main thread only. Without a screen it does nothing until there is one.
+// The panel's window: keeps the view on the screen's edge, its shape and its click-through areas in step with
+// placement, mode and screen. Main thread only. Without a screen it does nothing until there is one.
 class PanelWindow : public QObject {
     Q_OBJECT
 

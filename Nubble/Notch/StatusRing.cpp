@@ -53,13 +53,15 @@ void drawCheckMark(QPainter &painter, const QPointF &center, const QColor &color
 {
     painter.setPen(QPen(color, 2.3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.setBrush(Qt::NoBrush);
-    const QPointF points[] {center + QPointF(-4.6, 0.4), center + QPointF(-1.4, 3.6), center + QPointF(4.7, -3.2)};
+    const QPointF points[]{
+        center + QPointF(-4.6, 0.4), center + QPointF(-1.4, 3.6), center + QPointF(4.7, -3.2)};
     painter.drawPolyline(points, 3);
 }
 
 } // namespace
 
-void drawStatusRing(QPainter &painter, const QPointF &center, RunState activity, std::optional<double> fraction)
+void drawStatusRing(
+    QPainter &painter, const QPointF &center, RunState activity, std::optional<double> fraction)
 {
     if (activity == RunState::Completed) {
         drawArc(painter, center, Palette::ample, 0, 1);

@@ -5,8 +5,7 @@
 
 namespace nubble {
 
-MainScreen::MainScreen(QObject *parent)
-    : QObject(parent)
+MainScreen::MainScreen(QObject *parent) : QObject(parent)
 {
     connect(qApp, &QGuiApplication::primaryScreenChanged, this, &MainScreen::follow);
     follow(QGuiApplication::primaryScreen());
@@ -22,7 +21,8 @@ void MainScreen::follow(QScreen *screen)
 {
     if (screen) {
         connect(screen, &QScreen::geometryChanged, this, &MainScreen::changed, Qt::UniqueConnection);
-        connect(screen, &QScreen::logicalDotsPerInchChanged, this, &MainScreen::changed, Qt::UniqueConnection);
+        connect(
+            screen, &QScreen::logicalDotsPerInchChanged, this, &MainScreen::changed, Qt::UniqueConnection);
     }
     Q_EMIT changed();
 }

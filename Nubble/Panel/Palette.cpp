@@ -6,9 +6,9 @@ namespace nubble::Palette {
 
 QPalette widgets()
 {
-    constexpr QColor base {30, 30, 33};
-    constexpr QColor text {238, 238, 240};
-    constexpr QColor dimmed {128, 128, 134};
+    constexpr QColor base{30, 30, 33};
+    constexpr QColor text{238, 238, 240};
+    constexpr QColor dimmed{128, 128, 134};
     QPalette palette(text, base, base.lighter(160), base.darker(160), base.lighter(220), text, base);
     palette.setColor(QPalette::Highlight, QColor(70, 70, 78));
     palette.setColor(QPalette::HighlightedText, text);

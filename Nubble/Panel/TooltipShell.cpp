@@ -48,8 +48,8 @@ QMargins TooltipShell::margins() const
 
 QSize TooltipShell::sizeHint() const
 {
-    const QSize content
-        = m_content->sizeHint().expandedTo(m_content->minimumSize()).boundedTo(m_content->maximumSize());
+    const QSize content =
+        m_content->sizeHint().expandedTo(m_content->minimumSize()).boundedTo(m_content->maximumSize());
     return content.grownBy(margins());
 }
 

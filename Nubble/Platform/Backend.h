@@ -23,8 +23,8 @@ struct Backend {
     std::function<std::unique_ptr<PanelSurface>(QWidget &)> makePanelSurface;
 };
 
-// The platform plugin that Qt is to be started with: X11 wherever there is an X server, unless the user has chosen (then
-// it is empty). None when there is no display. Asked before the application object is made.
+// The platform plugin that Qt is to be started with: X11 wherever there is an X server, unless the user has
+// chosen (then it is empty). None when there is no display. Asked before the application object is made.
 [[nodiscard]] std::optional<QByteArray> qtPlatform();
 
 // To be called once, after the application object has been made. Where there is no backend for Qt's platform

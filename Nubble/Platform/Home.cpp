@@ -13,8 +13,8 @@ namespace {
 
 QString homeInPasswordDatabase()
 {
-    std::array<char, 16384> buffer {};
-    passwd entry {};
+    std::array<char, 16384> buffer{};
+    passwd entry{};
     passwd *found = nullptr;
     if (getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found) == 0 && found && found->pw_dir)
         return QFile::decodeName(found->pw_dir);
@@ -24,16 +24,11 @@ QString homeInPasswordDatabase()
 } // namespace
 
 Home::Home(QString folder, QString configFolder)
-    : m_path(std::move(folder))
-    , m_configFolder(std::move(configFolder))
+    : m_path(std::move(folder)), m_configFolder(std::move(configFolder))
 {
 }
 
-Home::Home(QString folder)
-    : m_path(QDir::cleanPath(folder))
-    , m_configFolder(m_path + u"/.config")
-{
-}
+Home::Home(QString folder) : m_path(QDir::cleanPath(folder)), m_configFolder(m_path + u"/.config") { }
 
 Home Home::ofUser()
 {

@@ -7,15 +7,16 @@ namespace nubble {
 // A home folder and the places below it where programs keep their files. A plain value; any thread.
 class Home {
 public:
-    static Home ofUser();          // the password database's, whatever HOME says
-    explicit Home(QString folder); // another one, for trials and tests: keeps even its configuration to itself
+    static Home ofUser(); // the password database's, whatever HOME says
+    explicit Home(
+        QString folder); // another one, for trials and tests: keeps even its configuration to itself
 
     [[nodiscard]] const QString &path() const { return m_path; }
     [[nodiscard]] const QString &configFolder() const { return m_configFolder; } // XDG configuration folder
     [[nodiscard]] QString file(const QString &relativePath) const;
 
-    // Where application `name` keeps its data: below "Library/Application Support" when that folder is there, else
-    // below the configuration folder.
+    // Where application `name` keeps its data: below "Library/Application Support" when that folder is there,
+    // else below the configuration folder.
     [[nodiscard]] QString applicationSupport(const QString &name) const;
 
 private:

@@ -4,8 +4,8 @@
 
 namespace nubble {
 
-// Tells of mouse buttons pressed in other applications' windows or on the desktop, whoever gets the event. Watches for as
-// long as it exists. Main thread only.
+// Tells of mouse buttons pressed in other applications' windows or on the desktop, whoever gets the event.
+// Watches for as long as it exists. Main thread only.
 class MouseMonitor : public QObject {
     Q_OBJECT
 

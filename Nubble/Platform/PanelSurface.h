@@ -9,9 +9,10 @@ class QWidget;
 
 namespace nubble {
 
-// What makes a top-level widget the panel: above all windows on all desktops, out of task bars and window switchers, never
-// taking the focus by itself, taking the mouse in some places only. Made for a widget that has not been shown yet, and
-// outlived by it. Lengths are device-independent pixels, window coordinates start at the top left. Main thread only.
+// What makes a top-level widget the panel: above all windows on all desktops, out of task bars and window
+// switchers, never taking the focus by itself, taking the mouse in some places only. Made for a widget that
+// has not been shown yet, and outlived by it. Lengths are device-independent pixels, window coordinates start
+// at the top left. Main thread only.
 class PanelSurface : public QObject {
     Q_OBJECT
 
@@ -28,8 +29,8 @@ public:
     // The only places that take mouse events; elsewhere they reach the window below.
     virtual void setActiveRects(const QList<QRectF> &rects) = 0;
 
-    // Whether translucent pixels show what is below. Without that the window is cut to `outline`, and has to be painted
-    // opaque.
+    // Whether translucent pixels show what is below. Without that the window is cut to `outline`, and has to
+    // be painted opaque.
     [[nodiscard]] virtual bool isTranslucent() const = 0;
     virtual void setOutline(const QPainterPath &outline) = 0;
 

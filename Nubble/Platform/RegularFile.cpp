@@ -17,9 +17,7 @@ qint64 nsecsSinceEpoch(const timespec &time)
 }
 
 RegularFile::RegularFile(int descriptor, qint64 size, qint64 modifiedNsecs)
-    : m_descriptor(descriptor)
-    , m_size(size)
-    , m_modifiedNsecs(modifiedNsecs)
+    : m_descriptor(descriptor), m_size(size), m_modifiedNsecs(modifiedNsecs)
 {
 }
 
@@ -35,7 +33,7 @@ std::optional<RegularFile> RegularFile::open(const char *name, int folder)
     const int descriptor = ::openat(folder, name, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
     if (descriptor < 0)
         return std::nullopt;
-    struct stat info {};
+    struct stat info { };
     if (::fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode)) {
         ::close(descriptor);
         return std::nullopt;
@@ -50,10 +48,10 @@ std::optional<RegularFile> RegularFile::open(const QString &path)
 
 std::optional<FileStamp> RegularFile::stampOf(const char *path)
 {
-    struct stat info {};
+    struct stat info { };
     if (::stat(path, &info) != 0 || !S_ISREG(info.st_mode))
         return std::nullopt;
-    return FileStamp {nsecsSinceEpoch(info.st_mtim), info.st_size};
+    return FileStamp{nsecsSinceEpoch(info.st_mtim), info.st_size};
 }
 
 std::optional<QByteArray> RegularFile::read(qint64 offset, qint64 length) const
@@ -61,7 +59,8 @@ std::optional<QByteArray> RegularFile::read(qint64 offset, qint64 length) const
     QByteArray bytes(length, Qt::Uninitialized);
     qint64 got = 0;
     while (got < length) {
-        const ssize_t count = ::pread(m_descriptor, bytes.data() + got, static_cast<size_t>(length - got), offset + got);
+        const ssize_t count =
+            ::pread(m_descriptor, bytes.data() + got, static_cast<size_t>(length - got), offset + got);
         if (count < 0 && errno == EINTR)
             continue;
         if (count < 0)

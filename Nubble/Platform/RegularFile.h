@@ -20,8 +20,8 @@ struct FileStamp {
 // Since 1970, held within the range of the type: a file can claim any year.
 [[nodiscard]] qint64 nsecsSinceEpoch(const timespec &time);
 
-// A regular file opened for reading: never a FIFO, folder or device, and never one that blocks while it is opened.
-// Reads are bounded by the caller. Every failure is an absent value. Any thread.
+// A regular file opened for reading: never a FIFO, folder or device, and never one that blocks while it is
+// opened. Reads are bounded by the caller. Every failure is an absent value. Any thread.
 class RegularFile {
 public:
     // `name` is taken relative to the open folder `folder` unless it is absolute.
@@ -32,16 +32,15 @@ public:
     [[nodiscard]] static std::optional<FileStamp> stampOf(const char *path);
 
     RegularFile(RegularFile &&other) noexcept
-        : m_descriptor(std::exchange(other.m_descriptor, -1))
-        , m_size(other.m_size)
-        , m_modifiedNsecs(other.m_modifiedNsecs)
+        : m_descriptor(std::exchange(other.m_descriptor, -1)), m_size(other.m_size),
+          m_modifiedNsecs(other.m_modifiedNsecs)
     {
     }
     RegularFile &operator=(RegularFile &&) = delete;
     ~RegularFile();
 
-    [[nodiscard]] qint64 size() const { return m_size; }                     // when it was opened
-    [[nodiscard]] qint64 modifiedNsecs() const { return m_modifiedNsecs; }   // since 1970, when it was opened
+    [[nodiscard]] qint64 size() const { return m_size; }                   // when it was opened
+    [[nodiscard]] qint64 modifiedNsecs() const { return m_modifiedNsecs; } // since 1970, when it was opened
 
     // Up to `length` bytes from `offset`: fewer only where the file ends.
     [[nodiscard]] std::optional<QByteArray> read(qint64 offset, qint64 length) const;

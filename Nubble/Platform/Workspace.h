@@ -16,8 +16,8 @@ struct RunningApplication {
     bool operator==(const RunningApplication &) const = default;
 };
 
-// The desktop's running applications. Main thread only. Failures are silent: an application that has gone is not
-// listed, and activating it does nothing.
+// The desktop's running applications. Main thread only. Failures are silent: an application that has gone is
+// not listed, and activating it does nothing.
 class Workspace {
 public:
     virtual ~Workspace() = default;
@@ -25,8 +25,8 @@ public:
     [[nodiscard]] virtual QList<RunningApplication> runningApplications() const = 0; // in the desktop's order
     [[nodiscard]] virtual bool isRunningApplication(pid_t pid) const = 0;
 
-    // Brings all of the application's windows forward, also iconified ones and ones on another desktop, and gives the
-    // keyboard to the one used last.
+    // Brings all of the application's windows forward, also iconified ones and ones on another desktop, and
+    // gives the keyboard to the one used last.
     virtual void activate(pid_t pid) = 0;
 };
 

@@ -14,7 +14,7 @@ struct ClaudeSession {
     QString cwd; // absolute
     double startedAt = 0;
     std::optional<QString> name;
-    std::optional<QString> status; // "busy" while it works
+    std::optional<QString> status;   // "busy" while it works
     std::optional<double> updatedAt; // last change of status
     std::optional<QString> entrypoint;
     std::optional<QString> nameSource;

@@ -39,8 +39,7 @@ void drawElided(QPainter &painter, const QRectF &line, const QString &text)
 
 } // namespace
 
-ProjectRow::ProjectRow(QWidget *parent)
-    : QAbstractButton(parent)
+ProjectRow::ProjectRow(QWidget *parent) : QAbstractButton(parent)
 {
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
@@ -63,8 +62,9 @@ void ProjectRow::describe()
 {
     setAccessibleName(u"%1, %2, %3"_s.arg(m_content.title, m_content.word, m_content.elapsed));
     setAccessibleDescription(
-        m_content.lastPrompt.isEmpty() ? helpText() : toolTipLine(m_content.lastPrompt) + u". "_s + helpText());
-    QStringList lines {helpText(), m_content.title, m_content.lastPrompt, m_content.folder};
+        m_content.lastPrompt.isEmpty() ? helpText()
+                                       : toolTipLine(m_content.lastPrompt) + u". "_s + helpText());
+    QStringList lines{helpText(), m_content.title, m_content.lastPrompt, m_content.folder};
     lines.removeAll(QString());
     for (QString &line : lines)
         line = toolTipLine(line).toHtmlEscaped();

@@ -46,13 +46,8 @@ QLabel *makeEmptyLabel()
 } // namespace
 
 ProjectsCardContent::ProjectsCardContent(SessionMonitor &monitor, const Clock &clock, QWidget *parent)
-    : QWidget(parent)
-    , m_monitor(monitor)
-    , m_clock(clock)
-    , m_header(new CardHeader(u"Claude Projects"_s))
-    , m_empty(makeEmptyLabel())
-    , m_list(new QWidget)
-    , m_rows(new QVBoxLayout(m_list))
+    : QWidget(parent), m_monitor(monitor), m_clock(clock), m_header(new CardHeader(u"Claude Projects"_s)),
+      m_empty(makeEmptyLabel()), m_list(new QWidget), m_rows(new QVBoxLayout(m_list))
 {
     setFixedWidth(CardMetrics::width);
     m_rows->setContentsMargins(0, 0, 0, 0);
@@ -89,10 +84,18 @@ void ProjectsCardContent::updateRows()
     removeRowsExcept(keys);
     for (int position = 0; position < sessions.size(); ++position)
         showRow(sessions.at(position), position);
-    orderFocus();
+    if (std::exchange(m_order, keys) != keys)
+        orderFocus();
     m_header->setDetail(QString::number(sessions.size()) + u" running"_s);
     m_empty->setVisible(sessions.isEmpty());
     m_scroll->setVisible(!sessions.isEmpty());
+}
+
+// Tab goes from row to row as they stand; by itself it would go in the order in which they came.
+void ProjectsCardContent::orderFocus()
+{
+    for (int position = 1; position < m_rows->count(); ++position)
+        setTabOrder(m_rows->itemAt(position - 1)->widget(), m_rows->itemAt(position)->widget());
 }
 
 void ProjectsCardContent::removeRowsExcept(const QList<RowKey> &keys)
@@ -107,17 +110,6 @@ void ProjectsCardContent::removeRowsExcept(const QList<RowKey> &keys)
         row.value()->hide();
         row.value()->deleteLater(); // it may be the one whose click is being handled
         row = m_rowOf.erase(row);
-    }
-}
-
-// Tab follows the rows as they stand, not as they came.
-void ProjectsCardContent::orderFocus()
-{
-    for (int position = 1; position < m_rows->count(); ++position) {
-        QWidget *before = m_rows->itemAt(position - 1)->widget();
-        QWidget *row = m_rows->itemAt(position)->widget();
-        if (before->nextInFocusChain() != row)
-            setTabOrder(before, row);
     }
 }
 

@@ -17,8 +17,8 @@ struct ClaudeSession;
 class ProjectRow;
 class SessionMonitor;
 
-// The sessions card: every live session as a row, newest activity first. Rows follow their sessions, so that hover, focus and
-// scroll position outlast a poll.
+// The sessions card: every live session as a row, newest activity first. Rows follow their sessions, so that
+// hover, focus and scroll position outlast a poll.
 class ProjectsCardContent : public QWidget {
     Q_OBJECT
 
@@ -46,6 +46,7 @@ private:
     CappedScroll *m_scroll;
     QVBoxLayout *m_rows;
     QHash<RowKey, ProjectRow *> m_rowOf;
+    QList<RowKey> m_order; // from top to bottom
 };
 
 } // namespace nubble

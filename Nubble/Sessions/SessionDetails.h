@@ -50,8 +50,8 @@ private:
 
     const Clock &m_clock;
     QHash<QString, SessionDetail> m_byId;
-    Transcripts m_transcripts; // the queue's alone
-    QMutex m_mutex; // guards the two below
+    Transcripts m_transcripts;        // the queue's alone
+    QMutex m_mutex;                   // guards the two below
     std::optional<Request> m_request; // a newer one takes the place of one that was not begun
     std::optional<QHash<QString, SessionDetail>> m_result;
     std::stop_source m_stop;

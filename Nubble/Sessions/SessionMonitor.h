@@ -58,7 +58,7 @@ private:
     SessionDetails m_details;
     QList<ClaudeSession> m_sessions;
     QSet<QString> m_recentlyCompleted;
-    QSet<Run> m_busy; // at the last poll
+    QSet<Run> m_busy;                     // at the last poll
     QHash<QString, qint64> m_completedAt; // milliseconds since 1970, by session id
     QTimer m_timer;
 };

@@ -13,6 +13,6 @@ namespace nubble {
 [[nodiscard]] QString rowWord(const ClaudeSession &session, RunState state);
 [[nodiscard]] QString rowSymbol(const ClaudeSession &session);
 [[nodiscard]] QString elapsedText(double sinceMsecs, qint64 nowMsecs); // both since 1970
-[[nodiscard]] QString stateName(RunState state); // for scripts
+[[nodiscard]] QString stateName(RunState state);                       // for scripts
 
 } // namespace nubble

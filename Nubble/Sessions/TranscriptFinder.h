@@ -40,7 +40,7 @@ private:
     QByteArray m_projects;
     FileCosts &m_costs;
     std::optional<QList<QByteArray>> m_folders; // in the order of the listing; of this pass
-    QSet<QString> m_searched; // ids that were in no folder at the last search
+    QSet<QString> m_searched;                   // ids that were in no folder at the last search
     qint64 m_searchedAt = 0;
 };
 

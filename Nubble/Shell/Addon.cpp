@@ -20,9 +20,10 @@ struct Description {
 
 const Description &describe(Addon addon)
 {
-    static constexpr std::array<Description, 4> table {{
+    static constexpr std::array<Description, 4> table{{
         {u"quenwick", u"Quenwick", u"What's waiting for you in Quenwick, approved from the notch."},
-        {u"ask", u"Ask Claude About Screen", u"⌃⌥A screenshots what you're looking at and opens a chat about it."},
+        {u"ask", u"Ask Claude About Screen",
+         u"⌃⌥A screenshots what you're looking at and opens a chat about it."},
         {u"search", u"Search Chats", u"⌃⌥Space searches every Claude chat and Claude Code session."},
         {u"notes", u"Meeting Recorder", u"Records the room and writes live notes into a Google Doc tab."},
     }};

@@ -15,18 +15,19 @@ class Home;
 // An optional feature that the user switches on and off; a switch takes effect when the program starts again.
 enum class Addon { Quenwick, Ask, Search, Notes };
 
-inline constexpr std::array allAddons {Addon::Quenwick, Addon::Ask, Addon::Search, Addon::Notes};
+inline constexpr std::array allAddons{Addon::Quenwick, Addon::Ask, Addon::Search, Addon::Notes};
 
-[[nodiscard]] QString rawValue(Addon addon);                       // how it is stored
+[[nodiscard]] QString rawValue(Addon addon); // how it is stored
 [[nodiscard]] std::optional<Addon> addonFrom(const QString &rawValue);
 [[nodiscard]] QString title(Addon addon);
-[[nodiscard]] QString description(Addon addon);                    // one sentence, for tool tips
+[[nodiscard]] QString description(Addon addon); // one sentence, for tool tips
 [[nodiscard]] QString defaultsKey(Addon addon);
 
-// What the add-on lacks on this machine, as one sentence; none when it can work. Looked up afresh at every call.
+// What the add-on lacks on this machine, as one sentence; none when it can work. Looked up afresh at every
+// call.
 [[nodiscard]] std::optional<QString> missing(Addon addon, const Home &home, const Defaults &defaults);
 
-[[nodiscard]] QString quenwickFolder(const Home &home);            // where the companion application keeps its data
+[[nodiscard]] QString quenwickFolder(const Home &home); // where the companion application keeps its data
 [[nodiscard]] QString recorderScript(const Home &home, const Defaults &defaults);
 
 // The add-ons that are active in this run: read once, whatever becomes of the preferences afterwards.

@@ -4,10 +4,7 @@
 
 namespace nubble {
 
-Defaults::Defaults(const QString &file)
-    : m_settings(file, QSettings::IniFormat)
-{
-}
+Defaults::Defaults(const QString &file) : m_settings(file, QSettings::IniFormat) { }
 
 QString Defaults::fileOf(const QString &domain, const QString &configFolder)
 {

@@ -7,8 +7,9 @@
 
 namespace nubble {
 
-// The user's preferences: one INI file of dotted keys that people may edit by hand, so that every value is checked when it
-// is read. Main thread only. Writing to a folder that refuses it is silent: the values then last for this run.
+// The user's preferences: one INI file of dotted keys that people may edit by hand, so that every value is
+// checked when it is read. Main thread only. Writing to a folder that refuses it is silent: the values then
+// last for this run.
 class Defaults {
 public:
     explicit Defaults(const QString &file);
@@ -18,8 +19,8 @@ public:
 
     [[nodiscard]] bool contains(const QString &key) const;
     [[nodiscard]] std::optional<QString> string(const QString &key) const;
-    [[nodiscard]] std::optional<double> number(const QString &key) const;  // finite ones only
-    [[nodiscard]] std::optional<bool> boolean(const QString &key) const;   // written as "true" or "false" only
+    [[nodiscard]] std::optional<double> number(const QString &key) const; // finite ones only
+    [[nodiscard]] std::optional<bool> boolean(const QString &key) const;  // written as "true" or "false" only
 
     void set(const QString &key, const QString &value);
     void set(const QString &key, double value);

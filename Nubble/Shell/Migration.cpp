@@ -23,8 +23,9 @@ void fromBrindleCove(Defaults &defaults, const Home &home)
         return;
 
     defaults.set(done, true);
-    for (const QString &key : {u"placement.edge"_s, u"placement.offset"_s, u"placement.locked"_s,
-             u"placement.visible"_s, u"meetingNotes.link"_s})
+    for (const QString &key :
+         {u"placement.edge"_s, u"placement.offset"_s, u"placement.locked"_s, u"placement.visible"_s,
+          u"meetingNotes.link"_s})
         if (old.contains(key) && !defaults.contains(key))
             defaults.copy(key, old);
     for (const Addon addon : allAddons)

@@ -15,7 +15,7 @@ Relaunch Relaunch::ofThisProcess()
 void Relaunch::now() const
 {
     QProcess::startDetached(
-        u"/bin/sh"_s, QStringList {u"-c"_s, u"sleep 0.6; exec \"$0\" \"$@\""_s, program} + arguments);
+        u"/bin/sh"_s, QStringList{u"-c"_s, u"sleep 0.6; exec \"$0\" \"$@\""_s, program} + arguments);
 }
 
 } // namespace nubble

@@ -12,8 +12,8 @@ struct Relaunch {
     // Taken early: when a package update has replaced the executable, its path can no longer be asked for.
     [[nodiscard]] static Relaunch ofThisProcess();
 
-    // Starts a detached shell that waits until this process has had time to end, and then runs the program. A failure to
-    // start it is ignored. The caller quits afterwards.
+    // Starts a detached shell that waits until this process has had time to end, and then runs the program. A
+    // failure to start it is ignored. The caller quits afterwards.
     void now() const;
 };
 

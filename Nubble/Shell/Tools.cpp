@@ -27,7 +27,8 @@ std::optional<QString> inheritedPath()
 std::optional<QString> find(const QString &name, const Home &home, const std::optional<QString> &path)
 {
     // ~/.claude/local is where Claude Code's local installer puts `claude`; it is in no PATH.
-    QStringList folders {home.file(u".local/bin"_s), u"/opt/homebrew/bin"_s, u"/usr/local/bin"_s, u"/usr/bin"_s,
+    QStringList folders{
+        home.file(u".local/bin"_s), u"/opt/homebrew/bin"_s, u"/usr/local/bin"_s, u"/usr/bin"_s,
         home.file(u".claude/local"_s)};
     folders += path.value_or(QString()).split(u':', Qt::SkipEmptyParts);
     for (const QString &folder : std::as_const(folders)) {

@@ -8,8 +8,9 @@ namespace nubble {
 
 class Home;
 
-// Finds the outside commands that the program runs. Started by the desktop, it inherits a PATH that lacks the folders
-// where people install command-line tools. Nothing is kept: a tool installed meanwhile is found at the next call. Any thread.
+// Finds the outside commands that the program runs. Started by the desktop, it inherits a PATH that lacks the
+// folders where people install command-line tools. Nothing is kept: a tool installed meanwhile is found at
+// the next call. Any thread.
 namespace Tools {
 
 [[nodiscard]] std::optional<QString> inheritedPath(); // the process's own PATH

@@ -12,7 +12,7 @@ namespace nubble {
 // argument.
 namespace CacheEntry {
 
-inline constexpr qint64 headerSize = 24; // no file up to this size is an entry
+inline constexpr qint64 headerSize = 24;     // no file up to this size is an entry
 inline constexpr qint64 sizeLimit = 524'288; // no file from this size on is a usage answer
 
 [[nodiscard]] std::optional<QByteArrayView> keyOf(QByteArrayView bytes); // UTF-8

@@ -2,12 +2,10 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <dirent.h>
 #include <fcntl.h>
 #include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <vector>
 
 #include "Platform/RegularFile.h"
 #include "Usage/CacheEntry.h"
@@ -90,11 +88,14 @@ std::vector<CacheScan::Candidate> CacheScan::newestIn(DIR *folder)
     return heap;
 }
 
-bool CacheScan::holdsUsage(int folder, const QByteArray &name) const
+// Absent when the file cannot be read now.
+std::optional<bool> CacheScan::holdsUsage(int folder, const QByteArray &name) const
 {
     const auto file = RegularFile::open(name.constData(), folder);
     const auto head = file ? file->read(0, headLength) : std::nullopt;
-    const auto key = head ? CacheEntry::keyOf(*head) : std::nullopt;
+    if (!head)
+        return std::nullopt;
+    const auto key = CacheEntry::keyOf(*head);
     return key && CacheEntry::isUsageKey(*key, m_domain);
 }
 
@@ -104,12 +105,14 @@ QList<QByteArray> CacheScan::usageEntries()
     QHash<QByteArray, Verdict> verdicts;
     const Folder folder = openFolder(m_folder);
     for (const Candidate &each : folder ? newestIn(folder.get()) : std::vector<Candidate>()) {
-        Verdict verdict = m_verdicts.value(each.name);
-        if (verdict.state != each.state)
-            verdict = {each.state, holdsUsage(::dirfd(folder.get()), each.name)};
-        if (verdict.isUsage)
+        const Verdict last = m_verdicts.value(each.name);
+        const auto isUsage =
+            last.state == each.state ? last.isUsage : holdsUsage(::dirfd(folder.get()), each.name);
+        if (!isUsage)
+            continue;
+        verdicts.insert(each.name, {each.state, *isUsage});
+        if (*isUsage)
             found.append(m_folder + '/' + each.name);
-        verdicts.insert(each.name, verdict);
     }
     m_verdicts = verdicts;
     return found;

@@ -5,6 +5,7 @@
 #include <QList>
 
 #include <dirent.h>
+#include <optional>
 #include <vector>
 
 namespace nubble {
@@ -34,7 +35,7 @@ private:
     struct Candidate;
 
     static std::vector<Candidate> newestIn(DIR *folder);
-    bool holdsUsage(int folder, const QByteArray &name) const;
+    std::optional<bool> holdsUsage(int folder, const QByteArray &name) const;
 
     QByteArray m_folder;
     QByteArray m_domain;

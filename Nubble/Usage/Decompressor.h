@@ -9,7 +9,7 @@
 namespace nubble {
 
 struct DecompressionLimits {
-    qint64 output = 16 * 1024 * 1024; // bytes
+    qint64 output = 16'777'216;             // bytes
     std::chrono::milliseconds time{10'000}; // for the whole run
 };
 

@@ -23,9 +23,7 @@ constexpr double resetHeight = 14;
 
 } // namespace
 
-LimitRow::LimitRow(const QString &label, QWidget *parent)
-    : QWidget(parent)
-    , m_label(label)
+LimitRow::LimitRow(const QString &label, QWidget *parent) : QWidget(parent), m_label(label)
 {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     m_bar.setDuration(200);
@@ -60,7 +58,7 @@ void LimitRow::setWindow(std::optional<double> fraction, const QString &resetTex
 
 void LimitRow::describe()
 {
-    QStringList parts {m_label, m_fraction ? percentText(*m_fraction) : u"not known"_s, m_resetText};
+    QStringList parts{m_label, m_fraction ? percentText(*m_fraction) : u"not known"_s, m_resetText};
     parts.removeAll(QString());
     setAccessibleName(parts.join(u", "_s));
 }

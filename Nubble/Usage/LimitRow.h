@@ -7,8 +7,8 @@
 
 namespace nubble {
 
-// One usage window of the plan: its name, how much of it is used, as a number and as a bar, and when it starts anew. A
-// window that nothing is known of has an empty bar and no number.
+// One usage window of the plan: its name, how much of it is used, as a number and as a bar, and when it
+// starts anew. A window that nothing is known of has an empty bar and no number.
 class LimitRow : public QWidget {
     Q_OBJECT
 

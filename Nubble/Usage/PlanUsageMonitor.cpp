@@ -3,8 +3,8 @@
 #include <QTimer>
 
 #include "Platform/Clock.h"
-#include "Shell/Defaults.h"
 #include "Platform/Home.h"
+#include "Shell/Defaults.h"
 #include "Shell/Tools.h"
 #include "Usage/UsageTexts.h"
 
@@ -15,8 +15,9 @@ namespace nubble {
 
 namespace {
 
-constexpr qint64 entriesTrustedFor = 180'000; // ms
-constexpr qint64 freshFor = 1800; // s
+// Milliseconds.
+constexpr qint64 entriesTrustedFor = 180'000;
+constexpr qint64 freshFor = 1'800'000;
 
 PlanUsageReader readerIn(const Home &home, const QString &domain)
 {
@@ -100,7 +101,7 @@ PlanUsageMonitor::Shown PlanUsageMonitor::shownAfter(const ReadOutcome &outcome)
     if (const ReadProblem *problem = std::get_if<ReadProblem>(&outcome.result))
         return {m_shown.session, m_shown.weekly, problemText(*problem)};
     const Reading &reading = std::get<Reading>(outcome.result);
-    const qint64 age = (m_clock.msecsSinceEpoch() - reading.capturedAt.toMSecsSinceEpoch()) / 1000;
+    const qint64 age = m_clock.msecsSinceEpoch() - reading.capturedAt.toMSecsSinceEpoch();
     return {reading.session, reading.weekly, age > freshFor ? std::optional(staleText(age)) : std::nullopt};
 }
 

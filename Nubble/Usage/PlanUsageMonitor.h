@@ -57,7 +57,7 @@ private:
 
     const Clock &m_clock;
     Shown m_shown;
-    QList<QByteArray> m_entries; // known to hold usage answers
+    QList<QByteArray> m_entries;       // known to hold usage answers
     std::optional<qint64> m_scannedAt; // when the folder was last listed
     bool m_working = false;
     PlanUsageReader m_reader; // the worker's, while m_working

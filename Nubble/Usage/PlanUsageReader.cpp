@@ -99,7 +99,7 @@ std::optional<Reading> PlanUsageReader::newestReading(
     for (const QByteArray &each : byModification(entries)) {
         if (stop.stop_requested())
             break;
-        if (const auto reading = readingOf(each, zstd, stop))
+        if (auto reading = readingOf(each, zstd, stop))
             return reading;
     }
     return std::nullopt;

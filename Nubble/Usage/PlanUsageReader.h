@@ -25,7 +25,7 @@ struct ReaderPace {
 };
 
 // Reads the newest usage answer out of the desktop application's HTTP cache. Blocks and starts child
-// processes: for a worker, one call at a time. Stateless but for the last reading.
+// processes: for a worker, one call at a time.
 class PlanUsageReader {
 public:
     using FindTool = std::function<std::optional<QString>()>;

@@ -17,8 +17,8 @@ struct Reading {
 };
 
 enum class ReadProblem {
-    NoCache, // no usage answer in the cache, or no cache
-    NoZstd, // nothing to decompress with
+    NoCache,    // no usage answer in the cache, or no cache
+    NoZstd,     // nothing to decompress with
     Unreadable, // there are answers, but none that can be understood
 };
 

@@ -6,8 +6,8 @@
 
 namespace nubble {
 
-// Asks for fresh numbers. Its arrow turns while they are being read, whole turns only; where motion is unwelcome it is
-// dimmed instead.
+// Asks for fresh numbers. Its arrow turns while they are being read, whole turns only; where motion is
+// unwelcome it is dimmed instead.
 class RefreshButton : public NotchButton {
     Q_OBJECT
 

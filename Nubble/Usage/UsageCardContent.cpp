@@ -27,7 +27,8 @@ namespace {
 
 void showWindow(LimitRow &row, const std::optional<PlanWindow> &window, const QDateTime &now, bool animated)
 {
-    row.setWindow(window ? std::optional(window->fraction) : std::nullopt,
+    row.setWindow(
+        window ? std::optional(window->fraction) : std::nullopt,
         window ? resetText(window->resetsAt, now) : QString(), animated);
 }
 
@@ -35,14 +36,9 @@ void showWindow(LimitRow &row, const std::optional<PlanWindow> &window, const QD
 
 UsageCardContent::UsageCardContent(
     PlanUsageMonitor &planUsage, const Clock &clock, const DesktopPreferences &preferences, QWidget *parent)
-    : QWidget(parent)
-    , m_planUsage(planUsage)
-    , m_clock(clock)
-    , m_preferences(preferences)
-    , m_refresh(new RefreshButton)
-    , m_session(new LimitRow(u"Current session"_s))
-    , m_weekly(new LimitRow(u"All models"_s))
-    , m_problem(CardMetrics::makeNote())
+    : QWidget(parent), m_planUsage(planUsage), m_clock(clock), m_preferences(preferences),
+      m_refresh(new RefreshButton), m_session(new LimitRow(u"Current session"_s)),
+      m_weekly(new LimitRow(u"All models"_s)), m_problem(CardMetrics::makeNote())
 {
     setFixedWidth(CardMetrics::width);
     auto *header = new CardHeader(u"Claude Usage"_s);
@@ -51,8 +47,9 @@ UsageCardContent::UsageCardContent(
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(CardMetrics::textMargins);
     layout->setSpacing(CardMetrics::spacing + 2);
-    for (QWidget *part : {static_cast<QWidget *>(header), static_cast<QWidget *>(m_session),
-             static_cast<QWidget *>(m_weekly), static_cast<QWidget *>(m_problem)})
+    for (QWidget *part :
+         {static_cast<QWidget *>(header), static_cast<QWidget *>(m_session), static_cast<QWidget *>(m_weekly),
+          static_cast<QWidget *>(m_problem)})
         layout->addWidget(part);
 
     connect(m_refresh, &RefreshButton::clicked, &planUsage, [&planUsage] { planUsage.refresh(true); });

@@ -17,7 +17,8 @@ class UsageCardContent : public QWidget {
     Q_OBJECT
 
 public:
-    UsageCardContent(PlanUsageMonitor &planUsage, const Clock &clock, const DesktopPreferences &preferences,
+    UsageCardContent(
+        PlanUsageMonitor &planUsage, const Clock &clock, const DesktopPreferences &preferences,
         QWidget *parent = nullptr);
 
 private:

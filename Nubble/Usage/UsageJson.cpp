@@ -12,6 +12,9 @@ namespace nubble {
 
 namespace {
 
+// A real answer has a few kilobytes; the parser takes some thirty times the size of a hostile one.
+constexpr qsizetype largestAnswer = 1'048'576;
+
 std::optional<QDateTime> dateOf(const QJsonValue &value)
 {
     // A time without its offset from UTC would be taken for local time. Fractional seconds may be there or
@@ -33,7 +36,7 @@ std::optional<PlanWindow> windowOf(const QJsonObject &object, const QString &per
 PlanWindows windowsInLimits(const QJsonArray &limits)
 {
     PlanWindows windows;
-    for (const QJsonValue &each : limits) {
+    for (const QJsonValue each : limits) {
         const QJsonObject limit = each.toObject();
         const QString kind = limit.value(u"kind"_s).toString();
         const auto window = windowOf(limit, u"percent"_s);
@@ -49,6 +52,8 @@ PlanWindows windowsInLimits(const QJsonArray &limits)
 
 std::optional<PlanWindows> parseUsageJson(const QByteArray &json)
 {
+    if (json.size() > largestAnswer)
+        return std::nullopt;
     const QJsonObject usage = QJsonDocument::fromJson(json).object();
     PlanWindows windows = windowsInLimits(usage.value(u"limits"_s).toArray());
     if (!windows.session)

@@ -8,7 +8,7 @@ namespace nubble {
 
 struct PlanWindows {
     std::optional<PlanWindow> session; // five hours
-    std::optional<PlanWindow> weekly; // seven days, all models
+    std::optional<PlanWindow> weekly;  // seven days, all models
 
     bool operator==(const PlanWindows &) const = default;
 };

@@ -34,7 +34,7 @@ QString resetText(const std::optional<QDateTime> &resetsAt, const QDateTime &now
     const qint64 minutes = std::max<qint64>(now.msecsTo(*resetsAt), 0) / 60'000;
     if (minutes < 60)
         return u"Resets in %1 min"_s.arg(minutes);
-    if (minutes < 24 * 60)
+    if (minutes < 1440)
         return u"Resets in %1 hr %2 min"_s.arg(minutes / 60).arg(minutes % 60);
     // English whatever the user's language, like the words around it.
     return u"Resets "_s + QLocale::c().toString(resetsAt->toLocalTime(), u"ddd h:mm AP");
@@ -53,9 +53,9 @@ QString problemText(ReadProblem problem)
     return u"Couldn't read Claude's usage cache"_s;
 }
 
-QString staleText(qint64 ageInSeconds)
+QString staleText(qint64 ageMsecs)
 {
-    return u"Updated %1 min ago — open Claude to refresh"_s.arg(ageInSeconds / 60);
+    return u"Updated %1 min ago — open Claude to refresh"_s.arg(ageMsecs / 60'000);
 }
 
 } // namespace nubble

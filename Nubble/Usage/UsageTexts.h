@@ -11,7 +11,7 @@ namespace nubble {
 
 enum class UsageLevel { Ample, Watch, Critical };
 
-[[nodiscard]] int percentOf(double fraction); // whole, 0 to 100
+[[nodiscard]] int percentOf(double fraction);       // whole, 0 to 100
 [[nodiscard]] QString percentText(double fraction); // "42% Used"
 [[nodiscard]] UsageLevel levelOf(double fraction);
 
@@ -20,6 +20,6 @@ enum class UsageLevel { Ample, Watch, Critical };
 [[nodiscard]] QString resetText(const std::optional<QDateTime> &resetsAt, const QDateTime &now);
 
 [[nodiscard]] QString problemText(ReadProblem problem);
-[[nodiscard]] QString staleText(qint64 ageInSeconds);
+[[nodiscard]] QString staleText(qint64 ageMsecs);
 
 } // namespace nubble

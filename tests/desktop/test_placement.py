@@ -77,7 +77,7 @@ class ThePanel(PanelTest):
     def test_shows_no_black_around_an_open_card(self):
         nubble = self.start_nubble()
         nubble.open_card()
-        eventually(lambda: self.desktop.pixel(WIDTH - 200, HEIGHT // 2) != BACKDROP, "the card is on the screen")
+        self.until_dark(WIDTH - 200, HEIGHT // 2)
         gap = WIDTH - BODY_DEPTH - 3  # between the body and the card, far from the tail
         for y in (HEIGHT / 2 - 80, HEIGHT / 2 + 80):
             self.assertEqual(self.desktop.pixel(gap, y), BACKDROP)

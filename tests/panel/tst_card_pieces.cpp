@@ -6,7 +6,6 @@
 #include "Panel/CappedScroll.h"
 #include "Panel/NotchButton.h"
 #include "Panel/TooltipShell.h"
-#include "Panel/Typography.h"
 #include "panel/Edges.h"
 
 using namespace Qt::StringLiterals;
@@ -118,13 +117,6 @@ private Q_SLOTS:
         const QSignalSpy clicked(&button, &NotchButton::clicked);
         QTest::keyClick(&button, Qt::Key_Space);
         QCOMPARE(clicked.count(), 1);
-    }
-
-    void theLineOfThePercentageIsAWholeNumberOfPixels()
-    {
-        const double height = Typography::percentLineHeight();
-        QCOMPARE(height, std::ceil(height));
-        QVERIFY(height >= 9 && height <= 16);
     }
 };
 

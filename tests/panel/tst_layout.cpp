@@ -133,15 +133,6 @@ private Q_SLOTS:
         QCOMPARE(layout.offsetLimit(edge, 50), 0);
     }
 
-    void cardsAreAsLargeOnEveryEdge()
-    {
-        const Layout layout(lineHeight, false, 0);
-        for (const NotchEdge edge : allEdges) {
-            COMPARE_LENGTHS(layout.cardAcross(edge), isVertical(edge) ? 3200.0 / 13 : 460.0);
-            COMPARE_LENGTHS(layout.cardAlong(edge), isVertical(edge) ? 460.0 : 3200.0 / 13);
-        }
-    }
-
     void theWindowTouchesItsEdgeWithTheRingAtTheOffset_data() { addEdgeRows(); }
     void theWindowTouchesItsEdgeWithTheRingAtTheOffset()
     {

@@ -78,15 +78,6 @@ private Q_SLOTS:
         QVERIFY(room < 0 ? std::abs(first) < hair : first > -hair && first < room + hair);
     }
 
-    void onlyTheBodyTakesTheMouseUntilACardIsOpen_data() { addEdgeRows(); }
-    void onlyTheBodyTakesTheMouseUntilACardIsOpen()
-    {
-        QFETCH(const NotchEdge, edge);
-        const PanelGeometry geometry = panelGeometry(Layout(11, false, 1), edge, 0, {0, 0, 1440, 900});
-        QCOMPARE(geometry.activeRects(false), QList{geometry.body});
-        QCOMPARE(geometry.activeRects(true), (QList{geometry.body, geometry.cardArea}));
-    }
-
     void theBodyAndCardAreDrawnWithinTheirPlaces_data() { addEdgeRows(); }
     void theBodyAndCardAreDrawnWithinTheirPlaces()
     {

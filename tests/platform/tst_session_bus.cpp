@@ -24,10 +24,7 @@ class Control : public QDBusAbstractAdaptor {
     Q_CLASSINFO("D-Bus Interface", "com.brevandel.nubble.Control")
 
 public:
-    explicit Control(QObject *exported)
-        : QDBusAbstractAdaptor(exported)
-    {
-    }
+    explicit Control(QObject *exported) : QDBusAbstractAdaptor(exported) { }
 
 public Q_SLOTS:
     QString repeat(const QString &text) { return text + text; }
@@ -38,10 +35,7 @@ class Portal : public QDBusAbstractAdaptor {
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
 
 public:
-    explicit Portal(QObject *exported)
-        : QDBusAbstractAdaptor(exported)
-    {
-    }
+    explicit Portal(QObject *exported) : QDBusAbstractAdaptor(exported) { }
 
     bool animations = false;
 

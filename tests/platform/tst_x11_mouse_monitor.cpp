@@ -78,7 +78,7 @@ private Q_SLOTS:
 
         const QPoint elsewhere(700, 100);
         userClicks(elsewhere, 2);
-        userClicks(elsewhere, 4); // the wheel
+        userClicks(elsewhere, 4);   // the wheel
         QVERIFY(isTold(elsewhere)); // and of nothing before
     }
 };

@@ -29,15 +29,6 @@ private Q_SLOTS:
             QString::fromUtf8(file.readAll()),
             QString::number(arguments.size()) + u'\n' + arguments.join(u'|') + u'|');
     }
-
-    void thisProcessKnowsHowItWasStarted()
-    {
-        const Relaunch relaunch = Relaunch::ofThisProcess();
-        QCOMPARE(relaunch.program, QCoreApplication::applicationFilePath());
-        QCOMPARE(relaunch.arguments, QCoreApplication::arguments().sliced(1));
-    }
-
-    void aProgramThatIsGoneIsIgnored() { Relaunch{u"/nowhere/at all"_s, {}}.now(); }
 };
 
 QTEST_GUILESS_MAIN(TestRelaunch)

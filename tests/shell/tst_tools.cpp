@@ -70,16 +70,6 @@ private Q_SLOTS:
         QCOMPARE(Tools::searchPath(home, std::nullopt), fixed);
     }
 
-    void theInheritedPathIsTheEnvironments()
-    {
-        const QByteArray before = qgetenv("PATH");
-        qputenv("PATH", "/a:/b");
-        QCOMPARE(Tools::inheritedPath(), u"/a:/b"_s);
-        qunsetenv("PATH");
-        QCOMPARE(Tools::inheritedPath(), std::nullopt);
-        qputenv("PATH", before);
-    }
-
 private:
     void install(const TemporaryHome &home, const QString &tool) const
     {

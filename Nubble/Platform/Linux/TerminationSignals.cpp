@@ -12,7 +12,7 @@ namespace nubble {
 namespace {
 
 // A handler may do little more than write to a pipe; the event loop reads its other end.
-std::array<int, 2> signalPipe {-1, -1};
+std::array<int, 2> signalPipe{-1, -1};
 
 void tellEventLoop(int)
 {
@@ -22,7 +22,7 @@ void tellEventLoop(int)
 
 void setHandler(void (*handler)(int))
 {
-    struct sigaction action {};
+    struct sigaction action { };
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
     ::sigaction(SIGTERM, &action, nullptr);
@@ -31,8 +31,7 @@ void setHandler(void (*handler)(int))
 
 } // namespace
 
-TerminationSignals::TerminationSignals(QObject *parent)
-    : QObject(parent)
+TerminationSignals::TerminationSignals(QObject *parent) : QObject(parent)
 {
     if (::pipe2(signalPipe.data(), O_CLOEXEC | O_NONBLOCK) != 0)
         return;

@@ -28,7 +28,7 @@ private Q_SLOTS:
         addAnswer(u"a_0"_s, 42, 30min);
         start();
         QCOMPARE(shown(), u"42");
-        m_clock.advance(1000);
+        m_clock.advance(1);
         QCOMPARE(afterRefresh(), u"42, Updated 30 min ago — open Claude to refresh");
         m_clock.advance(60'000);
         QCOMPARE(afterRefresh(), u"42, Updated 31 min ago — open Claude to refresh");
@@ -158,4 +158,4 @@ private:
 };
 
 QTEST_GUILESS_MAIN(PlanUsageMonitorTest)
-#include "PlanUsageMonitorTest.moc"
+#include "tst_plan_usage_monitor.moc"

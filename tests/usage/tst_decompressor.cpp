@@ -12,7 +12,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr DecompressionLimits shortLimits{1024 * 1024, 300ms};
+constexpr DecompressionLimits shortLimits{1'000'000, 300ms};
 
 // A process that has ended has no command line, even while nobody has taken note of its end.
 bool isGone(const QString &pidFile)
@@ -95,4 +95,4 @@ private:
 };
 
 QTEST_GUILESS_MAIN(DecompressorTest)
-#include "DecompressorTest.moc"
+#include "tst_decompressor.moc"

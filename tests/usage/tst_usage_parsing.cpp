@@ -170,4 +170,4 @@ private Q_SLOTS:
 };
 
 QTEST_GUILESS_MAIN(UsageParsingTest)
-#include "UsageParsingTest.moc"
+#include "tst_usage_parsing.moc"

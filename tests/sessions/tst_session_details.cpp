@@ -82,4 +82,4 @@ void SessionDetailsTest::goesAwayWhileItIsReading()
 } // namespace nubble
 
 QTEST_GUILESS_MAIN(nubble::SessionDetailsTest)
-#include "SessionDetailsTest.moc"
+#include "tst_session_details.moc"

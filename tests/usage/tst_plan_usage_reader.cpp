@@ -127,7 +127,7 @@ private Q_SLOTS:
     {
         const UsageCache cache;
         const QByteArray other = UsageCache::entry(UsageCache::keyFor("/api/x"), "body");
-        for (int i = 0; i < 19'998; ++i)
+        for (qint64 i = 0; i < 19'998; ++i)
             cache.add(u"%1_0"_s.arg(i, 16, 16, QChar(u'0')), other, noon + i * 1000);
         cache.add(u"young_0"_s, UsageCache::usageEntry(10), noon + 19'997'500);
         cache.add(
@@ -182,4 +182,4 @@ private Q_SLOTS:
 };
 
 QTEST_GUILESS_MAIN(PlanUsageReaderTest)
-#include "PlanUsageReaderTest.moc"
+#include "tst_plan_usage_reader.moc"

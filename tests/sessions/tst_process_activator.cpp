@@ -93,4 +93,4 @@ void ProcessActivatorTest::asksTheSystemForAParent()
 } // namespace nubble
 
 QTEST_GUILESS_MAIN(nubble::ProcessActivatorTest)
-#include "ProcessActivatorTest.moc"
+#include "tst_process_activator.moc"

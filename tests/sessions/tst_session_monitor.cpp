@@ -247,4 +247,4 @@ void SessionMonitorTest::skipsABrokenRecordWithoutWaitingForItAgain()
 } // namespace nubble
 
 QTEST_GUILESS_MAIN(nubble::SessionMonitorTest)
-#include "SessionMonitorTest.moc"
+#include "tst_session_monitor.moc"

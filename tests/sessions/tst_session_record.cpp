@@ -142,4 +142,4 @@ void SessionRecordTest::saysHowLongAgo()
 } // namespace nubble
 
 QTEST_GUILESS_MAIN(nubble::SessionRecordTest)
-#include "SessionRecordTest.moc"
+#include "tst_session_record.moc"

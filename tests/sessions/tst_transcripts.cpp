@@ -258,4 +258,4 @@ void TranscriptTest::survivesWhatIsNoTranscript()
 } // namespace nubble
 
 QTEST_GUILESS_MAIN(nubble::TranscriptTest)
-#include "TranscriptTest.moc"
+#include "tst_transcripts.moc"

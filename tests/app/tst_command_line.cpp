@@ -1,0 +1,92 @@
+#include <QTest>
+
+#include "CommandLine.h"
+#include "support/TemporaryHome.h"
+
+using namespace Qt::StringLiterals;
+using namespace nubble;
+
+namespace {
+
+QString shown(const std::variant<CommandLine, UsageError> &parsed)
+{
+    if (const auto *error = std::get_if<UsageError>(&parsed))
+        return u"error: "_s + error->message;
+    const auto &line = std::get<CommandLine>(parsed);
+    const QStringList verbs{u"run"_s, u"sessions"_s, u"status"_s, u"help"_s, u"version"_s};
+    return verbs.at(static_cast<int>(line.verb)) + (line.json ? u" json"_s : QString())
+        + (line.home ? u" in "_s + *line.home : QString());
+}
+
+} // namespace
+
+class TestCommandLine : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        m_home.write(u"sub/file"_s, "");
+        m_before = QDir::currentPath();
+        QVERIFY(QFile::link(m_home.path(u"sub"_s), m_home.path(u"link"_s)));
+        QVERIFY(QDir::setCurrent(m_home.path(QString())));
+    }
+    void cleanupTestCase() { QDir::setCurrent(m_before); }
+
+    // HOME stands for an absolute path; arguments are parted by a bar.
+    void itIsUnderstoodOrRefusedInOneLine_data()
+    {
+        QTest::addColumn<QString>("arguments");
+        QTest::addColumn<QString>("meaning");
+        const auto row = [](const char16_t *arguments, const char16_t *meaning) {
+            const QString text = QString::fromUtf16(arguments);
+            QTest::newRow(text.isEmpty() ? "nothing" : qPrintable(text))
+                << text << QString::fromUtf16(meaning);
+        };
+        row(u"", u"run");
+        row(u"sessions", u"sessions");
+        row(u"status", u"status");
+        row(u"status|--json", u"status json");
+        row(u"--json|status", u"status json");
+        row(u"-h", u"help");
+        row(u"--help", u"help");
+        row(u"--version", u"version");
+
+        row(u"--home|HOME/sub", u"run in HOME/sub");
+        row(u"--home|HOME/sub/", u"run in HOME/sub");
+        row(u"--home|HOME/./sub/../sub", u"run in HOME/sub");
+        row(u"--home|link", u"run in HOME/sub");
+        row(u"--home|sub", u"run in HOME/sub");
+        row(u"--home|.", u"run in HOME");
+        row(u"status|--home|sub|--json", u"status json in HOME/sub");
+        row(u"--home", u"error: --home needs an existing folder");
+        row(u"--home|", u"error: --home needs an existing folder");
+        row(u"--home|--json|status", u"error: --home needs an existing folder");
+        row(u"--home|HOME/absent", u"error: --home needs an existing folder");
+        row(u"--home|sub/file", u"error: --home needs an existing folder");
+
+        row(u"--json", u"error: unknown option \"--json\"; see nubble --help");
+        row(u"sessions|--json", u"error: unknown option \"--json\"; see nubble --help");
+        row(u"--loud", u"error: unknown option \"--loud\"; see nubble --help");
+        row(u"Status", u"error: unknown command \"Status\"; see nubble --help");
+        row(u"status|sessions", u"error: unknown command \"sessions\"; see nubble --help");
+    }
+
+    void itIsUnderstoodOrRefusedInOneLine()
+    {
+        QFETCH(QString, arguments);
+        QFETCH(QString, meaning);
+        const QString home = QDir::currentPath();
+        arguments.replace(u"HOME"_s, home);
+        meaning.replace(u"HOME"_s, home);
+        QCOMPARE(
+            shown(parseCommandLine(arguments.isEmpty() ? QStringList() : arguments.split(u'|'))), meaning);
+    }
+
+private:
+    TemporaryHome m_home;
+    QString m_before;
+};
+
+QTEST_GUILESS_MAIN(TestCommandLine)
+#include "tst_command_line.moc"

@@ -1,0 +1,27 @@
+#include "Sessions/TranscriptLines.h"
+
+using namespace nubble;
+
+namespace {
+
+void check(const std::optional<QString> &text)
+{
+    if (text && (text->isEmpty() || text->contains(u'\n') || text->trimmed() != *text))
+        qFatal("a text that is not one trimmed line");
+}
+
+} // namespace
+
+// Whatever a transcript holds, its texts are trimmed lines, or none.
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    TranscriptValues values;
+    findNewest(
+        QByteArrayView(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size)), true, values);
+    check(values.title);
+    check(values.lastPrompt);
+    check(values.typedPrompt);
+    if (values.typedPrompt && values.typedPrompt->size() > 200)
+        qFatal("a typed prompt that is too long");
+    return 0;
+}

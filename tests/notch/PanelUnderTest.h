@@ -1,0 +1,99 @@
+#pragma once
+
+#include <QAbstractButton>
+#include <QTest>
+
+#include <memory>
+
+#include "Notch/PanelWindow.h"
+#include "Sessions/ProjectRow.h"
+#include "support/FakePanelSurface.h"
+#include "support/PanelWorld.h"
+
+namespace nubble {
+
+// The whole panel on a plain window. Its controls are found by the names that a screen reader says.
+class PanelUnderTest {
+public:
+    explicit PanelUnderTest(PanelWorld &world)
+        : window(
+            {
+                .sessionMonitor = world.monitor,
+                .planUsage = world.planUsage,
+                .panelState = world.state,
+                .placement = world.placement,
+                .layout = world.layout,
+                .mainScreen = world.mainScreen,
+                .clock = world.clock,
+                .preferences = world.preferences,
+                .activator = world.activator,
+                .notifications = world.notifications,
+                .actions = world.addons.actions(),
+            },
+            [this](QWidget &widget) {
+                auto made = std::make_unique<FakePanelSurface>(widget);
+                surface = made.get();
+                return made;
+            })
+    {
+    }
+
+    [[nodiscard]] QWidget &view() { return window.view(); }
+
+    // The visible control whose name begins so.
+    [[nodiscard]] QAbstractButton *control(const QString &name)
+    {
+        for (auto *button : view().findChildren<QAbstractButton *>())
+            if (button->isVisible() && button->isEnabled() && button->accessibleName().startsWith(name))
+                return button;
+        return nullptr;
+    }
+
+    [[nodiscard]] QAbstractButton *ring() { return control(QStringLiteral("Claude sessions")); }
+
+    void click(const QString &name) { QTest::mouseClick(control(name), Qt::LeftButton); }
+    void clickRing() { click(QStringLiteral("Claude sessions")); }
+
+    // The rows of the open card from top to bottom.
+    [[nodiscard]] QList<ProjectRow *> rows()
+    {
+        QList<ProjectRow *> rows;
+        for (auto *row : view().findChildren<ProjectRow *>())
+            if (row->isVisible())
+                rows.append(row);
+        std::sort(rows.begin(), rows.end(), [](const auto *a, const auto *b) { return a->y() < b->y(); });
+        return rows;
+    }
+
+    [[nodiscard]] QStringList rowNames()
+    {
+        QStringList names;
+        for (const auto *row : rows())
+            names.append(row->accessibleName());
+        return names;
+    }
+
+    // Presses at `from` of the widget and drags by that much; the panel may move below the pointer meanwhile.
+    static void drag(QWidget *widget, const QPoint &from, const QPoint &by)
+    {
+        const QPoint start = widget->mapToGlobal(from);
+        send(widget, QEvent::MouseButtonPress, start, Qt::LeftButton);
+        send(widget, QEvent::MouseMove, start + by, Qt::LeftButton);
+        send(widget, QEvent::MouseButtonRelease, start + by, Qt::NoButton);
+    }
+
+private:
+    static void send(QWidget *widget, QEvent::Type type, const QPoint &global, Qt::MouseButtons buttons)
+    {
+        const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+        QMouseEvent event(
+            type, widget->mapFromGlobal(QPointF(global)), QPointF(global), button, buttons, Qt::NoModifier);
+        QCoreApplication::sendEvent(widget, &event);
+    }
+
+public:
+    FakePanelSurface *surface = nullptr;
+    PanelWindow window;
+};
+
+} // namespace nubble
