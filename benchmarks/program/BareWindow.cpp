@@ -4,8 +4,8 @@
 #include <QTimer>
 #include <QWidget>
 
-// The least that a translucent panel can be: a window of the panel's kind and size at the same place, painted black, and a
-// timer that fires once a second.
+// The least that a translucent panel can be: a window of the panel's kind and size at the same place, painted
+// black, and a timer that fires once a second.
 namespace {
 
 class BareWindow : public QWidget {

@@ -44,11 +44,5 @@ class Accessible:
         box = control.queryComponent().getExtents(self._atspi.DESKTOP_COORDS)
         return (box.x + box.width / 2, box.y + box.height / 2)
 
-    def is_checked(self, control):
-        return control.getState().contains(self._atspi.STATE_CHECKED)
-
-    def is_enabled(self, control):
-        return control.getState().contains(self._atspi.STATE_ENABLED)
-
     def is_focused(self, control):
         return control.getState().contains(self._atspi.STATE_FOCUSED)

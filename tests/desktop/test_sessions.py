@@ -55,8 +55,8 @@ class ASessionInATerminal(DesktopTest):
         first = ring()
         eventually(lambda: ring() != first, "the ring turns")
         self.home.record(self.pid, status="idle")
-        green = lambda colour: colour[1] > 200 and colour[0] < 80
-        eventually(lambda: any(green(each) for row in ring() for each in row), "the ring is green")
+        eventually(
+            lambda: any(red < 80 < 200 < green for row in ring() for red, green, _ in row), "the ring is green")
 
     def test_comes_forward_by_a_click_on_its_row(self):
         self.home.record(self.pid)

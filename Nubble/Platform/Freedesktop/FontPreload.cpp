@@ -6,7 +6,8 @@ namespace nubble {
 
 namespace {
 
-// Loaded by name: the toolkit's platform plugin does so too, a little later, and nothing else of it is needed here.
+// Loaded by name: the toolkit's platform plugin does so too, a little later, and nothing else of it is needed
+// here.
 void readConfiguration()
 {
     void *library = ::dlopen("libfontconfig.so.1", RTLD_LAZY);
