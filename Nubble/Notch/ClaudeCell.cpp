@@ -1,5 +1,6 @@
 #include "Notch/ClaudeCell.h"
 
+#include <QPaintEvent>
 #include <QPainter>
 
 #include <chrono>
@@ -49,6 +50,7 @@ QString activityText(RunState activity, bool waiting)
 ClaudeCell::ClaudeCell(QWidget *parent) : QAbstractButton(parent)
 {
     setFocusPolicy(Qt::TabFocus);
+    setAttribute(Qt::WA_OpaquePaintEvent); // a frame of the animation is then no concern of the body
     m_frame.setTimerType(Qt::PreciseTimer);
     m_frame.setInterval(16ms);
     connect(&m_frame, &QTimer::timeout, this, [this] { update(ringArea()); });
@@ -148,9 +150,10 @@ void ClaudeCell::hideEvent(QHideEvent *)
     animateIfNeeded();
 }
 
-void ClaudeCell::paintEvent(QPaintEvent *)
+void ClaudeCell::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
+    painter.fillRect(event->rect(), Palette::body);
     painter.setRenderHint(QPainter::Antialiasing);
     if (m_activity == RunState::Working)
         drawActivityArc(
@@ -165,6 +168,8 @@ void ClaudeCell::paintEvent(QPaintEvent *)
         painter.setBrush(Qt::NoBrush);
         painter.drawEllipse(m_center, Layout::ringDiameter / 2 + 2.5, Layout::ringDiameter / 2 + 2.5);
     }
+    if (!event->rect().intersects(m_percentRect.toAlignedRect()))
+        return; // a frame of the animation
     painter.setFont(Typography::percent());
     painter.setPen(Palette::textPrimary);
     Typography::drawTabular(painter, m_percentRect, Qt::AlignHCenter, percentText());
