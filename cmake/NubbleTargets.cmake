@@ -38,16 +38,17 @@ function(nubble_display_test name program)
     set_tests_properties(${name} PROPERTIES LABELS display TIMEOUT 120)
 endfunction()
 
-# nubble_test(NAME [DISPLAY] SOURCES file… LINK library…): one Qt Test program. Without DISPLAY it never sees one.
+# nubble_test(NAME [DISPLAY] SOURCES file… LINK library… [VIA command…]): one Qt Test program. Without DISPLAY it never
+# sees one. VIA is a command that runs it.
 function(nubble_test name)
-    cmake_parse_arguments(ARG "DISPLAY" "" "SOURCES;LINK" ${ARGN})
+    cmake_parse_arguments(ARG "DISPLAY" "" "SOURCES;LINK;VIA" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
     target_link_libraries(${name} PRIVATE nubble_test_support ${ARG_LINK} Qt6::Test)
     if(ARG_DISPLAY)
         nubble_display_test(${name} ${name})
     else()
-        add_test(NAME ${name} COMMAND ${name})
+        add_test(NAME ${name} COMMAND ${ARG_VIA} $<TARGET_FILE:${name}>)
         set_tests_properties(${name} PROPERTIES TIMEOUT 120
             ENVIRONMENT "QT_QPA_PLATFORM=offscreen" ENVIRONMENT_MODIFICATION "DISPLAY=unset:")
     endif()

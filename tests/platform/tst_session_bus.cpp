@@ -37,6 +37,10 @@ public Q_SLOTS:
 class TestSessionBus : public QObject {
     Q_OBJECT
 
+private:
+    QDBusConnection m_other =
+        QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"another process"_s);
+
 private Q_SLOTS:
     void aMachineWithoutABusHasNoOwner()
     {
@@ -58,9 +62,8 @@ private Q_SLOTS:
         QObject exported;
         auto *portal = new Portal(&exported);
         const auto path = u"/org/freedesktop/portal/desktop"_s;
-        auto other = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"another process"_s);
-        QVERIFY(other.registerObject(path, &exported, QDBusConnection::ExportAdaptors));
-        QVERIFY(other.registerService(u"org.freedesktop.portal.Desktop"_s));
+        QVERIFY(m_other.registerObject(path, &exported, QDBusConnection::ExportAdaptors));
+        QVERIFY(m_other.registerService(u"org.freedesktop.portal.Desktop"_s));
 
         const TemporaryHome home;
         FreedesktopPreferences preferences(home.home());
@@ -74,7 +77,7 @@ private Q_SLOTS:
                 QDBusMessage::createSignal(path, u"org.freedesktop.portal.Settings"_s, u"SettingChanged"_s);
             signal.setArguments(
                 {u"org.gnome.desktop.interface"_s, key, QVariant::fromValue(QDBusVariant(value))});
-            QVERIFY(other.send(signal));
+            QVERIFY(m_other.send(signal));
         };
         tell(u"enable-animations"_s, u"nonsense"_s);
         tell(u"cursor-blink"_s, true);
@@ -83,7 +86,8 @@ private Q_SLOTS:
         tell(u"enable-animations"_s, false);
         QTRY_VERIFY(preferences.reducedMotion());
         QCOMPARE(changes.count(), 3);
-        QVERIFY(other.unregisterService(u"org.freedesktop.portal.Desktop"_s));
+        QVERIFY(m_other.unregisterService(u"org.freedesktop.portal.Desktop"_s));
+        m_other.unregisterObject(path);
     }
 
     void withoutAPortalReducedMotionComesFromKde()
