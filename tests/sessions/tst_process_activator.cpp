@@ -53,12 +53,6 @@ private Q_SLOTS:
         QCOMPARE(activatedFor(90), QList<pid_t>{43});
     }
 
-    void asksTheSystemForAParent()
-    {
-        QCOMPARE(ProcessActivator::parentPid(::getpid()), std::optional(::getppid()));
-        QCOMPARE(ProcessActivator::parentPid(std::numeric_limits<pid_t>::max()), std::nullopt);
-    }
-
 private:
     QList<pid_t> activatedFor(pid_t pid)
     {
