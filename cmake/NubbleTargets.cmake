@@ -31,18 +31,25 @@ function(nubble_library name)
     target_link_libraries(${name} PUBLIC nubble_options ${ARG_LINK})
 endfunction()
 
-# nubble_test(NAME [DISPLAY] SOURCES file… LINK library…): one Qt Test program. Without DISPLAY it never sees one.
+# nubble_display_test(NAME PROGRAM [NAME=VALUE…]): runs it on a display and a session bus of its own.
+function(nubble_display_test name program)
+    add_test(NAME ${name}
+        COMMAND ${CMAKE_SOURCE_DIR}/scripts/on-private-desktop QT_QPA_PLATFORM=xcb ${ARGN} $<TARGET_FILE:${program}>)
+    set_tests_properties(${name} PROPERTIES LABELS display TIMEOUT 120)
+endfunction()
+
+# nubble_test(NAME [DISPLAY] SOURCES file… LINK library… [VIA command…]): one Qt Test program. Without DISPLAY it never
+# sees one. VIA is a command that runs it.
 function(nubble_test name)
-    cmake_parse_arguments(ARG "DISPLAY" "" "SOURCES;LINK" ${ARGN})
+    cmake_parse_arguments(ARG "DISPLAY" "" "SOURCES;LINK;VIA" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
     target_link_libraries(${name} PRIVATE nubble_test_support ${ARG_LINK} Qt6::Test)
-    add_test(NAME ${name} COMMAND ${name})
-    set_tests_properties(${name} PROPERTIES TIMEOUT 120)
     if(ARG_DISPLAY)
-        set_tests_properties(${name} PROPERTIES LABELS display ENVIRONMENT "QT_QPA_PLATFORM=xcb")
+        nubble_display_test(${name} ${name})
     else()
-        set_tests_properties(${name} PROPERTIES
+        add_test(NAME ${name} COMMAND ${ARG_VIA} $<TARGET_FILE:${name}>)
+        set_tests_properties(${name} PROPERTIES TIMEOUT 120
             ENVIRONMENT "QT_QPA_PLATFORM=offscreen" ENVIRONMENT_MODIFICATION "DISPLAY=unset:")
     endif()
 endfunction()

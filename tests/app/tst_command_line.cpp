@@ -44,30 +44,18 @@ private Q_SLOTS:
                 << text << QString::fromUtf16(meaning);
         };
         row(u"", u"run");
-        row(u"sessions", u"sessions");
-        row(u"status", u"status");
         row(u"status|--json", u"status json");
         row(u"--json|status", u"status json");
         row(u"-h", u"help");
-        row(u"--help", u"help");
-        row(u"--version", u"version");
 
-        row(u"--home|HOME/sub", u"run in HOME/sub");
-        row(u"--home|HOME/sub/", u"run in HOME/sub");
         row(u"--home|HOME/./sub/../sub", u"run in HOME/sub");
         row(u"--home|link", u"run in HOME/sub");
-        row(u"--home|sub", u"run in HOME/sub");
-        row(u"--home|.", u"run in HOME");
         row(u"status|--home|sub|--json", u"status json in HOME/sub");
         row(u"--home", u"error: --home needs an existing folder");
-        row(u"--home|", u"error: --home needs an existing folder");
         row(u"--home|--json|status", u"error: --home needs an existing folder");
-        row(u"--home|HOME/absent", u"error: --home needs an existing folder");
         row(u"--home|sub/file", u"error: --home needs an existing folder");
 
         row(u"--json", u"error: unknown option \"--json\"; see nubble --help");
-        row(u"sessions|--json", u"error: unknown option \"--json\"; see nubble --help");
-        row(u"--loud", u"error: unknown option \"--loud\"; see nubble --help");
         row(u"Status", u"error: unknown command \"Status\"; see nubble --help");
         row(u"status|sessions", u"error: unknown command \"sessions\"; see nubble --help");
     }

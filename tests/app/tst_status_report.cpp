@@ -25,11 +25,6 @@ QJsonObject reportOf(const QJsonArray &sessions)
 
 const QDateTime now = QDateTime::fromSecsSinceEpoch(1'790'000'000);
 
-QJsonObject windowOf(double fraction, const QDateTime &resetsAt)
-{
-    return {{u"fraction"_s, fraction}, {u"resetsAt"_s, resetsAt.toUTC().toString(Qt::ISODate)}};
-}
-
 } // namespace
 
 class TestStatusReport : public QObject {
@@ -45,7 +40,6 @@ private Q_SLOTS:
         world.addSession(
             13, QString(), u"idle"_s, 0, {{u"updatedAt"_s, QJsonValue()}, {u"cwd"_s, u"/a/b c"_s}});
         world.monitor.refresh();
-        world.monitor.details().waitForDone();
 
         const QJsonObject report = statusReport(world.monitor, world.clock);
         QCOMPARE(report.keys(), QStringList({u"activity"_s, u"sessions"_s}));
@@ -68,44 +62,8 @@ private Q_SLOTS:
             }));
         QCOMPARE(sessions[1][u"word"_s].toString(), u"waiting"_s);
         QCOMPARE(sessions[1][u"state"_s].toString(), u"idle"_s);
-        QCOMPARE(sessions[1][u"elapsed"_s].toString(), u"2h ago"_s);
-        QCOMPARE(sessions[2][u"title"_s].toString(), u"b c"_s);
         QCOMPARE(sessions[2][u"elapsed"_s].toString(), u"1d ago"_s);
         QVERIFY(sessions[2].toObject().value(u"updatedAt"_s).isNull());
-    }
-
-    void theLastPromptAndWhatHasFinishedAreReported()
-    {
-        PanelWorld world;
-        world.home.write(
-            u".claude/projects/-work-project/session-11.jsonl"_s,
-            "{\"type\":\"last-prompt\",\"lastPrompt\":\"do it\",\"sessionId\":\"session-11\"}\n");
-        world.addSession(11, u"one"_s, u"busy"_s, 0);
-        world.monitor.refresh();
-        world.addSession(11, u"one"_s, u"idle"_s, 0);
-        world.monitor.refresh();
-        world.monitor.details().waitForDone();
-        const QJsonObject report = statusReport(world.monitor, world.clock);
-        QCOMPARE(report[u"activity"_s].toString(), u"completed"_s);
-        const QJsonValue session = report[u"sessions"_s].toArray().at(0);
-        QCOMPARE(session[u"word"_s].toString(), u"done"_s);
-        QCOMPARE(session[u"lastPrompt"_s].toString(), u"do it"_s);
-    }
-
-    void thePanelIsReported()
-    {
-        PanelWorld world(
-            "placement.edge=top\nplacement.offset=12.5\nplacement.locked=true\nplacement.visible=false\n");
-        world.state.setMode(PanelMode::sessions());
-        QCOMPARE(
-            panelReport(world.state, world.placement),
-            (QJsonObject{
-                {u"mode"_s, u"sessions"_s},
-                {u"edge"_s, u"top"_s},
-                {u"offset"_s, 12.5},
-                {u"locked"_s, true},
-                {u"visible"_s, false},
-            }));
     }
 
     void theUsageIsReportedAsFarAsItIsKnown()
@@ -117,7 +75,9 @@ private Q_SLOTS:
         QVERIFY(usage[u"session"_s].isNull() && usage[u"weekly"_s].isNull());
         QVERIFY(!usage[u"problem"_s].toString().isEmpty());
 
-        const QJsonObject known{{u"session"_s, windowOf(0.42, now.addSecs(3660))}, {u"problem"_s, u"Old"_s}};
+        const QJsonObject window{
+            {u"fraction"_s, 0.42}, {u"resetsAt"_s, now.addSecs(3660).toUTC().toString(Qt::ISODate)}};
+        const QJsonObject known{{u"session"_s, window}, {u"problem"_s, u"Old"_s}};
         QCOMPARE(
             statusTable({{u"usage"_s, known}}, 80, now),
             u"No sessions running\n\nCurrent session  42% Used   Resets in 1 hr 1 min\nOld\n"_s);

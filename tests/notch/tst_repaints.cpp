@@ -60,38 +60,33 @@ class TestRepaints : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void unchangedSessionsPaintNothing_data()
-    {
-        QTest::addColumn<bool>("open");
-        QTest::newRow("collapsed") << false;
-        QTest::newRow("with the card open") << true;
-    }
-
     void unchangedSessionsPaintNothing()
     {
-        QFETCH(const bool, open);
-        PanelWorld world;
-        for (int pid = 1; pid <= 20; ++pid)
-            world.addSession(pid, u"session %1"_s.arg(pid), u"idle"_s, pid * 100'000);
-        PanelUnderTest panel(world);
-        if (open)
-            panel.clickRing();
-        settle(panel);
-        const PaintCounter counter;
-        for (int poll = 0; poll < 5; ++poll) {
-            world.addSession(3, u"session 3"_s, u"idle"_s, 300'000); // rewritten as it was
-            world.monitor.refresh();
-            world.monitor.details().waitForDone();
+        for (const bool open : {false, true}) {
+            PanelWorld world;
+            for (int pid = 1; pid <= 20; ++pid)
+                world.addSession(pid, u"session %1"_s.arg(pid), u"idle"_s, pid * 100'000);
+            PanelUnderTest panel(world);
+            if (open)
+                panel.clickRing();
             settle(panel);
+            const PaintCounter counter;
+            for (int poll = 0; poll < 5; ++poll) {
+                world.addSession(3, u"session 3"_s, u"idle"_s, 300'000); // rewritten as it was
+                world.monitor.refresh();
+                world.monitor.details().waitForDone();
+                settle(panel);
+            }
+            Q_EMIT world.mainScreen.changed();
+            world.clock.advance(1000); // no minute has passed for any of them
+            QTRY_COMPARE(world.monitor.sessions().size(), 20);
+            settle(panel);
+            // The elapsed times are looked at.
+            if (auto *card = panel.view().findChild<ProjectsCardContent *>())
+                QVERIFY(QSignalSpy(card->findChild<QTimer *>(), &QTimer::timeout).wait());
+            settle(panel);
+            QCOMPARE(counter.painted, 0);
         }
-        Q_EMIT world.mainScreen.changed();
-        world.clock.advance(1000); // no minute has passed for any of them
-        QTRY_COMPARE(world.monitor.sessions().size(), 20);
-        settle(panel);
-        if (auto *card = panel.view().findChild<ProjectsCardContent *>()) // the elapsed times are looked at
-            QVERIFY(QSignalSpy(card->findChild<QTimer *>(), &QTimer::timeout).wait());
-        settle(panel);
-        QCOMPARE(counter.painted, 0);
     }
 
     void oneSessionsChangeDoesNotPaintTheOthers()

@@ -27,110 +27,57 @@ class TestNotchPlacement : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void storedSettingsAreReadAndWrongOnesCountAsAbsent_data()
-    {
-        QTest::addColumn<QByteArray>("stored");
-        QTest::addColumn<QString>("placement");
-        const auto row = [](const char *name, const char *stored, const char16_t *placement) {
-            QTest::newRow(name) << QByteArray(stored) << QString::fromUtf16(placement);
-        };
-        row("none", "", u"right 0");
-        row("all", "edge=top\noffset=-12.5\nlocked=true\nvisible=false", u"top -12.5 locked hidden");
-        row("no such edge", "edge=Top", u"right 0");
-        row("edge is a list", "edge=top, left", u"right 0");
-        row("offset is no number", "offset=abc", u"right 0");
-        row("offset is not finite", "offset=inf", u"right 0");
-        row("flags in other words", "locked=1\nvisible=0", u"right 0");
-        row("one is wrong", "edge=left\noffset=\nlocked=TRUE\nvisible=false", u"left 0 hidden");
-    }
-
     void storedSettingsAreReadAndWrongOnesCountAsAbsent()
     {
-        QFETCH(QByteArray, stored);
-        QFETCH(const QString, placement);
         const TemporaryHome home;
-        const QByteArray file = "[General]\nplacement." + stored.replace("\n", "\nplacement.") + '\n';
-        const QString path = home.write(u"preferences.conf"_s, stored.isEmpty() ? QByteArray() : file);
-        Defaults defaults(path);
         const Layout layout(11, false, 0);
-        QCOMPARE(shown(NotchPlacement(defaults, layout)), placement);
-        defaults.synchronize();
-        QFile unchanged(path);
-        QVERIFY(unchanged.open(QIODevice::ReadOnly));
-        QCOMPARE(unchanged.readAll(), stored.isEmpty() ? QByteArray() : file);
+        for (const auto &[stored, placement] :
+             {std::pair(QByteArray(), u"right 0"_s),
+              {"edge=top\noffset=-12.5\nlocked=true\nvisible=false", u"top -12.5 locked hidden"_s},
+              {"edge=Top\noffset=inf\nlocked=1\nvisible=0", u"right 0"_s},
+              {"edge=left\noffset=\nlocked=TRUE\nvisible=false", u"left 0 hidden"_s}}) {
+            const QByteArray keys = "\nplacement." + QByteArray(stored).replace("\n", "\nplacement.") + '\n';
+            Defaults defaults(home.write(u"preferences.conf"_s, "[General]" + keys));
+            QCOMPARE(shown(NotchPlacement(defaults, layout)), placement);
+        }
     }
 
-    void everyChangeIsPublishedOnceAndOutlivesTheProgram()
+    void everyChangeIsPublishedOnce()
     {
-        const TemporaryHome home;
-        const Layout layout(11, false, 0);
-        QString last;
-        {
-            Defaults defaults(home.path(u"preferences.conf"_s));
-            NotchPlacement placement(defaults, layout);
+        withPlacement([](NotchPlacement &placement) {
             const QSignalSpy changed(&placement, &NotchPlacement::changed);
             placement.centerOnEdge(); // already there
             placement.setVisible(true);
             placement.setDragging(true);
             QCOMPARE(changed.count(), 0);
             placement.moveTo({600, 60}, wide);
-            QCOMPARE(changed.count(), 1);
             placement.moveTo({600, 70}, wide); // nearer to no other edge
             QCOMPARE(changed.count(), 1);
             placement.toggleLocked();
             placement.toggleVisible();
             QCOMPARE(changed.count(), 3);
-            last = shown(placement);
-        }
-        QCOMPARE(last, u"top -220 locked hidden"_s);
-        Defaults defaults(home.path(u"preferences.conf"_s));
-        const NotchPlacement again(defaults, layout);
-        QCOMPARE(shown(again), last);
-        QVERIFY(!again.isDragging());
-    }
-
-    void aDragGoesToTheNearestEdge_data()
-    {
-        QTest::addColumn<QRectF>("screen");
-        QTest::addColumn<QPointF>("point");
-        QTest::addColumn<QString>("placement");
-        const auto row = [](const char *name, const QRectF &screen, double x, double y,
-                            const char16_t *placement) {
-            QTest::newRow(name) << screen << QPointF(x, y) << QString::fromUtf16(placement);
-        };
-        row("near the right", wide, 1530, 400, u"right -100");
-        row("near the left", wide, 110, 600, u"left 100");
-        row("near the top", wide, 900, 60, u"top 80");
-        row("near the bottom", wide, 700, 940, u"bottom -120");
-        row("beyond the screen", wide, 2000, 510, u"right 10");
-        row("left and top alike", square, 100, 100, u"left -300");
-        row("left and bottom alike", square, 150, 650, u"left 250");
-        row("right and top alike", square, 650, 150, u"right -250");
-        row("right and bottom alike", square, 650, 650, u"right 250");
-        row("all alike", square, 400, 400, u"left 0");
-        row("bottom and top alike", wide, 800, 500, u"bottom -20");
+            QCOMPARE(shown(placement), u"top -220 locked hidden"_s);
+        });
     }
 
     void aDragGoesToTheNearestEdge()
     {
-        QFETCH(const QRectF, screen);
-        QFETCH(const QPointF, point);
-        QFETCH(const QString, placement);
-        withPlacement([&](NotchPlacement &dragged) {
-            dragged.moveTo(point, screen);
-            QCOMPARE(shown(dragged), placement);
-        });
-    }
-
-    void aLockedPanelIsNotDraggedButMovesWhenTold()
-    {
-        withPlacement([](NotchPlacement &placement) {
-            placement.toggleLocked();
-            placement.moveTo({110, 600}, wide);
-            QCOMPARE(shown(placement), u"right 0 locked"_s);
-            placement.moveToEdge(NotchEdge::Top, wide);
-            QCOMPARE(shown(placement), u"top 0 locked"_s);
-        });
+        using Row = std::tuple<QRectF, QPointF, QString>;
+        for (const auto &[screen, point, placement] : {
+                 Row(wide, {1530, 400}, u"right -100"_s),
+                 Row(wide, {110, 600}, u"left 100"_s),
+                 Row(wide, {900, 60}, u"top 80"_s),
+                 Row(wide, {700, 940}, u"bottom -120"_s),
+                 Row(wide, {2000, 510}, u"right 10"_s),   // beyond the screen
+                 Row(square, {100, 100}, u"left -300"_s), // as near to two of them, or to all
+                 Row(square, {650, 150}, u"right -250"_s),
+                 Row(square, {400, 400}, u"left 0"_s),
+             }) {
+            withPlacement([&](NotchPlacement &dragged) {
+                dragged.moveTo(point, screen);
+                QCOMPARE(shown(dragged), placement);
+            });
+        }
     }
 
     void theOffsetKeepsThePanelOnTheScreen()
@@ -163,7 +110,11 @@ private Q_SLOTS:
             QCOMPARE(placement.offset(), placement.clamp(10000, wide));
             QVERIFY(placement.offset() < 450);
             placement.centerOnEdge();
-            QCOMPARE(shown(placement), u"right 0"_s);
+            placement.toggleLocked();
+            placement.moveTo({110, 600}, wide); // a locked panel is not dragged
+            QCOMPARE(shown(placement), u"right 0 locked"_s);
+            placement.moveToEdge(NotchEdge::Top, wide); // but moves when told
+            QCOMPARE(shown(placement), u"top 0 locked"_s);
         });
     }
 

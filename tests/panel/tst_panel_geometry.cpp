@@ -5,18 +5,22 @@
 #include "Panel/Layout.h"
 #include "Panel/PanelGeometry.h"
 #include "Panel/PanelShapes.h"
-#include "panel/Edges.h"
 
 using namespace Qt::StringLiterals;
 using namespace nubble;
 
 namespace {
 
-constexpr double hair = 1e-6;
+constexpr double hair = 2e-6;
 
 bool holds(const QRectF &outer, const QRectF &inner)
 {
     return outer.adjusted(-hair, -hair, hair, hair).contains(inner);
+}
+
+bool equals(const QRectF &a, const QRectF &b)
+{
+    return holds(a, b) && holds(b, a);
 }
 
 double sideOf(NotchEdge edge, const QRectF &rect)
@@ -31,24 +35,68 @@ class TestPanelGeometry : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void onEveryScreenThePanelIsFlushAndTheCardInSight_data()
+    void everyMeasureIsTheExactOne()
     {
-        QTest::addColumn<NotchEdge>("edge");
-        QTest::addColumn<double>("offset");
-        QTest::addColumn<QRectF>("screen");
-        const QRectF second(1920, -200, 1440, 900), fractional(0, 0, 1280.5, 720.5), tiny(0, 0, 320, 240);
-        for (const NotchEdge edge : allEdges)
-            for (const QRectF &screen : {second, fractional, tiny})
-                for (const double offset : {-1e9, -100.4, 0.0, 33.5, 1e9})
-                    QTest::addRow("%s %g on %g", qPrintable(rawValue(edge)), offset, screen.width())
-                        << edge << offset << screen;
+        // For a line height of 11, worked out by hand from the base sizes.
+        using Row = std::tuple<Layout, NotchEdge, QSizeF, QRectF, QPointF, double>;
+        const Layout bare(11, false, 0), full(11, true, 3);
+        const QSizeF upright(329.743590, 460), fullUpright(329.743590, 565.511111),
+            level(246.153846, 560.567521), fullLevel(317.709402, 560.567521);
+        for (const auto &[layout, edge, window, body, actions, limit] : {
+                 Row(bare, NotchEdge::Right, upright, {288.410256, 178.666667, 41.333333, 115.333333}, {},
+                     656),
+                 Row(bare, NotchEdge::Top, level, {71.743590, 0, 98.355556, 58.311111}, {}, 668.666667),
+                 Row(full, NotchEdge::Right, fullUpright, {288.410256, 231.422222, 41.333333, 243.644444},
+                     {309.076923, 399.666667}, 527.688889),
+                 Row(full, NotchEdge::Left, fullUpright, {0, 231.422222, 41.333333, 243.644444},
+                     {20.666667, 399.666667}, 527.688889),
+                 Row(full, NotchEdge::Top, fullLevel, {107.521368, 0, 209.688889, 58.311111},
+                     {250.299145, 20.666667}, 561.644444),
+                 Row(full, NotchEdge::Bottom, fullLevel, {107.521368, 502.256410, 209.688889, 58.311111},
+                     {250.299145, 539.900855}, 561.644444),
+             }) {
+            QVERIFY(equals({{}, layout.windowSize(edge)}, {{}, window}));
+            QVERIFY(equals(layout.bodyRect(edge), body));
+            QVERIFY(
+                actions.isNull() || (layout.actionsCenterInWindow(edge) - actions).manhattanLength() < hair);
+            QVERIFY(std::abs(layout.offsetLimit(edge, 1440) - limit) < hair);
+            QCOMPARE(layout.offsetLimit(edge, 50), 0);
+        }
     }
 
     void onEveryScreenThePanelIsFlushAndTheCardInSight()
     {
-        QFETCH(const NotchEdge, edge);
-        QFETCH(const double, offset);
-        QFETCH(const QRectF, screen);
+        const QRectF second(1920, -200, 1440, 900), fractional(0, 0, 1280.5, 720.5), tiny(0, 0, 320, 240);
+        for (const NotchEdge edge : allEdges)
+            for (const QRectF &screen : {second, fractional, tiny})
+                for (const double offset : {-1e9, -100.4, 0.0, 33.5, 1e9})
+                    expectFlushAndInSight(edge, offset, screen);
+    }
+
+    void theBodyAndCardAreDrawnWithinTheirPlaces()
+    {
+        const QRectF rect(300, 200, 150, 130);
+
+        const QRectF withTail[]{
+            rect.adjusted(0, 0, 14, 0), rect.adjusted(-14, 0, 0, 0), rect.adjusted(0, -14, 0, 0),
+            rect.adjusted(0, 0, 0, 14)};
+        const QPointF inTail[]{{460, 250}, {290, 250}, {350, 190}, {350, 340}};
+        for (const NotchEdge edge : allEdges) {
+            QVERIFY(equals(rect, bodyOutline(edge, rect).boundingRect()));
+            const QPainterPath card = cardOutline(edge, rect, 14, 50);
+            const QRectF bounds = card.boundingRect();
+            QVERIFY(equals(withTail[static_cast<int>(edge)], bounds));
+            QVERIFY(card.contains(inTail[static_cast<int>(edge)]));
+            QVERIFY(card.contains(rect.center()));
+            for (const double along : {-1e6, 0.0, 1e6}) // the tail keeps clear of the corners
+                QVERIFY(holds(
+                    rect.adjusted(-14, -14, 14, 14), cardOutline(edge, rect, 14, along).boundingRect()));
+        }
+    }
+
+private:
+    static void expectFlushAndInSight(NotchEdge edge, double offset, const QRectF &screen)
+    {
         const Layout layout(11, false, 3);
         const double limit = layout.offsetLimit(edge, Layout::along(edge, screen.size()));
         const double clamped = std::clamp(offset, -limit, limit);
@@ -76,30 +124,6 @@ private Q_SLOTS:
             isVertical(edge) ? area.top() - geometry.screen.top() : area.left() - geometry.screen.left();
         const double room = Layout::along(edge, screen.size()) - Layout::along(edge, area.size());
         QVERIFY(room < 0 ? std::abs(first) < hair : first > -hair && first < room + hair);
-    }
-
-    void theBodyAndCardAreDrawnWithinTheirPlaces_data() { addEdgeRows(); }
-    void theBodyAndCardAreDrawnWithinTheirPlaces()
-    {
-        QFETCH(const NotchEdge, edge);
-        const QRectF rect(300, 200, 150, 130);
-        const QRectF body = bodyOutline(edge, rect).boundingRect();
-        QVERIFY(holds(rect, body) && holds(body, rect));
-
-        const QRectF withTail[]{
-            rect.adjusted(0, 0, 14, 0), rect.adjusted(-14, 0, 0, 0), rect.adjusted(0, -14, 0, 0),
-            rect.adjusted(0, 0, 0, 14)};
-        const QPointF inTail[]{{460, 250}, {290, 250}, {350, 190}, {350, 340}};
-        const QPainterPath card = cardOutline(edge, rect, 14, 50);
-        const QRectF bounds = card.boundingRect();
-        QVERIFY(
-            holds(withTail[static_cast<int>(edge)], bounds)
-            && holds(bounds, withTail[static_cast<int>(edge)]));
-        QVERIFY(card.contains(inTail[static_cast<int>(edge)]));
-        QVERIFY(card.contains(rect.center()));
-        for (const double along : {-1e6, 0.0, 1e6}) // the tail keeps clear of the corners
-            QVERIFY(
-                holds(rect.adjusted(-14, -14, 14, 14), cardOutline(edge, rect, 14, along).boundingRect()));
     }
 };
 

@@ -95,32 +95,17 @@ std::vector<uint32_t> ForeignApplication::numbers(xcb_window_t window, const cha
     return {first, first + xcb_get_property_value_length(reply.get()) / 4};
 }
 
-void ForeignApplication::askWindowManager(
-    xcb_window_t window, const char *message, const std::array<uint32_t, 5> &data)
+void ForeignApplication::focus(xcb_window_t window)
 {
     xcb_client_message_event_t event{};
     event.response_type = XCB_CLIENT_MESSAGE;
     event.format = 32;
     event.window = window;
-    event.type = atom(message);
-    std::memcpy(event.data.data32, data.data(), sizeof event.data.data32);
+    event.type = atom("_NET_ACTIVE_WINDOW");
+    event.data.data32[0] = 2; // asked for by the user
     xcb_send_event(
         m_connection, 0, m_root, XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
         reinterpret_cast<const char *>(&event));
-    awaitServer();
-}
-
-void ForeignApplication::iconify(xcb_window_t window)
-{
-    constexpr uint32_t iconicState = 3;
-    askWindowManager(window, "WM_CHANGE_STATE", {iconicState});
-    if (!QTest::qWaitFor([&] { return !isViewable(window); }))
-        qFatal("a foreign window cannot be iconified");
-}
-
-void ForeignApplication::focus(xcb_window_t window)
-{
-    askWindowManager(window, "_NET_ACTIVE_WINDOW", {2});
     if (!QTest::qWaitFor([&] { return focusedWindow() == window; }))
         qFatal("a foreign window cannot be focused");
 }
@@ -156,20 +141,13 @@ QRect ForeignApplication::onScreen(xcb_window_t window) const
     return size && position ? QRect(position->dst_x, position->dst_y, size->width, size->height) : QRect();
 }
 
-void userDoes(const QByteArrayList &xdotool)
+void userClicks(const QPoint &pixel)
 {
-    QStringList arguments;
-    for (const QByteArray &each : xdotool)
-        arguments.append(QString::fromLatin1(each));
+    const QStringList arguments{
+        QStringLiteral("mousemove"), QString::number(pixel.x()), QString::number(pixel.y()),
+        QStringLiteral("click"), QStringLiteral("1")};
     if (QProcess::execute(QStringLiteral("xdotool"), arguments) != 0)
         qFatal("xdotool failed");
-}
-
-void userClicks(const QPoint &pixel, int button)
-{
-    userDoes(
-        {"mousemove", QByteArray::number(pixel.x()), QByteArray::number(pixel.y()), "click",
-         QByteArray::number(button)});
 }
 
 } // namespace nubble

@@ -3,7 +3,6 @@
 #include <QColor>
 #include <QRect>
 
-#include <array>
 #include <vector>
 #include <xcb/xcb.h>
 
@@ -30,8 +29,6 @@ public:
     void setText(xcb_window_t window, const char *property, const QByteArray &value);
     [[nodiscard]] std::vector<uint32_t> numbers(xcb_window_t window, const char *property) const;
     [[nodiscard]] xcb_atom_t atom(const char *name) const;
-    void askWindowManager(xcb_window_t window, const char *message, const std::array<uint32_t, 5> &data);
-    void iconify(xcb_window_t window);
     void focus(xcb_window_t window);
 
     [[nodiscard]] int presses(); // of mouse buttons that have reached its windows so far
@@ -39,7 +36,6 @@ public:
     [[nodiscard]] bool isViewable(xcb_window_t window) const;
     [[nodiscard]] QRect onScreen(xcb_window_t window) const; // in pixels
     [[nodiscard]] xcb_window_t root() const { return m_root; }
-    [[nodiscard]] xcb_connection_t *connection() const { return m_connection; }
 
 private:
     void awaitServer() const;
@@ -50,8 +46,7 @@ private:
     int m_presses = 0;
 };
 
-// Moves the pointer and clicks, or presses keys, as a user does; arguments as xdotool takes them.
-void userDoes(const QByteArrayList &xdotool);
-void userClicks(const QPoint &pixel, int button = 1);
+// Moves the pointer there and clicks, as a user does.
+void userClicks(const QPoint &pixel);
 
 } // namespace nubble

@@ -4,7 +4,6 @@
 #include "Platform/X11/X11Connection.h"
 #include "Platform/X11/X11Workspace.h"
 #include "platform/ForeignApplication.h"
-#include "platform/PrivateDesktop.h"
 
 using namespace nubble;
 
@@ -26,10 +25,6 @@ private:
     [[nodiscard]] std::vector<uint32_t> stacking() const
     {
         return m_terminal.numbers(m_terminal.root(), "_NET_CLIENT_LIST_STACKING");
-    }
-    [[nodiscard]] uint32_t currentDesktop() const
-    {
-        return m_terminal.numbers(m_terminal.root(), "_NET_CURRENT_DESKTOP").at(0);
     }
 
 private Q_SLOTS:
@@ -91,24 +86,6 @@ private Q_SLOTS:
         m_terminal.setNumbers(m_terminal.root(), "_NET_CLIENT_LIST", {window}, "WINDOW");
     }
 
-    void activatingBringsIconifiedWindowsForward()
-    {
-        const auto shell = m_terminal.open({0, 0, 300, 300}, Qt::red);
-        const auto log = m_terminal.open({350, 0, 300, 300}, Qt::red);
-        const auto text = m_editor.open({100, 100, 300, 300}, Qt::blue);
-        m_terminal.iconify(log);
-        m_editor.focus(text);
-
-        m_workspace.activate(4242);
-        QTRY_COMPARE(m_terminal.focusedWindow(), shell); // the one used last, not the one put away
-        QTRY_VERIFY(m_terminal.isViewable(log));
-
-        m_terminal.iconify(shell);
-        m_terminal.iconify(log);
-        m_workspace.activate(4242);
-        QTRY_VERIFY(m_terminal.isViewable(shell) && m_terminal.isViewable(log));
-    }
-
     void activatingRaisesAllItsWindowsInTheirOrder()
     {
         const auto below = m_terminal.open({0, 0, 300, 300}, Qt::red);
@@ -122,24 +99,7 @@ private Q_SLOTS:
         QTRY_COMPARE(m_terminal.focusedWindow(), above);
         QTRY_COMPARE(stacking(), (std::vector<uint32_t>{text, below, above}));
     }
-
-    void activatingGoesToTheDesktopOfTheWindow()
-    {
-        const auto shell = m_terminal.open({0, 0, 300, 300}, Qt::red);
-        m_terminal.askWindowManager(shell, "_NET_WM_DESKTOP", {2, 2});
-        const auto text = m_editor.open({100, 100, 300, 300}, Qt::blue);
-        m_editor.focus(text);
-        QTRY_VERIFY(!m_terminal.isViewable(shell));
-
-        m_workspace.activate(4242);
-        QTRY_COMPARE(m_terminal.focusedWindow(), shell);
-        QCOMPARE(currentDesktop(), 2u);
-
-        m_workspace.activate(4343);
-        QTRY_COMPARE(m_editor.focusedWindow(), text);
-        QCOMPARE(currentDesktop(), 0u);
-    }
 };
 
-PRIVATE_DESKTOP_MAIN(TestX11Workspace)
+QTEST_MAIN(TestX11Workspace)
 #include "tst_x11_workspace.moc"

@@ -8,89 +8,65 @@
 #include "support/FakeWorkspace.h"
 
 using namespace Qt::StringLiterals;
-
-namespace nubble {
+using namespace nubble;
 
 class ProcessActivatorTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void bringsTheNearestAncestorForwardThatIsAnApplication();
-    void looksAtTwentyFourAncestorsAtMost();
-    void endsAtTheRootAndAtALoop();
-    void fallsBackToClaudesOwnApplication();
-    void asksTheSystemForAParent();
+    void bringsTheNearestAncestorForwardThatIsAnApplication()
+    {
+        m_workspace.applications = {{50, u"Desktop"_s, u"desktop"_s}, {60, u"XTerm"_s, u"xterm"_s}};
+        m_parents = {{90, 80}, {80, 70}, {70, 60}, {60, 50}};
+        QCOMPARE(activatedFor(90), QList<pid_t>{60});
+        QCOMPARE(activatedFor(50), QList<pid_t>{50});
+    }
+
+    void looksAtTwentyFourAncestorsAtMost()
+    {
+        m_parents.clear();
+        for (pid_t pid = 101; pid < 200; ++pid)
+            m_parents.insert(pid, pid - 1);
+        m_workspace.applications = {{100, u"XTerm"_s, u"xterm"_s}};
+        QCOMPARE(activatedFor(124), QList<pid_t>{100});
+        QCOMPARE(activatedFor(125), QList<pid_t>{});
+    }
+
+    void endsAtTheRootAndAtALoop()
+    {
+        m_workspace.applications = {{1, u"Init"_s, u"init"_s}};
+        m_parents = {{90, 1}, {80, 80}, {70, 60}, {60, 70}};
+        for (const pid_t pid : {90, 80, 70, 5})
+            QCOMPARE(activatedFor(pid), QList<pid_t>{});
+    }
+
+    void fallsBackToClaudesOwnApplication()
+    {
+        m_workspace.applications = {
+            {40, u"XTerm"_s, u"xterm"_s},
+            {::getpid(), u"claude-notch"_s, u"Claude"_s},
+            {41, u"Editor"_s, u"claude"_s},
+            {42, u"com.Claude.desktop"_s, u"main"_s},
+            {43, u"other"_s, u"Claude"_s}};
+        QCOMPARE(activatedFor(90), QList<pid_t>{42});
+        m_workspace.applications.removeAt(3);
+        QCOMPARE(activatedFor(90), QList<pid_t>{43});
+    }
 
 private:
-    QList<pid_t> activatedFor(pid_t pid);
+    QList<pid_t> activatedFor(pid_t pid)
+    {
+        m_workspace.activated.clear();
+        ProcessActivator activator(m_workspace, [this](pid_t child) {
+            return m_parents.contains(child) ? std::optional(m_parents.value(child)) : std::nullopt;
+        });
+        activator.activate(pid);
+        return m_workspace.activated;
+    }
 
     FakeWorkspace m_workspace;
     QHash<pid_t, pid_t> m_parents;
 };
 
-void ProcessActivatorTest::init()
-{
-    m_workspace = {};
-    m_parents.clear();
-}
-
-QList<pid_t> ProcessActivatorTest::activatedFor(pid_t pid)
-{
-    m_workspace.activated.clear();
-    ProcessActivator activator(m_workspace, [this](pid_t child) {
-        return m_parents.contains(child) ? std::optional(m_parents.value(child)) : std::nullopt;
-    });
-    activator.activate(pid);
-    return m_workspace.activated;
-}
-
-void ProcessActivatorTest::bringsTheNearestAncestorForwardThatIsAnApplication()
-{
-    m_workspace.applications = {{50, u"Desktop"_s, u"desktop"_s}, {60, u"XTerm"_s, u"xterm"_s}};
-    m_parents = {{90, 80}, {80, 70}, {70, 60}, {60, 50}};
-    QCOMPARE(activatedFor(90), QList<pid_t>{60});
-    QCOMPARE(activatedFor(50), QList<pid_t>{50});
-}
-
-void ProcessActivatorTest::looksAtTwentyFourAncestorsAtMost()
-{
-    for (pid_t pid = 101; pid < 200; ++pid)
-        m_parents.insert(pid, pid - 1);
-    m_workspace.applications = {{100, u"XTerm"_s, u"xterm"_s}};
-    QCOMPARE(activatedFor(124), QList<pid_t>{100});
-    QCOMPARE(activatedFor(125), QList<pid_t>{});
-}
-
-void ProcessActivatorTest::endsAtTheRootAndAtALoop()
-{
-    m_workspace.applications = {{1, u"Init"_s, u"init"_s}};
-    m_parents = {{90, 1}, {80, 80}, {70, 60}, {60, 70}};
-    for (const pid_t pid : {90, 80, 70, 5})
-        QCOMPARE(activatedFor(pid), QList<pid_t>{});
-}
-
-void ProcessActivatorTest::fallsBackToClaudesOwnApplication()
-{
-    m_workspace.applications = {
-        {40, u"XTerm"_s, u"xterm"_s},
-        {::getpid(), u"claude-notch"_s, u"Claude"_s},
-        {41, u"Editor"_s, u"claude"_s},
-        {42, u"com.Claude.desktop"_s, u"main"_s},
-        {43, u"other"_s, u"Claude"_s}};
-    QCOMPARE(activatedFor(90), QList<pid_t>{42});
-    m_workspace.applications.removeAt(3);
-    QCOMPARE(activatedFor(90), QList<pid_t>{43});
-}
-
-void ProcessActivatorTest::asksTheSystemForAParent()
-{
-    QCOMPARE(ProcessActivator::parentPid(::getpid()), std::optional(::getppid()));
-    QCOMPARE(ProcessActivator::parentPid(std::numeric_limits<pid_t>::max()), std::nullopt);
-    QCOMPARE(ProcessActivator::parentPid(-1), std::nullopt);
-}
-
-} // namespace nubble
-
-QTEST_GUILESS_MAIN(nubble::ProcessActivatorTest)
+QTEST_GUILESS_MAIN(ProcessActivatorTest)
 #include "tst_process_activator.moc"

@@ -15,33 +15,185 @@
 #include "support/TemporaryHome.h"
 
 using namespace Qt::StringLiterals;
-
-namespace nubble {
+using namespace nubble;
 
 class SessionMonitorTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-    void listsLiveSessionsByLastActivity();
-    void keepsTheFoldersOrderAmongEquals();
-    void notifiesOnlyOfChanges();
-    void seesARewriteOfTheSameSizeWithinOneTick();
-    void emptiesWithTheFolderAndFillsAgain();
-    void showsACompletionForTwoMinutes();
-    void completesOnlyWhatWasSeenBusy();
-    void tellsTwoTerminalsOfOneConversationApart();
-    void leavesOutWhatIsNoRecord();
-    void doesNotFlickerWhileRecordsAreRewritten();
-    void skipsABrokenRecordWithoutWaitingForItAgain();
+    void init()
+    {
+        m_home = std::make_unique<TemporaryHome>();
+        m_processes.alive = {7, 8, 9};
+        QVERIFY(QDir().mkpath(m_home->path(u"sessions"_s)));
+        m_monitor = std::make_unique<SessionMonitor>(
+            m_home->path(u"sessions"_s), m_home->path(u"projects"_s), m_processes, m_clock);
+    }
+
+    void cleanup() { m_monitor.reset(); }
+
+    void listsLiveSessionsByLastActivity()
+    {
+        put(u"7.json"_s, recordJson(7, u"older"_s, u"idle"_s, 2000));
+        put(u"8.json"_s, recordJson(8, u"newer"_s, u"idle"_s, 3000));
+        put(u"9.json"_s, R"({"pid":9,"sessionId":"started","cwd":"/","startedAt":2500})");
+        put(u"6.json"_s, recordJson(6, u"dead"_s, u"busy"_s));
+        const QSignalSpy changed(m_monitor.get(), &SessionMonitor::sessionsChanged);
+        m_monitor->refresh();
+        m_monitor->refresh();
+        QCOMPARE(ids(), QStringList({u"newer"_s, u"started"_s, u"older"_s}));
+        QCOMPARE(changed.count(), 1);
+    }
+
+    void seesARewriteOfTheSameSizeWithinOneTick()
+    {
+        const QString path = m_home->write(u"sessions/7.json"_s, recordJson(7, u"a"_s, u"busy"_s));
+        m_monitor->refresh();
+        struct stat before { };
+        QCOMPARE(::stat(qPrintable(path), &before), 0);
+        put(u"7.json"_s, recordJson(7, u"a"_s, u"idle"_s));
+        const timespec times[]{before.st_atim, before.st_mtim};
+        QCOMPARE(::utimensat(AT_FDCWD, qPrintable(path), times, 0), 0);
+        m_monitor->refresh();
+        QCOMPARE(m_monitor->activity(), RunState::Completed);
+    }
+
+    void emptiesWithTheFolderAndFillsAgain()
+    {
+        put(u"7.json"_s, recordJson(7, u"a"_s, u"busy"_s));
+        m_monitor->refresh();
+        QVERIFY(QDir(m_home->path(u"sessions"_s)).removeRecursively());
+        m_monitor->refresh();
+        QCOMPARE(ids(), QStringList());
+        put(u"7.json"_s, recordJson(7, u"a"_s, u"busy"_s));
+        QTRY_COMPARE(ids(), QStringList{u"a"_s}); // by itself
+    }
+
+    void showsACompletionForTwoMinutes()
+    {
+        QSignalSpy changed(m_monitor.get(), &SessionMonitor::recentlyCompletedChanged);
+        put(u"7.json"_s, recordJson(7, u"a"_s, u"busy"_s));
+        m_monitor->refresh();
+        QCOMPARE(m_monitor->activity(), RunState::Working);
+        put(u"7.json"_s, recordJson(7, u"a"_s, QString()));
+        m_monitor->refresh();
+        QCOMPARE(m_monitor->activity(), RunState::Completed);
+        m_clock.advance(119'999);
+        m_monitor->refresh();
+        QCOMPARE(m_monitor->recentlyCompleted(), QSet{u"a"_s});
+        put(u"7.json"_s, recordJson(7, u"a"_s, u"busy"_s));
+        m_monitor->refresh();
+        QCOMPARE(m_monitor->runState(m_monitor->sessions().first()), RunState::Working);
+        m_clock.advance(1);
+        m_monitor->refresh();
+        QCOMPARE(m_monitor->recentlyCompleted(), QSet<QString>());
+        QCOMPARE(changed.count(), 2);
+    }
+
+    void completesOnlyWhatWasSeenBusy()
+    {
+        put(u"7.json"_s, recordJson(7, u"idle from the start"_s, u"idle"_s));
+        put(u"8.json"_s, recordJson(8, u"dies"_s, u"busy"_s));
+        put(u"9.json"_s, recordJson(9, u"is cleared"_s, u"busy"_s));
+        m_monitor->refresh();
+        m_processes.alive.remove(8);
+        put(u"9.json"_s, recordJson(9, u"new conversation"_s, u"idle"_s));
+        m_monitor->refresh();
+        m_processes.alive.insert(8);
+        put(u"8.json"_s, recordJson(8, u"dies"_s, u"idle"_s));
+        m_monitor->refresh();
+        QCOMPARE(m_monitor->sessions().size(), 3);
+        QCOMPARE(m_monitor->recentlyCompleted(), QSet<QString>());
+    }
+
+    void tellsTwoTerminalsOfOneConversationApart()
+    {
+        put(u"7.json"_s, recordJson(7, u"a"_s, u"busy"_s));
+        put(u"8.json"_s, recordJson(8, u"a"_s, u"idle"_s));
+        for (int poll = 0; poll < 3; ++poll)
+            m_monitor->refresh();
+        QCOMPARE(ids(), QStringList({u"a"_s, u"a"_s}));
+        QCOMPARE(m_monitor->recentlyCompleted(), QSet<QString>());
+        put(u"7.json"_s, recordJson(7, u"a"_s, u"idle"_s));
+        m_monitor->refresh();
+        QCOMPARE(m_monitor->recentlyCompleted(), QSet{u"a"_s});
+    }
+
+    void leavesOutWhatIsNoRecord()
+    {
+        const QString folder = m_home->path(u"sessions/"_s);
+        QCOMPARE(::mkfifo(qPrintable(folder + u"fifo.json"), 0600), 0);
+        QVERIFY(QDir().mkpath(folder + u"folder.json"));
+        QVERIFY(QFile::link(folder + u"nowhere", folder + u"dangling.json"));
+        QVERIFY(QFile::link(folder + u"circle.json", folder + u"circle.json"));
+        put(u"huge.json"_s, recordJson(7, u"huge"_s, u"busy"_s));
+        QVERIFY(QFile::resize(folder + u"huge.json", 100'000'000));
+        put(u"padded.json"_s, recordJson(7, u"padded"_s, u"idle"_s) + QByteArray(1024 * 1024, ' '));
+        put(u"group.json"_s, recordJson(0, u"group"_s, u"busy"_s));
+        put(u"self.json"_s, recordJson(::getpid(), u"self"_s, u"busy"_s));
+        const LinuxProcessTable processes;
+        SessionMonitor monitor(m_home->path(u"sessions"_s), m_home->path(u"projects"_s), processes, m_clock);
+        QCOMPARE(monitor.sessions().size(), 1);
+        QCOMPARE(monitor.sessions().first().sessionId, u"self"_s);
+    }
+
+    void doesNotFlickerWhileRecordsAreRewritten()
+    {
+        put(u"7.json"_s, recordJson(7, u"a"_s, u"busy"_s));
+        m_monitor->refresh();
+        const QByteArray path = QFile::encodeName(m_home->path(u"sessions/7.json"_s));
+        std::atomic_bool done = false;
+        std::atomic_int rewrites = 0;
+        // As the real writer does it: without emptying the file first, and cutting it last.
+        std::thread writer([&] {
+            for (; !done; ++rewrites) {
+                const QByteArray text = recordJson(7, u"a"_s, u"busy"_s + QString(rewrites % 5, u'!'));
+                const int file = ::open(path, O_WRONLY);
+                const auto size = static_cast<size_t>(text.size());
+                if (::pwrite(file, text, size, 0) != text.size() || ::ftruncate(file, text.size()) != 0)
+                    qFatal("cannot rewrite the record");
+                ::close(file);
+                std::this_thread::sleep_for(std::chrono::microseconds(20));
+            }
+        });
+        int missed = 0;
+        for (int poll = 0; poll < 20'000 || rewrites < 2'000; ++poll) {
+            m_monitor->refresh();
+            missed += m_monitor->sessions().isEmpty() ? 1 : 0;
+        }
+        done = true;
+        writer.join();
+        QCOMPARE(missed, 0);
+    }
+
+    void skipsABrokenRecordWithoutWaitingForItAgain()
+    {
+        put(u"7.json"_s, "{\"pid\":7,");
+        put(u"8.json"_s, recordJson(8, u"a"_s, u"idle"_s));
+        m_monitor->refresh();
+        QElapsedTimer timer;
+        timer.start();
+        for (int poll = 0; poll < 1000; ++poll)
+            m_monitor->refresh();
+        QVERIFY(timer.elapsed() < 1000); // waiting would make it two seconds
+        QCOMPARE(ids(), QStringList{u"a"_s});
+        put(u"7.json"_s, recordJson(7, u"b"_s, u"idle"_s, 3000));
+        m_monitor->refresh();
+        QCOMPARE(ids(), QStringList({u"b"_s, u"a"_s}));
+    }
 
 private:
     void put(const QString &name, const QByteArray &bytes) const
     {
         m_home->write(u"sessions/"_s + name, bytes);
     }
-    [[nodiscard]] QStringList ids() const;
+    [[nodiscard]] QStringList ids() const
+    {
+        QStringList ids;
+        for (const ClaudeSession &session : m_monitor->sessions())
+            ids.append(session.sessionId);
+        return ids;
+    }
 
     std::unique_ptr<TemporaryHome> m_home;
     FakeProcessTable m_processes;
@@ -49,202 +201,5 @@ private:
     std::unique_ptr<SessionMonitor> m_monitor;
 };
 
-void SessionMonitorTest::init()
-{
-    m_home = std::make_unique<TemporaryHome>();
-    m_processes.alive = {7, 8, 9};
-    QVERIFY(QDir().mkpath(m_home->path(u"sessions"_s)));
-    m_monitor = std::make_unique<SessionMonitor>(
-        m_home->path(u"sessions"_s), m_home->path(u"projects"_s), m_processes, m_clock);
-}
-
-void SessionMonitorTest::cleanup()
-{
-    m_monitor.reset();
-}
-
-QStringList SessionMonitorTest::ids() const
-{
-    QStringList ids;
-    for (const ClaudeSession &session : m_monitor->sessions())
-        ids.append(session.sessionId);
-    return ids;
-}
-
-void SessionMonitorTest::listsLiveSessionsByLastActivity()
-{
-    put(u"7.json"_s, recordJson(7, u"older"_s, u"idle"_s, 2000));
-    put(u"8.json"_s, recordJson(8, u"newer"_s, u"idle"_s, 3000));
-    put(u"9.json"_s, R"({"pid":9,"sessionId":"started","cwd":"/","startedAt":2500})");
-    put(u"6.json"_s, recordJson(6, u"dead"_s, u"busy"_s));
-    put(u"7.JSON"_s, recordJson(7, u"upper case"_s, u"busy"_s));
-    put(u".json"_s, recordJson(7, u"no extension"_s, u"busy"_s));
-    m_monitor->refresh();
-    QCOMPARE(ids(), QStringList({u"newer"_s, u"started"_s, u"older"_s}));
-    QCOMPARE(m_monitor->activity(), RunState::Idle);
-}
-
-void SessionMonitorTest::keepsTheFoldersOrderAmongEquals()
-{
-    for (int i = 0; i < 20; ++i)
-        put(QString::number(i) + u".json", recordJson(7, QString::number(i), u"idle"_s));
-    QStringList listed;
-    QDir folder(m_home->path(u"sessions"_s));
-    folder.setSorting(QDir::Unsorted);
-    for (const QString &name : folder.entryList(QDir::Files))
-        listed.append(name.chopped(5));
-    m_monitor->refresh();
-    QCOMPARE(ids(), listed);
-}
-
-void SessionMonitorTest::notifiesOnlyOfChanges()
-{
-    QSignalSpy changed(m_monitor.get(), &SessionMonitor::sessionsChanged);
-    put(u"7.json"_s, recordJson(7, u"a"_s, u"idle"_s));
-    m_monitor->refresh();
-    m_monitor->refresh();
-    QCOMPARE(changed.count(), 1);
-}
-
-void SessionMonitorTest::seesARewriteOfTheSameSizeWithinOneTick()
-{
-    const QString path = m_home->write(u"sessions/7.json"_s, recordJson(7, u"a"_s, u"busy"_s));
-    m_monitor->refresh();
-    struct stat before { };
-    QCOMPARE(::stat(qPrintable(path), &before), 0);
-    put(u"7.json"_s, recordJson(7, u"a"_s, u"idle"_s));
-    const timespec times[]{before.st_atim, before.st_mtim};
-    QCOMPARE(::utimensat(AT_FDCWD, qPrintable(path), times, 0), 0);
-    m_monitor->refresh();
-    QCOMPARE(m_monitor->activity(), RunState::Completed);
-}
-
-void SessionMonitorTest::emptiesWithTheFolderAndFillsAgain()
-{
-    put(u"7.json"_s, recordJson(7, u"a"_s, u"busy"_s));
-    m_monitor->refresh();
-    QVERIFY(QDir(m_home->path(u"sessions"_s)).removeRecursively());
-    m_monitor->refresh();
-    QCOMPARE(ids(), QStringList());
-    put(u"7.json"_s, recordJson(7, u"a"_s, u"busy"_s));
-    QTRY_COMPARE(ids(), QStringList{u"a"_s}); // by itself
-}
-
-void SessionMonitorTest::showsACompletionForTwoMinutes()
-{
-    QSignalSpy changed(m_monitor.get(), &SessionMonitor::recentlyCompletedChanged);
-    put(u"7.json"_s, recordJson(7, u"a"_s, u"busy"_s));
-    m_monitor->refresh();
-    QCOMPARE(m_monitor->activity(), RunState::Working);
-    put(u"7.json"_s, recordJson(7, u"a"_s, QString()));
-    m_monitor->refresh();
-    QCOMPARE(m_monitor->activity(), RunState::Completed);
-    m_clock.advance(119'999);
-    m_monitor->refresh();
-    QCOMPARE(m_monitor->recentlyCompleted(), QSet{u"a"_s});
-    put(u"7.json"_s, recordJson(7, u"a"_s, u"busy"_s));
-    m_monitor->refresh();
-    QCOMPARE(m_monitor->runState(m_monitor->sessions().first()), RunState::Working);
-    m_clock.advance(1);
-    m_monitor->refresh();
-    QCOMPARE(m_monitor->recentlyCompleted(), QSet<QString>());
-    QCOMPARE(changed.count(), 2);
-}
-
-void SessionMonitorTest::completesOnlyWhatWasSeenBusy()
-{
-    put(u"7.json"_s, recordJson(7, u"idle from the start"_s, u"idle"_s));
-    put(u"8.json"_s, recordJson(8, u"dies"_s, u"busy"_s));
-    put(u"9.json"_s, recordJson(9, u"is cleared"_s, u"busy"_s));
-    m_monitor->refresh();
-    m_processes.alive.remove(8);
-    put(u"9.json"_s, recordJson(9, u"new conversation"_s, u"idle"_s));
-    m_monitor->refresh();
-    m_processes.alive.insert(8);
-    put(u"8.json"_s, recordJson(8, u"dies"_s, u"idle"_s));
-    m_monitor->refresh();
-    QCOMPARE(m_monitor->sessions().size(), 3);
-    QCOMPARE(m_monitor->recentlyCompleted(), QSet<QString>());
-}
-
-void SessionMonitorTest::tellsTwoTerminalsOfOneConversationApart()
-{
-    put(u"7.json"_s, recordJson(7, u"a"_s, u"busy"_s));
-    put(u"8.json"_s, recordJson(8, u"a"_s, u"idle"_s));
-    for (int poll = 0; poll < 3; ++poll)
-        m_monitor->refresh();
-    QCOMPARE(ids(), QStringList({u"a"_s, u"a"_s}));
-    QCOMPARE(m_monitor->recentlyCompleted(), QSet<QString>());
-    put(u"7.json"_s, recordJson(7, u"a"_s, u"idle"_s));
-    m_monitor->refresh();
-    QCOMPARE(m_monitor->recentlyCompleted(), QSet{u"a"_s});
-}
-
-void SessionMonitorTest::leavesOutWhatIsNoRecord()
-{
-    const QString folder = m_home->path(u"sessions/"_s);
-    QCOMPARE(::mkfifo(qPrintable(folder + u"fifo.json"), 0600), 0);
-    QVERIFY(QDir().mkpath(folder + u"folder.json"));
-    QVERIFY(QFile::link(folder + u"nowhere", folder + u"dangling.json"));
-    QVERIFY(QFile::link(folder + u"circle.json", folder + u"circle.json"));
-    put(u"huge.json"_s, recordJson(7, u"huge"_s, u"busy"_s));
-    QVERIFY(QFile::resize(folder + u"huge.json", 100'000'000));
-    put(u"padded.json"_s, recordJson(7, u"padded"_s, u"idle"_s) + QByteArray(1024 * 1024, ' '));
-    put(u"group.json"_s, recordJson(0, u"group"_s, u"busy"_s));
-    put(u"everyone.json"_s, recordJson(-1, u"everyone"_s, u"busy"_s));
-    put(u"self.json"_s, recordJson(::getpid(), u"self"_s, u"busy"_s));
-    const LinuxProcessTable processes;
-    SessionMonitor monitor(m_home->path(u"sessions"_s), m_home->path(u"projects"_s), processes, m_clock);
-    QCOMPARE(monitor.sessions().size(), 1);
-    QCOMPARE(monitor.sessions().first().sessionId, u"self"_s);
-}
-
-void SessionMonitorTest::doesNotFlickerWhileRecordsAreRewritten()
-{
-    put(u"7.json"_s, recordJson(7, u"a"_s, u"busy"_s));
-    m_monitor->refresh();
-    const QByteArray path = QFile::encodeName(m_home->path(u"sessions/7.json"_s));
-    std::atomic_bool done = false;
-    std::atomic_int rewrites = 0;
-    // As the real writer does it: without emptying the file first, and cutting it last.
-    std::thread writer([&] {
-        for (; !done; ++rewrites) {
-            const QByteArray text = recordJson(7, u"a"_s, u"busy"_s + QString(rewrites % 5, u'!'));
-            const int file = ::open(path, O_WRONLY);
-            const auto size = static_cast<size_t>(text.size());
-            if (::pwrite(file, text, size, 0) != text.size() || ::ftruncate(file, text.size()) != 0)
-                qFatal("cannot rewrite the record");
-            ::close(file);
-            std::this_thread::sleep_for(std::chrono::microseconds(20));
-        }
-    });
-    int missed = 0;
-    for (int poll = 0; poll < 20'000 || rewrites < 2'000; ++poll) {
-        m_monitor->refresh();
-        missed += m_monitor->sessions().isEmpty() ? 1 : 0;
-    }
-    done = true;
-    writer.join();
-    QCOMPARE(missed, 0);
-}
-
-void SessionMonitorTest::skipsABrokenRecordWithoutWaitingForItAgain()
-{
-    put(u"7.json"_s, "{\"pid\":7,");
-    put(u"8.json"_s, recordJson(8, u"a"_s, u"idle"_s));
-    m_monitor->refresh();
-    QElapsedTimer timer;
-    timer.start();
-    for (int poll = 0; poll < 1000; ++poll)
-        m_monitor->refresh();
-    QVERIFY(timer.elapsed() < 1000); // waiting would make it two seconds
-    QCOMPARE(ids(), QStringList{u"a"_s});
-    put(u"7.json"_s, recordJson(7, u"b"_s, u"idle"_s, 3000));
-    m_monitor->refresh();
-    QCOMPARE(ids(), QStringList({u"b"_s, u"a"_s}));
-}
-
-} // namespace nubble
-
-QTEST_GUILESS_MAIN(nubble::SessionMonitorTest)
+QTEST_GUILESS_MAIN(SessionMonitorTest)
 #include "tst_session_monitor.moc"

@@ -24,50 +24,30 @@ class TestDefaults : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void valuesEditedByHandCountOnlyWhenTheyAreOfTheRightKind_data()
-    {
-        QTest::addColumn<QByteArray>("written");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("number");
-        QTest::addColumn<QString>("boolean");
-        const auto row = [](const char *written, const char16_t *text, const char16_t *number,
-                            const char16_t *boolean) {
-            QTest::newRow(*written ? written : "empty")
-                << QByteArray(written) << QString::fromUtf16(text) << QString::fromUtf16(number)
-                << QString::fromUtf16(boolean);
-        };
-        row("true", u"true", u"none", u"true");
-        row("false", u"false", u"none", u"false");
-        row("True", u"True", u"none", u"none");
-        row("yes", u"yes", u"none", u"none");
-        row("1", u"1", u"1", u"none");
-        row("0", u"0", u"0", u"none");
-        row("-12.5", u"-12.5", u"-12.5", u"none");
-        row("1e300", u"1e300", u"1e+300", u"none");
-        row("1e999", u"1e999", u"none", u"none");
-        row("nan", u"nan", u"none", u"none");
-        row("-inf", u"-inf", u"none", u"none");
-        row("12px", u"12px", u"none", u"none");
-        row("12, 5", u"none", u"none", u"none");
-        row("", u"", u"none", u"none");
-        row("\"quoted, text\"", u"quoted, text", u"none", u"none");
-        row("@ByteArray(true)", u"none", u"none", u"none");
-        row("@Point(1 2)", u"none", u"none", u"none");
-        row("@Variant(\\0\\0)", u"none", u"none", u"none");
-    }
-
     void valuesEditedByHandCountOnlyWhenTheyAreOfTheRightKind()
     {
-        QFETCH(const QByteArray, written);
-        QFETCH(const QString, text);
-        QFETCH(const QString, number);
-        QFETCH(const QString, boolean);
-        const TemporaryHome home;
-        const Defaults defaults(home.write(u"preferences.conf"_s, "[General]\na.key=" + written + '\n'));
-        QVERIFY(defaults.contains(u"a.key"_s));
-        QCOMPARE(defaults.string(u"a.key"_s).value_or(u"none"_s), text);
-        QCOMPARE(shown(defaults.number(u"a.key"_s)), number);
-        QCOMPARE(shown(defaults.boolean(u"a.key"_s)), boolean);
+        using Row = std::array<const char *, 4>; // as text, as a number, as a flag
+        for (const auto &[written, text, number, boolean] : {
+                 Row{"true", "true", "none", "true"},
+                 Row{"false", "false", "none", "false"},
+                 Row{"1", "1", "1", "none"},
+                 Row{"-12.5", "-12.5", "-12.5", "none"},
+                 Row{"1e999", "1e999", "none", "none"},
+                 Row{"-inf", "-inf", "none", "none"},
+                 Row{"12px", "12px", "none", "none"},
+                 Row{"12, 5", "none", "none", "none"},
+                 Row{"", "", "none", "none"},
+                 Row{"\"quoted, text\"", "quoted, text", "none", "none"},
+                 Row{"@Variant(\\0\\0)", "none", "none", "none"},
+             }) {
+            const TemporaryHome home;
+            const Defaults defaults(
+                home.write(u"preferences.conf"_s, QByteArray("[General]\na.key=") + written + '\n'));
+            QVERIFY(defaults.contains(u"a.key"_s));
+            QCOMPARE(defaults.string(u"a.key"_s).value_or(u"none"_s), QString::fromUtf8(text));
+            QCOMPARE(shown(defaults.number(u"a.key"_s)), QString::fromUtf8(number));
+            QCOMPARE(shown(defaults.boolean(u"a.key"_s)), QString::fromUtf8(boolean));
+        }
     }
 
     void whatIsSetIsReadBackAlikeInThisRunAndTheNext()

@@ -24,6 +24,10 @@ private Q_SLOTS:
         QCOMPARE(
             afterMigration(),
             u"addon.ask=true migrated.brindleCove=true placement.edge=top placement.offset=12.5"_s);
+        old("placement.edge=bottom\nplacement.offset=99\n"); // and only once
+        QCOMPARE(
+            afterMigration(),
+            u"addon.ask=true migrated.brindleCove=true placement.edge=top placement.offset=12.5"_s);
     }
 
     void everyOldKeyIsCopiedAsItStandsAndNoOther()
@@ -60,14 +64,6 @@ private Q_SLOTS:
         QCOMPARE(
             afterMigration(),
             u"addon.ask=true addon.quenwick=true addon.search=true migrated.brindleCove=true placement.edge=top"_s);
-    }
-
-    void itIsDoneOnce()
-    {
-        old("placement.edge=top\n");
-        QCOMPARE(afterMigration(), u"migrated.brindleCove=true placement.edge=top"_s);
-        old("placement.edge=bottom\nplacement.offset=99\n");
-        QCOMPARE(afterMigration(), u"migrated.brindleCove=true placement.edge=top"_s);
     }
 
 private:

@@ -19,7 +19,7 @@ public:
     void orderFront() override { m_window.show(); }
     void orderOut() override { m_window.hide(); }
     void setActiveRects(const QList<QRectF> &rects) override { activeRects = rects; }
-    [[nodiscard]] bool isTranslucent() const override { return m_translucent; }
+    [[nodiscard]] bool isTranslucent() const override { return true; }
     void setOutline(const QPainterPath &path) override { outline = path; }
     void takeKeyboard() override
     {
@@ -28,12 +28,6 @@ public:
     }
     void releaseKeyboard() override { hasKeyboard = false; }
 
-    void setTranslucent(bool translucent)
-    {
-        m_translucent = translucent;
-        Q_EMIT translucencyChanged();
-    }
-
     int placements = 0;
     QList<QRectF> activeRects;
     QPainterPath outline;
@@ -41,7 +35,6 @@ public:
 
 private:
     QWidget &m_window;
-    bool m_translucent = true;
 };
 
 } // namespace nubble

@@ -1,5 +1,4 @@
 #include <QElapsedTimer>
-#include <QSignalSpy>
 #include <QTest>
 
 #include <memory>
@@ -65,39 +64,6 @@ private Q_SLOTS:
         QCOMPARE(afterRefresh(true), u"30");
     }
 
-    void onlyAChangeIsPublished()
-    {
-        addAnswer(u"a_0"_s, 42, 0min);
-        start();
-        const QSignalSpy changed(m_monitor.get(), &PlanUsageMonitor::changed);
-        QCOMPARE(afterRefresh(true), u"42");
-        QCOMPARE(changed.count(), 0);
-        addAnswer(u"a_0"_s, 43, 0min);
-        QCOMPARE(afterRefresh(), u"43");
-        QCOMPARE(changed.count(), 1);
-    }
-
-    void aRefreshDuringAReadIsDropped()
-    {
-        addAnswer(u"a_0"_s, 42, 0min);
-        m_zstd = m_cache->writeScript(
-            u"zstd"_s,
-            "#!/bin/sh\ncd \"${0%/*}\"\necho run >> runs\nuntil [ -e go ]; do sleep 0.01; done\nexec zstd "
-            "-dc\n");
-        m_monitor = monitor();
-        const QSignalSpy refreshing(m_monitor.get(), &PlanUsageMonitor::refreshingChanged);
-        QVERIFY(m_monitor->isRefreshing());
-        m_monitor->refresh(false);
-        m_monitor->refresh(true);
-        QCOMPARE(refreshing.count(), 0);
-        m_cache->write(u"go"_s, {});
-        QTRY_VERIFY(!m_monitor->isRefreshing());
-        QCOMPARE(refreshing.count(), 1);
-        QFile runs(m_cache->path(u"runs"_s));
-        QVERIFY(runs.open(QIODevice::ReadOnly));
-        QCOMPARE(runs.readAll(), "run\n");
-    }
-
     void aMonitorCanGoInTheMiddleOfARead()
     {
         addAnswer(u"a_0"_s, 42, 0min);
@@ -109,14 +75,6 @@ private Q_SLOTS:
         m_monitor.reset();
         QVERIFY(timer.elapsed() < 5000);
         QCoreApplication::processEvents();
-    }
-
-    void theCacheIsFoundBelowTheHomeFolder()
-    {
-        addAnswer(u"a_0"_s, 42, 0min);
-        m_monitor =
-            std::make_unique<PlanUsageMonitor>(m_cache->home(), m_clock, PlanUsageMonitor::defaultDomain);
-        QTRY_COMPARE(shown(), u"42");
     }
 
 private:

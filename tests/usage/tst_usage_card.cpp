@@ -1,9 +1,7 @@
 #include <QAbstractButton>
-#include <QImage>
 #include <QLabel>
 #include <QSignalSpy>
 
-#include "Panel/Palette.h"
 #include "Usage/LimitRow.h"
 #include "Usage/PlanUsageMonitor.h"
 #include "Usage/UsageCardContent.h"
@@ -51,18 +49,6 @@ void addEntry(const UsageCache &cache, const ManualClock &clock, const QByteArra
         clock.msecsSinceEpoch());
 }
 
-// The colour in the middle of the bar's first pixels.
-QColor barColor(double fraction)
-{
-    LimitRow row(u"Row"_s);
-    row.setWindow(fraction, QString(), false);
-    row.resize(200, row.sizeHint().height());
-    QImage picture(row.size(), QImage::Format_ARGB32_Premultiplied);
-    picture.fill(Qt::black);
-    row.render(&picture, {}, {}, QWidget::DrawChildren);
-    return picture.pixelColor(4, 24);
-}
-
 } // namespace
 
 class TestUsageCard : public QObject {
@@ -107,16 +93,6 @@ private Q_SLOTS:
         button->click();
         QCOMPARE(refreshing.size(), 1);
         QTRY_COMPARE(usage.rows().last(), u"All models, 7% Used"_s);
-    }
-
-    void theBarTakesItsColourFromTheFraction()
-    {
-        QCOMPARE(barColor(0.49), Palette::ample);
-        QCOMPARE(barColor(0.5), Palette::watch);
-        QCOMPARE(barColor(0.69), Palette::watch);
-        QCOMPARE(barColor(0.7), Palette::critical);
-        QCOMPARE(barColor(1.5), Palette::critical);
-        QVERIFY(barColor(0) != Palette::ample);
     }
 };
 

@@ -26,29 +26,17 @@ class UsageParsingTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void aUsageKeyIsOneOfAnOrganisationsUsage_data()
-    {
-        QTest::addColumn<QByteArray>("key");
-        QTest::addColumn<bool>("usage");
-        const auto row = [](const char *path, bool usage) {
-            QTest::newRow(path) << UsageCache::keyFor(path) << usage;
-        };
-        row("/api/organizations/abc/usage", true);
-        row("/api/organizations/abc/usage?window=all", true);
-        row("/api/organizations/abc/usage#top", true);
-        row("/api/organizations//abc//usage/", true);
-        row("/api/organizations/abc/usage/daily", false);
-        row("/api/organizations/usage", false);
-        row("/api/organizations/?abc/usage", false);
-        row("/api/organizations/abc/Usage", false);
-        row("/api/organizations/x/api/organizations/abc/usage", false);
-        row("/api/bootstrap/abc/usage", false);
-        QTest::newRow("elsewhere") << QByteArray("https://example.org/api/organizations/abc/usage") << false;
-    }
     void aUsageKeyIsOneOfAnOrganisationsUsage()
     {
-        QFETCH(QByteArray, key);
-        QTEST(CacheEntry::isUsageKey(key, "claude.ai"), "usage");
+        for (const auto &[path, usage] :
+             {std::pair("/api/organizations/abc/usage", true),
+              {"/api/organizations/abc/usage?window=all", true},
+              {"/api/organizations//abc//usage/", true},
+              {"/api/organizations/abc/usage/daily", false},
+              {"/api/organizations/x/api/organizations/abc/usage", false},
+              {"/api/bootstrap/abc/usage", false}})
+            QVERIFY2(CacheEntry::isUsageKey(UsageCache::keyFor(path), "claude.ai") == usage, path);
+        QVERIFY(!CacheEntry::isUsageKey("https://example.org/api/organizations/abc/usage", "claude.ai"));
     }
 
     void anEntryCutAnywhereGivesAnAnswerOrNone()
@@ -78,80 +66,58 @@ private Q_SLOTS:
         }
     }
 
-    void windowsAreReadInBothShapes_data()
-    {
-        QTest::addColumn<QByteArray>("json");
-        QTest::addColumn<QByteArray>("session");
-        QTest::addColumn<QByteArray>("weekly");
-        const auto row = [](const char *name, const char *json, const char *session, const char *weekly) {
-            QTest::newRow(name) << QByteArray(json) << QByteArray(session) << QByteArray(weekly);
-        };
-        row("limits",
-            R"({"limits":[{"kind":"session","percent":42,"resets_at":"2026-09-21T10:00:00.123456+00:00"},)"
-            R"({"kind":"weekly_all","percent":7.5,"resets_at":"2026-09-21T10:00:00+02:00"},)"
-            R"({"kind":"weekly_other","percent":99}]})",
-            "0.42 2026-09-21T10:00:00.123Z", "0.075 2026-09-21T08:00:00.000Z");
-        row("windows", R"({"five_hour":{"utilization":150,"resets_at":null},"seven_day":{"utilization":0}})",
-            "1.5 undated", "0 undated");
-        row("limits go first, window by window",
-            R"({"limits":[{"kind":"session","percent":1}],"five_hour":{"utilization":2},"seven_day":{"utilization":3}})",
-            "0.01 undated", "0.03 undated");
-        row("an element without a number",
-            R"({"limits":[{"kind":"session","percent":"42"}],"five_hour":{"utilization":2}})", "0.02 undated",
-            "none");
-        row("dates that are none",
-            R"({"five_hour":{"utilization":1,"resets_at":"2026-09-21T10:00:00"},"seven_day":{"utilization":1,"resets_at":5}})",
-            "0.01 undated", "0.01 undated");
-        row("any type anywhere",
-            R"({"limits":[null,1,"x",[],{"kind":{},"percent":1},{"kind":"session","percent":true}],)"
-            R"("five_hour":[1],"seven_day":{"utilization":-3}})",
-            "none", "-0.03 undated");
-    }
     void windowsAreReadInBothShapes()
     {
-        QFETCH(QByteArray, json);
-        const auto windows = parseUsageJson(json);
-        QVERIFY(windows);
-        QTEST(printed(windows->session), "session");
-        QTEST(printed(windows->weekly), "weekly");
+        using Row = std::array<const char *, 3>;
+        for (
+            const auto &[json, session, weekly] : {
+                Row{R"({"limits":[{"kind":"session","percent":42,"resets_at":"2026-09-21T10:00:00.123456+00:00"},)"
+                    R"({"kind":"weekly_all","percent":7.5,"resets_at":"2026-09-21T10:00:00+02:00"},)"
+                    R"({"kind":"weekly_other","percent":99}]})",
+                    "0.42 2026-09-21T10:00:00.123Z", "0.075 2026-09-21T08:00:00.000Z"},
+                Row{R"({"five_hour":{"utilization":150,"resets_at":null},)"
+                    R"("seven_day":{"utilization":0,"resets_at":"2026-09-21T10:00:00"}})",
+                    "1.5 undated", "0 undated"},
+                // Limits go first, window by window.
+                Row{R"({"limits":[{"kind":"session","percent":1}],"five_hour":{"utilization":2},)"
+                    R"("seven_day":{"utilization":3}})",
+                    "0.01 undated", "0.03 undated"},
+                Row{R"({"limits":[{"kind":"session","percent":"42"}],"five_hour":{"utilization":2}})",
+                    "0.02 undated", "none"},
+                Row{R"({"limits":[null,1,[],{"kind":{},"percent":1},{"kind":"session","percent":true}],)"
+                    R"("five_hour":[1],"seven_day":{"utilization":-3,"resets_at":5}})",
+                    "none", "-0.03 undated"},
+            }) {
+            const auto windows = parseUsageJson(json);
+            QVERIFY2(windows, json);
+            QCOMPARE(printed(windows->session), session);
+            QCOMPARE(printed(windows->weekly), weekly);
+        }
     }
 
-    void whatIsNoUsageAnswerGivesNothing_data()
-    {
-        QTest::addColumn<QByteArray>("json");
-        for (const char *json :
-             {"", "{", "[]", "null", "{}", R"({"limits":{"kind":"session","percent":1}})",
-              R"({"limits":[{"kind":"session"}],"five_hour":null})", R"({"five_hour":{"utilization":1e999}})",
-              R"({"five_hour":{"utilization":"50"}})", R"([{"five_hour":{"utilization":1}}])"})
-            QTest::newRow(json) << QByteArray(json);
-        QTest::newRow("nested without end") << QByteArray(1'000'000, '[');
-    }
     void whatIsNoUsageAnswerGivesNothing()
     {
-        QFETCH(QByteArray, json);
-        QVERIFY(!parseUsageJson(json));
+        for (const char *json :
+             {"", "{", "[]", "{}", R"({"limits":{"kind":"session","percent":1}})",
+              R"({"limits":[{"kind":"session"}],"five_hour":null})", R"({"five_hour":{"utilization":1e999}})",
+              R"({"five_hour":{"utilization":"50"}})"})
+            QVERIFY2(!parseUsageJson(json), json);
+        QVERIFY(!parseUsageJson(QByteArray(1'000'000, '['))); // nested without end
     }
 
-    void aFractionIsShownAsAWholePercentageAndAColour_data()
-    {
-        QTest::addColumn<double>("fraction");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<UsageLevel>("level");
-        QTest::newRow("less than nothing") << -0.2 << u"0% Used"_s << UsageLevel::Ample;
-        QTest::newRow("29") << 29 / 100.0 << u"29% Used"_s << UsageLevel::Ample;
-        QTest::newRow("49") << 49 / 100.0 << u"49% Used"_s << UsageLevel::Ample;
-        QTest::newRow("50") << 50 / 100.0 << u"50% Used"_s << UsageLevel::Watch;
-        QTest::newRow("70") << 70 / 100.0 << u"70% Used"_s << UsageLevel::Critical;
-        QTest::newRow("150") << 1.5 << u"100% Used"_s << UsageLevel::Critical;
-        QTest::newRow("huge") << 1e300 << u"100% Used"_s << UsageLevel::Critical;
-        QTest::newRow("no number") << std::numeric_limits<double>::quiet_NaN() << u"0% Used"_s
-                                   << UsageLevel::Ample;
-    }
     void aFractionIsShownAsAWholePercentageAndAColour()
     {
-        QFETCH(double, fraction);
-        QTEST(percentText(fraction), "text");
-        QTEST(levelOf(fraction), "level");
+        using Row = std::tuple<double, QString, UsageLevel>;
+        const double noNumber = std::numeric_limits<double>::quiet_NaN();
+        for (const auto &[fraction, text, level] :
+             {Row(-0.2, u"0% Used"_s, UsageLevel::Ample), Row(49 / 100.0, u"49% Used"_s, UsageLevel::Ample),
+              Row(50 / 100.0, u"50% Used"_s, UsageLevel::Watch),
+              Row(70 / 100.0, u"70% Used"_s, UsageLevel::Critical),
+              Row(1e300, u"100% Used"_s, UsageLevel::Critical),
+              Row(noNumber, u"0% Used"_s, UsageLevel::Ample)}) {
+            QCOMPARE(percentText(fraction), text);
+            QCOMPARE(levelOf(fraction), level);
+        }
     }
 
     void aResetIsToldByItsDistance()
