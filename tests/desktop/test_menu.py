@@ -35,10 +35,13 @@ class TheContextMenu(DesktopTest):
         return eventually(self.menu_windows, "the menu is open")[0]
 
     def choose(self, nubble, entry, *keys):
-        self.open_menu(nubble)
-        for _ in range(ENTRIES.index(entry) + 1):
-            self.desktop.key("Down")
-        for key in keys or ["Return"]:
+        menu = self.open_menu(nubble).get_geometry()
+        row = menu.height / len(ENTRIES)
+        if keys:
+            self.desktop.move_pointer(menu.x + 20, menu.y + row * (ENTRIES.index(entry) + 0.5))
+        else:
+            self.desktop.click(menu.x + 20, menu.y + row * (ENTRIES.index(entry) + 0.5))
+        for key in keys:
             self.desktop.key(key)
         eventually(lambda: not self.menu_windows(), "the menu is closed")
 
