@@ -51,7 +51,7 @@ private Q_SLOTS:
             (QJsonObject{
                 {u"sessionId"_s, u"session-12"_s},
                 {u"pid"_s, 12},
-                {u"cwd"_s, u"/work/project"_s},
+                {u"cwd"_s, u"/home/ada/project"_s},
                 {u"title"_s, u"busy one"_s},
                 {u"lastPrompt"_s, QJsonValue()},
                 {u"state"_s, u"working"_s},

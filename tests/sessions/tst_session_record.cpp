@@ -74,6 +74,15 @@ private Q_SLOTS:
         }
     }
 
+    void saysWhatItDoes()
+    {
+        ClaudeSession session = sessionOf(u"a"_s, u"/p"_s);
+        QCOMPARE(rowWord(session, RunState::Working), u"working"_s);
+        QCOMPARE(rowWord(session, RunState::Completed), u"done"_s);
+        session.status = u"waiting"_s;
+        QCOMPARE(rowWord(session, RunState::Completed), u"waiting"_s);
+    }
+
     void saysHowLongAgo()
     {
         const qint64 now = 1'790'000'000'000;

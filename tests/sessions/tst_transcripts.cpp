@@ -188,6 +188,14 @@ private Q_SLOTS:
         QCOMPARE(update().title, QString(4096, u'x'));
     }
 
+    void keepsTheTextWholeWhereTheEndBeginsWithinACharacter()
+    {
+        const QByteArray end = "\n" + titleLine("café") + lastPromptLine("p");
+        // The tail begins with the second byte of the last "é".
+        put(QByteArray("é").repeated(1000) + QByteArray(256 * 1024 - 1 - end.size(), 'x') + end);
+        QCOMPARE(update(), (SessionDetail{u"café"_s, u"p"_s}));
+    }
+
 private:
     SessionDetail update(bool force = false)
     {

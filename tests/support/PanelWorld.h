@@ -46,7 +46,7 @@ struct PanelWorld {
                 more.insert(key, value);
         };
         defaultTo(QStringLiteral("sessionId"), QStringLiteral("session-%1").arg(pid));
-        defaultTo(QStringLiteral("cwd"), QStringLiteral("/work/project"));
+        defaultTo(QStringLiteral("cwd"), QStringLiteral("/home/ada/project"));
         defaultTo(QStringLiteral("nameSource"), QStringLiteral("user"));
         defaultTo(QStringLiteral("startedAt"), clock.msecsSinceEpoch() - 86'400'000);
         defaultTo(QStringLiteral("updatedAt"), clock.msecsSinceEpoch() - age);
