@@ -33,7 +33,7 @@ int fail(int status, const QString &message)
 // Each home folder given by hand has an instance of its own.
 QString serviceName(const CommandLine &line)
 {
-    const QString name = u"com.brevandel.nubble"_s;
+    QString name = u"com.brevandel.nubble"_s;
     if (!line.home)
         return name;
     const QByteArray hash = QCryptographicHash::hash(line.home->toUtf8(), QCryptographicHash::Sha1);
@@ -97,7 +97,7 @@ int main(int argc, char *argv[])
     const auto parsed = parseCommandLine(arguments);
     if (const auto *error = std::get_if<UsageError>(&parsed))
         return fail(exitUsage, error->message);
-    const auto &line = std::get<CommandLine>(parsed);
+    const CommandLine &line = *std::get_if<CommandLine>(&parsed);
     const Home home = line.home ? Home(*line.home) : Home::ofUser();
 
     switch (line.verb) {

@@ -72,7 +72,7 @@ QString quenwickFolder(const Home &home)
 
 QString recorderScript(const Home &home, const Defaults &defaults)
 {
-    const QString script = defaults.string(u"meetingNotes.script"_s).value_or(QString());
+    QString script = defaults.string(u"meetingNotes.script"_s).value_or(QString());
     if (script.isEmpty())
         return home.file(u".quib-live/quib-live.mjs"_s);
     if (script == u"~" || script.startsWith(u"~/"))
@@ -92,7 +92,7 @@ std::optional<QString> missing(Addon addon, const Home &home, const Defaults &de
     case Addon::Search:
         return missingTool(u"yarnbin"_s, home, u"Needs yarnbin (the `yarnbin` command)."_s);
     case Addon::Notes:
-        if (const auto node = missingTool(u"node"_s, home, u"Needs Node.js."_s))
+        if (auto node = missingTool(u"node"_s, home, u"Needs Node.js."_s))
             return node;
         if (const QString script = recorderScript(home, defaults); !QFileInfo::exists(script))
             return u"Needs the recorder script at "_s + script + u'.';
