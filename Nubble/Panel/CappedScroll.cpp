@@ -64,10 +64,7 @@ void CappedScroll::fit()
 {
     const int contentHeight = widget()->sizeHint().height();
     setVerticalScrollBarPolicy(contentHeight > m_maxHeight ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
-    if (height() == sizeHint().height() && minimumHeight() == height())
-        return;
     setFixedHeight(sizeHint().height());
-    Q_EMIT heightChanged();
 }
 
 bool CappedScroll::eventFilter(QObject *watched, QEvent *event)

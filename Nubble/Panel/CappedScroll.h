@@ -13,9 +13,6 @@ public:
 
     [[nodiscard]] QSize sizeHint() const override;
 
-Q_SIGNALS:
-    void heightChanged();
-
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;

@@ -17,8 +17,6 @@ public:
     // `percentLineHeight` is the height of one line of the percentage below the status ring.
     Layout(double percentLineHeight, bool quenwickCellShown, int actionCount);
 
-    [[nodiscard]] bool quenwickCellShown() const { return m_quenwickCellShown; }
-
     [[nodiscard]] double bodyDepth(NotchEdge edge) const;  // across extent of the collapsed body
     [[nodiscard]] double bodyLength(NotchEdge edge) const; // along extent of the collapsed body
     [[nodiscard]] double quenwickPitch(

@@ -19,7 +19,6 @@ public:
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QRect cardRect() const;       // the card alone
     [[nodiscard]] QPainterPath outline() const; // of card and tail, in the parent's coordinates
-    [[nodiscard]] QWidget *content() const { return m_content; }
     void setTranslucent(bool translucent);
     void setTailAlong(double along); // from the start of the side that faces the body
 
