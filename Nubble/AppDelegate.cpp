@@ -58,6 +58,16 @@ void AppDelegate::show()
     m_panel.applyPlacement();
 }
 
+void AppDelegate::hide()
+{
+    m_placement.setVisible(false);
+}
+
+void AppDelegate::toggle()
+{
+    m_placement.toggleVisible();
+}
+
 void AppDelegate::openSessions()
 {
     show();
@@ -71,6 +81,19 @@ QString AppDelegate::status()
     report.insert("usage"_L1, usageReport(m_planUsage));
     report.insert("panel"_L1, panelReport(m_panelState, m_placement));
     return QString::fromUtf8(QJsonDocument(report).toJson(QJsonDocument::Compact));
+}
+
+std::optional<QString> AppDelegate::perform(const AddonRequest &request)
+{
+    return u"this version has nothing to open for \"%1\" yet"_s.arg(title(addonOf(request)));
+}
+
+std::optional<QString> AppDelegate::performFromOutside(const AddonRequest &request)
+{
+    const Addon addon = addonOf(request);
+    if (!m_addons.contains(addon))
+        return u"the add-on \"%1\" is off; switch it on in Nubble's menu"_s.arg(title(addon));
+    return perform(request);
 }
 
 void AppDelegate::showMenu(const QPoint &screenPosition)

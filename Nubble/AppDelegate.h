@@ -2,6 +2,7 @@
 
 #include <QObject>
 
+#include "AddonRequest.h"
 #include "AppCommands.h"
 #include "Notch/PanelWindow.h"
 #include "Panel/Layout.h"
@@ -33,8 +34,14 @@ public:
     AppDelegate(const Home &home, SessionBus &bus);
 
     void show();
+    void hide();
+    void toggle();
     void openSessions();
     [[nodiscard]] QString status(); // JSON
+
+    // Why not, when it cannot be done. From outside only what is switched on is reached.
+    [[nodiscard]] std::optional<QString> perform(const AddonRequest &request);
+    [[nodiscard]] std::optional<QString> performFromOutside(const AddonRequest &request);
 
 private:
     void observeState();
