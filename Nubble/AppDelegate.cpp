@@ -13,8 +13,8 @@ using namespace Qt::StringLiterals;
 
 namespace nubble {
 
-AppDelegate::AppDelegate(const Home &home, SessionBus &bus)
-    : m_bus(bus), m_relaunch(Relaunch::ofThisProcess()),
+AppDelegate::AppDelegate(const Home &home, SessionBus &bus, Relaunch relaunch)
+    : m_bus(bus), m_relaunch(std::move(relaunch)),
       m_defaults(Defaults::fileOf(u"com.brevandel.nubble"_s, home.configFolder())), m_addons(m_defaults),
       m_backend(makeBackend(home)),
       m_layout(Typography::percentLineHeight(), false, static_cast<int>(m_addons.actions().size())),
@@ -48,7 +48,9 @@ void AppDelegate::observeState()
     connect(
         m_backend.mouseMonitor.get(), &MouseMonitor::pressedElsewhere, &m_panelState, &PanelState::collapse);
     connect(&m_panel.view(), &NotchView::menuRequested, this, &AppDelegate::showMenu);
-    connect(&m_commands, &AppCommands::restartRequested, this, &AppDelegate::restart);
+    connect(
+        &m_commands, &AppCommands::restartRequested, this, &AppDelegate::restart,
+        Qt::SingleShotConnection); // one successor
     connect(&m_commands, &AppCommands::quitRequested, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
 }
 

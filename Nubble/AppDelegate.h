@@ -31,7 +31,7 @@ class AppDelegate : public QObject {
 
 public:
     // `bus` owns the program's name, which a restart gives up; it outlives the delegate.
-    AppDelegate(const Home &home, SessionBus &bus);
+    AppDelegate(const Home &home, SessionBus &bus, Relaunch relaunch);
 
     void show();
     void hide();

@@ -1,8 +1,10 @@
 #include "CommandLine.h"
 
+#include <QCommandLineParser>
 #include <QFileInfo>
 
 #include <array>
+#include <cstdio>
 
 using namespace Qt::StringLiterals;
 
@@ -11,57 +13,85 @@ namespace nubble {
 namespace {
 
 struct Spelling {
-    QStringView text;
+    QStringView words;
     CommandLine::Verb verb;
 };
 
-constexpr std::array verbs{
+constexpr std::array spellings{
+    Spelling{u"show", CommandLine::Verb::Show},
+    Spelling{u"hide", CommandLine::Verb::Hide},
+    Spelling{u"toggle", CommandLine::Verb::Toggle},
     Spelling{u"sessions", CommandLine::Verb::Sessions},
+    Spelling{u"search", CommandLine::Verb::Search},
+    Spelling{u"notes start", CommandLine::Verb::StartNotes},
+    Spelling{u"notes stop", CommandLine::Verb::StopNotes},
     Spelling{u"status", CommandLine::Verb::Status},
-    Spelling{u"--version", CommandLine::Verb::Version},
+    Spelling{u"autostart on", CommandLine::Verb::AutostartOn},
+    Spelling{u"autostart off", CommandLine::Verb::AutostartOff},
 };
 
-std::optional<CommandLine::Verb> verbFrom(const QString &argument)
+std::optional<UsageError> readCommand(CommandLine &line, const QStringList &words)
 {
-    for (const Spelling &spelling : verbs)
-        if (spelling.text == argument)
-            return spelling.verb;
-    return std::nullopt;
+    if (words.isEmpty())
+        return std::nullopt;
+    if (words.first() == u"ask") {
+        line.verb = CommandLine::Verb::Ask;
+        line.question = words.sliced(1).join(u' ').trimmed();
+        return std::nullopt;
+    }
+    const QString command = words.join(u' ');
+    for (const Spelling &spelling : spellings)
+        if (spelling.words == command) {
+            line.verb = spelling.verb;
+            return std::nullopt;
+        }
+    return UsageError{u"There is no command \"%1\"."_s.arg(command)};
 }
 
-UsageError unknown(const QString &argument)
+std::optional<UsageError> readOptions(CommandLine &line, const QCommandLineParser &parser)
 {
-    const QString kind = argument.startsWith(u'-') ? u"option"_s : u"command"_s;
-    return {u"unknown %1 \"%2\"; see nubble --help"_s.arg(kind, argument)};
+    if (parser.isSet(u"home"_s)) {
+        const QFileInfo folder(parser.value(u"home"_s));
+        if (!folder.isDir())
+            return UsageError{u"--home needs an existing folder."_s};
+        line.home = folder.canonicalFilePath(); // one folder, one instance, however it is spelled
+    }
+    line.json = parser.isSet(u"json"_s);
+    if (line.json && line.verb != CommandLine::Verb::Status)
+        return UsageError{u"--json belongs to the command \"status\"."_s};
+    return std::nullopt;
 }
 
 } // namespace
 
+QStringList CommandLine::startArguments() const
+{
+    return home ? QStringList{u"--home"_s, *home} : QStringList();
+}
+
 std::variant<CommandLine, UsageError> parseCommandLine(const QStringList &arguments)
 {
+    QCommandLineParser parser;
+    parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
+    using Option = QCommandLineOption;
+    parser.addOptions(
+        {Option(QStringList{u"h"_s, u"help"_s}), Option(u"version"_s), Option(u"json"_s),
+         Option(u"home"_s, {}, u"DIR"_s)});
+    const bool understood = parser.parse(QStringList(u"nubble"_s) + arguments);
     CommandLine line;
-    bool verbGiven = false;
-    for (qsizetype i = 0; i < arguments.size(); ++i) {
-        const QString &argument = arguments.at(i);
-        if (argument == u"--home") {
-            const QFileInfo folder(arguments.value(++i));
-            if (!folder.isDir())
-                return UsageError{u"--home needs an existing folder"_s};
-            line.home = folder.canonicalFilePath(); // one folder, one instance, however it is spelled
-        } else if (argument == u"--json") {
-            line.json = true;
-        } else if (argument == u"--help" || argument == u"-h") {
-            line.verb = CommandLine::Verb::Help;
-            return line; // whatever else is there
-        } else if (const auto verb = verbFrom(argument); verb && !verbGiven) {
-            line.verb = *verb;
-            verbGiven = true;
-        } else {
-            return unknown(argument);
-        }
+    if (parser.isSet(u"help"_s)) { // whatever else is there
+        line.verb = CommandLine::Verb::Help;
+        return line;
     }
-    if (line.json && line.verb != CommandLine::Verb::Status)
-        return unknown(u"--json"_s);
+    std::optional<UsageError> error;
+    if (!understood)
+        error = UsageError{parser.errorText()};
+    else if (parser.isSet(u"version"_s))
+        line.verb = CommandLine::Verb::Version;
+    else if (error = readCommand(line, parser.positionalArguments()); !error)
+        error = readOptions(line, parser);
+    if (error)
+        return UsageError{error->message + u" See nubble --help."};
     return line;
 }
 
@@ -72,15 +102,31 @@ QString helpText()
            "Shows at the edge of the screen what the Claude Code sessions on this machine are doing.\n"
            "Without a command it starts, or shows the panel of the instance that runs already.\n"
            "\n"
-           "Commands:\n"
-           "  sessions          open the list of sessions, with the keyboard in it\n"
-           "  status [--json]   print what is shown, as a table or as JSON\n"
+           "Commands, for key bindings and scripts:\n"
+           "  show, hide, toggle  the panel\n"
+           "  sessions            open the list of sessions, with the keyboard in it\n"
+           "  ask [QUESTION...]   ask Claude about the screen, at once if there is a question\n"
+           "  search              open the search of chats\n"
+           "  notes start|stop    start or stop meeting notes\n"
+           "  status [--json]     print what is shown, as a table or as JSON\n"
+           "  autostart on|off    start Nubble at login, or no longer\n"
+           "\n"
+           "show, toggle, sessions, ask and search start Nubble when it is not running.\n"
            "\n"
            "Options:\n"
-           "  --home DIR        run against another home folder, apart from your own instance\n"
-           "                    and preferences\n"
-           "  -h, --help        print this help\n"
-           "  --version         print the version\n"_s;
+           "  --home DIR          run against another home folder, apart from your own instance\n"
+           "                      and preferences\n"
+           "  -h, --help          print this help\n"
+           "  --version           print the version\n"
+           "  --                  end the options: nubble ask -- --why\n"
+           "\n"
+           "Exit status: 0 done, 1 could not be done, 2 wrong usage, 3 not running.\n"_s;
+}
+
+int fail(ExitStatus status, const QString &message)
+{
+    std::fprintf(stderr, "nubble: %s\n", qUtf8Printable(message.simplified()));
+    return status;
 }
 
 } // namespace nubble

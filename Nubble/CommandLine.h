@@ -8,13 +8,36 @@
 
 namespace nubble {
 
+enum ExitStatus : int { ExitDone = 0, ExitFailed = 1, ExitWrongUsage = 2, ExitNotRunning = 3 };
+
 // What the program has been asked to do.
 struct CommandLine {
-    enum class Verb { Run, Sessions, Status, Help, Version };
+    enum class Verb {
+        Run,
+        Show,
+        Hide,
+        Toggle,
+        Sessions,
+        Ask,
+        Search,
+        StartNotes,
+        StopNotes,
+        Status,
+        AutostartOn,
+        AutostartOff,
+        Help,
+        Version,
+    };
 
     Verb verb = Verb::Run;
     bool json = false;           // of the status
+    QString question;            // to ask; may be empty
     std::optional<QString> home; // another home folder, absolute
+
+    // With which the program starts for the same home.
+    [[nodiscard]] QStringList startArguments() const;
+
+    bool operator==(const CommandLine &) const = default;
 };
 
 // One line for standard error.
@@ -26,5 +49,8 @@ struct UsageError {
 [[nodiscard]] std::variant<CommandLine, UsageError> parseCommandLine(const QStringList &arguments);
 
 [[nodiscard]] QString helpText();
+
+// Says in one line on standard error why it is that status, which it returns.
+int fail(ExitStatus status, const QString &message);
 
 } // namespace nubble

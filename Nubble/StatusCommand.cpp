@@ -8,6 +8,8 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include "ClientCommands.h"
+#include "CommandLine.h"
 #include "Platform/Clock.h"
 #include "Platform/Freedesktop/SessionBus.h"
 #include "Platform/Home.h"
@@ -42,15 +44,6 @@ QJsonObject freshRead(const Home &home)
     return report;
 }
 
-QJsonObject currentReport(const Home &home, const SessionBus &bus)
-{
-    constexpr int patience = 2000;
-    const std::optional<QVariantList> answer = bus.call(u"Status"_s, {}, patience);
-    const QJsonDocument report =
-        QJsonDocument::fromJson(answer ? answer->value(0).toString().toUtf8() : QByteArray());
-    return report.isObject() ? report.object() : freshRead(home);
-}
-
 qsizetype terminalWidth()
 {
     winsize size{};
@@ -61,15 +54,18 @@ qsizetype terminalWidth()
 
 int printStatus(const Home &home, const SessionBus &bus, bool json)
 {
-    const QJsonObject report = currentReport(home, bus);
+    constexpr int patience = 2000;
+    const BusAnswer answer = bus.call(u"Status"_s, {}, patience);
+    QJsonObject report = QJsonDocument::fromJson(answer.values.value(0).toString().toUtf8()).object();
+    if (report.isEmpty())
+        report = freshRead(home);
     const QByteArray text = json
         ? QJsonDocument(report).toJson(QJsonDocument::Indented)
         : statusTable(report, terminalWidth(), QDateTime::currentDateTime()).toUtf8();
-    return std::fwrite(text.constData(), 1, static_cast<size_t>(text.size()), stdout)
-                == static_cast<size_t>(text.size())
-            && std::fflush(stdout) == 0
-        ? 0
-        : 1;
+    const bool written = std::fwrite(text.constData(), 1, static_cast<size_t>(text.size()), stdout)
+            == static_cast<size_t>(text.size())
+        && std::fflush(stdout) == 0;
+    return written ? exitStatusOf(answer) : fail(ExitFailed, u"the status cannot be written"_s);
 }
 
 } // namespace nubble

@@ -1,5 +1,4 @@
 #include <QApplication>
-#include <QCryptographicHash>
 #include <QPalette>
 #include <QToolTip>
 
@@ -8,6 +7,7 @@
 #include <vector>
 
 #include "AppDelegate.h"
+#include "ClientCommands.h"
 #include "CommandLine.h"
 #include "Control.h"
 #include "Panel/Palette.h"
@@ -21,36 +21,11 @@ using namespace nubble;
 
 namespace {
 
-constexpr int exitFailure = 1;
-constexpr int exitUsage = 2;
-
-int fail(int status, const QString &message)
-{
-    std::fprintf(stderr, "nubble: %s\n", qUtf8Printable(message));
-    return status;
-}
-
-// Each home folder given by hand has an instance of its own.
-QString serviceName(const CommandLine &line)
-{
-    QString name = u"com.brevandel.nubble"_s;
-    if (!line.home)
-        return name;
-    const QByteArray hash = QCryptographicHash::hash(line.home->toUtf8(), QCryptographicHash::Sha1);
-    return name + u".home_"_s + QString::fromLatin1(hash.toHex());
-}
-
-int askRunningInstance(const SessionBus &bus, const QString &method)
-{
-    constexpr int patience = 5000;
-    return bus.call(method, {}, patience) ? 0 : fail(exitFailure, u"the running instance does not answer"_s);
-}
-
 int run(int argc, char *argv[], const CommandLine &line, const Home &home)
 {
     std::optional<QByteArray> platform = qtPlatform();
     if (!platform)
-        return fail(exitFailure, u"there is no display to show the panel on; see nubble --help"_s);
+        return fail(ExitFailed, u"there is no display to show the panel on; see nubble --help"_s);
     std::optional<FontPreload> fonts(std::in_place);
     // As an argument, for the environment would be handed down to every child process.
     std::vector<char *> qtArguments(argv, argv + argc);
@@ -59,6 +34,7 @@ int run(int argc, char *argv[], const CommandLine &line, const Home &home)
         qtArguments.insert(qtArguments.begin() + 1, {option.data(), platform->data()});
     int count = static_cast<int>(qtArguments.size());
     qtArguments.push_back(nullptr);
+    QCoreApplication::setAttribute(Qt::AA_DisableSessionManager); // which would start it again by itself
     QApplication application(count, qtArguments.data());
     QApplication::setApplicationName(u"nubble"_s);
     QApplication::setApplicationDisplayName(u"Nubble"_s);
@@ -66,25 +42,31 @@ int run(int argc, char *argv[], const CommandLine &line, const Home &home)
     QToolTip::setPalette(Palette::widgets());
     QApplication::setQuitOnLastWindowClosed(false);
 
-    const bool openSessions = line.verb == CommandLine::Verb::Sessions;
-    SessionBus bus(serviceName(line));
+    SessionBus bus(Control::serviceName(line));
     QObject exported;
     auto *control = new Control(&exported);
     if (!bus.claim(&exported))
-        return askRunningInstance(bus, openSessions ? u"OpenSessions"_s : u"Show"_s);
+        return runInInstance(line, bus);
 
     {
         Defaults defaults(Defaults::fileOf(u"com.brevandel.nubble"_s, home.configFolder()));
         Migration::fromBrindleCove(defaults, home);
     }
     fonts.reset();
-    AppDelegate delegate(home, bus);
+    AppDelegate delegate(home, bus, Relaunch::ofThisProgram(line.startArguments()));
     control->serve(delegate);
     const TerminationSignals signals_;
     QObject::connect(&signals_, &TerminationSignals::received, &application, &QCoreApplication::quit);
-    if (openSessions)
-        delegate.openSessions();
     return QApplication::exec();
+}
+
+int runCommand(const CommandLine &line, const Home &home)
+{
+    using Verb = CommandLine::Verb;
+    if (line.verb == Verb::AutostartOn || line.verb == Verb::AutostartOff)
+        return setAutostart(line, home);
+    const SessionBus bus(Control::serviceName(line));
+    return line.verb == Verb::Status ? printStatus(home, bus, line.json) : runInInstance(line, bus);
 }
 
 } // namespace
@@ -96,24 +78,21 @@ int main(int argc, char *argv[])
         arguments.append(QString::fromLocal8Bit(argv[i]));
     const auto parsed = parseCommandLine(arguments);
     if (const auto *error = std::get_if<UsageError>(&parsed))
-        return fail(exitUsage, error->message);
+        return fail(ExitWrongUsage, error->message);
     const CommandLine &line = *std::get_if<CommandLine>(&parsed);
     const Home home = line.home ? Home(*line.home) : Home::ofUser();
 
     switch (line.verb) {
     case CommandLine::Verb::Help:
         std::fputs(qUtf8Printable(helpText()), stdout);
-        return 0;
+        return ExitDone;
     case CommandLine::Verb::Version:
         std::puts("nubble " NUBBLE_VERSION);
-        return 0;
-    case CommandLine::Verb::Status: {
-        const QCoreApplication application(argc, argv);
-        return printStatus(home, SessionBus(serviceName(line)), line.json);
-    }
+        return ExitDone;
     case CommandLine::Verb::Run:
-    case CommandLine::Verb::Sessions:
-        break;
+        return run(argc, argv, line, home);
+    default:
+        const QCoreApplication application(argc, argv);
+        return runCommand(line, home);
     }
-    return run(argc, argv, line, home);
 }

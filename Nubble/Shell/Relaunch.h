@@ -4,17 +4,21 @@
 
 namespace nubble {
 
-// Starting this program again, the way in which it was started.
+// Starting this program again.
 struct Relaunch {
     QString program;       // absolute path of the executable
     QStringList arguments; // without the program's name
 
     // Taken early: when a package update has replaced the executable, its path can no longer be asked for.
-    [[nodiscard]] static Relaunch ofThisProcess();
+    // Needs the application object.
+    [[nodiscard]] static Relaunch ofThisProgram(const QStringList &arguments);
 
     // Starts a detached shell that waits until this process has had time to end, and then runs the program. A
     // failure to start it is ignored. The caller quits afterwards.
     void now() const;
+
+    // Starts one more process at once, which outlives the terminal of this one and keeps nothing of it open.
+    [[nodiscard]] bool detached() const;
 };
 
 } // namespace nubble

@@ -13,8 +13,12 @@ QString shown(const std::variant<CommandLine, UsageError> &parsed)
     if (const auto *error = std::get_if<UsageError>(&parsed))
         return u"error: "_s + error->message;
     const auto &line = std::get<CommandLine>(parsed);
-    const QStringList verbs{u"run"_s, u"sessions"_s, u"status"_s, u"help"_s, u"version"_s};
+    const QStringList verbs{u"run"_s,       u"show"_s,   u"hide"_s,         u"toggle"_s,
+                            u"sessions"_s,  u"ask"_s,    u"search"_s,       u"notes on"_s,
+                            u"notes off"_s, u"status"_s, u"autostart on"_s, u"autostart off"_s,
+                            u"help"_s,      u"version"_s};
     return verbs.at(static_cast<int>(line.verb)) + (line.json ? u" json"_s : QString())
+        + (line.question.isEmpty() ? QString() : u" ["_s + line.question + u']')
         + (line.home ? u" in "_s + *line.home : QString());
 }
 
@@ -44,20 +48,35 @@ private Q_SLOTS:
                 << text << QString::fromUtf16(meaning);
         };
         row(u"", u"run");
+        row(u"notes|start", u"notes on");
+        row(u"autostart|off", u"autostart off");
         row(u"status|--json", u"status json");
         row(u"--json|status", u"status json");
-        row(u"-h", u"help");
+        row(u"--bogus|-h", u"help");
+        row(u"--version", u"version");
+
+        row(u"ask", u"ask");
+        row(u"ask||", u"ask");
+        row(u"ask|what is|this?", u"ask [what is this?]");
+        row(u"ask|hide", u"ask [hide]");
+        row(u"ask|--|--json|--|-h", u"ask [--json -- -h]");
+        row(u"--|show", u"show");
 
         row(u"--home|HOME/./sub/../sub", u"run in HOME/sub");
         row(u"--home|link", u"run in HOME/sub");
         row(u"status|--home|sub|--json", u"status json in HOME/sub");
-        row(u"--home", u"error: --home needs an existing folder");
-        row(u"--home|--json|status", u"error: --home needs an existing folder");
-        row(u"--home|sub/file", u"error: --home needs an existing folder");
+        row(u"ask|--home=sub|why", u"ask [why] in HOME/sub");
+        row(u"--home", u"error: Missing value after '--home'. See nubble --help.");
+        row(u"--home|--json|status", u"error: --home needs an existing folder. See nubble --help.");
+        row(u"--home|sub/file", u"error: --home needs an existing folder. See nubble --help.");
 
-        row(u"--json", u"error: unknown option \"--json\"; see nubble --help");
-        row(u"Status", u"error: unknown command \"Status\"; see nubble --help");
-        row(u"status|sessions", u"error: unknown command \"sessions\"; see nubble --help");
+        row(u"--json", u"error: --json belongs to the command \"status\". See nubble --help.");
+        row(u"ask|-v", u"error: Unknown option 'v'. See nubble --help.");
+        row(u"-session|1", u"error: Unknown option 'session'. See nubble --help.");
+        row(u"Status", u"error: There is no command \"Status\". See nubble --help.");
+        row(u"status|sessions", u"error: There is no command \"status sessions\". See nubble --help.");
+        row(u"notes", u"error: There is no command \"notes\". See nubble --help.");
+        row(u"--home|sub|", u"error: There is no command \"\". See nubble --help.");
     }
 
     void itIsUnderstoodOrRefusedInOneLine()

@@ -52,9 +52,27 @@ private Q_SLOTS:
         SessionBus bus(u"com.brevandel.nubble.test"_s);
         QVERIFY(!bus.isConnected());
         QVERIFY(bus.claim(&exported));
-        QCOMPARE(bus.call(u"repeat"_s, {}, 1000), std::nullopt);
+        QCOMPARE(bus.call(u"Repeat"_s, {}, 1000).kind, BusAnswer::Kind::NotOwned);
         qputenv("DBUS_SESSION_BUS_ADDRESS", address);
         qputenv("XDG_RUNTIME_DIR", runtimeFolder);
+    }
+
+    void aCallTellsWhyItIsNotAnswered()
+    {
+        const SessionBus bus(u"com.brevandel.nubble.test"_s);
+        QCOMPARE(bus.call(u"Repeat"_s, {}, 1000).kind, BusAnswer::Kind::NotOwned);
+
+        QVERIFY(m_other.registerService(u"com.brevandel.nubble.test"_s));
+        const BusAnswer refused = bus.call(u"Repeat"_s, {}, 1000);
+        QCOMPARE(refused.kind, BusAnswer::Kind::Error);
+        QVERIFY(refused.error.contains(u"/com/brevandel/nubble"_s)); // which it does not have
+
+        QObject busy; // this thread serves it, and is waiting
+        const auto path = u"/com/brevandel/nubble"_s;
+        QVERIFY(m_other.registerObject(path, &busy, QDBusConnection::ExportAllInvokables));
+        QCOMPARE(bus.call(u"Repeat"_s, {}, 50).kind, BusAnswer::Kind::Silence);
+        m_other.unregisterObject(path);
+        QVERIFY(m_other.unregisterService(u"com.brevandel.nubble.test"_s));
     }
 
     void reducedMotionComesFromThePortalAndFollowsIt()

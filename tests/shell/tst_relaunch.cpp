@@ -1,5 +1,7 @@
 #include <QTest>
 
+#include <unistd.h>
+
 #include "Shell/Relaunch.h"
 #include "support/TemporaryHome.h"
 
@@ -20,14 +22,37 @@ private Q_SLOTS:
         const QStringList arguments{
             u"--home"_s, u"/a b/c"_s, u"it's \"quoted\""_s, u"$(touch x) `y` $HOME *"_s, QString(),
             u"-c"_s,     u"日本"_s};
+        const QString told = QString::number(arguments.size()) + u'\n' + arguments.join(u'|') + u'|';
+
         const QString out = home.path(u"out put"_s);
         Relaunch{program, QStringList{out} + arguments}.now();
+        QTRY_COMPARE(contents(out), told);
+        const QString atOnce = home.path(u"at once"_s);
+        QVERIFY((Relaunch{program, QStringList{atOnce} + arguments}.detached()));
+        QTRY_COMPARE(contents(atOnce), told);
+    }
+
+    void aDetachedProcessSharesNothingWithItsStarter()
+    {
+        const TemporaryHome home;
+        const QString program = home.writeScript(
+            u"look.sh"_s,
+            "#!/bin/sh\nseen=$(pwd; cut -d' ' -f6 /proc/$$/stat; for each in 0 1 2 7; do readlink "
+            "/proc/$$/fd/$each || echo none; done)\necho \"$seen\" > \"$1.part\"; mv \"$1.part\" \"$1\"\n");
+        QCOMPARE(::dup2(1, 7), 7);
+        const QString out = home.path(u"out"_s);
+        QVERIFY((Relaunch{program, {out}}.detached()));
         QTRY_VERIFY(QFile::exists(out));
-        QFile file(out);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(
-            QString::fromUtf8(file.readAll()),
-            QString::number(arguments.size()) + u'\n' + arguments.join(u'|') + u'|');
+        QStringList seen = contents(out).split(u'\n', Qt::SkipEmptyParts);
+        QVERIFY(seen.takeAt(1).toInt() != ::getsid(0));
+        QCOMPARE(seen.join(u' '), u"/ /dev/null /dev/null /dev/null none"_s);
+    }
+
+private:
+    static QString contents(const QString &path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
     }
 };
 

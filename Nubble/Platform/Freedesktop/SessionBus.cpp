@@ -1,5 +1,6 @@
 #include "Platform/Freedesktop/SessionBus.h"
 
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QFileInfo>
 
@@ -16,6 +17,22 @@ bool isBusSetUp()
 {
     return !qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS")
         || QFileInfo::exists(qEnvironmentVariable("XDG_RUNTIME_DIR") + u"/bus");
+}
+
+BusAnswer::Kind kindOf(const QDBusError &error)
+{
+    if (error.type() == QDBusError::ServiceUnknown
+        || error.name() == u"org.freedesktop.DBus.Error.NameHasNoOwner") // which has no type of its own
+        return BusAnswer::Kind::NotOwned;
+    switch (error.type()) {
+    case QDBusError::NoReply:
+    case QDBusError::Timeout:
+    case QDBusError::TimedOut:
+    case QDBusError::Disconnected:
+        return BusAnswer::Kind::Silence;
+    default:
+        return BusAnswer::Kind::Error;
+    }
 }
 
 } // namespace
@@ -53,18 +70,17 @@ void SessionBus::release()
     m_bus.unregisterObject(objectPath);
 }
 
-std::optional<QVariantList> SessionBus::call(
-    const QString &method, const QVariantList &arguments, int timeoutMsecs) const
+BusAnswer SessionBus::call(const QString &method, const QVariantList &arguments, int timeoutMsecs) const
 {
     if (!isConnected())
-        return std::nullopt;
+        return {};
     auto message = QDBusMessage::createMethodCall(m_serviceName, objectPath, interfaceName, method);
     message.setArguments(arguments);
     message.setAutoStartService(false);
     const QDBusMessage reply = m_bus.call(message, QDBus::Block, timeoutMsecs);
-    if (reply.type() != QDBusMessage::ReplyMessage)
-        return std::nullopt;
-    return reply.arguments();
+    if (reply.type() == QDBusMessage::ReplyMessage)
+        return {BusAnswer::Kind::Reply, reply.arguments(), {}};
+    return {kindOf(QDBusError(reply)), {}, reply.errorMessage()};
 }
 
 } // namespace nubble

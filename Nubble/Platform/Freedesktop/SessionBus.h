@@ -4,9 +4,21 @@
 #include <QString>
 #include <QVariantList>
 
-#include <optional>
-
 namespace nubble {
+
+// What became of a call.
+struct BusAnswer {
+    enum class Kind {
+        Reply,
+        NotOwned, // there is nobody to call
+        Error,    // the owner says why not
+        Silence,  // it has not answered in time, or has gone meanwhile
+    };
+
+    Kind kind = Kind::NotOwned;
+    QVariantList values; // of the reply
+    QString error;
+};
 
 // This program's name on the session bus: at most one process owns it, and others reach that one's control
 // object. A machine without a session bus is noticed at once, and then nobody owns the name. Main thread
@@ -30,9 +42,8 @@ public:
     // Gives the name up at once, so that a successor finds it free.
     void release();
 
-    // Calls a method of the owner's control object and waits for its answer, for as long as that. Absent when
-    // nobody owns the name or it does not answer properly.
-    [[nodiscard]] std::optional<QVariantList> call(
+    // Calls a method of the owner's control object and waits for its answer, for as long as that.
+    [[nodiscard]] BusAnswer call(
         const QString &method, const QVariantList &arguments, int timeoutMsecs) const;
 
 private:
