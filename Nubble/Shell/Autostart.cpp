@@ -42,17 +42,20 @@ QString quoted(const QString &argument)
     return result + u'"';
 }
 
-} // namespace
-
-QString desktopEntryExec(const QStringList &command)
+// A command as the Exec line of a desktop entry spells it.
+QString execLine(const QStringList &command)
 {
     QStringList spelled;
+    if (command.first().contains(u'%')) // GLib looks for the program by its doubled name
+        spelled.append(u"env"_s);
     for (const QString &argument : command) {
         const bool plain = !argument.isEmpty() && std::all_of(argument.begin(), argument.end(), isPlain);
         spelled.append(plain ? argument : quoted(argument));
     }
     return spelled.join(u' ');
 }
+
+} // namespace
 
 Autostart::Autostart(const QString &configFolder)
     : m_folder(configFolder + u"/autostart"), m_file(m_folder + u"/com.brevandel.nubble.desktop")
@@ -66,7 +69,7 @@ std::optional<QString> Autostart::enable(const Relaunch &start) const
                           "Name=Nubble\n"
                           "Comment=Shows what your Claude Code sessions are doing\n"
                           "Icon=com.brevandel.nubble\n"
-                          "Exec=%1\n"_s.arg(desktopEntryExec(QStringList(start.program) + start.arguments));
+                          "Exec=%1\n"_s.arg(execLine(QStringList(start.program) + start.arguments));
     if (!QDir().mkpath(m_folder))
         return u"the folder %1 cannot be made"_s.arg(m_folder);
     QSaveFile file(m_file);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-#include <QStringList>
 
 #include <optional>
 
@@ -22,8 +21,5 @@ private:
     QString m_folder;
     QString m_file;
 };
-
-// A command as the Exec line of a desktop entry spells it.
-[[nodiscard]] QString desktopEntryExec(const QStringList &command);
 
 } // namespace nubble

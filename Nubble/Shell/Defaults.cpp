@@ -1,10 +1,34 @@
 #include "Shell/Defaults.h"
 
+#include <QFileInfo>
+
 #include <cmath>
+
+#include "Platform/RegularFile.h"
+
+using namespace Qt::StringLiterals;
 
 namespace nubble {
 
-Defaults::Defaults(const QString &file) : m_settings(file, QSettings::IniFormat) { }
+namespace {
+
+// QSettings would wait for a FIFO, read a device without an end, and make objects of serialised ones.
+bool isFitForSettings(const QString &file)
+{
+    constexpr qint64 enough = 1024 * 1024;
+    if (!QFileInfo::exists(file))
+        return true;
+    const auto opened = RegularFile::open(file);
+    const auto bytes = opened && opened->size() <= enough ? opened->read(0, enough) : std::nullopt;
+    return bytes && !bytes->contains("@Variant(") && !bytes->contains("@DateTime(");
+}
+
+} // namespace
+
+Defaults::Defaults(const QString &file)
+    : m_settings(isFitForSettings(file) ? file : u"/dev/null"_s + file, QSettings::IniFormat)
+{
+}
 
 QString Defaults::fileOf(const QString &domain, const QString &configFolder)
 {

@@ -8,8 +8,8 @@
 namespace nubble {
 
 // The user's preferences: one INI file of dotted keys that people may edit by hand, so that every value is
-// checked when it is read. Main thread only. Writing to a folder that refuses it is silent: the values then
-// last for this run.
+// checked when it is read. Main thread only. What is no such file is left alone, and writing to a folder that
+// refuses it is silent: the values then last for this run.
 class Defaults {
 public:
     explicit Defaults(const QString &file);

@@ -284,15 +284,18 @@ def run_nubble(*arguments, env):
 
 
 class Nubble:
-    """The running program."""
+    """The program of one home, whether or not it runs."""
 
     offset = 0  # of its panel, from the middle of the edge
+    process = None
 
-    def __init__(self, desktop, home, *arguments, **env):
+    def __init__(self, desktop, home):
         self.desktop = desktop
         self.home = ["--home", str(home.path)]
+
+    def start(self, *arguments, stderr=None, **env):
         self.process = subprocess.Popen(
-            [PROGRAM, *self.home, *arguments], stdin=subprocess.DEVNULL, env=desktop.env | env)
+            [PROGRAM, *self.home, *arguments], stdin=subprocess.DEVNULL, stderr=stderr, env=self.desktop.env | env)
         eventually(self.is_running, "the program answers")
 
     def run(self, *arguments):
@@ -334,6 +337,14 @@ class Nubble:
     def quit(self):
         return end(self.process)
 
+    def end_all(self):
+        """Every instance, whoever has started it."""
+        if self.process:
+            self.quit()
+        for pid in self.instances():
+            os.kill(pid, signal.SIGTERM)
+        eventually(lambda: not self.instances(), "every instance has ended")
+
 
 class DesktopTest(unittest.TestCase):
     """Each test has a home and, from `start_nubble`, a program of its own; the desktop is the class's."""
@@ -349,15 +360,10 @@ class DesktopTest(unittest.TestCase):
         self.desktop.backdrop.clicks()
 
     def start_nubble(self, *arguments, **env):
-        nubble = Nubble(self.desktop, self.home, *arguments, **env)
-        self.addCleanup(self._end, nubble)
+        nubble = Nubble(self.desktop, self.home)
+        self.addCleanup(nubble.end_all)
+        nubble.start(*arguments, **env)
         return nubble
-
-    def _end(self, nubble):
-        nubble.quit()
-        for pid in nubble.instances():
-            os.kill(pid, signal.SIGTERM)
-        eventually(lambda: not nubble.instances(), "every instance has ended")
 
     def start_terminal(self):
         """An xterm whose shell runs a sleeping process. Returns the xterm and that process's id."""

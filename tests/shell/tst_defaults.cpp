@@ -38,7 +38,6 @@ private Q_SLOTS:
                  Row{"12, 5", "none", "none", "none"},
                  Row{"", "", "none", "none"},
                  Row{"\"quoted, text\"", "quoted, text", "none", "none"},
-                 Row{"@Variant(\\0\\0)", "none", "none", "none"},
              }) {
             const TemporaryHome home;
             const Defaults defaults(
