@@ -17,16 +17,17 @@ end_private_desktop() {
 
 # start COMMAND…: in the background, to be ended with the rest. Its number is in $! afterwards.
 start() {
+    : >"$private_folder/announced" # now, not when the shell in the background gets there
     "$@" </dev/null >>"$private_folder/log" 2>&1 3>"$private_folder/announced" &
     started+=($!)
 }
 
 # The line that the program started last has written to descriptor 3.
 announced_line() {
-    local tries
+    local tries line
     for ((tries = 0; tries < 200; tries++)); do
-        if [[ -s $private_folder/announced ]]; then
-            head -n 1 "$private_folder/announced"
+        if read -r line <"$private_folder/announced"; then # the whole of it: Xvfb writes the line's end by itself
+            echo "$line"
             return 0
         fi
         kill -0 "${started[-1]}" 2>/dev/null || break
