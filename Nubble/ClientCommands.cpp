@@ -68,7 +68,7 @@ BusAnswer askOnceThere(const SessionBus &bus, const Request &request)
 {
     QDeadlineTimer patience(10'000);
     while (true) {
-        const BusAnswer answer =
+        BusAnswer answer =
             bus.call(request.methodAfterStart, request.arguments, static_cast<int>(patience.remainingTime()));
         if (answer.kind != BusAnswer::Kind::NotOwned || patience.hasExpired())
             return answer;

@@ -15,7 +15,7 @@ namespace {
 // QSettings would wait for a FIFO, read a device without an end, and make objects of serialised ones.
 bool isFitForSettings(const QString &file)
 {
-    constexpr qint64 enough = 1024 * 1024;
+    constexpr qint64 enough = 1'000'000;
     if (!QFileInfo::exists(file))
         return true;
     const auto opened = RegularFile::open(file);

@@ -293,9 +293,9 @@ class Nubble:
         self.desktop = desktop
         self.home = ["--home", str(home.path)]
 
-    def start(self, *arguments, stderr=None, **env):
+    def start(self, stderr=None, **env):
         self.process = subprocess.Popen(
-            [PROGRAM, *self.home, *arguments], stdin=subprocess.DEVNULL, stderr=stderr, env=self.desktop.env | env)
+            [PROGRAM, *self.home], stdin=subprocess.DEVNULL, stderr=stderr, env=self.desktop.env | env)
         eventually(self.is_running, "the program answers")
 
     def run(self, *arguments):
@@ -315,14 +315,14 @@ class Nubble:
             lambda: wanted.items() <= self.panel().items(), lambda: f"panel {wanted}, it is {self.panel()}")
 
     def instances(self):
-        """The process ids of this home's instances."""
+        """The process ids of this home's instances, which are started with nothing but the home."""
         found = []
         for pid in descendants(os.getpid()):
             try:
                 arguments = pathlib.Path(f"/proc/{pid}/cmdline").read_bytes().split(b"\0")[:-1]
             except OSError:
                 continue
-            if [each.decode() for each in arguments[:3]] == [PROGRAM, *self.home]:
+            if [each.decode() for each in arguments] == [PROGRAM, *self.home]:
                 found.append(pid)
         return found
 
@@ -359,10 +359,10 @@ class DesktopTest(unittest.TestCase):
         self.desktop.move_pointer(400, 700)
         self.desktop.backdrop.clicks()
 
-    def start_nubble(self, *arguments, **env):
+    def start_nubble(self, **env):
         nubble = Nubble(self.desktop, self.home)
         self.addCleanup(nubble.end_all)
-        nubble.start(*arguments, **env)
+        nubble.start(**env)
         return nubble
 
     def start_terminal(self):

@@ -46,7 +46,8 @@ class ThePanelWithoutAMouse(DesktopTest):
         nubble.until_panel(mode="collapsed")
 
     def test_says_when_nothing_runs(self):
-        nubble = self.start_nubble("sessions")
+        nubble = self.start_nubble()
+        self.assertEqual(nubble.run("sessions").returncode, 0)
         nubble.until_panel(mode="sessions")
         self.accessible.find("label", "No sessions running")
 
@@ -64,7 +65,8 @@ class ThePanelWithoutAMouse(DesktopTest):
         _, newer = self.start_terminal()
         self.home.record(self.pid, name="Row old", nameSource="user", updatedAt=1000)
         self.home.record(newer, name="Row new", nameSource="user")
-        nubble = self.start_nubble("sessions")
+        nubble = self.start_nubble()
+        self.assertEqual(nubble.run("sessions").returncode, 0)
         nubble.until_panel(mode="sessions")
 
         def has_focus(name):
