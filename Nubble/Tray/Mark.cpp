@@ -33,7 +33,7 @@ QPixmap pixmap(int pixels, const std::optional<QColor> &color, double opacity)
     painter.scale(pixels, -pixels);
     const QPainterPath shape = circles(body);
     const QPainterPath holes = circles(eyes);
-    const QPen edge(QColor(0, 0, 0, 140), 2 * std::max(1.0, pixels / 16.0) / pixels);
+    const QPen edge(QColor(0, 0, 0, 190), 2 * std::max(1.0, pixels / 16.0) / pixels);
     if (!color)
         painter.strokePath(shape, edge);
     painter.fillPath(shape, color.value_or(Qt::white));

@@ -25,11 +25,17 @@ QString themeName(bool panelVisible)
 StatusItem::StatusItem(const StatusHost &host, MenuSource menu, bool panelVisible, QObject *parent)
     : QObject(parent), m_host(host), m_source(std::move(menu)), m_panelVisible(panelVisible)
 {
+    m_refill.setSingleShot(true);
+    m_refill.setInterval(std::chrono::milliseconds(200));
+    connect(&m_refill, &QTimer::timeout, this, &StatusItem::refillMenu);
     connect(&m_menu, &QMenu::aboutToShow, this, [this] {
         refillMenu();
         m_menuOpen = true;
     });
-    connect(&m_menu, &QMenu::aboutToHide, this, [this] { m_menuOpen = false; });
+    connect(&m_menu, &QMenu::aboutToHide, this, [this] {
+        m_menuOpen = false;
+        update(m_panelVisible);
+    });
     connect(&m_host, &StatusHost::changed, this, &StatusItem::followHost);
     followHost();
 }
@@ -66,9 +72,10 @@ void StatusItem::update(bool panelVisible)
     if (!m_icon)
         return;
     show({.panelVisible = panelVisible, .color = m_host.foreground()});
-    // What some desktops show first is what they read last, before they ask for anything newer.
-    if (!m_menuOpen)
-        refillMenu();
+    // What some desktops show first is what they read last, before they ask for anything newer. Not at every
+    // step of a drag.
+    if (m_host.kind() == StatusHost::Kind::Remote && !m_menuOpen)
+        m_refill.start();
 }
 
 // Every change is sent to the desktop, even one to the same.
@@ -85,6 +92,7 @@ void StatusItem::show(const Look &look)
 
 void StatusItem::refillMenu()
 {
+    m_refill.stop();
     const bool remote = m_host.kind() == StatusHost::Kind::Remote;
     m_menu.setEntries(m_source(), remote ? Menu::Drawing::Desktop : Menu::Drawing::Own);
 }

@@ -3,6 +3,7 @@
 #include <QIcon>
 #include <QObject>
 #include <QSystemTrayIcon>
+#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -26,7 +27,7 @@ public:
     StatusItem(const StatusHost &host, MenuSource menu, bool panelVisible, QObject *parent = nullptr);
     ~StatusItem() override;
 
-    // Icon, tool tip and, while it is closed, the menu follow the panel's settings.
+    // Whenever one of the panel's settings has changed: icon, tool tip and a closed menu follow.
     void update(bool panelVisible);
 
     void say(const QString &title, const QString &text); // a notification, where there is an icon
@@ -54,6 +55,7 @@ private:
     bool m_panelVisible;
     bool m_menuOpen = false;
     std::optional<Look> m_shown;
+    QTimer m_refill;
     Menu m_menu;
     std::unique_ptr<QSystemTrayIcon> m_icon; // before the menu goes
 };
