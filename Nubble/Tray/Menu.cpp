@@ -2,7 +2,7 @@
 
 #include <QKeyEvent>
 
-#include "Tray/TwoLineMenuStyle.h"
+#include "Tray/MenuStyle.h"
 
 using namespace Qt::StringLiterals;
 
@@ -10,7 +10,7 @@ namespace nubble {
 
 Menu::Menu(QWidget *parent) : QMenu(parent)
 {
-    auto *style = new TwoLineMenuStyle;
+    auto *style = new MenuStyle;
     style->setParent(this);
     setStyle(style);
     setToolTipsVisible(true);
@@ -37,7 +37,7 @@ void Menu::add(const MenuEntry &entry, Drawing drawing)
         addMenu(submenu);
         return;
     }
-    const QString parting = drawing == Drawing::Own ? QString(TwoLineMenuStyle::lineBreak) : u" — "_s;
+    const QString parting = drawing == Drawing::Own ? QString(MenuStyle::lineBreak) : u" — "_s;
     QAction *action = addAction(entry.detail.isEmpty() ? entry.title : entry.title + parting + entry.detail);
     if (entry.action)
         connect(action, &QAction::triggered, this, entry.action);

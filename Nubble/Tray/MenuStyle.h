@@ -2,13 +2,11 @@
 
 #include <QProxyStyle>
 
-class QStyleOptionMenuItem;
-
 namespace nubble {
 
-// The desktop's style, with room for a second, smaller line in the entries of a menu. The style is to be
-// owned by the menu.
-class TwoLineMenuStyle : public QProxyStyle {
+// The desktop's style for a menu, with room for a second, smaller line in the entries, and without the shadow
+// below disabled text. To be owned by the menu.
+class MenuStyle : public QProxyStyle {
     Q_OBJECT
 
 public:
@@ -17,14 +15,12 @@ public:
     [[nodiscard]] QSize sizeFromContents(
         ContentsType type, const QStyleOption *option, const QSize &size,
         const QWidget *widget) const override;
+    [[nodiscard]] int styleHint(
+        StyleHint hint, const QStyleOption *option, const QWidget *widget,
+        QStyleHintReturn *returned) const override;
     void drawControl(
         ControlElement element, const QStyleOption *option, QPainter *painter,
         const QWidget *widget) const override;
-
-private:
-    void drawLine(
-        const QStyleOptionMenuItem &item, const QString &text, const QFont &font, const QColor &color,
-        const QRect &rect, QPainter *painter, const QWidget *widget) const;
 };
 
 } // namespace nubble

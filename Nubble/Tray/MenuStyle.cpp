@@ -1,4 +1,4 @@
-#include "Tray/TwoLineMenuStyle.h"
+#include "Tray/MenuStyle.h"
 
 #include <QFontMetrics>
 #include <QStyleOptionMenuItem>
@@ -10,7 +10,7 @@ namespace {
 const QStyleOptionMenuItem *twoLineItem(const QStyleOption *option)
 {
     const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option);
-    return item && item->text.contains(TwoLineMenuStyle::lineBreak) ? item : nullptr;
+    return item && item->text.contains(MenuStyle::lineBreak) ? item : nullptr;
 }
 
 QFont detailFont(QFont font)
@@ -27,9 +27,21 @@ int lineWidth(const QFont &font, const QString &text)
     return QFontMetrics(font).size(Qt::TextSingleLine, text).width();
 }
 
+QColor dimmed(QColor color)
+{
+    color.setAlphaF(0.6F);
+    return color;
+}
+
+void setTextColor(QStyleOptionMenuItem &item, const QColor &color)
+{
+    for (const QPalette::ColorRole role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
+        item.palette.setColor(role, color);
+}
+
 } // namespace
 
-QSize TwoLineMenuStyle::sizeFromContents(
+QSize MenuStyle::sizeFromContents(
     ContentsType type, const QStyleOption *option, const QSize &size, const QWidget *widget) const
 {
     const auto *item = type == CT_MenuItem ? twoLineItem(option) : nullptr;
@@ -45,7 +57,13 @@ QSize TwoLineMenuStyle::sizeFromContents(
     return {base.width(), base.height() + QFontMetrics(small).height()};
 }
 
-void TwoLineMenuStyle::drawControl(
+int MenuStyle::styleHint(
+    StyleHint hint, const QStyleOption *option, const QWidget *widget, QStyleHintReturn *returned) const
+{
+    return hint == SH_EtchDisabledText ? 0 : QProxyStyle::styleHint(hint, option, widget, returned);
+}
+
+void MenuStyle::drawControl(
     ControlElement element, const QStyleOption *option, QPainter *painter, const QWidget *widget) const
 {
     const auto *item = element == CE_MenuItem ? twoLineItem(option) : nullptr;
@@ -53,37 +71,31 @@ void TwoLineMenuStyle::drawControl(
         QProxyStyle::drawControl(element, option, painter, widget);
         return;
     }
-    // The background and the mark first, on the whole height; the lines then without either.
-    QStyleOptionMenuItem bare(*item);
-    bare.text.clear();
-    QProxyStyle::drawControl(element, &bare, painter, widget);
     const QFont small = detailFont(item->font);
     const int detailHeight = QFontMetrics(small).height();
-    const int titleHeight = QFontMetrics(item->font).height();
-    const int top = item->rect.top() + (item->rect.height() - titleHeight - detailHeight) / 2;
-    const QRect titleRect(item->rect.left(), top, item->rect.width(), titleHeight);
-    const QRect detailRect(item->rect.left(), top + titleHeight, item->rect.width(), detailHeight);
+    QStyleOptionMenuItem background(*item);
+    background.text.clear();
+    background.checkType = QStyleOptionMenuItem::NotCheckable;
+    QProxyStyle::drawControl(element, &background, painter, widget);
+
+    // Then the lines, which must not paint it again: the first as an entry of one line, the second below its
+    // text.
+    QStyleOptionMenuItem line(*item);
+    line.state &= ~State_Selected;
     const QColor color =
         item->palette.color(item->state & State_Selected ? QPalette::HighlightedText : QPalette::Text);
-    QColor dimmed = color;
-    dimmed.setAlphaF(0.6F);
-    drawLine(*item, item->text.section(lineBreak, 0, 0), item->font, color, titleRect, painter, widget);
-    drawLine(*item, item->text.section(lineBreak, 1), small, dimmed, detailRect, painter, widget);
-}
+    setTextColor(line, color);
+    line.text = item->text.section(lineBreak, 0, 0);
+    line.rect.setHeight(item->rect.height() - detailHeight);
+    QProxyStyle::drawControl(element, &line, painter, widget);
 
-void TwoLineMenuStyle::drawLine(
-    const QStyleOptionMenuItem &item, const QString &text, const QFont &font, const QColor &color,
-    const QRect &rect, QPainter *painter, const QWidget *widget) const
-{
-    QStyleOptionMenuItem line(item);
-    line.text = text;
-    line.font = font;
-    line.rect = rect;
     line.checkType = QStyleOptionMenuItem::NotCheckable;
-    line.state &= ~State_Selected;
-    for (const QPalette::ColorRole role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
-        line.palette.setColor(role, color);
-    QProxyStyle::drawControl(CE_MenuItem, &line, painter, widget);
+    line.font = small;
+    setTextColor(line, dimmed(color));
+    line.text = item->text.section(lineBreak, 1);
+    line.rect.moveTop((line.rect.top() + line.rect.bottom() + 1 + QFontMetrics(item->font).height()) / 2);
+    line.rect.setHeight(detailHeight);
+    QProxyStyle::drawControl(element, &line, painter, widget);
 }
 
 } // namespace nubble
