@@ -1,4 +1,3 @@
-#include <QDBusAbstractAdaptor>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusMetaType>
@@ -6,7 +5,6 @@
 #include <QTest>
 
 #include "Platform/Freedesktop/SessionBusNotifications.h"
-#include "Platform/Freedesktop/StatusNotifierWatch.h"
 
 using namespace Qt::StringLiterals;
 using namespace nubble;
@@ -14,26 +12,10 @@ using namespace nubble;
 namespace {
 
 using Texts = QMap<QString, QString>;
-using State = StatusNotifierWatch::State;
-
-class Watcher : public QDBusAbstractAdaptor {
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
-    Q_PROPERTY(bool IsStatusNotifierHostRegistered MEMBER hasHost)
-
-public:
-    explicit Watcher(QObject *exported) : QDBusAbstractAdaptor(exported) { }
-
-    bool hasHost = false;
-
-Q_SIGNALS:
-    void StatusNotifierHostRegistered();
-};
 
 } // namespace
 
-// What comes over the session bus from other programs, which may say anything at any time.
-class TestBusAnnouncements : public QObject {
+class TestSessionBusNotifications : public QObject {
     Q_OBJECT
 
 private:
@@ -73,26 +55,7 @@ private Q_SLOTS:
         send(u"other"_s, {});
         QCOMPARE(receive(u"notes"_s, {}), Texts()); // and nothing before it
     }
-
-    void aStatusItemHostIsFoundWheneverItComesAndMissedWhenItGoes()
-    {
-        StatusNotifierWatch watch;
-        QCOMPARE(watch.state(), State::Pending);
-        QTRY_COMPARE(watch.state(), State::Absent);
-
-        QObject exported;
-        auto *watcher = new Watcher(&exported);
-        QVERIFY(
-            m_other.registerObject(u"/StatusNotifierWatcher"_s, &exported, QDBusConnection::ExportAdaptors));
-        QVERIFY(m_other.registerService(u"org.kde.StatusNotifierWatcher"_s));
-        QTRY_COMPARE(watch.state(), State::Pending);
-        watcher->hasHost = true;
-        Q_EMIT watcher->StatusNotifierHostRegistered();
-        QTRY_COMPARE(watch.state(), State::Hosted);
-        QVERIFY(m_other.unregisterService(u"org.kde.StatusNotifierWatcher"_s));
-        QTRY_COMPARE(watch.state(), State::Absent);
-    }
 };
 
-QTEST_GUILESS_MAIN(TestBusAnnouncements)
-#include "tst_bus_announcements.moc"
+QTEST_GUILESS_MAIN(TestSessionBusNotifications)
+#include "tst_session_bus_notifications.moc"
