@@ -86,6 +86,10 @@ class StatusItemHost:
     def click(self):
         self._call("/StatusNotifierItem", ITEM, "Activate", GLib.Variant("(ii)", (0, 0)))
 
+    def ask_for_menu(self):
+        """As a desktop does that draws no menus."""
+        self._call("/StatusNotifierItem", ITEM, "ContextMenu", GLib.Variant("(ii)", (0, 0)))
+
     # Its menu
 
     def open_menu(self):

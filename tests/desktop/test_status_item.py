@@ -61,6 +61,15 @@ class OnADesktopThatDrawsIt(DesktopTest):
             menu[5:8], ["[x] Lock Position", "Move to Edge {([x] Right), ([ ] Left), ([ ] Top), ([ ] Bottom)}",
                         "(Center on Edge)"])
 
+    def test_draws_the_menu_itself_when_it_is_asked_to(self):
+        host = self.start_host()
+        self.start_nubble()
+        eventually(lambda: host.items, "the item is there")
+        host.ask_for_menu()
+        eventually(self.desktop.menu_windows, "the menu is open")
+        self.desktop.key("Escape")
+        eventually(lambda: not self.desktop.menu_windows(), "the menu is closed")
+
     def test_switches_an_addon_by_a_restart_and_quits(self):
         host = self.start_host()
         nubble = self.start_nubble()
