@@ -42,6 +42,11 @@ void AppCommands::toggleAddon(Addon addon)
     restart();
 }
 
+void AppCommands::request(const AddonRequest &request)
+{
+    Q_EMIT addonRequested(request);
+}
+
 void AppCommands::refreshAll()
 {
     m_sessionMonitor.refresh();

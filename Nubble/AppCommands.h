@@ -2,6 +2,7 @@
 
 #include <QObject>
 
+#include "AddonRequest.h"
 #include "Panel/NotchEdge.h"
 #include "Shell/Addon.h"
 
@@ -29,11 +30,13 @@ public:
     void moveToEdge(NotchEdge edge);
     void centerOnEdge();
     void toggleAddon(Addon addon); // takes effect by a restart, at once
+    void request(const AddonRequest &request);
     void refreshAll();
     void restart();
     void quit();
 
 Q_SIGNALS:
+    void addonRequested(const AddonRequest &request);
     void restartRequested();
     void quitRequested();
 

@@ -1,10 +1,9 @@
 #include "AppDelegate.h"
 
 #include <QCoreApplication>
+#include <QCursor>
 #include <QJsonDocument>
-#include <QMenu>
 
-#include "NotchMenu.h"
 #include "Panel/Typography.h"
 #include "Platform/MainThread.h"
 #include "StatusReport.h"
@@ -14,7 +13,7 @@ using namespace Qt::StringLiterals;
 namespace nubble {
 
 AppDelegate::AppDelegate(const Home &home, SessionBus &bus, Relaunch relaunch)
-    : m_bus(bus), m_relaunch(std::move(relaunch)),
+    : m_home(home), m_bus(bus), m_relaunch(std::move(relaunch)),
       m_defaults(Defaults::fileOf(u"com.brevandel.nubble"_s, home.configFolder())), m_addons(m_defaults),
       m_backend(makeBackend(home)),
       m_layout(Typography::percentLineHeight(), false, static_cast<int>(m_addons.actions().size())),
@@ -22,6 +21,10 @@ AppDelegate::AppDelegate(const Home &home, SessionBus &bus, Relaunch relaunch)
       m_sessionMonitor(
           home.file(u".claude/sessions"_s), home.file(u".claude/projects"_s), m_processes, m_clock),
       m_planUsage(home, m_clock, PlanUsageMonitor::domainIn(m_defaults)), m_activator(*m_backend.workspace),
+      m_commands(m_placement, m_mainScreen, m_defaults, m_addons, m_sessionMonitor, m_planUsage),
+      m_statusItem(
+          *m_backend.statusHost, [this] { return statusMenu(menuState(), m_commands); },
+          m_placement.isVisible()),
       m_panel(
           {
               .sessionMonitor = m_sessionMonitor,
@@ -36,22 +39,53 @@ AppDelegate::AppDelegate(const Home &home, SessionBus &bus, Relaunch relaunch)
               .notifications = m_notifications,
               .actions = m_addons.actions(),
           },
-          m_backend.makePanelSurface),
-      m_commands(m_placement, m_mainScreen, m_defaults, m_addons, m_sessionMonitor, m_planUsage)
+          m_backend.makePanelSurface)
 {
     assertMainThread("Nubble/AppDelegate");
     observeState();
+    observeRequests();
 }
 
 void AppDelegate::observeState()
 {
     connect(
         m_backend.mouseMonitor.get(), &MouseMonitor::pressedElsewhere, &m_panelState, &PanelState::collapse);
-    connect(&m_panel.view(), &NotchView::menuRequested, this, &AppDelegate::showMenu);
+    connect(&m_placement, &NotchPlacement::changed, &m_statusItem, [this] {
+        m_statusItem.update(m_placement.isVisible());
+    });
+}
+
+void AppDelegate::observeRequests()
+{
+    connect(&m_statusItem, &StatusItem::clicked, this, &AppDelegate::toggle);
+    connect(&m_statusItem, &StatusItem::menuRequested, this, [this] {
+        showMenu(statusMenu(menuState(), m_commands), QCursor::pos());
+    });
+    connect(&m_panel.view(), &NotchView::menuRequested, this, [this](const QPoint &screenPosition) {
+        showMenu(notchMenu(menuState(), m_commands), screenPosition);
+    });
     connect(
         &m_commands, &AppCommands::restartRequested, this, &AppDelegate::restart,
         Qt::SingleShotConnection); // one successor
     connect(&m_commands, &AppCommands::quitRequested, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+
+    const auto perform = [this](const AddonRequest &request) {
+        if (const std::optional<QString> refusal = this->perform(request))
+            m_statusItem.say(title(addonOf(request)), *refusal);
+    };
+    connect(&m_commands, &AppCommands::addonRequested, this, perform);
+    connect(&m_notifications, &NotificationCenter::openChatSearch, this, [perform] {
+        perform({AddonRequest::Action::SearchChats});
+    });
+    connect(&m_notifications, &NotificationCenter::askClaude, this, [perform] {
+        perform({AddonRequest::Action::AskClaude});
+    });
+    connect(
+        m_backend.notifications.get(), &DistributedNotifications::received, this,
+        [this](const QString &name, const QMap<QString, QString> &userInfo) {
+            if (const std::optional<AddonRequest> request = requestFrom(name, userInfo))
+                (void)performFromOutside(*request);
+        });
 }
 
 void AppDelegate::show()
@@ -98,13 +132,26 @@ std::optional<QString> AppDelegate::performFromOutside(const AddonRequest &reque
     return perform(request);
 }
 
-void AppDelegate::showMenu(const QPoint &screenPosition)
+MenuState AppDelegate::menuState() const
+{
+    MenuState state{
+        .edge = m_placement.edge(),
+        .locked = m_placement.isLocked(),
+        .visible = m_placement.isVisible(),
+        .addons = m_addons,
+        .missing = {}};
+    for (const Addon addon : allAddons)
+        if (const std::optional<QString> text = missing(addon, m_home, m_defaults))
+            state.missing.insert(addon, *text);
+    return state;
+}
+
+void AppDelegate::showMenu(const QList<MenuEntry> &entries, const QPoint &screenPosition)
 {
     m_panel.view().endPreview();
-    auto *menu = new QMenu(&m_panel.view());
+    auto *menu = new Menu(&m_panel.view());
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    const MenuState state{.edge = m_placement.edge(), .locked = m_placement.isLocked(), .addons = m_addons};
-    fill(*menu, notchMenu(state, m_commands));
+    menu->setEntries(entries);
     menu->popup(screenPosition);
 }
 

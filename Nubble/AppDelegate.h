@@ -4,6 +4,7 @@
 
 #include "AddonRequest.h"
 #include "AppCommands.h"
+#include "Menus.h"
 #include "Notch/PanelWindow.h"
 #include "Panel/Layout.h"
 #include "Panel/MainScreen.h"
@@ -20,6 +21,7 @@
 #include "Shell/Defaults.h"
 #include "Shell/NotificationCenter.h"
 #include "Shell/Relaunch.h"
+#include "Tray/StatusItem.h"
 #include "Usage/PlanUsageMonitor.h"
 
 namespace nubble {
@@ -45,9 +47,12 @@ public:
 
 private:
     void observeState();
-    void showMenu(const QPoint &screenPosition);
+    void observeRequests();
+    [[nodiscard]] MenuState menuState() const;
+    void showMenu(const QList<MenuEntry> &entries, const QPoint &screenPosition);
     void restart();
 
+    Home m_home;
     SessionBus &m_bus;
     Relaunch m_relaunch;
     SystemClock m_clock;
@@ -63,8 +68,9 @@ private:
     SessionMonitor m_sessionMonitor;
     PlanUsageMonitor m_planUsage;
     ProcessActivator m_activator;
-    PanelWindow m_panel;
     AppCommands m_commands;
+    StatusItem m_statusItem;
+    PanelWindow m_panel;
 };
 
 } // namespace nubble

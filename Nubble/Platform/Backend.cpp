@@ -3,10 +3,14 @@
 #include <QGuiApplication>
 #include <QWidget>
 
+#include "Platform/DesktopStatusHost.h"
 #include "Platform/Freedesktop/FreedesktopPreferences.h"
+#include "Platform/Freedesktop/SessionBusNotifications.h"
+#include "Platform/Freedesktop/StatusNotifierWatch.h"
 #include "Platform/X11/X11Connection.h"
 #include "Platform/X11/X11MouseMonitor.h"
 #include "Platform/X11/X11PanelSurface.h"
+#include "Platform/X11/X11Tray.h"
 #include "Platform/X11/X11Workspace.h"
 
 namespace nubble {
@@ -50,16 +54,22 @@ private:
 
 Backend makePlainBackend()
 {
-    return {
-        std::make_unique<PlainWorkspace>(), std::make_unique<MouseMonitor>(), nullptr,
-        [](QWidget &window) { return std::make_unique<PlainPanelSurface>(window); }};
+    Backend backend;
+    backend.workspace = std::make_unique<PlainWorkspace>();
+    backend.mouseMonitor = std::make_unique<MouseMonitor>();
+    backend.makePanelSurface = [](QWidget &window) { return std::make_unique<PlainPanelSurface>(window); };
+    return backend;
 }
 
 Backend makeX11Backend(const std::shared_ptr<const X11Connection> &x11)
 {
-    return {
-        std::make_unique<X11Workspace>(x11), std::make_unique<X11MouseMonitor>(x11), nullptr,
-        [x11](QWidget &window) { return std::make_unique<X11PanelSurface>(window, x11); }};
+    Backend backend;
+    backend.workspace = std::make_unique<X11Workspace>(x11);
+    backend.mouseMonitor = std::make_unique<X11MouseMonitor>(x11);
+    backend.makePanelSurface = [x11](QWidget &window) {
+        return std::make_unique<X11PanelSurface>(window, x11);
+    };
+    return backend;
 }
 
 } // namespace
@@ -78,6 +88,9 @@ Backend makeBackend(const Home &home)
     const auto x11 = X11Connection::ofThisProgram(); // null on every other platform of Qt
     Backend backend = x11 ? makeX11Backend(x11) : makePlainBackend();
     backend.preferences = std::make_unique<FreedesktopPreferences>(home);
+    backend.statusHost = std::make_unique<DesktopStatusHost>(
+        std::make_unique<StatusNotifierWatch>(), x11 ? std::make_unique<X11Tray>(x11) : nullptr);
+    backend.notifications = std::make_unique<SessionBusNotifications>();
     return backend;
 }
 

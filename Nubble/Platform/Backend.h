@@ -7,8 +7,10 @@
 #include <optional>
 
 #include "Platform/DesktopPreferences.h"
+#include "Platform/DistributedNotifications.h"
 #include "Platform/MouseMonitor.h"
 #include "Platform/PanelSurface.h"
+#include "Platform/StatusHost.h"
 #include "Platform/Workspace.h"
 
 namespace nubble {
@@ -20,6 +22,8 @@ struct Backend {
     std::unique_ptr<Workspace> workspace;
     std::unique_ptr<MouseMonitor> mouseMonitor;
     std::unique_ptr<DesktopPreferences> preferences;
+    std::unique_ptr<StatusHost> statusHost;
+    std::unique_ptr<DistributedNotifications> notifications;
     std::function<std::unique_ptr<PanelSurface>(QWidget &)> makePanelSurface;
 };
 

@@ -28,7 +28,7 @@ Home::Home(QString folder, QString configFolder)
 {
 }
 
-Home::Home(QString folder) : m_path(QDir::cleanPath(folder)), m_configFolder(m_path + u"/.config") { }
+Home::Home(const QString &folder) : m_path(QDir::cleanPath(folder)), m_configFolder(m_path + u"/.config") { }
 
 Home Home::ofUser()
 {

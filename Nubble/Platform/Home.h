@@ -8,8 +8,8 @@ namespace nubble {
 class Home {
 public:
     static Home ofUser(); // the password database's, whatever HOME says
-    explicit Home(
-        QString folder); // another one, for trials and tests: keeps even its configuration to itself
+    // Another one, for trials and tests: keeps even its configuration to itself.
+    explicit Home(const QString &folder);
 
     [[nodiscard]] const QString &path() const { return m_path; }
     [[nodiscard]] const QString &configFolder() const { return m_configFolder; } // XDG configuration folder

@@ -17,6 +17,7 @@ import time
 import unittest
 
 from Xlib import X, XK, display
+from Xlib.error import BadDrawable, BadWindow
 from Xlib.ext import xtest
 
 PROGRAM = os.environ.get("NUBBLE_PROGRAM", "")
@@ -206,6 +207,25 @@ class Desktop:
 
         return eventually(find, "the window of " + str(process.args))
 
+    def nubble_windows(self, parent=None):
+        """The program's windows that are shown, with their parents, from the top or embedded in other windows."""
+        parent = parent or self.root
+        found = []
+        try:
+            for window in parent.query_tree().children:
+                shown = window.get_attributes().map_state == X.IsViewable
+                if shown and (window.get_wm_class() or [""])[0] == "nubble":
+                    found.append((window, parent))
+                found += self.nubble_windows(window)
+        except (BadWindow, BadDrawable):  # it has just gone
+            pass
+        return found
+
+    def menu_windows(self):
+        """The panel's window is there always, and larger than any menu."""
+        own = [window for window, parent in self.nubble_windows() if parent == self.root]
+        return sorted(own, key=lambda window: window.get_geometry().height)[:-1]
+
     def current_desktop(self):
         return self._property(self.root, "_NET_CURRENT_DESKTOP")[0]
 
@@ -238,10 +258,13 @@ class Desktop:
             self.move_pointer(*(a + (b - a) * step / 10 for a, b in zip(start, to)))
         self.release()
 
-    def key(self, name):
-        code = self.display.keysym_to_keycode(XK.string_to_keysym(name))
-        xtest.fake_input(self.display, X.KeyPress, code)
-        xtest.fake_input(self.display, X.KeyRelease, code)
+    def key(self, *names):
+        """The last key, while the ones before it are held."""
+        codes = [self.display.keysym_to_keycode(XK.string_to_keysym(name)) for name in names]
+        for code in codes:
+            xtest.fake_input(self.display, X.KeyPress, code)
+        for code in reversed(codes):
+            xtest.fake_input(self.display, X.KeyRelease, code)
         self.display.sync()
 
 

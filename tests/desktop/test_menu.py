@@ -2,9 +2,6 @@
 
 import unittest
 
-from Xlib import X
-from Xlib.error import BadDrawable, BadWindow
-
 from desktop import SCREEN, DesktopTest, eventually
 
 ENTRIES = [
@@ -16,23 +13,11 @@ LEFT_EDGE = 1  # its place in the list of edges
 class TheContextMenu(DesktopTest):
     below_ring = 0
 
-    def menu_windows(self):
-        """The program's windows on the screen, but for the panel itself, which is the largest."""
-        found = []
-        for window in self.desktop.root.query_tree().children:
-            try:
-                shown = window.get_attributes().map_state == X.IsViewable
-                if shown and (window.get_wm_class() or [""])[0] == "nubble":
-                    found.append((window.get_geometry().height, window))
-            except (BadWindow, BadDrawable):  # it has just gone
-                pass
-        return [window for _, window in sorted(found, key=lambda each: each[0])[:-1]]
-
     def open_menu(self, nubble):
         x, y = nubble.ring()
         self.below_ring = 10 - self.below_ring  # not where the last press was: two would be a double click
         self.desktop.click(x, y + self.below_ring, button=3)
-        return eventually(self.menu_windows, "the menu is open")[0]
+        return eventually(self.desktop.menu_windows, "the menu is open")[0]
 
     def choose(self, nubble, entry, *keys):
         menu = self.open_menu(nubble).get_geometry()
@@ -43,7 +28,7 @@ class TheContextMenu(DesktopTest):
             self.desktop.click(menu.x + 20, menu.y + row * (ENTRIES.index(entry) + 0.5))
         for key in keys:
             self.desktop.key(key)
-        eventually(lambda: not self.menu_windows(), "the menu is closed")
+        eventually(lambda: not self.desktop.menu_windows(), "the menu is closed")
 
     def test_opens_within_the_screen_and_closes_without_effect(self):
         nubble = self.start_nubble()
@@ -52,10 +37,10 @@ class TheContextMenu(DesktopTest):
         self.assertGreater(menu.height, 8 * 16)
         before = nubble.panel()
         self.desktop.key("Escape")
-        eventually(lambda: not self.menu_windows(), "the menu is closed")
+        eventually(lambda: not self.desktop.menu_windows(), "the menu is closed")
         self.open_menu(nubble)
         self.desktop.click(300, 300)
-        eventually(lambda: not self.menu_windows(), "the menu is closed by a click elsewhere")
+        eventually(lambda: not self.desktop.menu_windows(), "the menu is closed by a click elsewhere")
         self.assertEqual(nubble.panel(), before)
 
     def test_locks_and_unlocks_the_position(self):

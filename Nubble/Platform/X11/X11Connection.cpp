@@ -10,11 +10,16 @@ namespace nubble {
 namespace {
 
 constexpr std::array<const char *, static_cast<size_t>(X11Atom::Count)> atomNames{
-    "_NET_ACTIVE_WINDOW",   "_NET_CLIENT_LIST",    "_NET_CLIENT_LIST_STACKING",
-    "_NET_CURRENT_DESKTOP", "_NET_RESTACK_WINDOW", "_NET_WM_DESKTOP",
-    "_NET_WM_PID",          "_NET_WM_STATE",       "_NET_WM_STATE_HIDDEN",
-    "_NET_WM_CM_S" // followed by the screen's number
-};
+    "_NET_ACTIVE_WINDOW", "_NET_CLIENT_LIST", "_NET_CLIENT_LIST_STACKING", "_NET_CURRENT_DESKTOP",
+    "_NET_RESTACK_WINDOW", "_NET_WM_DESKTOP", "_NET_WM_PID", "_NET_WM_STATE", "_NET_WM_STATE_HIDDEN",
+    "_NET_SYSTEM_TRAY_COLORS",
+    // followed by the screen's number
+    "_NET_WM_CM_S", "_NET_SYSTEM_TRAY_S"};
+
+bool isOfScreen(X11Atom atom)
+{
+    return atom == X11Atom::CompositingManager || atom == X11Atom::SystemTray;
+}
 
 int preferredScreen()
 {
@@ -67,7 +72,7 @@ X11Connection::X11Connection(xcb_connection_t *connection, xcb_screen_t *screen,
     std::array<xcb_intern_atom_cookie_t, atomNames.size()> cookies{};
     for (size_t i = 0; i < atomNames.size(); ++i) {
         QByteArray name = atomNames[i];
-        if (static_cast<X11Atom>(i) == X11Atom::CompositingManager)
+        if (isOfScreen(static_cast<X11Atom>(i)))
             name += QByteArray::number(screenNumber);
         cookies[i] = xcb_intern_atom(connection, 0, static_cast<uint16_t>(name.size()), name.constData());
     }

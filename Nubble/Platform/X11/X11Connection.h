@@ -28,7 +28,9 @@ enum class X11Atom {
     NetWmPid,
     NetWmState,
     NetWmStateHidden,
+    NetSystemTrayColors,
     CompositingManager, // the selection that one owns on this screen
+    SystemTray,         // likewise
     Count
 };
 

@@ -14,7 +14,8 @@
 namespace nubble {
 
 X11PanelSurface::X11PanelSurface(QWidget &window, std::shared_ptr<const X11Connection> x11)
-    : m_window(window), m_x11(std::move(x11)), m_compositor(m_x11), m_keyboard(m_x11)
+    : m_window(window), m_x11(std::move(x11)), m_compositor(m_x11, X11Atom::CompositingManager),
+      m_keyboard(m_x11)
 {
     // All flags once and for ever: changing one later makes another native window.
     window.setWindowFlags(
@@ -24,7 +25,7 @@ X11PanelSurface::X11PanelSurface(QWidget &window, std::shared_ptr<const X11Conne
     window.setAttribute(Qt::WA_ShowWithoutActivating);
     window.setAttribute(Qt::WA_AlwaysShowToolTips);
     window.installEventFilter(this);
-    connect(&m_compositor, &X11CompositorWatch::changed, this, [this] {
+    connect(&m_compositor, &X11SelectionWatch::changed, this, [this] {
         applyOutline();
         m_x11->flush();
         Q_EMIT translucencyChanged();

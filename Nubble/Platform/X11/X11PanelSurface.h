@@ -3,8 +3,8 @@
 #include <memory>
 
 #include "Platform/PanelSurface.h"
-#include "Platform/X11/X11CompositorWatch.h"
 #include "Platform/X11/X11KeyboardFocus.h"
+#include "Platform/X11/X11SelectionWatch.h"
 
 namespace nubble {
 
@@ -22,7 +22,7 @@ public:
     void orderFront() override;
     void orderOut() override;
     void setActiveRects(const QList<QRectF> &rects) override;
-    [[nodiscard]] bool isTranslucent() const override { return m_compositor.isRunning(); }
+    [[nodiscard]] bool isTranslucent() const override { return m_compositor.isOwned(); }
     void setOutline(const QPainterPath &outline) override;
     void takeKeyboard() override;
     void releaseKeyboard() override;
@@ -38,7 +38,7 @@ private:
 
     QWidget &m_window;
     std::shared_ptr<const X11Connection> m_x11;
-    X11CompositorWatch m_compositor;
+    X11SelectionWatch m_compositor;
     X11KeyboardFocus m_keyboard;
     QRect m_frame;
     QList<QRectF> m_activeRects;

@@ -1,0 +1,61 @@
+#include "Platform/Freedesktop/StatusNotifierWatch.h"
+
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
+
+#include "Platform/Freedesktop/SessionBus.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nubble {
+
+namespace {
+
+const auto service = u"org.kde.StatusNotifierWatcher"_s; // also its interface
+const auto path = u"/StatusNotifierWatcher"_s;
+
+} // namespace
+
+StatusNotifierWatch::StatusNotifierWatch(QObject *parent) : QObject(parent)
+{
+    QDBusConnection bus = SessionBus::connection();
+    if (!bus.isConnected())
+        return;
+    m_watcher.setConnection(bus);
+    m_watcher.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
+    m_watcher.addWatchedService(service);
+    connect(&m_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this, &StatusNotifierWatch::ask);
+    bus.connect({}, path, service, u"StatusNotifierHostRegistered"_s, this, SLOT(ask()));
+    bus.connect({}, path, service, u"StatusNotifierHostUnregistered"_s, this, SLOT(ask()));
+    m_state = State::Pending;
+    ask();
+}
+
+void StatusNotifierWatch::ask()
+{
+    auto message =
+        QDBusMessage::createMethodCall(service, path, u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
+    message.setArguments({service, u"IsStatusNotifierHostRegistered"_s});
+    message.setAutoStartService(false);
+    auto *call = new QDBusPendingCallWatcher(m_watcher.connection().asyncCall(message), this);
+    connect(call, &QDBusPendingCallWatcher::finished, this, [this, call] {
+        call->deleteLater();
+        const QDBusPendingReply<QDBusVariant> reply = *call;
+        if (reply.isError())
+            setState(State::Absent);
+        else
+            setState(reply.value().variant().toBool() ? State::Hosted : State::Pending);
+    });
+}
+
+void StatusNotifierWatch::setState(State state)
+{
+    if (m_state == state)
+        return;
+    m_state = state;
+    Q_EMIT changed();
+}
+
+} // namespace nubble

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QMenu>
+
+#include "Tray/MenuEntry.h"
+
+namespace nubble {
+
+// A menu made of plain values. Main thread only.
+class Menu : public QMenu {
+    Q_OBJECT
+
+public:
+    // Who draws it: this program, or the desktop, whose entries have one line each.
+    enum class Drawing { Own, Desktop };
+
+    explicit Menu(QWidget *parent = nullptr);
+
+    // Instead of what it had.
+    void setEntries(const QList<MenuEntry> &entries, Drawing drawing = Drawing::Own);
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    void add(const MenuEntry &entry, Drawing drawing);
+};
+
+} // namespace nubble

@@ -1,0 +1,106 @@
+#include "Tray/StatusItem.h"
+
+#include "Platform/StatusHost.h"
+#include "Tray/Mark.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nubble {
+
+namespace {
+
+constexpr double shownOpacity = 1.0;
+constexpr double hiddenOpacity = 0.45;
+
+// The installed icon that desktops colour themselves. Empty where it is not installed.
+QString themeName(bool panelVisible)
+{
+    const QString name =
+        panelVisible ? u"com.brevandel.nubble-symbolic"_s : u"com.brevandel.nubble-hidden-symbolic"_s;
+    return QIcon::hasThemeIcon(name) ? name : QString();
+}
+
+} // namespace
+
+StatusItem::StatusItem(const StatusHost &host, MenuSource menu, bool panelVisible, QObject *parent)
+    : QObject(parent), m_host(host), m_source(std::move(menu)), m_panelVisible(panelVisible)
+{
+    m_refill.setSingleShot(true);
+    m_refill.setInterval(std::chrono::milliseconds(200));
+    connect(&m_refill, &QTimer::timeout, this, &StatusItem::refillMenu);
+    connect(&m_menu, &QMenu::aboutToShow, this, [this] {
+        refillMenu();
+        m_menuOpen = true;
+    });
+    connect(&m_menu, &QMenu::aboutToHide, this, [this] {
+        m_menuOpen = false;
+        update(m_panelVisible);
+    });
+    connect(&m_host, &StatusHost::changed, this, &StatusItem::followHost);
+    followHost();
+}
+
+StatusItem::~StatusItem() = default;
+
+void StatusItem::followHost()
+{
+    if (!m_icon && m_host.kind() != StatusHost::Kind::None)
+        create();
+    update(m_panelVisible);
+}
+
+// Not before there is a host: the toolkit picks its protocol once, by what it finds at this moment.
+void StatusItem::create()
+{
+    m_icon = std::make_unique<QSystemTrayIcon>();
+    refillMenu();
+    m_icon->setContextMenu(&m_menu);
+    connect(m_icon.get(), &QSystemTrayIcon::activated, this, &StatusItem::react);
+}
+
+void StatusItem::react(QSystemTrayIcon::ActivationReason reason)
+{
+    if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick)
+        Q_EMIT clicked();
+    else if (reason == QSystemTrayIcon::Context && m_host.kind() == StatusHost::Kind::Remote)
+        Q_EMIT menuRequested();
+}
+
+void StatusItem::update(bool panelVisible)
+{
+    m_panelVisible = panelVisible;
+    if (!m_icon)
+        return;
+    show({.panelVisible = panelVisible, .color = m_host.foreground()});
+    // What some desktops show first is what they read last, before they ask for anything newer. Not at every
+    // step of a drag.
+    if (m_host.kind() == StatusHost::Kind::Remote && !m_menuOpen)
+        m_refill.start();
+}
+
+// Every change is sent to the desktop, even one to the same.
+void StatusItem::show(const Look &look)
+{
+    if (m_shown == look)
+        return;
+    m_shown = look;
+    m_icon->setIcon(Mark::icon(
+        look.color, look.panelVisible ? shownOpacity : hiddenOpacity, themeName(look.panelVisible)));
+    m_icon->setToolTip(look.panelVisible ? u"Hide Nubble"_s : u"Show Nubble"_s);
+    m_icon->show();
+}
+
+void StatusItem::refillMenu()
+{
+    m_refill.stop();
+    const bool remote = m_host.kind() == StatusHost::Kind::Remote;
+    m_menu.setEntries(m_source(), remote ? Menu::Drawing::Desktop : Menu::Drawing::Own);
+}
+
+void StatusItem::say(const QString &title, const QString &text)
+{
+    if (m_icon)
+        m_icon->showMessage(title, text, m_icon->icon());
+}
+
+} // namespace nubble
