@@ -6,7 +6,7 @@ install(FILES packaging/nubble.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES packaging/completions/nubble.bash
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME nubble)
 install(FILES packaging/completions/nubble.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
-# Where zsh looks below /usr/local on every distribution, and below /usr on all but Debian.
+# zsh's own folder. Debian's zsh looks into it only below /usr/local, so its package moves the file.
 install(FILES packaging/completions/_nubble DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
 
 set(CPACK_GENERATOR DEB)

@@ -9,7 +9,10 @@ build_packages=(
 )
 run_packages=(zstd procps fonts-inter)
 display_packages=(xvfb openbox picom xdotool x11-utils imagemagick dbus-daemon)
-test_packages=(wmctrl xterm x11-xserver-utils strace python3 python3-pyatspi python3-xlib at-spi2-core)
+test_packages=(
+    wmctrl xterm x11-xserver-utils strace python3 python3-pyatspi python3-xlib at-spi2-core
+    dpkg-dev file lintian desktop-file-utils appstream librsvg2-bin hicolor-icon-theme mandoc zsh fish
+)
 fuzz_packages=(clang libclang-rt-dev)
 bench_packages=(libbenchmark-dev strace python3 python3-xlib)
 
