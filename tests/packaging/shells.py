@@ -9,6 +9,7 @@ import tempfile
 
 HERE = pathlib.Path(__file__).parent
 COMPLETIONS = HERE.parents[1] / "packaging/completions"
+SCRATCH = tempfile.TemporaryDirectory()  # goes when the tests end
 
 
 def _answer(*command):
@@ -35,25 +36,28 @@ def fish(line):
     return {each.split("\t")[0] for each in offered}
 
 
+def _shown_on_terminal(command, env):
+    child, terminal = pty.fork()
+    if child == 0:
+        os.execvpe(command[0], command, env)
+    shown = b""
+    try:
+        while part := os.read(terminal, 4096):
+            shown += part
+    except OSError:  # how the terminal of an ended process reads
+        pass
+    os.close(terminal)
+    os.waitpid(child, 0)
+    return shown.decode()
+
+
 def zsh(line):
     """It completes only in its line editor, which wants a terminal."""
-    with tempfile.TemporaryDirectory() as folder:
-        offered = pathlib.Path(folder) / "offered"
-        offered.touch()
-        env = {
-            "PATH": os.environ["PATH"], "HOME": folder, "TERM": "dumb", "ZDOTDIR": str(HERE / "zsh"),
-            "COMPLETIONS": str(COMPLETIONS), "OFFERED": str(offered), "LINE": line}
-        child, terminal = pty.fork()
-        if child == 0:
-            os.execvpe("zsh", ["zsh", "-i"], env)
-        shown = b""
-        try:
-            while part := os.read(terminal, 4096):
-                shown += part
-        except OSError:  # how the terminal of an ended process reads
-            pass
-        os.close(terminal)
-        os.waitpid(child, 0)
-        if b"rror" in shown or b"_nubble:" in shown:
-            raise AssertionError(f"zsh complains: {shown.decode()}")
-        return set(offered.read_text().split("\n")) - {""}
+    offered = pathlib.Path(SCRATCH.name) / "offered"
+    offered.write_text("")
+    shown = _shown_on_terminal(["zsh", "-i"], {
+        "PATH": os.environ["PATH"], "HOME": SCRATCH.name, "TERM": "dumb", "ZDOTDIR": str(HERE / "zsh"),
+        "COMPLETIONS": str(COMPLETIONS), "DUMP": SCRATCH.name + "/dump", "OFFERED": str(offered), "LINE": line})
+    if "rror" in shown or "_nubble:" in shown:
+        raise AssertionError(f"zsh complains: {shown}")
+    return set(offered.read_text().split("\n")) - {""}

@@ -2,7 +2,7 @@
 PROMPT=
 fpath=($COMPLETIONS $fpath)
 autoload -Uz compinit
-compinit -D -u
+compinit -u -C -d $DUMP # so that only the first shell looks through all folders
 
 compadd() {
     local -a offered
