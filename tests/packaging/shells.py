@@ -48,7 +48,7 @@ def _shown_on_terminal(command, env):
         pass
     os.close(terminal)
     os.waitpid(child, 0)
-    return shown.decode()
+    return shown.decode(errors="replace")
 
 
 def zsh(line):
