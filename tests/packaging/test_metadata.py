@@ -1,4 +1,4 @@
-"""The files that are installed beside the program: the distribution's own validators, and that they tell of one program."""
+"""The files that are installed beside the program: the distribution's validators, and that all tell the same."""
 
 import configparser
 import os
@@ -71,8 +71,9 @@ class TheProgramsCommands(unittest.TestCase):
             self.assertLessEqual(set(words), words_of_help())
 
     def test_have_the_version_of_the_newest_release(self):
-        newest = xml.etree.ElementTree.parse(PACKAGING / "com.brevandel.nubble.metainfo.xml").find("releases/release")
-        self.assertEqual(output(PROGRAM, "--version").decode().split()[-1], newest.get("version"))
+        metainfo = xml.etree.ElementTree.parse(PACKAGING / "com.brevandel.nubble.metainfo.xml")
+        newest = metainfo.find("releases/release").get("version")
+        self.assertEqual(output(PROGRAM, "--version").decode().split()[-1], newest)
 
 
 class TheShells(unittest.TestCase):

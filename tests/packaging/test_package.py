@@ -1,4 +1,4 @@
-"""The Debian package: built from this build's program, judged by lintian, installed into an empty root and started."""
+"""The Debian package of this build: judged by lintian, installed into an empty root and started from there."""
 
 import configparser
 import json
@@ -89,8 +89,8 @@ class ThePackage(DesktopTest):
         theme = configparser.ConfigParser(interpolation=None, strict=False)
         theme.read("/" / ICONS / "index.theme")
         folders = theme["Icon Theme"]["Directories"].split(",")
-        icons = {
-            icon.stem: str(icon.parent.relative_to(self.root / ICONS)) for icon in (self.root / ICONS).glob("**/*.svg")}
+        top = self.root / ICONS
+        icons = {icon.stem: str(icon.parent.relative_to(top)) for icon in top.glob("**/*.svg")}
         name = self.entry["Desktop Entry"]["Icon"]
         self.assertEqual(icons.keys(), {name, f"{name}-symbolic", f"{name}-hidden-symbolic"})
         self.assertLessEqual(set(icons.values()), set(folders))
