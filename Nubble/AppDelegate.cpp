@@ -69,16 +69,12 @@ void AppDelegate::observeRequests()
         Qt::SingleShotConnection); // one successor
     connect(&m_commands, &AppCommands::quitRequested, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
 
-    const auto perform = [this](const AddonRequest &request) {
-        if (const std::optional<QString> refusal = this->perform(request))
-            m_statusItem.say(title(addonOf(request)), *refusal);
-    };
-    connect(&m_commands, &AppCommands::addonRequested, this, perform);
-    connect(&m_notifications, &NotificationCenter::openChatSearch, this, [perform] {
-        perform({AddonRequest::Action::SearchChats});
+    connect(&m_commands, &AppCommands::addonRequested, this, &AppDelegate::performOrExplain);
+    connect(&m_notifications, &NotificationCenter::openChatSearch, this, [this] {
+        performOrExplain({AddonRequest::Action::SearchChats});
     });
-    connect(&m_notifications, &NotificationCenter::askClaude, this, [perform] {
-        perform({AddonRequest::Action::AskClaude});
+    connect(&m_notifications, &NotificationCenter::askClaude, this, [this] {
+        performOrExplain({AddonRequest::Action::AskClaude});
     });
     connect(
         m_backend.notifications.get(), &DistributedNotifications::received, this,
@@ -122,6 +118,12 @@ QString AppDelegate::status()
 std::optional<QString> AppDelegate::perform(const AddonRequest &request)
 {
     return u"this version has nothing to open for \"%1\" yet"_s.arg(title(addonOf(request)));
+}
+
+void AppDelegate::performOrExplain(const AddonRequest &request)
+{
+    if (const std::optional<QString> obstacle = perform(request))
+        m_statusItem.say(title(addonOf(request)), *obstacle);
 }
 
 std::optional<QString> AppDelegate::performFromOutside(const AddonRequest &request)

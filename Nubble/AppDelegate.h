@@ -41,13 +41,14 @@ public:
     void openSessions();
     [[nodiscard]] QString status(); // JSON
 
-    // Why not, when it cannot be done. From outside only what is switched on is reached.
-    [[nodiscard]] std::optional<QString> perform(const AddonRequest &request);
+    // For other programs, which reach only what is switched on. Why not, when it is not done.
     [[nodiscard]] std::optional<QString> performFromOutside(const AddonRequest &request);
 
 private:
     void observeState();
     void observeRequests();
+    [[nodiscard]] std::optional<QString> perform(const AddonRequest &request); // likewise
+    void performOrExplain(const AddonRequest &request);
     [[nodiscard]] MenuState menuState() const;
     void showMenu(const QList<MenuEntry> &entries, const QPoint &screenPosition);
     void restart();

@@ -36,7 +36,7 @@ int run(int argc, char *argv[], const CommandLine &line, const Home &home)
     qtArguments.push_back(nullptr);
     QCoreApplication::setAttribute(Qt::AA_DisableSessionManager); // which would start it again by itself
     QApplication application(count, qtArguments.data());
-    QApplication::setApplicationName(u"nubble"_s);
+    QApplication::setApplicationName(u"Nubble"_s); // desktops list the status item by it
     QApplication::setApplicationDisplayName(u"Nubble"_s);
     QApplication::setPalette(Palette::widgets());
     QToolTip::setPalette(Palette::widgets());

@@ -10,8 +10,9 @@ build_packages=(
 run_packages=(zstd procps fonts-inter)
 display_packages=(xvfb openbox picom xdotool x11-utils imagemagick dbus-daemon)
 test_packages=(
-    wmctrl xterm x11-xserver-utils strace python3 python3-pyatspi python3-xlib at-spi2-core
-    desktop-file-utils libglib2.0-bin
+    wmctrl xterm trayer x11-xserver-utils strace at-spi2-core libglib2.0-bin
+    python3 python3-gi python3-pyatspi python3-xlib
+    dpkg-dev file lintian desktop-file-utils appstream librsvg2-bin hicolor-icon-theme mandoc zsh fish
 )
 fuzz_packages=(clang libclang-rt-dev)
 bench_packages=(libbenchmark-dev strace python3 python3-xlib)

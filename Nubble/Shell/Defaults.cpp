@@ -25,6 +25,7 @@ bool isFitForSettings(const QString &file)
 
 } // namespace
 
+// Nothing can be read from or written to a file "in" /dev/null.
 Defaults::Defaults(const QString &file)
     : m_settings(isFitForSettings(file) ? file : u"/dev/null"_s + file, QSettings::IniFormat)
 {
