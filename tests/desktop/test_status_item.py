@@ -1,12 +1,16 @@
 """The status item on both kinds of desktop: told over the session bus what to show, and embedding an X11 window."""
 
 import os
+import pathlib
 import unittest
 
 from Xlib import X
 
 from desktop import SCREEN, DesktopTest, end, eventually
 from status_item_host import StatusItemHost, find, shown
+
+
+ICONS = pathlib.Path(__file__).parents[2] / "resources/icons"
 
 
 def centre(rectangle):
@@ -60,6 +64,17 @@ class OnADesktopThatDrawsIt(DesktopTest):
         self.assertEqual(
             menu[5:8], ["[x] Lock Position", "Move to Edge {([x] Right), ([ ] Left), ([ ] Top), ([ ] Bottom)}",
                         "(Center on Edge)"])
+
+    def test_names_the_installed_icons_which_desktops_colour_themselves(self):
+        (self.home.path / "share").mkdir()
+        (self.home.path / "share/icons").symlink_to(ICONS)
+        host = self.start_host()
+        self.start_nubble(XDG_DATA_DIRS=f"{self.home.path}/share:/usr/share")
+        eventually(lambda: host.items, "the item is there")
+        self.assertEqual(host.property("IconName"), "com.brevandel.nubble-symbolic")
+        host.click()
+        eventually(
+            lambda: host.property("IconName") == "com.brevandel.nubble-hidden-symbolic", "the dim icon is named")
 
     def test_draws_the_menu_itself_when_it_is_asked_to(self):
         host = self.start_host()
