@@ -117,7 +117,7 @@ QString AppDelegate::status()
 
 std::optional<QString> AppDelegate::perform(const AddonRequest &request)
 {
-    return u"this version has nothing to open for \"%1\" yet"_s.arg(title(addonOf(request)));
+    return u"This version has nothing to open for \"%1\" yet."_s.arg(title(addonOf(request)));
 }
 
 void AppDelegate::performOrExplain(const AddonRequest &request)
@@ -130,7 +130,7 @@ std::optional<QString> AppDelegate::performFromOutside(const AddonRequest &reque
 {
     const Addon addon = addonOf(request);
     if (!m_addons.contains(addon))
-        return u"the add-on \"%1\" is off; switch it on in Nubble's menu"_s.arg(title(addon));
+        return u"The add-on \"%1\" is off. It is switched on in the menu."_s.arg(title(addon));
     return perform(request);
 }
 

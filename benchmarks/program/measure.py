@@ -19,7 +19,8 @@ import sys
 import time
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tests/desktop"))
-from desktop import BACKDROP, SCREEN, Desktop, Home, end, eventually
+from desktop import BACKDROP, SCREEN, Desktop, end, eventually
+from program import Home
 
 SESSIONS = 20
 

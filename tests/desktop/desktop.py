@@ -1,4 +1,4 @@
-"""A desktop of the test's own: X server, window manager, session bus, and the program on it.
+"""A desktop of the test's own: X server, window manager, session bus.
 
 Everything is started here and ended by its process id; what a started program leaves behind becomes a child of the
 test (it is a subreaper) and is ended with it. Nothing waits for a fixed time: `eventually` looks until a condition
@@ -6,7 +6,6 @@ holds.
 """
 
 import ctypes
-import json
 import os
 import pathlib
 import shutil
@@ -14,21 +13,15 @@ import signal
 import subprocess
 import tempfile
 import time
-import unittest
 
 from Xlib import X, XK, display
 from Xlib.error import BadDrawable, BadWindow
 from Xlib.ext import xtest
 
-PROGRAM = os.environ.get("NUBBLE_PROGRAM", "")
 COMPOSITED = os.environ.get("NUBBLE_COMPOSITOR") == "picom"
 PATIENCE = 20.0  # seconds until a condition that does not come true is a failure
 SCREEN = (1280, 800)
 BACKDROP = (48, 96, 160)
-
-# The body in the middle of a vertical edge: its depth, and where the ring's centre is from the edge.
-BODY_DEPTH = 124 / 3
-RING_ACROSS = 62 / 3
 
 ctypes.CDLL(None).prctl(36, 1)  # PR_SET_CHILD_SUBREAPER
 
@@ -266,134 +259,3 @@ class Desktop:
         for code in reversed(codes):
             xtest.fake_input(self.display, X.KeyRelease, code)
         self.display.sync()
-
-
-class Home:
-    """A home folder with the files that sessions leave in it."""
-
-    def __init__(self, folder):
-        self.path = pathlib.Path(folder)
-        (self.path / ".claude/sessions").mkdir(parents=True)
-        (self.path / ".config").mkdir()
-
-    def record(self, pid, **fields):
-        now = int(time.time() * 1000)
-        record = {
-            "pid": pid, "sessionId": f"session-{pid}", "cwd": "/tmp/garden", "startedAt": now, "updatedAt": now,
-            "status": "idle", "kind": "interactive", "entrypoint": "cli"} | fields
-        whole = self.path / f".claude/sessions/{pid}.json.new"
-        whole.write_text(json.dumps(record))
-        whole.rename(whole.with_suffix(""))
-
-    def transcript(self, session, title, prompt, cwd="/tmp/garden"):
-        folder = self.path / ".claude/projects" / cwd.replace("/", "-")
-        folder.mkdir(parents=True, exist_ok=True)
-        lines = [
-            {"type": "ai-title", "aiTitle": title, "sessionId": session},
-            {"type": "last-prompt", "lastPrompt": prompt, "sessionId": session}]
-        text = "".join(json.dumps(line, separators=(",", ":")) + "\n" for line in lines)
-        (folder / f"{session}.jsonl").write_text(text)
-
-    def preferences(self, **values):
-        text = "[General]\n" + "".join(f"{key}={value}\n" for key, value in values.items())
-        (self.path / ".config/com.brevandel.nubble.conf").write_text(text.replace("_", "."))
-
-
-def run_nubble(*arguments, env):
-    """One run of the program that ends by itself."""
-    return subprocess.run(
-        [PROGRAM, *arguments], stdin=subprocess.DEVNULL, env=env, capture_output=True, text=True, timeout=PATIENCE,
-        check=False)
-
-
-class Nubble:
-    """The program of one home, whether or not it runs."""
-
-    offset = 0  # of its panel, from the middle of the edge
-    process = None
-
-    def __init__(self, desktop, home):
-        self.desktop = desktop
-        self.home = ["--home", str(home.path)]
-
-    def start(self, stderr=None, **env):
-        self.process = subprocess.Popen(
-            [PROGRAM, *self.home], stdin=subprocess.DEVNULL, stderr=stderr, env=self.desktop.env | env)
-        eventually(self.is_running, "the program answers")
-
-    def run(self, *arguments):
-        return run_nubble(*self.home, *arguments, env=self.desktop.env)
-
-    def status(self):
-        return json.loads(self.run("status", "--json").stdout)
-
-    def is_running(self):
-        return self.status()["source"] == "running"
-
-    def panel(self):
-        return self.status().get("panel", {})
-
-    def until_panel(self, **wanted):
-        eventually(
-            lambda: wanted.items() <= self.panel().items(), lambda: f"panel {wanted}, it is {self.panel()}")
-
-    def instances(self):
-        """The process ids of this home's instances, which are started with nothing but the home."""
-        found = []
-        for pid in descendants(os.getpid()):
-            try:
-                arguments = pathlib.Path(f"/proc/{pid}/cmdline").read_bytes().split(b"\0")[:-1]
-            except OSError:
-                continue
-            if [each.decode() for each in arguments] == [PROGRAM, *self.home]:
-                found.append(pid)
-        return found
-
-    def ring(self):
-        """The ring's centre on the screen, at the right edge."""
-        return (SCREEN[0] - RING_ACROSS, SCREEN[1] / 2 + self.offset)
-
-    def open_card(self):
-        self.desktop.click(*self.ring())
-        self.until_panel(mode="sessions")
-
-    def quit(self):
-        return end(self.process)
-
-    def end_all(self):
-        """Every instance, whoever has started it."""
-        if self.process:
-            self.quit()
-        for pid in self.instances():
-            os.kill(pid, signal.SIGTERM)
-        eventually(lambda: not self.instances(), "every instance has ended")
-
-
-class DesktopTest(unittest.TestCase):
-    """Each test has a home and, from `start_nubble`, a program of its own; the desktop is the class's."""
-
-    @classmethod
-    def setUpClass(cls):
-        cls.desktop = Desktop()
-        cls.addClassCleanup(cls.desktop.close)
-
-    def setUp(self):
-        self.home = Home(tempfile.mkdtemp(dir=self.desktop.folder))
-        self.desktop.move_pointer(400, 700)
-        self.desktop.backdrop.clicks()
-
-    def start_nubble(self, **env):
-        nubble = Nubble(self.desktop, self.home)
-        self.addCleanup(nubble.end_all)
-        nubble.start(**env)
-        return nubble
-
-    def start_terminal(self):
-        """An xterm whose shell runs a sleeping process. Returns the xterm and that process's id."""
-        note = pathlib.Path(tempfile.mkdtemp(dir=self.desktop.folder)) / "pid"
-        terminal = self.desktop.start(
-            "xterm", "-geometry", "60x12+40+40", "-e", "sh", "-c",
-            f"sleep 1000 & echo $! > {note}.new; mv {note}.new {note}; wait")
-        self.addCleanup(end, terminal)
-        eventually(note.exists, "the process in the terminal runs")
-        return terminal, int(note.read_text())

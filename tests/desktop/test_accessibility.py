@@ -3,7 +3,8 @@
 import unittest
 
 from accessibility import Accessible
-from desktop import DesktopTest, Window, eventually
+from desktop import Window, eventually
+from program import DesktopTest
 
 
 class ThePanelWithoutAMouse(DesktopTest):

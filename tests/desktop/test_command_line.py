@@ -5,7 +5,8 @@ import pathlib
 import subprocess
 import unittest
 
-from desktop import PROGRAM, DesktopTest, Home, Nubble, eventually, run_nubble
+from desktop import eventually
+from program import PROGRAM, DesktopTest, Home, Nubble, run_nubble
 
 DONE, FAILED, WRONG_USAGE, NOT_RUNNING = range(4)
 ODD_NAME = "a 'b' \"c\" $HOME `d` \\e 100%f = ~ü\t\n"

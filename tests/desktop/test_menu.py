@@ -2,7 +2,8 @@
 
 import unittest
 
-from desktop import SCREEN, DesktopTest, eventually
+from desktop import SCREEN, eventually
+from program import DesktopTest
 
 ENTRIES = [
     "Lock Position", "Move to Edge", "Center on Edge", "Add-ons", "Refresh Everything", "Restart Nubble", "Hide Notch",

@@ -2,7 +2,8 @@
 
 import unittest
 
-from desktop import BACKDROP, BODY_DEPTH, COMPOSITED, SCREEN, DesktopTest, Window, end, eventually
+from desktop import BACKDROP, COMPOSITED, SCREEN, Window, end, eventually
+from program import BODY_DEPTH, DesktopTest
 
 WIDTH, HEIGHT = SCREEN
 BODY_BEFORE_RING = 154 / 3  # along, from the body's start to the ring's centre

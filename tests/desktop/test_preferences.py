@@ -6,7 +6,8 @@ import unittest
 
 from Xlib import X
 
-from desktop import SCREEN, DesktopTest, Nubble, eventually
+from desktop import SCREEN, eventually
+from program import DesktopTest, Nubble
 
 MIDDLE = {"edge": "right", "offset": 0, "locked": False, "visible": True}
 WRONG = [  # edge, offset, locked, visible

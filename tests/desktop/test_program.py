@@ -6,7 +6,8 @@ import signal
 import tempfile
 import unittest
 
-from desktop import SCREEN, DesktopTest, Home, eventually, run_nubble
+from desktop import SCREEN, eventually
+from program import DesktopTest, Home, run_nubble
 
 
 class TheCommandLine(DesktopTest):

@@ -4,7 +4,8 @@ import os
 import signal
 import unittest
 
-from desktop import DesktopTest, SCREEN, Window, eventually
+from desktop import SCREEN, Window, eventually
+from program import DesktopTest
 
 CARD_MIDDLE = SCREEN[0] - 200  # of the sessions card, at the right edge
 ONLY_ROW = SCREEN[1] / 2 + 17  # of a card with one session

@@ -6,7 +6,8 @@ import unittest
 
 from Xlib import X
 
-from desktop import SCREEN, DesktopTest, end, eventually
+from desktop import SCREEN, end, eventually
+from program import DesktopTest
 from status_item_host import StatusItemHost, find, shown
 
 

@@ -11,7 +11,8 @@ import tempfile
 import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "desktop"))
-from desktop import DesktopTest, end, eventually, run_nubble  # noqa: E402  (it lies in another folder)
+from desktop import end, eventually  # noqa: E402  (it lies in another folder)
+from program import DesktopTest, run_nubble  # noqa: E402  (it lies in another folder)
 
 ICONS = pathlib.Path("usr/share/icons/hicolor")
 
