@@ -57,7 +57,7 @@ void AppDelegate::observeState()
 
 void AppDelegate::observeRequests()
 {
-    connect(&m_statusItem, &StatusItem::clicked, this, &AppDelegate::toggle);
+    connect(&m_statusItem, &StatusItem::clicked, &m_commands, &AppCommands::toggleVisible);
     connect(&m_statusItem, &StatusItem::menuRequested, this, [this] {
         showMenu(statusMenu(menuState(), m_commands), QCursor::pos());
     });
@@ -95,11 +95,6 @@ void AppDelegate::hide()
     m_placement.setVisible(false);
 }
 
-void AppDelegate::toggle()
-{
-    m_placement.toggleVisible();
-}
-
 void AppDelegate::openSessions()
 {
     show();
@@ -123,7 +118,7 @@ std::optional<QString> AppDelegate::perform(const AddonRequest &request)
 void AppDelegate::performOrExplain(const AddonRequest &request)
 {
     if (const std::optional<QString> obstacle = perform(request))
-        m_statusItem.say(title(addonOf(request)), *obstacle);
+        m_statusItem.showMessage(title(addonOf(request)), *obstacle);
 }
 
 std::optional<QString> AppDelegate::performFromOutside(const AddonRequest &request)

@@ -37,9 +37,9 @@ public:
 
     void show();
     void hide();
-    void toggle();
     void openSessions();
     [[nodiscard]] QString status(); // JSON
+    [[nodiscard]] AppCommands &commands() { return m_commands; }
 
     // For other programs, which reach only what is switched on. Why not, when it is not done.
     [[nodiscard]] std::optional<QString> performFromOutside(const AddonRequest &request);

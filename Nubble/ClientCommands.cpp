@@ -32,6 +32,8 @@ Request requestFor(const CommandLine &line)
         return Request{method, arguments, method};
     };
     switch (line.verb) {
+    case Verb::Start:
+        return opening(u"Status"_s); // nothing but whether it is there
     case Verb::Hide:
         return {u"Hide"_s, {}, {}};
     case Verb::Toggle:
@@ -46,6 +48,10 @@ Request requestFor(const CommandLine &line)
         return {u"StartNotes"_s, {}, {}};
     case Verb::StopNotes:
         return {u"StopNotes"_s, {}, {}};
+    case Verb::Restart:
+        return {u"Restart"_s, {}, {}};
+    case Verb::Quit:
+        return {u"Quit"_s, {}, {}};
     default:
         return opening(u"Show"_s);
     }
@@ -54,22 +60,21 @@ Request requestFor(const CommandLine &line)
 // Why an instance cannot be started, if so.
 std::optional<QString> start(const CommandLine &line, const SessionBus &bus)
 {
-    if (!bus.isConnected())
-        return u"there is no session bus to reach Nubble by"_s;
     if (!qtPlatform())
         return u"there is no display to show the panel on"_s;
-    if (!Relaunch::ofThisProgram(line.startArguments()).detached())
+    if (!bus.isConnected())
+        return u"there is no session bus to reach Nubble by"_s;
+    if (!Relaunch::ofThisProgram(line.startArguments()).startDetached())
         return u"Nubble cannot be started"_s;
     return std::nullopt;
 }
 
 // Whichever instance comes up first: another command may be starting one as well.
-BusAnswer askOnceThere(const SessionBus &bus, const Request &request)
+BusAnswer askOnceThere(const SessionBus &bus, const QString &method, const QVariantList &arguments = {})
 {
     QDeadlineTimer patience(10'000);
     while (true) {
-        BusAnswer answer =
-            bus.call(request.methodAfterStart, request.arguments, static_cast<int>(patience.remainingTime()));
+        BusAnswer answer = bus.call(method, arguments, static_cast<int>(patience.remainingTime()));
         if (answer.kind != BusAnswer::Kind::NotOwned || patience.hasExpired())
             return answer;
         QThread::msleep(20);
@@ -86,10 +91,12 @@ int runInInstance(const CommandLine &line, const SessionBus &bus)
     if (answer.kind == BusAnswer::Kind::NotOwned && !request.methodAfterStart.isEmpty()) {
         if (const std::optional<QString> obstacle = start(line, bus))
             return fail(ExitFailed, *obstacle);
-        answer = askOnceThere(bus, request);
+        answer = askOnceThere(bus, request.methodAfterStart, request.arguments);
         if (answer.kind == BusAnswer::Kind::NotOwned)
             return fail(ExitFailed, u"Nubble does not start; without a command it says why"_s);
     }
+    if (answer.kind == BusAnswer::Kind::Reply && line.verb == Verb::Restart)
+        answer = askOnceThere(bus, u"Status"_s); // what follows in a script finds the successor
     return exitStatusOf(answer);
 }
 

@@ -18,6 +18,7 @@ struct Spelling {
 };
 
 constexpr std::array spellings{
+    Spelling{u"start", CommandLine::Verb::Start},
     Spelling{u"show", CommandLine::Verb::Show},
     Spelling{u"hide", CommandLine::Verb::Hide},
     Spelling{u"toggle", CommandLine::Verb::Toggle},
@@ -28,6 +29,8 @@ constexpr std::array spellings{
     Spelling{u"status", CommandLine::Verb::Status},
     Spelling{u"autostart on", CommandLine::Verb::AutostartOn},
     Spelling{u"autostart off", CommandLine::Verb::AutostartOff},
+    Spelling{u"restart", CommandLine::Verb::Restart},
+    Spelling{u"quit", CommandLine::Verb::Quit},
 };
 
 std::optional<UsageError> readCommand(CommandLine &line, const QStringList &words)
@@ -45,6 +48,10 @@ std::optional<UsageError> readCommand(CommandLine &line, const QStringList &word
             line.verb = spelling.verb;
             return std::nullopt;
         }
+    if (command == u"notes")
+        return UsageError{u"\"notes\" needs \"start\" or \"stop\"."_s};
+    if (command == u"autostart")
+        return UsageError{u"\"autostart\" needs \"on\" or \"off\"."_s};
     return UsageError{u"There is no command \"%1\"."_s.arg(command)};
 }
 
@@ -66,7 +73,8 @@ std::optional<UsageError> readOptions(CommandLine &line, const QCommandLineParse
 
 QStringList CommandLine::startArguments() const
 {
-    return home ? QStringList{u"--home"_s, *home} : QStringList();
+    const QStringList command{u"start"_s};
+    return home ? QStringList{u"--home"_s, *home} + command : command;
 }
 
 std::variant<CommandLine, UsageError> parseCommandLine(const QStringList &arguments)
@@ -110,6 +118,8 @@ QString helpText()
            "  notes start|stop    start or stop meeting notes\n"
            "  status [--json]     print what is shown, as a table or as JSON\n"
            "  autostart on|off    start Nubble at login, or no longer\n"
+           "  start               start Nubble, or leave the running instance as it is\n"
+           "  restart, quit       the running instance\n"
            "\n"
            "show, toggle, sessions, ask and search start Nubble when it is not running.\n"
            "\n"

@@ -14,6 +14,7 @@ enum ExitStatus : int { ExitDone = 0, ExitFailed = 1, ExitWrongUsage = 2, ExitNo
 struct CommandLine {
     enum class Verb {
         Run,
+        Start,
         Show,
         Hide,
         Toggle,
@@ -25,6 +26,8 @@ struct CommandLine {
         Status,
         AutostartOn,
         AutostartOff,
+        Restart,
+        Quit,
         Help,
         Version,
     };
@@ -34,7 +37,7 @@ struct CommandLine {
     QString question;            // to ask; may be empty
     std::optional<QString> home; // another home folder, absolute
 
-    // With which the program starts for the same home.
+    // With which the program starts for the same home, and leaves an instance that is there as it is.
     [[nodiscard]] QStringList startArguments() const;
 
     bool operator==(const CommandLine &) const = default;

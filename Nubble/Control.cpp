@@ -38,7 +38,7 @@ void Control::Hide()
 
 void Control::Toggle()
 {
-    m_delegate->toggle();
+    m_delegate->commands().toggleVisible();
 }
 
 void Control::OpenSessions()
@@ -77,6 +77,16 @@ void Control::perform(const AddonRequest &request, const QDBusMessage &message)
     message.setDelayedReply(true); // this is the reply
     SessionBus::connection().send(
         message.createErrorReply(u"com.brevandel.nubble.Error.Refused"_s, *refusal));
+}
+
+void Control::Restart()
+{
+    m_delegate->commands().restart();
+}
+
+void Control::Quit()
+{
+    m_delegate->commands().quit();
 }
 
 QString Control::Status()

@@ -35,6 +35,8 @@ public Q_SLOTS:
     void StartNotes(const QDBusMessage &message);
     void StopNotes(const QDBusMessage &message);
     QString Status(); // JSON
+    void Restart();   // the name is free when this answers
+    void Quit();
 
 private:
     void perform(const AddonRequest &request, const QDBusMessage &message);

@@ -1,8 +1,10 @@
 #include <QApplication>
+#include <QLockFile>
 #include <QPalette>
 #include <QToolTip>
 
 #include <cstdio>
+#include <cstdlib>
 #include <optional>
 #include <vector>
 
@@ -11,6 +13,7 @@
 #include "CommandLine.h"
 #include "Control.h"
 #include "Panel/Palette.h"
+#include "Panel/Typography.h"
 #include "Platform/Freedesktop/FontPreload.h"
 #include "Platform/Linux/TerminationSignals.h"
 #include "Shell/Migration.h"
@@ -21,32 +24,62 @@ using namespace nubble;
 
 namespace {
 
-int run(int argc, char *argv[], const CommandLine &line, const Home &home)
+// At once: the bus's thread may still be at work, and complains when the program is taken apart around it.
+[[noreturn]] void leave(int status)
 {
-    std::optional<QByteArray> platform = qtPlatform();
-    if (!platform)
-        return fail(ExitFailed, u"there is no display to show the panel on; see nubble --help"_s);
+    std::fflush(nullptr);
+    std::_Exit(status);
+}
+
+// What a session bus sees to otherwise: one instance for each home. After a restart the predecessor is given
+// the time to end.
+bool isHeldElsewhere(QLockFile &lock)
+{
+    lock.setStaleLockTime(0);
+    return !lock.tryLock(3000) && lock.error() == QLockFile::LockFailedError;
+}
+
+void setUpLook()
+{
+    QApplication::setPalette(Palette::widgets());
+    QToolTip::setPalette(Palette::widgets());
+    QApplication::setFont(Typography::menu(), "QMenu");
+}
+
+[[noreturn]] void runCommand(const CommandLine &line, const Home &home)
+{
+    using Verb = CommandLine::Verb;
+    if (line.verb == Verb::AutostartOn || line.verb == Verb::AutostartOff)
+        leave(setAutostart(line, home));
+    const SessionBus bus(Control::serviceName(line));
+    leave(line.verb == Verb::Status ? printStatus(home, bus, line.json) : runInInstance(line, bus));
+}
+
+int run(int argc, char *argv[], QByteArray platform, const CommandLine &line, const Home &home)
+{
     std::optional<FontPreload> fonts(std::in_place);
     // As an argument, for the environment would be handed down to every child process.
     std::vector<char *> qtArguments(argv, argv + argc);
     QByteArray option("-platform");
-    if (!platform->isEmpty())
-        qtArguments.insert(qtArguments.begin() + 1, {option.data(), platform->data()});
+    if (!platform.isEmpty())
+        qtArguments.insert(qtArguments.begin() + 1, {option.data(), platform.data()});
     int count = static_cast<int>(qtArguments.size());
     qtArguments.push_back(nullptr);
     QCoreApplication::setAttribute(Qt::AA_DisableSessionManager); // which would start it again by itself
     QApplication application(count, qtArguments.data());
     QApplication::setApplicationName(u"Nubble"_s); // desktops list the status item by it
     QApplication::setApplicationDisplayName(u"Nubble"_s);
-    QApplication::setPalette(Palette::widgets());
-    QToolTip::setPalette(Palette::widgets());
+    setUpLook();
     QApplication::setQuitOnLastWindowClosed(false);
 
     SessionBus bus(Control::serviceName(line));
     QObject exported;
     auto *control = new Control(&exported);
     if (!bus.claim(&exported))
-        return runInInstance(line, bus);
+        leave(line.verb == CommandLine::Verb::Start ? ExitDone : runInInstance(line, bus));
+    QLockFile lock(home.configFolder() + u"/com.brevandel.nubble.lock");
+    if (!bus.isConnected() && isHeldElsewhere(lock))
+        return fail(ExitFailed, u"Nubble runs already, and there is no session bus to reach it by"_s);
 
     {
         Defaults defaults(Defaults::fileOf(u"com.brevandel.nubble"_s, home.configFolder()));
@@ -58,15 +91,6 @@ int run(int argc, char *argv[], const CommandLine &line, const Home &home)
     const TerminationSignals signals_;
     QObject::connect(&signals_, &TerminationSignals::received, &application, &QCoreApplication::quit);
     return QApplication::exec();
-}
-
-int runCommand(const CommandLine &line, const Home &home)
-{
-    using Verb = CommandLine::Verb;
-    if (line.verb == Verb::AutostartOn || line.verb == Verb::AutostartOff)
-        return setAutostart(line, home);
-    const SessionBus bus(Control::serviceName(line));
-    return line.verb == Verb::Status ? printStatus(home, bus, line.json) : runInInstance(line, bus);
 }
 
 } // namespace
@@ -90,9 +114,13 @@ int main(int argc, char *argv[])
         std::puts("nubble " NUBBLE_VERSION);
         return ExitDone;
     case CommandLine::Verb::Run:
-        return run(argc, argv, line, home);
+    case CommandLine::Verb::Start:
+        if (const std::optional<QByteArray> platform = qtPlatform())
+            return run(argc, argv, *platform, line, home);
+        break;
     default:
-        const QCoreApplication application(argc, argv);
-        return runCommand(line, home);
+        break;
     }
+    const QCoreApplication application(argc, argv);
+    runCommand(line, home);
 }

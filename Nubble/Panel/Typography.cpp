@@ -66,6 +66,11 @@ QFont rowTitle()
     return font(12, QFont::Medium);
 }
 
+QFont menu()
+{
+    return font(13, QFont::Normal);
+}
+
 QFont cardBody()
 {
     return font(11, QFont::Normal);

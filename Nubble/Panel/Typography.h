@@ -17,6 +17,7 @@ namespace Typography {
 [[nodiscard]] QFont rowTitle();
 [[nodiscard]] QFont cardBody();
 [[nodiscard]] QFont caption();
+[[nodiscard]] QFont menu();
 
 // The height of one line of `percent()`, whole pixels.
 [[nodiscard]] double percentLineHeight();

@@ -12,10 +12,7 @@ DesktopStatusHost::DesktopStatusHost(
 {
     m_patience.setSingleShot(true);
     m_patience.setInterval(patience);
-    connect(&m_patience, &QTimer::timeout, this, [this] {
-        if (m_tray->isThere())
-            settleFor(Kind::Embedding);
-    });
+    connect(&m_patience, &QTimer::timeout, this, [this] { settleFor(Kind::Embedding); });
     connect(m_notifiers.get(), &StatusNotifierWatch::changed, this, &DesktopStatusHost::decide);
     if (m_tray)
         connect(m_tray.get(), &X11Tray::changed, this, &DesktopStatusHost::decide);
@@ -30,12 +27,15 @@ void DesktopStatusHost::decide()
         Q_EMIT changed(); // another tray may have other colours
         return;
     }
-    if (m_notifiers->state() == StatusNotifierWatch::State::Hosted)
+    using State = StatusNotifierWatch::State;
+    const State notifiers = m_notifiers->state();
+    const bool tray = m_tray && m_tray->isThere();
+    if (notifiers == State::Hosted)
         settleFor(Kind::Remote);
-    else if (!m_tray || !m_tray->isThere())
-        m_patience.stop();
-    else if (m_notifiers->state() == StatusNotifierWatch::State::Absent)
+    else if (tray && notifiers == State::Absent)
         settleFor(Kind::Embedding);
+    else if (!tray || notifiers == State::Unanswered) // the toolkit would wait for that answer
+        m_patience.stop();
     else if (!m_patience.isActive())
         m_patience.start();
 }

@@ -22,7 +22,7 @@ void Relaunch::now() const
         u"/bin/sh"_s, QStringList{u"-c"_s, u"sleep 0.6; exec \"$0\" \"$@\""_s, program} + arguments);
 }
 
-bool Relaunch::detached() const
+bool Relaunch::startDetached() const
 {
     QProcess process;
     process.setProgram(program);

@@ -18,7 +18,7 @@ struct Relaunch {
     void now() const;
 
     // Starts one more process at once, which outlives the terminal of this one and keeps nothing of it open.
-    [[nodiscard]] bool detached() const;
+    [[nodiscard]] bool startDetached() const;
 };
 
 } // namespace nubble

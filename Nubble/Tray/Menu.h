@@ -16,14 +16,18 @@ public:
 
     explicit Menu(QWidget *parent = nullptr);
 
-    // Instead of what it had.
+    // Instead of what it had. What looks the same is left as it is: desktops know entries by identity.
     void setEntries(const QList<MenuEntry> &entries, Drawing drawing = Drawing::Own);
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
+    void removeAll();
     void add(const MenuEntry &entry, Drawing drawing);
+    QAction *actionFor(const QKeySequence &keys) const;
+
+    QList<MenuEntry> m_entries;
 };
 
 } // namespace nubble

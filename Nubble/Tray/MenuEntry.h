@@ -23,4 +23,7 @@ struct MenuEntry {
     [[nodiscard]] static MenuEntry separator() { return {}; }
 };
 
+// Whether two menus are shown the same, whatever their entries do.
+[[nodiscard]] bool lookAlike(const QList<MenuEntry> &menu, const QList<MenuEntry> &other);
+
 } // namespace nubble

@@ -46,6 +46,7 @@ void StatusItem::followHost()
 {
     if (!m_icon && m_host.kind() != StatusHost::Kind::None)
         create();
+    m_color = m_host.foreground();
     update(m_panelVisible);
 }
 
@@ -71,7 +72,7 @@ void StatusItem::update(bool panelVisible)
     m_panelVisible = panelVisible;
     if (!m_icon)
         return;
-    show({.panelVisible = panelVisible, .color = m_host.foreground()});
+    show({.panelVisible = panelVisible, .color = m_color});
     // What some desktops show first is what they read last, before they ask for anything newer. Not at every
     // step of a drag.
     if (m_host.kind() == StatusHost::Kind::Remote && !m_menuOpen)
@@ -97,7 +98,7 @@ void StatusItem::refillMenu()
     m_menu.setEntries(m_source(), remote ? Menu::Drawing::Desktop : Menu::Drawing::Own);
 }
 
-void StatusItem::say(const QString &title, const QString &text)
+void StatusItem::showMessage(const QString &title, const QString &text)
 {
     if (m_icon)
         m_icon->showMessage(title, text, m_icon->icon());

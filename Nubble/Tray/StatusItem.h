@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QIcon>
+#include <QColor>
 #include <QObject>
 #include <QSystemTrayIcon>
 #include <QTimer>
@@ -30,7 +30,7 @@ public:
     // Whenever one of the panel's settings has changed: icon, tool tip and a closed menu follow.
     void update(bool panelVisible);
 
-    void say(const QString &title, const QString &text); // a notification, where there is an icon
+    void showMessage(const QString &title, const QString &text); // a notification, where there is an icon
 
 Q_SIGNALS:
     void clicked();
@@ -54,6 +54,7 @@ private:
     MenuSource m_source;
     bool m_panelVisible;
     bool m_menuOpen = false;
+    std::optional<QColor> m_color; // of icons on the desktop's tray
     std::optional<Look> m_shown;
     QTimer m_refill;
     Menu m_menu;

@@ -18,7 +18,7 @@ _nubble() {
         esac
     done
     case $given in
-    '') words='show hide toggle sessions ask search notes status autostart --home --help --version' ;;
+    '') words='show hide toggle sessions ask search notes status autostart start restart quit --home --help --version' ;;
     notes) words='start stop' ;;
     status) words='--json' ;;
     autostart) words='on off' ;;

@@ -13,10 +13,10 @@ QString shown(const std::variant<CommandLine, UsageError> &parsed)
     if (const auto *error = std::get_if<UsageError>(&parsed))
         return u"error: "_s + error->message;
     const auto &line = std::get<CommandLine>(parsed);
-    const QStringList verbs{u"run"_s,       u"show"_s,   u"hide"_s,         u"toggle"_s,
-                            u"sessions"_s,  u"ask"_s,    u"search"_s,       u"notes on"_s,
-                            u"notes off"_s, u"status"_s, u"autostart on"_s, u"autostart off"_s,
-                            u"help"_s,      u"version"_s};
+    const QStringList verbs{
+        u"run"_s,           u"start"_s,   u"show"_s,        u"hide"_s,       u"toggle"_s, u"sessions"_s,
+        u"ask"_s,           u"search"_s,  u"notes start"_s, u"notes stop"_s, u"status"_s, u"autostart on"_s,
+        u"autostart off"_s, u"restart"_s, u"quit"_s,        u"help"_s,       u"version"_s};
     return verbs.at(static_cast<int>(line.verb)) + (line.json ? u" json"_s : QString())
         + (line.question.isEmpty() ? QString() : u" ["_s + line.question + u']')
         + (line.home ? u" in "_s + *line.home : QString());
@@ -48,7 +48,7 @@ private Q_SLOTS:
                 << text << QString::fromUtf16(meaning);
         };
         row(u"", u"run");
-        row(u"notes|start", u"notes on");
+        row(u"notes|start", u"notes start");
         row(u"autostart|off", u"autostart off");
         row(u"status|--json", u"status json");
         row(u"--json|status", u"status json");
@@ -75,7 +75,7 @@ private Q_SLOTS:
         row(u"-session|1", u"error: Unknown option 'session'. See nubble --help.");
         row(u"Status", u"error: There is no command \"Status\". See nubble --help.");
         row(u"status|sessions", u"error: There is no command \"status sessions\". See nubble --help.");
-        row(u"notes", u"error: There is no command \"notes\". See nubble --help.");
+        row(u"notes", u"error: \"notes\" needs \"start\" or \"stop\". See nubble --help.");
         row(u"--home|sub|", u"error: There is no command \"\". See nubble --help.");
     }
 

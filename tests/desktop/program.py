@@ -88,14 +88,15 @@ class Nubble:
             lambda: wanted.items() <= self.panel().items(), lambda: f"panel {wanted}, it is {self.panel()}")
 
     def instances(self):
-        """The process ids of this home's instances, which are started with nothing but the home."""
+        """The process ids of this home's instances, however they were started."""
         found = []
         for pid in descendants(os.getpid()):
             try:
                 arguments = pathlib.Path(f"/proc/{pid}/cmdline").read_bytes().split(b"\0")[:-1]
             except OSError:
                 continue
-            if [each.decode() for each in arguments] == [PROGRAM, *self.home]:
+            command = [each.decode() for each in arguments]
+            if command[:3] == [PROGRAM, *self.home] and command[3:] in ([], ["start"]):
                 found.append(pid)
         return found
 

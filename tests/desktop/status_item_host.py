@@ -92,20 +92,30 @@ class StatusItemHost:
 
     # Its menu
 
-    def open_menu(self):
+    def read_menu(self):
         """The entries as (id, what the desktop shows, entries below)."""
+        _, root = self._call(
+            self.property("Menu"), MENU, "GetLayout", GLib.Variant("(iias)", (0, -1, [])))
+        return root[2]
+
+    def open_menu(self):
         path = self.property("Menu")
         self._call(path, MENU, "AboutToShow", GLib.Variant("(i)", (0,)))
-        _, root = self._call(path, MENU, "GetLayout", GLib.Variant("(iias)", (0, -1, [])))
-        return root[2]
+        self._send_event(path, 0, "opened")
+        return self.read_menu()
 
     def choose(self, identifier, times=1):
         path = self.property("Menu")
-        for _ in range(times):  # without waiting: the program may be ending by the second time
-            self.bus.call(
-                self.items[-1], path, MENU, "Event",
-                GLib.Variant("(isvu)", (identifier, "clicked", GLib.Variant("s", ""), 0)), None,
-                Gio.DBusCallFlags.NONE, 5000, None, None)
+        for _ in range(times):
+            self._send_event(path, identifier, "clicked")
+        self._send_event(path, 0, "closed")
+
+    def _send_event(self, path, identifier, event):
+        """Without waiting for the answer: the program may be ending."""
+        self.bus.call(
+            self.items[-1], path, MENU, "Event",
+            GLib.Variant("(isvu)", (identifier, event, GLib.Variant("s", ""), 0)), None, Gio.DBusCallFlags.NONE,
+            5000, None, None)
 
 
 def shown(entry):

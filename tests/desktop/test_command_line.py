@@ -52,8 +52,26 @@ class TheCommands(CommandTest):
             self.assertEqual(answer.returncode, FAILED)
             self.assertIn("is off", answer.stderr)
 
+    def test_restart_and_end_it(self):
+        self.nubble.start()
+        self.check("hide")
+        self.check("restart")
+        self.assertEqual(self.nubble.process.wait(10), DONE)
+        self.assertFalse(self.nubble.panel()["visible"])  # the successor is there, and is as it was left
+        self.check("start")
+        self.assertEqual((len(self.nubble.instances()), self.nubble.panel()["visible"]), (1, False))
+        self.check("quit")
+        eventually(lambda: not self.nubble.instances(), "it has ended")
+
+    def test_say_one_line_however_the_threads_are_scheduled(self):
+        before = os.sched_getaffinity(0)
+        self.addCleanup(os.sched_setaffinity, 0, before)
+        os.sched_setaffinity(0, {min(before)})
+        for _ in range(15):
+            self.check("hide", status=NOT_RUNNING, error="Nubble is not running.\n")
+
     def test_say_that_nubble_is_not_running(self):
-        for arguments in (["hide"], ["notes", "start"], ["notes", "stop"]):
+        for arguments in (["hide"], ["notes", "start"], ["notes", "stop"], ["restart"], ["quit"]):
             self.assertEqual(self.check(*arguments, status=NOT_RUNNING, error="Nubble is not running.\n"), "")
         self.assertIn(
             '"source": "read"', self.check("status", "--json", status=NOT_RUNNING, error="Nubble is not running.\n"))

@@ -3,11 +3,12 @@
 import json
 import os
 import signal
+import subprocess
 import tempfile
 import unittest
 
 from desktop import SCREEN, eventually
-from program import DesktopTest, Home, run_nubble
+from program import PROGRAM, DesktopTest, Home, Nubble, run_nubble
 
 
 class TheCommandLine(DesktopTest):
@@ -51,6 +52,17 @@ class TheInstance(DesktopTest):
         nubble.until_panel(visible=True)
         eventually(
             lambda: max(self.desktop.pixel(SCREEN[0] - 1, SCREEN[1] / 2)) < 32, "the panel is on the screen")
+        self.assertEqual(nubble.instances(), [nubble.process.pid])
+
+    def test_is_the_only_one_without_a_bus_too(self):
+        nubble = Nubble(self.desktop, self.home)
+        self.addCleanup(nubble.end_all)
+        env = self.desktop.env | {"DBUS_SESSION_BUS_ADDRESS": ""}
+        nubble.process = subprocess.Popen([PROGRAM, *nubble.home], stdin=subprocess.DEVNULL, env=env)
+        eventually(self.desktop.nubble_windows, "its panel is there")
+        second = run_nubble(*nubble.home, env=env)
+        self.assertEqual(second.returncode, 1)
+        self.assertRegex(second.stderr, r"\Anubble: Nubble runs already[^\n]*\n\Z")
         self.assertEqual(nubble.instances(), [nubble.process.pid])
 
     def test_of_another_home_is_another_one(self):

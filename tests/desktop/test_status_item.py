@@ -61,6 +61,11 @@ class OnADesktopThatDrawsIt(DesktopTest):
         self.assertEqual(switches[4:], ["-", "(Nubble restarts to add or remove one.)"])
         host.choose(find(menu, "Lock Position"))
         nubble.until_panel(locked=True)
+        def has_followed():
+            return shown(host.read_menu()[5]).startswith("[x]")
+
+        eventually(has_followed, "the closed menu follows, for desktops that show what they have read last")
+        self.assertEqual(host.open_menu(), host.open_menu())  # the same entries while nothing has changed
         menu = [shown(entry) for entry in host.open_menu()]
         self.assertEqual(
             menu[5:8], ["[x] Lock Position", "Move to Edge {([x] Right), ([ ] Left), ([ ] Top), ([ ] Bottom)}",

@@ -1,5 +1,7 @@
 #include <QDBusAbstractAdaptor>
 #include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
 #include <QTest>
 #include <QWidget>
 
@@ -52,6 +54,18 @@ public:
 
 Q_SIGNALS:
     void StatusNotifierHostRegistered();
+};
+
+class SilentObject : public QDBusVirtualObject {
+public:
+    [[nodiscard]] QString introspect(const QString &) const override { return {}; }
+    bool handleMessage(const QDBusMessage &message, const QDBusConnection &) override
+    {
+        message.setDelayedReply(true);
+        return asked = true;
+    }
+
+    bool asked = false;
 };
 
 // The service with which hosts on the bus register.
@@ -132,6 +146,20 @@ private Q_SLOTS:
         announcement.registerHost();
         QTRY_COMPARE(patient->kind(), Kind::Remote);
         QCOMPARE(hasty->kind(), Kind::Embedding); // once picked it stays
+    }
+
+    void whoDoesNotAnswerIsNotWaitedFor()
+    {
+        const Tray tray(*m_x11);
+        QDBusConnection silent = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"silent"_s);
+        QVERIFY(silent.registerService(u"org.kde.StatusNotifierWatcher"_s));
+        SilentObject object;
+        QVERIFY(silent.registerVirtualObject(u"/StatusNotifierWatcher"_s, &object));
+        const auto host = makeHost(std::chrono::milliseconds(1));
+        QTRY_VERIFY(object.asked);
+        QCOMPARE(host->kind(), Kind::None);
+        QVERIFY(silent.unregisterService(u"org.kde.StatusNotifierWatcher"_s));
+        QTRY_COMPARE(host->kind(), Kind::Embedding);
     }
 
     void anAnnouncementThatGoesLeavesTheTray()

@@ -28,7 +28,7 @@ private Q_SLOTS:
         Relaunch{program, QStringList{out} + arguments}.now();
         QTRY_COMPARE(contents(out), told);
         const QString atOnce = home.path(u"at once"_s);
-        QVERIFY((Relaunch{program, QStringList{atOnce} + arguments}.detached()));
+        QVERIFY((Relaunch{program, QStringList{atOnce} + arguments}.startDetached()));
         QTRY_COMPARE(contents(atOnce), told);
     }
 
@@ -41,7 +41,7 @@ private Q_SLOTS:
             "/proc/$$/fd/$each || echo none; done)\necho \"$seen\" > \"$1.part\"; mv \"$1.part\" \"$1\"\n");
         QCOMPARE(::dup2(1, 7), 7);
         const QString out = home.path(u"out"_s);
-        QVERIFY((Relaunch{program, {out}}.detached()));
+        QVERIFY((Relaunch{program, {out}}.startDetached()));
         QTRY_VERIFY(QFile::exists(out));
         QStringList seen = contents(out).split(u'\n', Qt::SkipEmptyParts);
         QVERIFY(seen.takeAt(1).toInt() != ::getsid(0));

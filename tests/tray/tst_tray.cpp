@@ -69,6 +69,32 @@ private Q_SLOTS:
         Menu remote;
         remote.setEntries({entry}, Menu::Drawing::Desktop);
         QCOMPARE(remote.actions().at(0)->text(), entry.title + u" — "_s + entry.detail);
+
+        entry.detail = u"Needs the recorder script at /"_s + QString(1000, u'x') + u"/R&D\tend.mjs."_s;
+        own.setEntries({entry});
+        QVERIFY(own.sizeHint().width() < 660);
+        QVERIFY(own.actions().at(0)->text().endsWith(u"x/R&&D end.mjs."_s));
+        QVERIFY(own.actions().at(0)->toolTip().contains(entry.detail));
+    }
+
+    void anEntryIsCheckedOnlyByWhatItStandsFor()
+    {
+        int chosen = 0;
+        MenuEntry entry;
+        entry.title = u"Right"_s;
+        entry.checked = true;
+        entry.action = [&chosen] { ++chosen; };
+        Menu menu;
+        menu.setEntries({entry});
+        QAction *action = menu.actions().at(0);
+        action->trigger();
+        QCOMPARE(chosen, 1);
+        QVERIFY(action->isChecked());
+        menu.setEntries({entry});
+        QCOMPARE(menu.actions().at(0), action); // desktops may be about to choose it
+        entry.checked = false;
+        menu.setEntries({entry});
+        QVERIFY(!menu.actions().at(0)->isChecked());
     }
 
     void aShownKeyWorksWhileTheMenuIsOpen()
@@ -81,7 +107,14 @@ private Q_SLOTS:
         MenuEntry disabled = entry;
         disabled.enabled = false;
         Menu menu;
-        menu.setEntries({disabled, MenuEntry::separator(), entry});
+        MenuEntry below;
+        below.title = u"Below"_s;
+        below.entries = {MenuEntry(disabled)};
+        menu.setEntries({disabled, MenuEntry::separator(), entry, below});
+        menu.popup({10, 10});
+        QTest::keyClick(menu.actions().at(3)->menu(), Qt::Key_R, Qt::ControlModifier);
+        QVERIFY(!menu.isVisible());
+        QCOMPARE(std::exchange(refreshed, 0), 1);
         menu.popup({10, 10});
         QTest::keyClick(&menu, Qt::Key_R);
         QVERIFY(menu.isVisible());

@@ -29,7 +29,7 @@ StatusNotifierWatch::StatusNotifierWatch(QObject *parent) : QObject(parent)
     connect(&m_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this, &StatusNotifierWatch::ask);
     bus.connect({}, path, service, u"StatusNotifierHostRegistered"_s, this, SLOT(ask()));
     bus.connect({}, path, service, u"StatusNotifierHostUnregistered"_s, this, SLOT(ask()));
-    m_state = State::Pending;
+    m_state = State::Unanswered;
     ask();
 }
 
@@ -43,10 +43,14 @@ void StatusNotifierWatch::ask()
     connect(call, &QDBusPendingCallWatcher::finished, this, [this, call] {
         call->deleteLater();
         const QDBusPendingReply<QDBusVariant> reply = *call;
-        if (reply.isError())
+        if (!reply.isError()) {
+            setState(reply.value().variant().toBool() ? State::Hosted : State::Announced);
+        } else if (reply.error().type() == QDBusError::NoReply) {
+            setState(State::Unanswered);
+            ask();
+        } else {
             setState(State::Absent);
-        else
-            setState(reply.value().variant().toBool() ? State::Hosted : State::Pending);
+        }
     });
 }
 

@@ -13,9 +13,10 @@ class StatusNotifierWatch : public QObject {
 public:
     enum class State {
         Absent,
-        Pending,
+        Unanswered, // there may be a slow one, and whoever waits for its answer is stuck
+        Announced,  // somebody answers that there is none yet
         Hosted
-    }; // pending: not known yet, or somebody announces that one comes
+    };
 
     explicit StatusNotifierWatch(QObject *parent = nullptr);
 
