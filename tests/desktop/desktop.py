@@ -61,7 +61,8 @@ def end(process):
         return process.wait(PATIENCE)
     except subprocess.TimeoutExpired:
         process.kill()
-        return process.wait()
+        process.wait()
+        raise
 
 
 def end_descendants():

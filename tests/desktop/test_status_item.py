@@ -6,7 +6,7 @@ import unittest
 
 from Xlib import X
 
-from desktop import SCREEN, end, eventually
+from desktop import SCREEN, eventually
 from program import DesktopTest
 from status_item_host import StatusItemHost, find, shown
 
@@ -116,8 +116,12 @@ class InAnX11Tray(DesktopTest):
     def start_tray(self):
         tray = self.desktop.start(
             "trayer", "--edge", "bottom", "--align", "left", "--widthtype", "request", "--height", "32")
-        self.addCleanup(end, tray)
+        self.addCleanup(self.end_tray, tray)
         return tray
+
+    def end_tray(self, tray):
+        tray.kill()
+        tray.wait()
 
     def icon(self):
         """The rectangle of the icon on the screen, once it is embedded."""
@@ -168,7 +172,7 @@ class InAnX11Tray(DesktopTest):
         self.start_nubble()
         tray = self.start_tray()
         self.icon()
-        end(tray)
+        self.end_tray(tray)
         self.start_tray()
         self.icon()
 
