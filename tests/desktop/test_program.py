@@ -5,7 +5,10 @@ import os
 import signal
 import subprocess
 import tempfile
+import time
 import unittest
+
+from gi.repository import Gio, GLib
 
 from desktop import SCREEN, eventually
 from program import PROGRAM, DesktopTest, Home, Nubble, run_nubble
@@ -64,6 +67,21 @@ class TheInstance(DesktopTest):
         self.assertEqual(second.returncode, 1)
         self.assertRegex(second.stderr, r"\Anubble: Nubble runs already[^\n]*\n\Z")
         self.assertEqual(nubble.instances(), [nubble.process.pid])
+
+    def test_answers_while_other_programs_flood_it_with_requests(self):
+        self.home.preferences(addon_ask="true")
+        nubble = self.start_nubble()
+        question = GLib.Variant("(a{sv})", ({"question": GLib.Variant("s", "x" * 1000)},))
+        flags = Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION
+        bus = Gio.DBusConnection.new_for_address_sync(
+            self.desktop.env["DBUS_SESSION_BUS_ADDRESS"], flags, None, None)
+        for _ in range(10_000):
+            bus.emit_signal(None, "/", "com.brevandel.nubble", "ask", question)
+        before = time.monotonic()
+        nubble.run("hide")
+        nubble.until_panel(visible=False)
+        self.assertLess(time.monotonic() - before, 2)
+        bus.close_sync(None)
 
     def test_of_another_home_is_another_one(self):
         first = self.start_nubble()
