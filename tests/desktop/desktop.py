@@ -202,23 +202,27 @@ class Desktop:
         return eventually(find, "the window of " + str(process.args))
 
     def nubble_windows(self, parent=None):
-        """The program's windows that are shown, with their parents, from the top or embedded in other windows."""
+        """The program's windows that are shown, at the top or embedded in others, as (window, parent, geometry)."""
         parent = parent or self.root
         found = []
         try:
-            for window in parent.query_tree().children:
+            children = parent.query_tree().children
+        except BadWindow:  # it has just gone
+            children = []
+        for window in children:
+            try:
                 shown = window.get_attributes().map_state == X.IsViewable
                 if shown and (window.get_wm_class() or [""])[0] == "nubble":
-                    found.append((window, parent))
-                found += self.nubble_windows(window)
-        except (BadWindow, BadDrawable):  # it has just gone
-            pass
+                    found.append((window, parent, window.get_geometry()))
+            except (BadWindow, BadDrawable):
+                continue
+            found += self.nubble_windows(window)
         return found
 
-    def menu_windows(self):
-        """The panel's window is there always, and larger than any menu."""
-        own = [window for window, parent in self.nubble_windows() if parent == self.root]
-        return sorted(own, key=lambda window: window.get_geometry().height)[:-1]
+    def menus(self):
+        """The rectangles of open menus. The panel's window is there always, and larger than any menu."""
+        own = [geometry for _, parent, geometry in self.nubble_windows() if parent == self.root]
+        return sorted(own, key=lambda geometry: geometry.height)[:-1]
 
     def current_desktop(self):
         return self._property(self.root, "_NET_CURRENT_DESKTOP")[0]

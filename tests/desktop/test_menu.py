@@ -18,10 +18,10 @@ class TheContextMenu(DesktopTest):
         x, y = nubble.ring()
         self.below_ring = 10 - self.below_ring  # not where the last press was: two would be a double click
         self.desktop.click(x, y + self.below_ring, button=3)
-        return eventually(self.desktop.menu_windows, "the menu is open")[0]
+        return eventually(self.desktop.menus, "the menu is open")[0]
 
     def choose(self, nubble, entry, *keys):
-        menu = self.open_menu(nubble).get_geometry()
+        menu = self.open_menu(nubble)
         row = menu.height / len(ENTRIES)
         if keys:
             self.desktop.move_pointer(menu.x + 20, menu.y + row * (ENTRIES.index(entry) + 0.5))
@@ -29,24 +29,24 @@ class TheContextMenu(DesktopTest):
             self.desktop.click(menu.x + 20, menu.y + row * (ENTRIES.index(entry) + 0.5))
         for key in keys:
             self.desktop.key(key)
-        eventually(lambda: not self.desktop.menu_windows(), "the menu is closed")
+        eventually(lambda: not self.desktop.menus(), "the menu is closed")
 
     def test_opens_within_the_screen_and_closes_without_effect(self):
         nubble = self.start_nubble()
-        menu = self.open_menu(nubble).get_geometry()
+        menu = self.open_menu(nubble)
         self.assertLessEqual(menu.x + menu.width, SCREEN[0])
         self.assertGreater(menu.height, 8 * 16)
         before = nubble.panel()
         self.desktop.key("Escape")
-        eventually(lambda: not self.desktop.menu_windows(), "the menu is closed")
+        eventually(lambda: not self.desktop.menus(), "the menu is closed")
         self.open_menu(nubble)
         self.desktop.click(300, 300)
-        eventually(lambda: not self.desktop.menu_windows(), "the menu is closed by a click elsewhere")
+        eventually(lambda: not self.desktop.menus(), "the menu is closed by a click elsewhere")
         self.assertEqual(nubble.panel(), before)
 
     def test_locks_and_unlocks_the_position(self):
         nubble = self.start_nubble()
-        menu = self.open_menu(nubble).get_geometry()
+        menu = self.open_menu(nubble)
         self.desktop.click(menu.x + 40, menu.y + 14)  # its first entry
         nubble.until_panel(locked=True)
         self.choose(nubble, "Lock Position")
