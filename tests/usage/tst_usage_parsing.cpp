@@ -123,15 +123,14 @@ private Q_SLOTS:
     void aResetIsToldByItsDistance()
     {
         const QDateTime now(QDate(2026, 9, 21), QTime(9, 5)); // a Monday
-        const auto textIn = [&now](qint64 seconds) { return resetText(now.addSecs(seconds), now); };
-        QCOMPARE(textIn(-90), u"Resets in 0 min");
-        QCOMPARE(textIn(59), u"Resets in 0 min");
-        QCOMPARE(textIn(59 * 60 + 59), u"Resets in 59 min");
-        QCOMPARE(textIn(60 * 60), u"Resets in 1 hr 0 min");
-        QCOMPARE(textIn(1440 * 60 - 1), u"Resets in 23 hr 59 min");
-        QCOMPARE(textIn(1440 * 60), u"Resets Tue 9:05 AM");
-        QCOMPARE(resetText(now.addSecs(28 * 3600).toUTC(), now), u"Resets Tue 1:05 PM");
-        QCOMPARE(resetText(std::nullopt, now), QString());
+        for (const auto &[seconds, text] :
+             {std::pair(-90, u"Resets in 0 min"_s),
+              {59 * 60 + 59, u"Resets in 59 min"_s},
+              {60 * 60, u"Resets in 1 hr 0 min"_s},
+              {1440 * 60 - 1, u"Resets in 23 hr 59 min"_s},
+              {1440 * 60, u"Resets Tue 9:05 AM"_s},
+              {28 * 3600, u"Resets Tue 1:05 PM"_s}})
+            QCOMPARE(resetText(now.addSecs(seconds).toUTC(), now), text);
     }
 };
 
