@@ -9,6 +9,16 @@
 
 namespace nubble {
 
+namespace {
+
+void run(const QString &program, const QStringList &arguments)
+{
+    if (QProcess::execute(program, arguments) != 0)
+        qFatal("%s failed", qPrintable(program));
+}
+
+} // namespace
+
 ForeignApplication::ForeignApplication(uint32_t pid)
     : m_connection(xcb_connect(nullptr, nullptr)),
       m_root(xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root), m_pid(pid)
@@ -97,15 +107,7 @@ std::vector<uint32_t> ForeignApplication::numbers(xcb_window_t window, const cha
 
 void ForeignApplication::focus(xcb_window_t window)
 {
-    xcb_client_message_event_t event{};
-    event.response_type = XCB_CLIENT_MESSAGE;
-    event.format = 32;
-    event.window = window;
-    event.type = atom("_NET_ACTIVE_WINDOW");
-    event.data.data32[0] = 2; // asked for by the user
-    xcb_send_event(
-        m_connection, 0, m_root, XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
-        reinterpret_cast<const char *>(&event));
+    run(QStringLiteral("wmctrl"), {QStringLiteral("-ia"), QString::number(window)});
     if (!QTest::qWaitFor([&] { return focusedWindow() == window; }))
         qFatal("a foreign window cannot be focused");
 }
@@ -143,11 +145,10 @@ QRect ForeignApplication::onScreen(xcb_window_t window) const
 
 void userClicks(const QPoint &pixel)
 {
-    const QStringList arguments{
-        QStringLiteral("mousemove"), QString::number(pixel.x()), QString::number(pixel.y()),
-        QStringLiteral("click"), QStringLiteral("1")};
-    if (QProcess::execute(QStringLiteral("xdotool"), arguments) != 0)
-        qFatal("xdotool failed");
+    const QStringList place{QString::number(pixel.x()), QString::number(pixel.y())};
+    run(QStringLiteral("xdotool"),
+        QStringList{QStringLiteral("mousemove")} + place
+            + QStringList{QStringLiteral("click"), QStringLiteral("1")});
 }
 
 } // namespace nubble

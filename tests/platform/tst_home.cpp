@@ -1,34 +1,15 @@
 #include <QDir>
 #include <QTest>
 
-#include <sys/stat.h>
-
-#include "Platform/RegularFile.h"
 #include "support/TemporaryHome.h"
 
 using namespace Qt::StringLiterals;
 using namespace nubble;
 
-class TestFiles : public QObject {
+class TestHome : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void onlyRegularFilesAreOpened()
-    {
-        const TemporaryHome home;
-        const QString file = home.write(u"file"_s, "text");
-        const QByteArray fifo = QFile::encodeName(home.path(u"fifo"_s));
-        QCOMPARE(::mkfifo(fifo.constData(), 0600), 0);
-        QVERIFY(QFile::link(file, home.path(u"link"_s)));
-        QVERIFY(QFile::link(home.path(u"circle"_s), home.path(u"circle"_s)));
-        QVERIFY(QFile::link(u"/dev/zero"_s, home.path(u"device"_s)));
-
-        QVERIFY(RegularFile::open(file));
-        QVERIFY(RegularFile::open(home.path(u"link"_s)));
-        for (const auto *name : {"fifo", "circle", "device", "gone", "."})
-            QVERIFY2(!RegularFile::open(home.path(QString::fromLatin1(name))), name);
-    }
-
     void homeIsThePasswordDatabasesWhateverTheEnvironmentSays()
     {
         const QString before = Home::ofUser().path();
@@ -55,5 +36,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestFiles)
-#include "tst_files.moc"
+QTEST_GUILESS_MAIN(TestHome)
+#include "tst_home.moc"
