@@ -30,9 +30,8 @@ private:
 private Q_SLOTS:
     void cleanup()
     {
-        for (auto *application : {&m_terminal, &m_editor})
-            for (const auto window : application->numbers(application->root(), "_NET_CLIENT_LIST"))
-                application->destroy(window);
+        m_terminal.closeAll();
+        m_editor.closeAll();
         QTRY_COMPARE(runningPids(), QList<pid_t>());
     }
 
@@ -74,7 +73,8 @@ private Q_SLOTS:
         const auto text = m_editor.open({100, 100, 300, 300}, Qt::blue);
         m_editor.focus(text);
         QTRY_COMPARE(stacking().back(), text);
-        (void)ForeignApplication(4444).open({400, 0, 100, 100}, Qt::red, ForeignApplication::Unmanaged);
+        ForeignApplication menu(4444);
+        (void)menu.open({400, 0, 100, 100}, Qt::red, ForeignApplication::Unmanaged);
         const RunningApplication first{4242, QStringLiteral("Terminal"), QStringLiteral("terminal")};
         QCOMPARE(m_workspace.runningApplications().first(), first);
         QCOMPARE(runningPids(), (QList<pid_t>{4242, 4343}));
