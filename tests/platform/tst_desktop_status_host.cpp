@@ -47,10 +47,8 @@ class Announcement : public QDBusVirtualObject {
 public:
     explicit Announcement(bool isSilent = false) : m_isSilent(isSilent)
     {
-        [this] {
-            QVERIFY(m_bus.registerVirtualObject(m_path, this));
-            QVERIFY(m_bus.registerService(m_name));
-        }();
+        QVERIFY(m_bus.registerVirtualObject(m_path, this));
+        QVERIFY(m_bus.registerService(m_name));
     }
     ~Announcement() override
     {

@@ -43,11 +43,10 @@ private:
     std::unique_ptr<PanelSurface> m_surface;
 
     [[nodiscard]] QRect screen() const { return QGuiApplication::primaryScreen()->geometry(); }
-    [[nodiscard]] xcb_window_t panelWindow() const
+    [[nodiscard]] QRect panelOnScreen() const
     {
-        return static_cast<xcb_window_t>(m_panel->windowHandle()->winId());
+        return m_others->onScreen(static_cast<xcb_window_t>(m_panel->windowHandle()->winId()));
     }
-    [[nodiscard]] QRect panelOnScreen() const { return m_others->onScreen(panelWindow()); }
     [[nodiscard]] QPoint pixelAt(qreal x, qreal y) const
     {
         return panelOnScreen().topLeft() + (QPointF(x, y) * m_scale).toPoint();

@@ -13,14 +13,9 @@ namespace {
 
 constexpr qint64 noon = 1'790'000'000'000;
 
-std::optional<QString> realZstd()
+PlanUsageReader readerOf(const UsageCache &cache, const std::optional<QString> &zstd = u"/usr/bin/zstd"_s)
 {
-    return u"/usr/bin/zstd"_s;
-}
-
-PlanUsageReader readerOf(const UsageCache &cache, PlanUsageReader::FindTool findZstd = realZstd)
-{
-    return PlanUsageReader(cache.folder(), u"claude.ai"_s, std::move(findZstd), {{}, 1ms});
+    return PlanUsageReader(cache.folder(), u"claude.ai"_s, [zstd] { return zstd; }, {{}, 1ms});
 }
 
 // "problem" or the session's percentage, and the names of the entries when the folder was listed.
@@ -77,7 +72,7 @@ private Q_SLOTS:
         }
         cache.add(u"e_0"_s, UsageCache::usageEntry(10), noon - 9);
         QVERIFY(printed(readerOf(cache).read({})).startsWith("10: "));
-        QCOMPARE(printed(readerOf(cache, [] { return std::nullopt; }).read({})), "no zstd");
+        QCOMPARE(printed(readerOf(cache, std::nullopt).read({})), "no zstd");
     }
 
     void knownEntriesAreTrustedUntilNoneCanBeRead()
@@ -147,7 +142,7 @@ private Q_SLOTS:
             // The fresh answer is whole again as soon as the older one has been read.
             const QString zstd = cache.writeScript(
                 u"zstd"_s, "#!/bin/sh\nzstd -dc\ncd \"${0%/*}\" && [ -e whole ] && mv whole " + entry + '\n');
-            PlanUsageReader reader = readerOf(cache, [zstd] { return zstd; });
+            PlanUsageReader reader = readerOf(cache, zstd);
             QCOMPARE(printed(reader.read({})), "10: a_0 b_0");
             cache.write(u"whole"_s, UsageCache::usageEntry(30));
             cache.add(u"a_0"_s, {}, noon + 1);
