@@ -1,15 +1,30 @@
 #include <QDir>
 #include <QTest>
 
+#include <sys/stat.h>
+
+#include "Platform/RegularFile.h"
 #include "support/TemporaryHome.h"
 
 using namespace Qt::StringLiterals;
 using namespace nubble;
 
-class TestHome : public QObject {
+class TestFiles : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void onlyRegularFilesAreOpened()
+    {
+        const TemporaryHome home;
+        const QString file = home.write(u"file"_s, "text");
+        QCOMPARE(::mkfifo(QFile::encodeName(home.path(u"fifo"_s)), 0600), 0);
+        QVERIFY(QFile::link(file, home.path(u"link"_s)));
+        for (const QString &each : {file, home.path(u"link"_s)})
+            QVERIFY(RegularFile::open(each));
+        for (const QString &each : {home.path(u"fifo"_s), home.path(u"."_s), u"/dev/zero"_s})
+            QVERIFY2(!RegularFile::open(each), qPrintable(each));
+    }
+
     void homeIsThePasswordDatabasesWhateverTheEnvironmentSays()
     {
         const QString before = Home::ofUser().path();
@@ -36,5 +51,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestHome)
-#include "tst_home.moc"
+QTEST_GUILESS_MAIN(TestFiles)
+#include "tst_files.moc"
