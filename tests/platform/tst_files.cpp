@@ -17,16 +17,12 @@ private Q_SLOTS:
     {
         const TemporaryHome home;
         const QString file = home.write(u"file"_s, "text");
-        const QByteArray fifo = QFile::encodeName(home.path(u"fifo"_s));
-        QCOMPARE(::mkfifo(fifo.constData(), 0600), 0);
+        QCOMPARE(::mkfifo(QFile::encodeName(home.path(u"fifo"_s)), 0600), 0);
         QVERIFY(QFile::link(file, home.path(u"link"_s)));
-        QVERIFY(QFile::link(home.path(u"circle"_s), home.path(u"circle"_s)));
-        QVERIFY(QFile::link(u"/dev/zero"_s, home.path(u"device"_s)));
-
-        QVERIFY(RegularFile::open(file));
-        QVERIFY(RegularFile::open(home.path(u"link"_s)));
-        for (const auto *name : {"fifo", "circle", "device", "gone", "."})
-            QVERIFY2(!RegularFile::open(home.path(QString::fromLatin1(name))), name);
+        for (const QString &each : {file, home.path(u"link"_s)})
+            QVERIFY(RegularFile::open(each));
+        for (const QString &each : {home.path(u"fifo"_s), home.path(u"."_s), u"/dev/zero"_s})
+            QVERIFY2(!RegularFile::open(each), qPrintable(each));
     }
 
     void homeIsThePasswordDatabasesWhateverTheEnvironmentSays()

@@ -30,26 +30,9 @@ private:
 private Q_SLOTS:
     void cleanup()
     {
-        for (auto *application : {&m_terminal, &m_editor})
-            for (const auto window : application->numbers(application->root(), "_NET_CLIENT_LIST"))
-                application->destroy(window);
+        m_terminal.closeAll();
+        m_editor.closeAll();
         QTRY_COMPARE(runningPids(), QList<pid_t>());
-    }
-
-    void runningApplicationsAreTheOwnersOfManagedWindows()
-    {
-        const auto first = m_terminal.open({0, 0, 100, 100}, Qt::red);
-        (void)m_editor.open({0, 200, 100, 100}, Qt::blue);
-        (void)m_terminal.open({200, 0, 100, 100}, Qt::red);
-        (void)ForeignApplication(4444).open({400, 0, 100, 100}, Qt::red, ForeignApplication::Unmanaged);
-        m_terminal.setText(first, "WM_CLIENT_MACHINE", "localhost");
-
-        QCOMPARE(runningPids(), (QList<pid_t>{4242, 4343}));
-        const RunningApplication expected{4242, QStringLiteral("Terminal"), QStringLiteral("terminal")};
-        QCOMPARE(m_workspace.runningApplications().first(), expected);
-        QVERIFY(m_workspace.isRunningApplication(4343));
-        QVERIFY(!m_workspace.isRunningApplication(4444));
-        QVERIFY(!m_workspace.isRunningApplication(0));
     }
 
     void believesNoNonsense()
@@ -71,22 +54,18 @@ private Q_SLOTS:
         m_terminal.setText(window, "WM_CLASS", QByteArray(100'000, 'x'));
         QCOMPARE(runningPids(), QList<pid_t>{4242});
         QVERIFY(m_workspace.runningApplications().first().name.size() <= 1024);
-    }
 
-    void windowsThatHaveGoneDoNoHarm()
-    {
-        const auto window = m_terminal.open({0, 0, 100, 100}, Qt::red);
-        std::vector<uint32_t> list(60'000, 0x7FFFFFFF);
+        std::vector<uint32_t> list(60'000, 0x7FFFFFFF); // windows that have gone
         list.front() = window;
-        m_terminal.setNumbers(m_terminal.root(), "_NET_CLIENT_LIST", list, "WINDOW");
-        m_terminal.setNumbers(m_terminal.root(), "_NET_CLIENT_LIST_STACKING", list, "WINDOW");
+        for (const char *property : {"_NET_CLIENT_LIST", "_NET_CLIENT_LIST_STACKING"})
+            m_terminal.setNumbers(m_terminal.root(), property, list, "WINDOW");
         QCOMPARE(runningPids(), QList<pid_t>{4242});
         m_workspace.activate(4242);
         m_workspace.activate(4343);
         m_terminal.setNumbers(m_terminal.root(), "_NET_CLIENT_LIST", {window}, "WINDOW");
     }
 
-    void activatingRaisesAllItsWindowsInTheirOrder()
+    void activatingARunningApplicationRaisesAllItsWindowsInTheirOrder()
     {
         const auto below = m_terminal.open({0, 0, 300, 300}, Qt::red);
         const auto above = m_terminal.open({50, 50, 300, 300}, Qt::red);
@@ -94,6 +73,13 @@ private Q_SLOTS:
         const auto text = m_editor.open({100, 100, 300, 300}, Qt::blue);
         m_editor.focus(text);
         QTRY_COMPARE(stacking().back(), text);
+        ForeignApplication menu(4444);
+        (void)menu.open({400, 0, 100, 100}, Qt::red, ForeignApplication::Unmanaged);
+        const RunningApplication first{4242, QStringLiteral("Terminal"), QStringLiteral("terminal")};
+        QCOMPARE(m_workspace.runningApplications().first(), first);
+        QCOMPARE(runningPids(), (QList<pid_t>{4242, 4343}));
+        for (const pid_t pid : {4343, 4444, 0})
+            QCOMPARE(m_workspace.isRunningApplication(pid), pid == 4343);
 
         m_workspace.activate(4242);
         QTRY_COMPARE(m_terminal.focusedWindow(), above);

@@ -16,28 +16,22 @@ class ProcessActivatorTest : public QObject {
 private Q_SLOTS:
     void bringsTheNearestAncestorForwardThatIsAnApplication()
     {
-        m_workspace.applications = {{50, u"Desktop"_s, u"desktop"_s}, {60, u"XTerm"_s, u"xterm"_s}};
-        m_parents = {{90, 80}, {80, 70}, {70, 60}, {60, 50}};
-        QCOMPARE(activatedFor(90), QList<pid_t>{60});
-        QCOMPARE(activatedFor(50), QList<pid_t>{50});
+        m_workspace.applications = {
+            {1, u"Init"_s, u"init"_s}, {50, u"Desktop"_s, u"desktop"_s}, {60, u"XTerm"_s, u"xterm"_s}};
+        m_parents = {{90, 80}, {80, 70}, {70, 60}, {60, 50}, {6, 1}, {5, 5}, {4, 3}, {3, 4}};
+        for (const pid_t pid : {90, 60})
+            QCOMPARE(activatedFor(pid), QList<pid_t>{60});
+        for (const pid_t pid : {6, 5, 4, 2}) // the root, loops, an end
+            QCOMPARE(activatedFor(pid), QList<pid_t>{});
     }
 
     void looksAtTwentyFourAncestorsAtMost()
     {
-        m_parents.clear();
         for (pid_t pid = 101; pid < 200; ++pid)
             m_parents.insert(pid, pid - 1);
         m_workspace.applications = {{100, u"XTerm"_s, u"xterm"_s}};
         QCOMPARE(activatedFor(124), QList<pid_t>{100});
         QCOMPARE(activatedFor(125), QList<pid_t>{});
-    }
-
-    void endsAtTheRootAndAtALoop()
-    {
-        m_workspace.applications = {{1, u"Init"_s, u"init"_s}};
-        m_parents = {{90, 1}, {80, 80}, {70, 60}, {60, 70}};
-        for (const pid_t pid : {90, 80, 70, 5})
-            QCOMPARE(activatedFor(pid), QList<pid_t>{});
     }
 
     void fallsBackToClaudesOwnApplication()

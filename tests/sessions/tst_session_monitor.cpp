@@ -32,19 +32,6 @@ private Q_SLOTS:
 
     void cleanup() { m_monitor.reset(); }
 
-    void listsLiveSessionsByLastActivity()
-    {
-        put(u"7.json"_s, recordJson(7, u"older"_s, u"idle"_s, 2000));
-        put(u"8.json"_s, recordJson(8, u"newer"_s, u"idle"_s, 3000));
-        put(u"9.json"_s, R"({"pid":9,"sessionId":"started","cwd":"/","startedAt":2500})");
-        put(u"6.json"_s, recordJson(6, u"dead"_s, u"busy"_s));
-        const QSignalSpy changed(m_monitor.get(), &SessionMonitor::sessionsChanged);
-        m_monitor->refresh();
-        m_monitor->refresh();
-        QCOMPARE(ids(), QStringList({u"newer"_s, u"started"_s, u"older"_s}));
-        QCOMPARE(changed.count(), 1);
-    }
-
     void seesARewriteOfTheSameSizeWithinOneTick()
     {
         const QString path = m_home->write(u"sessions/7.json"_s, recordJson(7, u"a"_s, u"busy"_s));
@@ -60,8 +47,7 @@ private Q_SLOTS:
 
     void emptiesWithTheFolderAndFillsAgain()
     {
-        put(u"7.json"_s, recordJson(7, u"a"_s, u"busy"_s));
-        m_monitor->refresh();
+        refreshWith(7, u"a"_s, u"busy"_s);
         QVERIFY(QDir(m_home->path(u"sessions"_s)).removeRecursively());
         m_monitor->refresh();
         QCOMPARE(ids(), QStringList());
@@ -72,17 +58,13 @@ private Q_SLOTS:
     void showsACompletionForTwoMinutes()
     {
         QSignalSpy changed(m_monitor.get(), &SessionMonitor::recentlyCompletedChanged);
-        put(u"7.json"_s, recordJson(7, u"a"_s, u"busy"_s));
-        m_monitor->refresh();
+        refreshWith(7, u"a"_s, u"busy"_s);
         QCOMPARE(m_monitor->activity(), RunState::Working);
-        put(u"7.json"_s, recordJson(7, u"a"_s, QString()));
-        m_monitor->refresh();
+        refreshWith(7, u"a"_s, QString());
         QCOMPARE(m_monitor->activity(), RunState::Completed);
         m_clock.advance(119'999);
-        m_monitor->refresh();
+        refreshWith(7, u"a"_s, u"busy"_s);
         QCOMPARE(m_monitor->recentlyCompleted(), QSet{u"a"_s});
-        put(u"7.json"_s, recordJson(7, u"a"_s, u"busy"_s));
-        m_monitor->refresh();
         QCOMPARE(m_monitor->runState(m_monitor->sessions().first()), RunState::Working);
         m_clock.advance(1);
         m_monitor->refresh();
@@ -92,30 +74,28 @@ private Q_SLOTS:
 
     void completesOnlyWhatWasSeenBusy()
     {
-        put(u"7.json"_s, recordJson(7, u"idle from the start"_s, u"idle"_s));
-        put(u"8.json"_s, recordJson(8, u"dies"_s, u"busy"_s));
-        put(u"9.json"_s, recordJson(9, u"is cleared"_s, u"busy"_s));
-        m_monitor->refresh();
+        refreshWith(7, u"idle from the start"_s, u"idle"_s);
+        refreshWith(8, u"dies"_s, u"busy"_s);
+        refreshWith(9, u"is cleared"_s, u"busy"_s);
         m_processes.alive.remove(8);
-        put(u"9.json"_s, recordJson(9, u"new conversation"_s, u"idle"_s));
-        m_monitor->refresh();
+        refreshWith(9, u"new conversation"_s, u"idle"_s);
         m_processes.alive.insert(8);
-        put(u"8.json"_s, recordJson(8, u"dies"_s, u"idle"_s));
-        m_monitor->refresh();
+        refreshWith(8, u"dies"_s, u"idle"_s);
         QCOMPARE(m_monitor->sessions().size(), 3);
         QCOMPARE(m_monitor->recentlyCompleted(), QSet<QString>());
     }
 
     void tellsTwoTerminalsOfOneConversationApart()
     {
-        put(u"7.json"_s, recordJson(7, u"a"_s, u"busy"_s));
-        put(u"8.json"_s, recordJson(8, u"a"_s, u"idle"_s));
-        for (int poll = 0; poll < 3; ++poll)
-            m_monitor->refresh();
+        const QSignalSpy changed(m_monitor.get(), &SessionMonitor::sessionsChanged);
+        for (int poll = 0; poll < 3; ++poll) {
+            refreshWith(7, u"a"_s, u"busy"_s);
+            refreshWith(8, u"a"_s, u"idle"_s);
+        }
+        QCOMPARE(changed.count(), 2);
         QCOMPARE(ids(), QStringList({u"a"_s, u"a"_s}));
         QCOMPARE(m_monitor->recentlyCompleted(), QSet<QString>());
-        put(u"7.json"_s, recordJson(7, u"a"_s, u"idle"_s));
-        m_monitor->refresh();
+        refreshWith(7, u"a"_s, u"idle"_s);
         QCOMPARE(m_monitor->recentlyCompleted(), QSet{u"a"_s});
     }
 
@@ -139,8 +119,7 @@ private Q_SLOTS:
 
     void doesNotFlickerWhileRecordsAreRewritten()
     {
-        put(u"7.json"_s, recordJson(7, u"a"_s, u"busy"_s));
-        m_monitor->refresh();
+        refreshWith(7, u"a"_s, u"busy"_s);
         const QByteArray path = QFile::encodeName(m_home->path(u"sessions/7.json"_s));
         std::atomic_bool done = false;
         std::atomic_int rewrites = 0;
@@ -180,8 +159,7 @@ private Q_SLOTS:
     void skipsABrokenRecordWithoutWaitingForItAgain()
     {
         put(u"7.json"_s, "{\"pid\":7,");
-        put(u"8.json"_s, recordJson(8, u"a"_s, u"idle"_s));
-        m_monitor->refresh();
+        refreshWith(8, u"a"_s, u"idle"_s);
         QElapsedTimer timer;
         timer.start();
         for (int poll = 0; poll < 1000; ++poll)
@@ -197,6 +175,11 @@ private:
     void put(const QString &name, const QByteArray &bytes) const
     {
         m_home->write(u"sessions/"_s + name, bytes);
+    }
+    void refreshWith(qint32 pid, const QString &id, const QString &status)
+    {
+        put(QString::number(pid) + u".json", recordJson(pid, id, status));
+        m_monitor->refresh();
     }
     [[nodiscard]] QStringList ids() const
     {

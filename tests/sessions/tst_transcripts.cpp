@@ -1,7 +1,9 @@
 #include <QTest>
 
+#include "Sessions/SessionDetails.h"
 #include "Sessions/Transcripts.h"
 #include "sessions/SessionFixtures.h"
+#include "support/ManualClock.h"
 #include "support/TemporaryHome.h"
 
 #include <sys/stat.h>
@@ -20,59 +22,40 @@ private Q_SLOTS:
         m_now = 1'000'000;
     }
 
-    void takesTheNewestUsableLines_data()
-    {
-        QTest::addColumn<QByteArray>("lines");
-        QTest::addColumn<QString>("title");
-        QTest::addColumn<QString>("prompt");
-        QTest::newRow("newest of several")
-            << titleLine("old") + lastPromptLine("p") + titleLine("new") << u"new"_s << u"p"_s;
-        QTest::newRow("only white space")
-            << titleLine("old") + titleLine(R"( \n\t)") << u"old"_s << QString();
-        QTest::newRow("wrong types") << titleLine("old")
-                + R"({"type":"ai-title","aiTitle":7})"
-                  "\n" << u"old"_s << QString();
-        QTest::newRow("no UTF-8") << titleLine("caf\xe9") << u"café"_s << QString();
-        QTest::newRow("typed prompt stands in")
-            << typedLine("typed") + titleLine("t") << u"t"_s << u"typed"_s;
-        QTest::newRow("last prompt wins")
-            << lastPromptLine("last") + typedLine("typed") << QString() << u"last"_s;
-    }
-
     void takesTheNewestUsableLines()
     {
-        QFETCH(QByteArray, lines);
-        put(lines);
-        const SessionDetail detail = update();
-        QTEST(detail.title.value_or(QString()), "title");
-        QTEST(detail.lastPrompt.value_or(QString()), "prompt");
-    }
-
-    void knowsWhatTheUserTyped_data()
-    {
-        QTest::addColumn<QByteArray>("line");
-        QTest::addColumn<QString>("prompt");
-        const auto user = [](const QByteArray &content, const QByteArray &more = {}) -> QByteArray {
-            return R"({"type":"user","message":{"role":"user","content":)" + content + "}" + more + "}";
-        };
-        QTest::newRow("text") << user(R"(" fix\nit ")") << u"fix it"_s;
-        QTest::newRow("text part after another")
-            << user(R"([{"type":"image"},{"type":"text","text":"see"}])") << u"see"_s;
-        QTest::newRow("pair at the cut") << user('"' + QByteArray(199, 'x') + "😀\"") << QString(199, u'x');
-        QTest::newRow("meta") << user(R"("x")", R"(,"isMeta":true)") << QString();
-        QTest::newRow("side chain") << user(R"("x")", R"(,"isSidechain":true)") << QString();
-        QTest::newRow("tool result") << user(R"([{"type":"tool_result","content":"x"}])") << QString();
-        QTest::newRow("command") << user(R"("<command-name>/clear</command-name>")") << QString();
-        QTest::newRow("interruption")
-            << user(R"([{"type":"text","text":"[Request interrupted by user]"}])") << QString();
-        QTest::newRow("another type")
-            << QByteArray(R"({"type":"x","m":{"type":"user"},"message":{"content":"x"}})") << QString();
+        using Row = std::tuple<QByteArray, QString, QString>;
+        const QByteArray wrongType = R"({"type":"ai-title","aiTitle":7})";
+        for (const auto &[lines, title, prompt] :
+             {Row(titleLine("old") + lastPromptLine("p") + titleLine("new"), u"new"_s, u"p"_s),
+              Row(titleLine("old") + titleLine(R"( \n\t)") + wrongType + '\n', u"old"_s, QString()),
+              Row(titleLine("no UTF-8: caf\xe9"), u"no UTF-8: café"_s, QString()),
+              Row(typedLine("stands in") + titleLine("t"), u"t"_s, u"stands in"_s),
+              Row(lastPromptLine("wins") + typedLine("typed"), QString(), u"wins"_s)}) {
+            init(); // or it would be the same transcript, grown
+            put(lines);
+            const SessionDetail detail = update();
+            QCOMPARE(detail.title.value_or(QString()), title);
+            QCOMPARE(detail.lastPrompt.value_or(QString()), prompt);
+        }
     }
 
     void knowsWhatTheUserTyped()
     {
-        QFETCH(QByteArray, line);
-        QTEST(typedPrompt(line).value_or(QString()), "prompt");
+        const auto user = [](const QByteArray &content, const QByteArray &more = {}) -> QByteArray {
+            return R"({"type":"user","message":{"role":"user","content":)" + content + "}" + more + "}";
+        };
+        for (const auto &[line, prompt] :
+             {std::pair(user(R"(" fix\nit ")"), u"fix it"_s),
+              {user(R"([{"type":"image"},{"type":"text","text":"see"}])"), u"see"_s},
+              {user('"' + QByteArray(199, 'x') + "😀\""), QString(199, u'x')}, // no half of a character
+              {user(R"("x")", R"(,"isMeta":true)"), QString()},
+              {user(R"("x")", R"(,"isSidechain":true)"), QString()},
+              {user(R"([{"type":"tool_result","content":"x"}])"), QString()},
+              {user(R"("<command-name>/clear</command-name>")"), QString()},
+              {user(R"([{"type":"text","text":"[Request interrupted by user]"}])"), QString()},
+              {R"({"type":"x","m":{"type":"user"},"message":{"content":"x"}})", QString()}})
+            QVERIFY2(typedPrompt(line).value_or(QString()) == prompt, line);
     }
 
     void readsOnlyTheEndOfALongTranscript()
@@ -97,33 +80,23 @@ private Q_SLOTS:
         QCOMPARE(update(), (SessionDetail{u"t"_s, u"p"_s}));
     }
 
-    void readsOnlyWhatWasAppended()
-    {
-        const QString path = put(titleLine("t") + typedLine("typed"));
-        update();
-        const qint64 before = m_transcripts->costs().bytes;
-        const QByteArray more = lastPromptLine("p") + typedLine("typed later");
-        append(path, more);
-        QCOMPARE(update(), (SessionDetail{u"t"_s, u"p"_s}));
-        QCOMPARE(m_transcripts->costs().bytes - before, more.size());
-    }
-
-    void waitsForTheLineBreak()
+    void readsOnlyWhatWasAppendedAndWaitsForTheLineBreak()
     {
         const QByteArray line = titleLine("new");
-        const QString path = put(titleLine("old") + line.chopped(1));
-        QCOMPARE(update().title, u"old"_s);
-        append(path, "\n" + line.first(20));
-        QCOMPARE(update().title, u"new"_s);
+        const QString path = put(titleLine("a longer old title") + typedLine("typed") + line.chopped(1));
+        QCOMPARE(update(), (SessionDetail{u"a longer old title"_s, u"typed"_s}));
+        const qint64 before = m_transcripts->costs().bytes;
+        const QByteArray more = '\n' + lastPromptLine("p") + typedLine("typed later");
+        append(path, more + line.first(20));
+        QCOMPARE(update(), (SessionDetail{u"new"_s, u"p"_s}));
         append(path, titleLine("newest").sliced(20));
-        QCOMPARE(update().title, u"newest"_s);
-    }
+        QCOMPARE(update(), (SessionDetail{u"newest"_s, u"p"_s}));
+        // Nothing twice but the lines that were cut.
+        QCOMPARE(
+            m_transcripts->costs().bytes - before,
+            line.size() - 1 + more.size() + 20 + titleLine("newest").size());
 
-    void startsAgainWithAShorterFile()
-    {
-        put(titleLine("a much longer title than the next") + lastPromptLine("p"));
-        update();
-        put(titleLine("short"));
+        put(titleLine("short")); // and starts again
         QCOMPARE(update(), (SessionDetail{u"short"_s, std::nullopt}));
     }
 
@@ -180,12 +153,37 @@ private Q_SLOTS:
         QCOMPARE(update(), SessionDetail());
         QVERIFY(QFile::remove(QFile::decodeName(path)));
 
-        QByteArray garbage(300'000, '\0');
-        for (qsizetype i = 0; i < garbage.size(); ++i)
-            garbage[i] = static_cast<char>(i * i * 31 + i / 7);
-        put(garbage + "\n" + titleLine(QByteArray(100'000, 'x')) + R"({"type":"ai-title",)"
-            + QByteArray(5000, '[') + "\n");
+        put(QByteArray("\0\xff{[\"type\":", 12).repeated(30'000) + "\n" + titleLine(QByteArray(100'000, 'x'))
+            + R"({"type":"ai-title",)" + QByteArray(5000, '[') + "\n");
         QCOMPARE(update().title, QString(4096, u'x'));
+    }
+
+    void readsInTheBackgroundWhatItIsWaitedFor()
+    {
+        put(titleLine("t"));
+        SessionDetails details(m_home->path(u"projects"_s), m_clock);
+        for (int i = 0; i < 100; ++i)
+            details.update({m_session, sessionOf(u"without transcript"_s)}, i % 2 == 0);
+        details.waitForDone();
+        QCOMPARE(details.byId(), (QHash<QString, SessionDetail>{{u"id"_s, {u"t"_s, std::nullopt}}}));
+        details.update({}, false); // the sessions are gone
+        details.waitForDone();
+        QCOMPARE(details.byId().size(), 0);
+    }
+
+    void goesAwayWhileItIsReading()
+    {
+        QList<ClaudeSession> sessions;
+        for (int i = 0; i < 200; ++i) {
+            sessions.append(sessionOf(QString::number(i)));
+            m_home->write(u"projects/-tmp-my-app/%1.jsonl"_s.arg(i), typedLine("x").repeated(5000));
+        }
+        for (int round = 0; round < 10; ++round) {
+            SessionDetails details(m_home->path(u"projects"_s), m_clock);
+            details.update(sessions, false);
+            details.update(sessions, true);
+        }
+        QCoreApplication::processEvents();
     }
 
     void keepsTheTextWholeWhereTheEndBeginsWithinACharacter()
@@ -197,10 +195,7 @@ private Q_SLOTS:
     }
 
 private:
-    SessionDetail update(bool force = false)
-    {
-        return m_transcripts->update({m_session}, force, m_now).value(u"id"_s);
-    }
+    SessionDetail update() { return m_transcripts->update({m_session}, false, m_now).value(u"id"_s); }
     QString put(const QByteArray &bytes) const
     {
         return m_home->write(u"projects/-tmp-my-app/id.jsonl"_s, bytes);
@@ -210,6 +205,7 @@ private:
     std::unique_ptr<TemporaryHome> m_home;
     std::unique_ptr<Transcripts> m_transcripts;
     qint64 m_now = 0;
+    const ManualClock m_clock;
 };
 
 QTEST_GUILESS_MAIN(TranscriptTest)

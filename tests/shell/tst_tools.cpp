@@ -1,5 +1,7 @@
 #include <QTest>
 
+#include "Shell/Addon.h"
+#include "Shell/Defaults.h"
 #include "Shell/Tools.h"
 #include "support/TemporaryHome.h"
 
@@ -34,14 +36,6 @@ private Q_SLOTS:
         }
     }
 
-    void aToolInstalledMeanwhileIsFoundAtTheNextCall()
-    {
-        const TemporaryHome home;
-        QCOMPARE(Tools::find(m_tool, home.home(), std::nullopt), std::nullopt);
-        install(home, u".claude/local"_s);
-        QCOMPARE(Tools::find(m_tool, home.home(), std::nullopt), home.path(u".claude/local/"_s + m_tool));
-    }
-
     void childProcessesGetAPathOfFixedFoldersAndTheInheritedOnes()
     {
         const Home home(u"/home/ann"_s);
@@ -49,6 +43,21 @@ private Q_SLOTS:
             u"/home/ann/.local/bin:/opt/homebrew/bin:/usr/local/bin:/usr/bin:/bin:/usr/sbin:/sbin:"_s;
         QCOMPARE(Tools::searchPath(home, u"/a:/b"_s), fixed + u"/a:/b"_s);
         QCOMPARE(Tools::searchPath(home, std::nullopt), fixed);
+    }
+
+    void theRecorderScriptCanBeSetByHand()
+    {
+        const TemporaryHome folder;
+        const QString home = folder.home().path();
+        for (const auto &[line, script] :
+             {std::pair(QByteArray(), QString(home + u"/.quib-live/quib-live.mjs")),
+              {"meetingNotes.script=", home + u"/.quib-live/quib-live.mjs"},
+              {"meetingNotes.script=~/a b.mjs", home + u"/a b.mjs"},
+              {"meetingNotes.script=~ann/a.mjs", u"~ann/a.mjs"_s},
+              {"meetingNotes.script=/a/b.mjs", u"/a/b.mjs"_s}}) {
+            const Defaults defaults(folder.write(u"preferences.conf"_s, "[General]\n" + line + '\n'));
+            QCOMPARE(recorderScript(folder.home(), defaults), script);
+        }
     }
 
 private:

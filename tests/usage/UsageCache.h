@@ -57,22 +57,10 @@ public:
         QFile file(folder() + u'/' + name);
         if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush())
             qFatal("cannot write %s", qPrintable(name));
-        date(file, modifiedMsecs);
+        if (!file.setFileTime(
+                QDateTime::fromMSecsSinceEpoch(modifiedMsecs), QFileDevice::FileModificationTime))
+            qFatal("cannot date %s", qPrintable(name));
         return nativePath(name);
-    }
-    void setModified(const QString &name, qint64 msecs) const
-    {
-        QFile file(folder() + u'/' + name);
-        if (!file.open(QIODevice::ReadWrite))
-            qFatal("cannot open %s", qPrintable(name));
-        date(file, msecs);
-    }
-
-private:
-    static void date(QFile &file, qint64 msecs)
-    {
-        if (!file.setFileTime(QDateTime::fromMSecsSinceEpoch(msecs), QFileDevice::FileModificationTime))
-            qFatal("cannot date %s", qPrintable(file.fileName()));
     }
 };
 

@@ -40,9 +40,7 @@ private Q_SLOTS:
         start();
         QCOMPARE(shown(), u"none, Open the Claude app to load plan usage");
         addAnswer(u"a_0"_s, 42, 0min);
-        QCOMPARE(
-            afterRefresh(),
-            u"42"); // a failure leaves no entries to trust, so that the folder is listed again
+        QCOMPARE(afterRefresh(), u"42"); // a failure leaves no entries to trust: the folder is listed again
         m_cache->add(u"a_0"_s, UsageCache::entry(UsageCache::usageKey(), "plain"), m_clock.msecsSinceEpoch());
         QCOMPARE(afterRefresh(), u"42, Couldn't read Claude's usage cache");
         m_zstd.clear();

@@ -13,14 +13,9 @@ namespace {
 
 constexpr qint64 noon = 1'790'000'000'000;
 
-std::optional<QString> realZstd()
+PlanUsageReader readerOf(const UsageCache &cache, const std::optional<QString> &zstd = u"/usr/bin/zstd"_s)
 {
-    return u"/usr/bin/zstd"_s;
-}
-
-PlanUsageReader readerOf(const UsageCache &cache, PlanUsageReader::FindTool findZstd = realZstd)
-{
-    return PlanUsageReader(cache.folder(), u"claude.ai"_s, std::move(findZstd), {{}, 1ms});
+    return PlanUsageReader(cache.folder(), u"claude.ai"_s, [zstd] { return zstd; }, {{}, 1ms});
 }
 
 // "problem" or the session's percentage, and the names of the entries when the folder was listed.
@@ -68,16 +63,16 @@ private Q_SLOTS:
         QCOMPARE(printed(readerOf(cache).read({})), "no cache:");
         cache.add(u"a_0"_s, UsageCache::entry(UsageCache::keyFor("/"), "body"), noon);
         QCOMPARE(printed(readerOf(cache).read({})), "no cache:");
-        cache.add(u"b_0"_s, UsageCache::entry(UsageCache::usageKey(), "plain"), noon);
-        cache.add(
-            u"c_0"_s, UsageCache::entry(UsageCache::usageKey(), QByteArray::fromHex("28b52ffd") + "noise"),
-            noon - 1);
-        cache.add(
-            u"d_0"_s, UsageCache::entry(UsageCache::usageKey(), UsageCache::compressed("{}")), noon - 2);
-        QCOMPARE(printed(readerOf(cache).read({})), "unreadable: b_0 c_0 d_0");
-        cache.add(u"e_0"_s, UsageCache::usageEntry(10), noon - 3);
-        QCOMPARE(printed(readerOf(cache).read({})), "10: b_0 c_0 d_0 e_0");
-        QCOMPARE(printed(readerOf(cache, [] { return std::nullopt; }).read({})), "no zstd");
+        qint64 modified = noon;
+        for (const QByteArray &body :
+             {QByteArray("plain"), QByteArray("\x28\xb5\x2f\xfdnoise"), UsageCache::compressed("{}")}) {
+            const QString name = u"%1_0"_s.arg(--modified);
+            cache.add(name, UsageCache::entry(UsageCache::usageKey(), body), modified);
+            QVERIFY(printed(readerOf(cache).read({})).startsWith("unreadable: "));
+        }
+        cache.add(u"e_0"_s, UsageCache::usageEntry(10), noon - 9);
+        QVERIFY(printed(readerOf(cache).read({})).startsWith("10: "));
+        QCOMPARE(printed(readerOf(cache, std::nullopt).read({})), "no zstd");
     }
 
     void knownEntriesAreTrustedUntilNoneCanBeRead()
@@ -119,7 +114,7 @@ private Q_SLOTS:
             u"old_0"_s, UsageCache::usageEntry(20),
             noon + 19'399'500); // 598 others and the young one are newer
         QCOMPARE(printed(readerOf(cache).read({})), "10: young_0 old_0");
-        cache.setModified(u"old_0"_s, noon + 19'398'500);
+        cache.add(u"old_0"_s, UsageCache::usageEntry(20), noon + 19'398'500);
         QCOMPARE(printed(readerOf(cache).read({})), "10: young_0");
     }
 
@@ -127,14 +122,15 @@ private Q_SLOTS:
     {
         const UsageCache cache;
         const QByteArray usage = UsageCache::usageEntry(10);
-        cache.add(u"a_0"_s, QByteArray(usage.size(), 'x'), noon);
         PlanUsageReader reader = readerOf(cache);
-        QCOMPARE(printed(reader.read({})), "no cache:");
-        cache.add(u"a_0"_s, usage, noon);
-        QCOMPARE(printed(reader.read({})), "10: a_0");
-        QCOMPARE(printed(reader.read({})), "10: a_0");
-        cache.add(u"a_0"_s, QByteArray(usage.size(), 'x'), noon);
-        QCOMPARE(printed(reader.read({})), "no cache:");
+        for (const auto &[bytes, expected] :
+             {std::pair(QByteArray(usage.size(), 'x'), "no cache:"),
+              {usage, "10: a_0"},
+              {QByteArray(usage.size(), 'x'), "no cache:"}}) {
+            cache.add(u"a_0"_s, bytes, noon);
+            QCOMPARE(printed(reader.read({})), expected);
+            QCOMPARE(printed(reader.read({})), expected);
+        }
     }
 
     void anEntryThatIsBeingWrittenIsLookedAtAgain()
@@ -146,7 +142,7 @@ private Q_SLOTS:
             // The fresh answer is whole again as soon as the older one has been read.
             const QString zstd = cache.writeScript(
                 u"zstd"_s, "#!/bin/sh\nzstd -dc\ncd \"${0%/*}\" && [ -e whole ] && mv whole " + entry + '\n');
-            PlanUsageReader reader = readerOf(cache, [zstd] { return zstd; });
+            PlanUsageReader reader = readerOf(cache, zstd);
             QCOMPARE(printed(reader.read({})), "10: a_0 b_0");
             cache.write(u"whole"_s, UsageCache::usageEntry(30));
             cache.add(u"a_0"_s, {}, noon + 1);
