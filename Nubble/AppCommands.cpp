@@ -26,6 +26,11 @@ void AppCommands::toggleVisible()
     m_placement.toggleVisible();
 }
 
+void AppCommands::hide()
+{
+    m_placement.setVisible(false);
+}
+
 void AppCommands::moveToEdge(NotchEdge edge)
 {
     m_placement.moveToEdge(edge, m_mainScreen.frame());

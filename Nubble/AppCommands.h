@@ -27,6 +27,7 @@ public:
 
     void toggleLocked();
     void toggleVisible();
+    void hide();
     void moveToEdge(NotchEdge edge);
     void centerOnEdge();
     void toggleAddon(Addon addon); // takes effect by a restart, at once

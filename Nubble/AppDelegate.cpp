@@ -90,11 +90,6 @@ void AppDelegate::show()
     m_panel.applyPlacement();
 }
 
-void AppDelegate::hide()
-{
-    m_placement.setVisible(false);
-}
-
 void AppDelegate::openSessions()
 {
     show();

@@ -36,7 +36,6 @@ public:
     AppDelegate(const Home &home, SessionBus &bus, Relaunch relaunch);
 
     void show();
-    void hide();
     void openSessions();
     [[nodiscard]] QString status(); // JSON
     [[nodiscard]] AppCommands &commands() { return m_commands; }

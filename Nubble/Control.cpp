@@ -33,7 +33,7 @@ void Control::Show()
 
 void Control::Hide()
 {
-    m_delegate->hide();
+    m_delegate->commands().hide();
 }
 
 void Control::Toggle()

@@ -23,7 +23,7 @@ QString themeName(bool panelVisible)
 } // namespace
 
 StatusItem::StatusItem(const StatusHost &host, MenuSource menu, bool panelVisible, QObject *parent)
-    : QObject(parent), m_host(host), m_source(std::move(menu)), m_panelVisible(panelVisible)
+    : QObject(parent), m_host(host), m_source(std::move(menu)), m_look{.panelVisible = panelVisible}
 {
     m_refill.setSingleShot(true);
     m_refill.setInterval(std::chrono::milliseconds(200));
@@ -34,7 +34,7 @@ StatusItem::StatusItem(const StatusHost &host, MenuSource menu, bool panelVisibl
     });
     connect(&m_menu, &QMenu::aboutToHide, this, [this] {
         m_menuOpen = false;
-        update(m_panelVisible);
+        update(m_look.panelVisible);
     });
     connect(&m_host, &StatusHost::changed, this, &StatusItem::followHost);
     followHost();
@@ -46,8 +46,8 @@ void StatusItem::followHost()
 {
     if (!m_icon && m_host.kind() != StatusHost::Kind::None)
         create();
-    m_color = m_host.foreground();
-    update(m_panelVisible);
+    m_look.color = m_host.foreground();
+    update(m_look.panelVisible);
 }
 
 // Not before there is a host: the toolkit picks its protocol once, by what it finds at this moment.
@@ -69,10 +69,10 @@ void StatusItem::react(QSystemTrayIcon::ActivationReason reason)
 
 void StatusItem::update(bool panelVisible)
 {
-    m_panelVisible = panelVisible;
+    m_look.panelVisible = panelVisible;
     if (!m_icon)
         return;
-    show({.panelVisible = panelVisible, .color = m_color});
+    show();
     // What some desktops show first is what they read last, before they ask for anything newer. Not at every
     // step of a drag.
     if (m_host.kind() == StatusHost::Kind::Remote && !m_menuOpen)
@@ -80,14 +80,15 @@ void StatusItem::update(bool panelVisible)
 }
 
 // Every change is sent to the desktop, even one to the same.
-void StatusItem::show(const Look &look)
+void StatusItem::show()
 {
-    if (m_shown == look)
+    if (m_shown == m_look)
         return;
-    m_shown = look;
-    m_icon->setIcon(Mark::icon(
-        look.color, look.panelVisible ? shownOpacity : hiddenOpacity, themeName(look.panelVisible)));
-    m_icon->setToolTip(look.panelVisible ? u"Hide Nubble"_s : u"Show Nubble"_s);
+    m_shown = m_look;
+    const bool panelVisible = m_look.panelVisible;
+    m_icon->setIcon(
+        Mark::icon(m_look.color, panelVisible ? shownOpacity : hiddenOpacity, themeName(panelVisible)));
+    m_icon->setToolTip(panelVisible ? u"Hide Nubble"_s : u"Show Nubble"_s);
     m_icon->show();
 }
 

@@ -39,7 +39,7 @@ Q_SIGNALS:
 private:
     struct Look {
         bool panelVisible = true;
-        std::optional<QColor> color;
+        std::optional<QColor> color = std::nullopt; // of icons on the desktop's tray
 
         bool operator==(const Look &) const = default;
     };
@@ -47,15 +47,14 @@ private:
     void followHost();
     void create();
     void react(QSystemTrayIcon::ActivationReason reason);
-    void show(const Look &look);
+    void show();
     void refillMenu();
 
     const StatusHost &m_host;
     MenuSource m_source;
-    bool m_panelVisible;
     bool m_menuOpen = false;
-    std::optional<QColor> m_color; // of icons on the desktop's tray
-    std::optional<Look> m_shown;
+    Look m_look;
+    std::optional<Look> m_shown; // what the desktop has been told
     QTimer m_refill;
     Menu m_menu;
     std::unique_ptr<QSystemTrayIcon> m_icon; // before the menu goes

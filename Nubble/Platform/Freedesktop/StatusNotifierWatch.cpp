@@ -4,6 +4,7 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
+#include <QTimer>
 
 #include "Platform/Freedesktop/SessionBus.h"
 
@@ -47,7 +48,7 @@ void StatusNotifierWatch::ask()
             setState(reply.value().variant().toBool() ? State::Hosted : State::Announced);
         } else if (reply.error().type() == QDBusError::NoReply) {
             setState(State::Unanswered);
-            ask();
+            QTimer::singleShot(std::chrono::seconds(1), this, &StatusNotifierWatch::ask);
         } else {
             setState(State::Absent);
         }
