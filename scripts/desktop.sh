@@ -7,8 +7,11 @@ private_folder=
 
 end_private_desktop() {
     local i
+    # All of them before any is waited for: openbox may overlook the signal, and then ends with the X server.
     for ((i = ${#started[@]} - 1; i >= 0; i--)); do
         kill "${started[i]}" 2>/dev/null || true
+    done
+    for ((i = 0; i < ${#started[@]}; i++)); do
         wait "${started[i]}" 2>/dev/null || true
     done
     started=()

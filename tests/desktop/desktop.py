@@ -134,7 +134,10 @@ class Desktop:
 
     def close(self):
         self.display.close()
+        # All of them before any is waited for: openbox may overlook the signal, and then ends with the X server.
         for service in reversed(self.services):
+            service.terminate()
+        for service in self.services:
             end(service)
         end_descendants()
         shutil.rmtree(self.folder, ignore_errors=True)
