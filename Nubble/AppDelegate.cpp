@@ -4,9 +4,9 @@
 #include <QCursor>
 #include <QJsonDocument>
 
-#include "Panel/Typography.h"
+#include "Commands/StatusReport.h"
 #include "Platform/MainThread.h"
-#include "StatusReport.h"
+#include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
 

@@ -2,14 +2,14 @@
 
 #include <QObject>
 
-#include "AddonRequest.h"
-#include "AppCommands.h"
-#include "Menus.h"
+#include "Commands/AddonRequest.h"
+#include "Commands/AppCommands.h"
+#include "Commands/Menus.h"
+#include "Notch/PanelState.h"
 #include "Notch/PanelWindow.h"
-#include "Panel/Layout.h"
-#include "Panel/MainScreen.h"
-#include "Panel/NotchPlacement.h"
-#include "Panel/PanelState.h"
+#include "Placement/Layout.h"
+#include "Placement/MainScreen.h"
+#include "Placement/NotchPlacement.h"
 #include "Platform/Backend.h"
 #include "Platform/Clock.h"
 #include "Platform/Freedesktop/SessionBus.h"

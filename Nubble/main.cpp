@@ -9,15 +9,15 @@
 #include <vector>
 
 #include "AppDelegate.h"
-#include "ClientCommands.h"
-#include "CommandLine.h"
-#include "Control.h"
-#include "Panel/Palette.h"
-#include "Panel/Typography.h"
+#include "Commands/ClientCommands.h"
+#include "Commands/CommandLine.h"
+#include "Commands/Control.h"
+#include "Commands/StatusCommand.h"
 #include "Platform/Freedesktop/FontPreload.h"
 #include "Platform/Linux/TerminationSignals.h"
 #include "Shell/Migration.h"
-#include "StatusCommand.h"
+#include "Widgets/Palette.h"
+#include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
 using namespace nubble;

@@ -1,7 +1,7 @@
 #include "Notch/ActionsCell.h"
 
-#include "Panel/Layout.h"
-#include "Panel/NotchButton.h"
+#include "Placement/Layout.h"
+#include "Widgets/NotchButton.h"
 
 using namespace Qt::StringLiterals;
 

@@ -3,7 +3,7 @@
 #include <QList>
 #include <QWidget>
 
-#include "Panel/NotchEdge.h"
+#include "Placement/NotchEdge.h"
 #include "Shell/Addon.h"
 
 namespace nubble {

@@ -6,9 +6,9 @@
 #include <algorithm>
 
 #include "Notch/CardTransition.h"
-#include "Panel/Layout.h"
-#include "Panel/TooltipShell.h"
+#include "Placement/Layout.h"
 #include "Platform/DesktopPreferences.h"
+#include "Widgets/TooltipShell.h"
 
 namespace nubble {
 

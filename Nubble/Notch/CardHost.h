@@ -6,8 +6,8 @@
 
 #include <functional>
 
-#include "Panel/PanelGeometry.h"
-#include "Panel/PanelState.h"
+#include "Notch/PanelState.h"
+#include "Placement/PanelGeometry.h"
 
 class QWidget;
 

@@ -6,10 +6,10 @@
 #include <chrono>
 
 #include "Notch/StatusRing.h"
-#include "Panel/Layout.h"
-#include "Panel/Palette.h"
-#include "Panel/Typography.h"
+#include "Placement/Layout.h"
 #include "Usage/UsageTexts.h"
+#include "Widgets/Palette.h"
+#include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;

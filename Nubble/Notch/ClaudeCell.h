@@ -6,7 +6,7 @@
 
 #include <optional>
 
-#include "Panel/NotchEdge.h"
+#include "Placement/NotchEdge.h"
 #include "Sessions/RunState.h"
 
 namespace nubble {

@@ -11,12 +11,10 @@
 #include "Notch/CardHost.h"
 #include "Notch/ClaudeCell.h"
 #include "Notch/DragGesture.h"
-#include "Panel/Layout.h"
-#include "Panel/MainScreen.h"
-#include "Panel/NotchPlacement.h"
-#include "Panel/Palette.h"
-#include "Panel/PanelShapes.h"
-#include "Panel/Typography.h"
+#include "Placement/Layout.h"
+#include "Placement/MainScreen.h"
+#include "Placement/NotchPlacement.h"
+#include "Placement/PanelShapes.h"
 #include "Platform/DesktopPreferences.h"
 #include "Sessions/ProcessActivator.h"
 #include "Sessions/ProjectsCardContent.h"
@@ -24,6 +22,8 @@
 #include "Shell/NotificationCenter.h"
 #include "Usage/PlanUsageMonitor.h"
 #include "Usage/UsageCardContent.h"
+#include "Widgets/Palette.h"
+#include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
 

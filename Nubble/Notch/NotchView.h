@@ -2,9 +2,9 @@
 
 #include <QWidget>
 
-#include "Panel/HoverPreview.h"
-#include "Panel/PanelGeometry.h"
-#include "Panel/PanelState.h"
+#include "Notch/HoverPreview.h"
+#include "Notch/PanelState.h"
+#include "Placement/PanelGeometry.h"
 #include "Shell/Addon.h"
 
 namespace nubble {

@@ -1,7 +1,7 @@
 #include "Notch/PanelWindow.h"
 
-#include "Panel/MainScreen.h"
-#include "Panel/NotchPlacement.h"
+#include "Placement/MainScreen.h"
+#include "Placement/NotchPlacement.h"
 #include "Platform/PanelSurface.h"
 
 namespace nubble {

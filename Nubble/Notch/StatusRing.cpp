@@ -6,9 +6,9 @@
 #include <cmath>
 #include <numbers>
 
-#include "Panel/Layout.h"
-#include "Panel/Palette.h"
+#include "Placement/Layout.h"
 #include "Usage/UsageColors.h"
+#include "Widgets/Palette.h"
 
 namespace nubble {
 

@@ -4,10 +4,10 @@
 
 #include <algorithm>
 
-#include "Panel/CardMetrics.h"
-#include "Panel/Palette.h"
-#include "Panel/Symbols.h"
-#include "Panel/Typography.h"
+#include "Widgets/CardMetrics.h"
+#include "Widgets/Palette.h"
+#include "Widgets/Symbols.h"
+#include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
 

@@ -3,7 +3,7 @@
 #include <QAbstractButton>
 #include <QColor>
 
-#include "Panel/HoverLift.h"
+#include "Widgets/HoverLift.h"
 
 namespace nubble {
 

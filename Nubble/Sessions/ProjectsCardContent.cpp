@@ -8,16 +8,16 @@
 #include <algorithm>
 #include <chrono>
 
-#include "Panel/CappedScroll.h"
-#include "Panel/CardHeader.h"
-#include "Panel/CardMetrics.h"
-#include "Panel/NotchButton.h"
-#include "Panel/Palette.h"
 #include "Platform/Clock.h"
 #include "Sessions/ProjectRow.h"
 #include "Sessions/SessionDetails.h"
 #include "Sessions/SessionMonitor.h"
 #include "Sessions/SessionTexts.h"
+#include "Widgets/CappedScroll.h"
+#include "Widgets/CardHeader.h"
+#include "Widgets/CardMetrics.h"
+#include "Widgets/NotchButton.h"
+#include "Widgets/Palette.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -66,7 +66,8 @@ ProjectsCardContent::ProjectsCardContent(
     layout->addWidget(m_empty);
     const int around = CardMetrics::rowMargins.top() + CardMetrics::rowMargins.bottom()
         + CardMetrics::headerHeight + CardMetrics::spacing;
-    layout->addWidget(m_scroll = new CappedScroll(m_list, std::min(CardMetrics::maxHeight, maxHeight) - around));
+    layout->addWidget(
+        m_scroll = new CappedScroll(m_list, std::min(CardMetrics::maxHeight, maxHeight) - around));
 
     connect(&monitor, &SessionMonitor::sessionsChanged, this, &ProjectsCardContent::updateRows);
     connect(&monitor, &SessionMonitor::recentlyCompletedChanged, this, &ProjectsCardContent::updateRows);

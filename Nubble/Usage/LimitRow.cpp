@@ -4,10 +4,10 @@
 
 #include <algorithm>
 
-#include "Panel/Palette.h"
-#include "Panel/Typography.h"
 #include "Usage/UsageColors.h"
 #include "Usage/UsageTexts.h"
+#include "Widgets/Palette.h"
+#include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
 

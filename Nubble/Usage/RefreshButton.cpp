@@ -1,6 +1,6 @@
 #include "Usage/RefreshButton.h"
 
-#include "Panel/Palette.h"
+#include "Widgets/Palette.h"
 
 using namespace Qt::StringLiterals;
 

@@ -2,7 +2,7 @@
 
 #include <QVariantAnimation>
 
-#include "Panel/NotchButton.h"
+#include "Widgets/NotchButton.h"
 
 namespace nubble {
 

@@ -7,16 +7,16 @@
 
 #include <chrono>
 
-#include "Panel/CardHeader.h"
-#include "Panel/CardMetrics.h"
-#include "Panel/Palette.h"
-#include "Panel/Typography.h"
 #include "Platform/Clock.h"
 #include "Platform/DesktopPreferences.h"
 #include "Usage/LimitRow.h"
 #include "Usage/PlanUsageMonitor.h"
 #include "Usage/RefreshButton.h"
 #include "Usage/UsageTexts.h"
+#include "Widgets/CardHeader.h"
+#include "Widgets/CardMetrics.h"
+#include "Widgets/Palette.h"
+#include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;

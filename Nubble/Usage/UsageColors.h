@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Panel/Palette.h"
 #include "Usage/UsageTexts.h"
+#include "Widgets/Palette.h"
 
 namespace nubble {
 

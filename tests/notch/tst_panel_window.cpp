@@ -1,4 +1,4 @@
-#include "Panel/PanelGeometry.h"
+#include "Placement/PanelGeometry.h"
 #include "notch/PanelUnderTest.h"
 
 using namespace Qt::StringLiterals;

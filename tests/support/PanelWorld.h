@@ -3,10 +3,10 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include "Panel/Layout.h"
-#include "Panel/MainScreen.h"
-#include "Panel/NotchPlacement.h"
-#include "Panel/PanelState.h"
+#include "Notch/PanelState.h"
+#include "Placement/Layout.h"
+#include "Placement/MainScreen.h"
+#include "Placement/NotchPlacement.h"
 #include "Sessions/ProcessActivator.h"
 #include "Sessions/SessionMonitor.h"
 #include "Shell/Addon.h"

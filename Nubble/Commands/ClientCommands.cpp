@@ -1,0 +1,128 @@
+#include "Commands/ClientCommands.h"
+
+#include <QDeadlineTimer>
+#include <QThread>
+
+#include <cstdio>
+
+#include "Commands/CommandLine.h"
+#include "Platform/Backend.h"
+#include "Platform/Freedesktop/SessionBus.h"
+#include "Platform/Home.h"
+#include "Shell/Autostart.h"
+#include "Shell/Relaunch.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nubble {
+
+namespace {
+
+using Verb = CommandLine::Verb;
+
+struct Request {
+    QString method;
+    QVariantList arguments;
+    QString methodAfterStart; // empty where nothing is started
+};
+
+Request requestFor(const CommandLine &line)
+{
+    const auto opening = [](const QString &method, const QVariantList &arguments = {}) {
+        return Request{method, arguments, method};
+    };
+    switch (line.verb) {
+    case Verb::Start:
+        return opening(u"Status"_s); // nothing but whether it is there
+    case Verb::Hide:
+        return {u"Hide"_s, {}, {}};
+    case Verb::Toggle:
+        return {u"Toggle"_s, {}, u"Show"_s};
+    case Verb::Sessions:
+        return opening(u"OpenSessions"_s);
+    case Verb::Ask:
+        return opening(u"Ask"_s, {line.question});
+    case Verb::Search:
+        return opening(u"Search"_s);
+    case Verb::StartNotes:
+        return {u"StartNotes"_s, {}, {}};
+    case Verb::StopNotes:
+        return {u"StopNotes"_s, {}, {}};
+    case Verb::Restart:
+        return {u"Restart"_s, {}, {}};
+    case Verb::Quit:
+        return {u"Quit"_s, {}, {}};
+    default:
+        return opening(u"Show"_s);
+    }
+}
+
+// Why an instance cannot be started, if so.
+std::optional<QString> start(const CommandLine &line, const SessionBus &bus)
+{
+    if (!qtPlatform())
+        return u"there is no display to show the panel on"_s;
+    if (!bus.isConnected())
+        return u"there is no session bus to reach Nubble by"_s;
+    if (!Relaunch::ofThisProgram(line.startArguments()).startDetached())
+        return u"Nubble cannot be started"_s;
+    return std::nullopt;
+}
+
+// Whichever instance comes up first: another command may be starting one as well.
+BusAnswer askOnceThere(const SessionBus &bus, const QString &method, const QVariantList &arguments = {})
+{
+    QDeadlineTimer patience(10'000);
+    while (true) {
+        BusAnswer answer = bus.call(method, arguments, static_cast<int>(patience.remainingTime()));
+        if (answer.kind != BusAnswer::Kind::NotOwned || patience.hasExpired())
+            return answer;
+        QThread::msleep(20);
+    }
+}
+
+} // namespace
+
+int runInInstance(const CommandLine &line, const SessionBus &bus)
+{
+    constexpr int patience = 5000;
+    const Request request = requestFor(line);
+    BusAnswer answer = bus.call(request.method, request.arguments, patience);
+    if (answer.kind == BusAnswer::Kind::NotOwned && !request.methodAfterStart.isEmpty()) {
+        if (const std::optional<QString> obstacle = start(line, bus))
+            return fail(ExitFailed, *obstacle);
+        answer = askOnceThere(bus, request.methodAfterStart, request.arguments);
+        if (answer.kind == BusAnswer::Kind::NotOwned)
+            return fail(ExitFailed, u"Nubble does not start; without a command it says why"_s);
+    }
+    if (answer.kind == BusAnswer::Kind::Reply && line.verb == Verb::Restart)
+        answer = askOnceThere(bus, u"Status"_s); // what follows in a script finds the successor
+    return exitStatusOf(answer);
+}
+
+int setAutostart(const CommandLine &line, const Home &home)
+{
+    const Autostart autostart(home.configFolder());
+    const std::optional<QString> obstacle = line.verb == Verb::AutostartOn
+        ? autostart.enable(Relaunch::ofThisProgram(line.startArguments()))
+        : autostart.disable();
+    return obstacle ? fail(ExitFailed, *obstacle) : ExitDone;
+}
+
+int exitStatusOf(const BusAnswer &answer)
+{
+    switch (answer.kind) {
+    case BusAnswer::Kind::Reply:
+        return ExitDone;
+    case BusAnswer::Kind::NotOwned:
+        std::fputs("Nubble is not running.\n", stderr);
+        return ExitNotRunning;
+    case BusAnswer::Kind::Error:
+        return fail(ExitFailed, answer.error);
+    case BusAnswer::Kind::Silence:
+        break;
+    }
+    return fail(ExitFailed, u"the running instance does not answer"_s);
+}
+
+} // namespace nubble

@@ -1,0 +1,133 @@
+#include "Commands/Menus.h"
+
+#include "Commands/AppCommands.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nubble {
+
+namespace {
+
+MenuEntry entry(const QString &title, const std::function<void()> &action)
+{
+    MenuEntry entry;
+    entry.title = title;
+    entry.action = action;
+    return entry;
+}
+
+MenuEntry entry(
+    const QString &title, Qt::KeyboardModifiers modifiers, Qt::Key key, const std::function<void()> &action)
+{
+    MenuEntry keyed = entry(title, action);
+    keyed.shortcut = QKeyCombination(modifiers, key);
+    return keyed;
+}
+
+MenuEntry submenu(const QString &title, const QList<MenuEntry> &entries)
+{
+    MenuEntry entry;
+    entry.title = title;
+    entry.entries = entries;
+    return entry;
+}
+
+MenuEntry remark(const QString &text)
+{
+    MenuEntry entry;
+    entry.title = text;
+    entry.enabled = false;
+    return entry;
+}
+
+MenuEntry edgeMenu(const MenuState &state, AppCommands &commands)
+{
+    QList<MenuEntry> entries;
+    for (const NotchEdge edge : allEdges) {
+        MenuEntry each = entry(title(edge), [&commands, edge] { commands.moveToEdge(edge); });
+        each.checked = edge == state.edge;
+        each.enabled = !state.locked;
+        entries.append(each);
+    }
+    return submenu(u"Move to Edge"_s, entries);
+}
+
+MenuEntry centerEntry(const MenuState &state, AppCommands &commands)
+{
+    MenuEntry center = entry(u"Center on Edge"_s, [&commands] { commands.centerOnEdge(); });
+    center.enabled = !state.locked;
+    return center;
+}
+
+QList<MenuEntry> addonEntries(
+    const std::array<Addon, 4> &order, const MenuState &state, AppCommands &commands)
+{
+    QList<MenuEntry> entries;
+    for (const Addon addon : order) {
+        MenuEntry each = entry(title(addon), [&commands, addon] { commands.toggleAddon(addon); });
+        each.detail = state.missing.value(addon);
+        each.checked = state.addons.contains(addon);
+        each.toolTip = description(addon);
+        entries.append(each);
+    }
+    return entries;
+}
+
+QList<MenuEntry> requestEntries(const MenuState &state, AppCommands &commands)
+{
+    using Action = AddonRequest::Action;
+    constexpr Qt::KeyboardModifiers controlOption = Qt::ControlModifier | Qt::AltModifier;
+    QList<MenuEntry> entries;
+    if (state.addons.contains(Addon::Search))
+        entries.append(entry(u"Search Chats…"_s, controlOption, Qt::Key_Space, [&commands] {
+            commands.request({Action::SearchChats});
+        }));
+    if (state.addons.contains(Addon::Ask))
+        entries.append(entry(u"Ask Claude About Screen…"_s, controlOption, Qt::Key_A, [&commands] {
+            commands.request({Action::AskClaude});
+        }));
+    if (!entries.isEmpty())
+        entries.append(MenuEntry::separator());
+    return entries;
+}
+
+} // namespace
+
+QList<MenuEntry> statusMenu(const MenuState &state, AppCommands &commands)
+{
+    MenuEntry visible =
+        entry(state.visible ? u"Hide Notch"_s : u"Show Notch"_s, [&commands] { commands.toggleVisible(); });
+    visible.checked = state.visible;
+    MenuEntry locked = entry(u"Lock Position"_s, [&commands] { commands.toggleLocked(); });
+    locked.checked = state.locked;
+    const QList<MenuEntry> switches = addonEntries(allAddons, state, commands)
+        << MenuEntry::separator() << remark(u"Nubble restarts to add or remove one."_s);
+    return requestEntries(state, commands)
+        << visible << MenuEntry::separator() << locked << edgeMenu(state, commands)
+        << centerEntry(state, commands) << MenuEntry::separator() << submenu(u"Add-ons"_s, switches)
+        << MenuEntry::separator()
+        << entry(
+               u"Refresh Everything"_s, Qt::ControlModifier, Qt::Key_R,
+               [&commands] { commands.refreshAll(); })
+        << entry(u"Restart Nubble"_s, [&commands] { commands.restart(); }) << MenuEntry::separator()
+        << entry(u"Quit Nubble"_s, Qt::ControlModifier, Qt::Key_Q, [&commands] { commands.quit(); });
+}
+
+QList<MenuEntry> notchMenu(const MenuState &state, AppCommands &commands)
+{
+    constexpr std::array order{Addon::Ask, Addon::Search, Addon::Quenwick, Addon::Notes};
+    return {
+        entry(
+            state.locked ? u"Unlock Position"_s : u"Lock Position"_s,
+            [&commands] { commands.toggleLocked(); }),
+        edgeMenu(state, commands),
+        centerEntry(state, commands),
+        submenu(u"Add-ons"_s, addonEntries(order, state, commands)),
+        entry(u"Refresh Everything"_s, [&commands] { commands.refreshAll(); }),
+        entry(u"Restart Nubble"_s, [&commands] { commands.restart(); }),
+        entry(u"Hide Notch"_s, [&commands] { commands.toggleVisible(); }),
+        entry(u"Quit Nubble"_s, [&commands] { commands.quit(); }),
+    };
+}
+
+} // namespace nubble

@@ -1,0 +1,71 @@
+#include "Commands/StatusCommand.h"
+
+#include <QDateTime>
+#include <QEventLoop>
+#include <QJsonDocument>
+
+#include <cstdio>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include "Commands/ClientCommands.h"
+#include "Commands/CommandLine.h"
+#include "Commands/StatusReport.h"
+#include "Platform/Clock.h"
+#include "Platform/Freedesktop/SessionBus.h"
+#include "Platform/Home.h"
+#include "Platform/Linux/LinuxProcessTable.h"
+#include "Sessions/SessionMonitor.h"
+#include "Shell/Defaults.h"
+#include "Usage/PlanUsageMonitor.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nubble {
+
+namespace {
+
+QJsonObject freshRead(const Home &home)
+{
+    const SystemClock clock;
+    const LinuxProcessTable processes;
+    SessionMonitor monitor(
+        home.file(u".claude/sessions"_s), home.file(u".claude/projects"_s), processes, clock);
+    const Defaults defaults(Defaults::fileOf(u"com.brevandel.nubble"_s, home.configFolder()));
+    const PlanUsageMonitor planUsage(home, clock, PlanUsageMonitor::domainIn(defaults));
+    monitor.details().waitForDone();
+    QEventLoop reading;
+    QObject::connect(&planUsage, &PlanUsageMonitor::refreshingChanged, &reading, &QEventLoop::quit);
+    if (planUsage.isRefreshing())
+        reading.exec();
+    QJsonObject report = statusReport(monitor, clock);
+    report.insert("usage"_L1, usageReport(planUsage));
+    report.insert("source"_L1, u"read"_s);
+    return report;
+}
+
+qsizetype terminalWidth()
+{
+    winsize size{};
+    return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 100;
+}
+
+} // namespace
+
+int printStatus(const Home &home, const SessionBus &bus, bool json)
+{
+    constexpr int patience = 2000;
+    const BusAnswer answer = bus.call(u"Status"_s, {}, patience);
+    QJsonObject report = QJsonDocument::fromJson(answer.values.value(0).toString().toUtf8()).object();
+    if (report.isEmpty())
+        report = freshRead(home);
+    const QByteArray text = json
+        ? QJsonDocument(report).toJson(QJsonDocument::Indented)
+        : statusTable(report, terminalWidth(), QDateTime::currentDateTime()).toUtf8();
+    const bool written = std::fwrite(text.constData(), 1, static_cast<size_t>(text.size()), stdout)
+            == static_cast<size_t>(text.size())
+        && std::fflush(stdout) == 0;
+    return written ? exitStatusOf(answer) : fail(ExitFailed, u"the status cannot be written"_s);
+}
+
+} // namespace nubble

@@ -1,0 +1,160 @@
+#include "Commands/StatusReport.h"
+
+#include <QDateTime>
+#include <QJsonArray>
+
+#include <algorithm>
+#include <array>
+
+#include "Notch/PanelState.h"
+#include "Placement/NotchPlacement.h"
+#include "Platform/Clock.h"
+#include "Sessions/SessionDetails.h"
+#include "Sessions/SessionMonitor.h"
+#include "Sessions/SessionTexts.h"
+#include "Usage/PlanUsageMonitor.h"
+#include "Usage/UsageTexts.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nubble {
+
+namespace {
+
+QJsonObject sessionReport(SessionMonitor &monitor, const ClaudeSession &session, const Clock &clock)
+{
+    const SessionDetail detail = monitor.details().byId().value(session.sessionId);
+    const RunState state = monitor.runState(session);
+    return {
+        {u"sessionId"_s, session.sessionId},
+        {u"pid"_s, session.pid},
+        {u"cwd"_s, session.cwd},
+        {u"title"_s, rowTitle(session, detail)},
+        {u"lastPrompt"_s, detail.lastPrompt ? QJsonValue(*detail.lastPrompt) : QJsonValue()},
+        {u"state"_s, stateName(state)},
+        {u"word"_s, rowWord(session, state)},
+        {u"elapsed"_s, elapsedText(session.updatedAt.value_or(session.startedAt), clock.msecsSinceEpoch())},
+        {u"startedAt"_s, session.startedAt},
+        {u"updatedAt"_s, session.updatedAt ? QJsonValue(*session.updatedAt) : QJsonValue()},
+    };
+}
+
+QJsonValue windowReport(const std::optional<PlanWindow> &window)
+{
+    if (!window)
+        return {};
+    return QJsonObject{
+        {u"fraction"_s, window->fraction},
+        {u"resetsAt"_s,
+         window->resetsAt ? QJsonValue(window->resetsAt->toUTC().toString(Qt::ISODate)) : QJsonValue()},
+    };
+}
+
+QString printable(const QJsonValue &value)
+{
+    QString text = value.toString();
+    text.removeIf([](QChar character) { return character.category() == QChar::Other_Control; });
+    return text;
+}
+
+QString fitted(const QString &text, qsizetype width)
+{
+    if (text.size() <= width)
+        return text.leftJustified(width);
+    QString start = text.first(std::max<qsizetype>(width - 1, 0));
+    if (!start.isEmpty() && start.back().isHighSurrogate())
+        start.chop(1); // not half a character
+    start += u'…';
+    return start.leftJustified(width);
+}
+
+// The last column takes what is left of the line.
+using Row = std::array<QString, 4>;
+
+QString tableOf(const QList<Row> &rows, qsizetype width)
+{
+    std::array<qsizetype, 4> widths{};
+    for (const Row &row : rows)
+        for (size_t column = 0; column < row.size(); ++column)
+            widths.at(column) = std::max(widths.at(column), row.at(column).size());
+    widths[2] = std::min(widths[2], std::max<qsizetype>(width / 3, 16));
+    widths[3] = std::max<qsizetype>(width - widths[0] - widths[1] - widths[2] - 6, 8);
+    QString table;
+    for (const Row &row : rows) {
+        QString line;
+        for (size_t column = 0; column < row.size(); ++column)
+            line += fitted(row.at(column), widths.at(column)) + u"  "_s;
+        while (line.endsWith(u' '))
+            line.chop(1);
+        table += line + u'\n';
+    }
+    return table;
+}
+
+QString sessionsTable(const QJsonArray &sessions, qsizetype width)
+{
+    if (sessions.isEmpty())
+        return u"No sessions running\n"_s;
+    QList<Row> rows{{u"STATE"_s, u"SINCE"_s, u"SESSION"_s, u"LAST PROMPT"_s}};
+    for (const QJsonValue session : sessions)
+        rows.append(
+            {printable(session["word"_L1]), printable(session["elapsed"_L1]), printable(session["title"_L1]),
+             printable(session["lastPrompt"_L1])});
+    return tableOf(rows, width);
+}
+
+QString usageLine(const QString &label, const QJsonValue &window, const QDateTime &now)
+{
+    if (!window.isObject())
+        return {};
+    const QDateTime resetsAt = QDateTime::fromString(window["resetsAt"_L1].toString(), Qt::ISODate);
+    const QString reset = resetText(resetsAt.isValid() ? std::optional(resetsAt) : std::nullopt, now);
+    return label.leftJustified(17) + percentText(window["fraction"_L1].toDouble()).leftJustified(11) + reset
+        + u'\n';
+}
+
+QString usageTable(const QJsonObject &usage, const QDateTime &now)
+{
+    if (usage.isEmpty())
+        return {};
+    const QString problem = usage.value("problem"_L1).toString();
+    return u"\n"_s + usageLine(u"Current session"_s, usage.value("session"_L1), now)
+        + usageLine(u"All models"_s, usage.value("weekly"_L1), now)
+        + (problem.isEmpty() ? problem : problem + u'\n');
+}
+
+} // namespace
+
+QJsonObject statusReport(SessionMonitor &monitor, const Clock &clock)
+{
+    QJsonArray sessions;
+    for (const ClaudeSession &session : monitor.sessions())
+        sessions.append(sessionReport(monitor, session, clock));
+    return {{u"activity"_s, stateName(monitor.activity())}, {u"sessions"_s, sessions}};
+}
+
+QJsonObject usageReport(const PlanUsageMonitor &planUsage)
+{
+    return {
+        {u"session"_s, windowReport(planUsage.session())},
+        {u"weekly"_s, windowReport(planUsage.weekly())},
+        {u"problem"_s, planUsage.problem() ? QJsonValue(*planUsage.problem()) : QJsonValue()},
+    };
+}
+
+QJsonObject panelReport(const PanelState &state, const NotchPlacement &placement)
+{
+    return {
+        {u"mode"_s, name(state.mode())},       {u"edge"_s, rawValue(placement.edge())},
+        {u"offset"_s, placement.offset()},     {u"locked"_s, placement.isLocked()},
+        {u"visible"_s, placement.isVisible()},
+    };
+}
+
+QString statusTable(const QJsonObject &report, qsizetype width, const QDateTime &now)
+{
+    return sessionsTable(report.value("sessions"_L1).toArray(), width)
+        + usageTable(report.value("usage"_L1).toObject(), now);
+}
+
+} // namespace nubble

@@ -1,0 +1,36 @@
+#include "Placement/NotchEdge.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nubble {
+
+QString rawValue(NotchEdge edge)
+{
+    switch (edge) {
+    case NotchEdge::Right:
+        return u"right"_s;
+    case NotchEdge::Left:
+        return u"left"_s;
+    case NotchEdge::Top:
+        return u"top"_s;
+    case NotchEdge::Bottom:
+        break;
+    }
+    return u"bottom"_s;
+}
+
+std::optional<NotchEdge> edgeFrom(const QString &raw)
+{
+    for (const NotchEdge edge : allEdges)
+        if (rawValue(edge) == raw)
+            return edge;
+    return std::nullopt;
+}
+
+QString title(NotchEdge edge)
+{
+    const QString raw = rawValue(edge);
+    return raw.first(1).toUpper() + raw.sliced(1);
+}
+
+} // namespace nubble

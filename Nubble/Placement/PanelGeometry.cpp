@@ -1,0 +1,70 @@
+#include "Placement/PanelGeometry.h"
+
+#include <QList>
+
+#include <cmath>
+
+#include "Placement/Layout.h"
+
+namespace nubble {
+
+namespace {
+
+// The smallest move that brings the span into the range; a span that is too long starts where the range does.
+double moveInto(double start, double end, double rangeStart, double rangeEnd)
+{
+    if (start < rangeStart || end - start > rangeEnd - rangeStart)
+        return rangeStart - start;
+    return end > rangeEnd ? rangeEnd - end : 0;
+}
+
+QPointF cardShiftOnto(NotchEdge edge, const QRectF &area, const QRectF &screen)
+{
+    if (isVertical(edge))
+        return {0, moveInto(area.top(), area.bottom(), screen.top(), screen.bottom())};
+    return {moveInto(area.left(), area.right(), screen.left(), screen.right()), 0};
+}
+
+// Along the edge the panel lies on whole pixels; across, it touches the edge.
+QRectF alignedAlong(NotchEdge edge, QRectF window)
+{
+    if (isVertical(edge))
+        window.moveTop(std::round(window.top()));
+    else
+        window.moveLeft(std::round(window.left()));
+    return window;
+}
+
+} // namespace
+
+QList<QRectF> PanelGeometry::activeRects(bool cardOpen) const
+{
+    return cardOpen ? QList{body, cardArea} : QList{body};
+}
+
+double PanelGeometry::roomForCard() const
+{
+    const double beside = isVertical(edge) ? 0 : body.height() + Layout::cardGap + Layout::tailSpace;
+    return screen.height() - beside - 2 * Layout::cardPadding;
+}
+
+PanelGeometry panelGeometry(const Layout &layout, NotchEdge edge, double offset, const QRectF &screen)
+{
+    const QRectF window = alignedAlong(edge, layout.windowFrame(edge, offset, screen));
+    const QRectF area = layout.cardArea(edge).translated(window.topLeft());
+    const QPointF shift = cardShiftOnto(edge, area, screen);
+    const double room = std::ceil(Layout::cardPadding);
+    const QMarginsF around = isVertical(edge) ? QMarginsF(0, room, 0, room) : QMarginsF(room, 0, room, 0);
+
+    PanelGeometry geometry;
+    geometry.edge = edge;
+    geometry.frame = window.united(area.translated(shift)).marginsAdded(around).toAlignedRect();
+    geometry.screen = screen.translated(-geometry.frame.topLeft());
+    geometry.origin = window.topLeft() - geometry.frame.topLeft();
+    geometry.body = layout.bodyRect(edge).translated(geometry.origin);
+    geometry.cardArea = layout.cardArea(edge).translated(geometry.origin + shift);
+    geometry.ringCenter = layout.ringCenter(edge) + geometry.origin;
+    return geometry;
+}
+
+} // namespace nubble

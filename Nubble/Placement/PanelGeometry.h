@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QRect>
+#include <QRectF>
+
+#include "Placement/NotchEdge.h"
+
+namespace nubble {
+
+class Layout;
+
+// The panel on a particular screen: its layout, on whole pixels. The native window is the layout's window,
+// with room around it for shadows. Near a corner of the screen the card's area moves along the edge, so that
+// the card stays in sight.
+struct PanelGeometry {
+    NotchEdge edge = NotchEdge::Right;
+    QRect frame;    // of the native window, in screen coordinates
+    QRectF screen;  // the screen, in the coordinates of the native window; so are the others
+    QPointF origin; // of the layout's window, which holds the body
+    QRectF body;
+    QRectF cardArea; // takes the mouse while a card is open
+    QPointF ringCenter;
+
+    [[nodiscard]] QList<QRectF> activeRects(bool cardOpen) const;
+    [[nodiscard]] double roomForCard() const; // the height that the screen leaves to an open card
+
+    bool operator==(const PanelGeometry &) const = default;
+};
+
+[[nodiscard]] PanelGeometry panelGeometry(
+    const Layout &layout, NotchEdge edge, double offset, const QRectF &screen);
+
+} // namespace nubble

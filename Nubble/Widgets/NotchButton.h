@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QAbstractButton>
+#include <QColor>
+
+#include "Widgets/HoverLift.h"
+
+namespace nubble {
+
+// A round button with a symbol, for the body and for cards. Lifts under the pointer and shows the keyboard's
+// focus; the help text is its tool tip and its accessible name.
+class NotchButton : public QAbstractButton {
+    Q_OBJECT
+
+public:
+    NotchButton(const QString &symbol, const QString &helpText, QWidget *parent = nullptr);
+
+    void setHelpText(const QString &helpText);
+    void setTint(const QColor &tint);
+    void setRotation(double degrees); // of the symbol, clockwise
+
+    [[nodiscard]] QSize sizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QString m_symbol;
+    QColor m_tint;
+    double m_rotation = 0;
+    HoverLift m_hover;
+};
+
+} // namespace nubble

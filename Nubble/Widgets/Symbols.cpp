@@ -1,0 +1,54 @@
+#include "Widgets/Symbols.h"
+
+#include <QHash>
+#include <QPainter>
+#include <QPixmap>
+#include <QPixmapCache>
+#include <QSvgRenderer>
+
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace nubble::Symbols {
+
+namespace {
+
+QPixmap render(const QString &name, const QSizeF &size, const QColor &tint, double scale)
+{
+    QPixmap pixmap((size * scale).toSize());
+    pixmap.fill(Qt::transparent);
+    QSvgRenderer renderer(u":/symbols/"_s + name + u".svg"_s);
+    Q_ASSERT_X(renderer.isValid(), "Symbols", qPrintable(name));
+    renderer.setAspectRatioMode(Qt::KeepAspectRatio);
+    QPainter painter(&pixmap);
+    renderer.render(&painter);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(pixmap.rect(), tint);
+    painter.end();
+    pixmap.setDevicePixelRatio(scale);
+    return pixmap;
+}
+
+} // namespace
+
+void draw(QPainter &painter, const QString &name, const QRectF &rect, const QColor &tint)
+{
+    const double scale = painter.device()->devicePixelRatioF();
+    const QString key = u"symbol %1 %2 %3 %4"_s.arg(name).arg(rect.width()).arg(tint.rgba()).arg(scale);
+    QPixmap pixmap;
+    if (!QPixmapCache::find(key, &pixmap)) {
+        pixmap = render(name, rect.size(), tint, scale);
+        QPixmapCache::insert(key, pixmap);
+    }
+    if (painter.transform().type() > QTransform::TxTranslate) {
+        painter.drawPixmap(rect.topLeft(), pixmap);
+        return;
+    }
+    // Whole device pixels keep the drawing sharp.
+    const QPointF origin(painter.transform().dx(), painter.transform().dy());
+    const QPointF corner = rect.topLeft() * scale + origin * scale;
+    painter.drawPixmap(QPointF(std::round(corner.x()), std::round(corner.y())) / scale - origin, pixmap);
+}
+
+} // namespace nubble::Symbols

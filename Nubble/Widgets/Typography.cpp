@@ -1,0 +1,112 @@
+#include "Widgets/Typography.h"
+
+#include <QFontDatabase>
+#include <QFontMetricsF>
+#include <QGuiApplication>
+#include <QPainter>
+#include <QScreen>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace nubble::Typography {
+
+namespace {
+
+QFont font(double pixels, QFont::Weight weight)
+{
+    QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
+    font.setFamilies(QStringList{u"Inter"_s} + font.families());
+    // Fractional pixel sizes can only be given as points of the font resolution.
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    font.setPointSizeF(pixels * 72 / (screen ? screen->logicalDotsPerInch() : 96));
+    font.setWeight(weight);
+    font.setStyleStrategy(QFont::PreferAntialias);
+    return font;
+}
+
+double digitWidth(const QFontMetricsF &metrics)
+{
+    double widest = 0;
+    for (char16_t digit = u'0'; digit <= u'9'; ++digit)
+        widest = std::max(widest, metrics.horizontalAdvance(QChar(digit)));
+    return widest;
+}
+
+double advance(const QFontMetricsF &metrics, double digit, QChar character)
+{
+    return character.isDigit() ? digit : metrics.horizontalAdvance(character);
+}
+
+double width(const QFontMetricsF &metrics, const QString &text)
+{
+    const double digit = digitWidth(metrics);
+    double total = 0;
+    for (const QChar character : text)
+        total += advance(metrics, digit, character);
+    return total;
+}
+
+} // namespace
+
+QFont percent()
+{
+    return font(1000.0 / 119.0, QFont::Normal);
+}
+
+QFont cardTitle()
+{
+    return font(13, QFont::DemiBold);
+}
+
+QFont rowTitle()
+{
+    return font(12, QFont::Medium);
+}
+
+QFont menu()
+{
+    return font(13, QFont::Normal);
+}
+
+QFont cardBody()
+{
+    return font(11, QFont::Normal);
+}
+
+QFont caption()
+{
+    return font(10, QFont::Normal);
+}
+
+double percentLineHeight()
+{
+    const QFontMetricsF metrics(percent());
+    return std::ceil(metrics.ascent() + metrics.descent() + metrics.leading());
+}
+
+void drawTabular(QPainter &painter, const QRectF &rect, Qt::Alignment alignment, const QString &text)
+{
+    const QFontMetricsF metrics(painter.font());
+    const double digit = digitWidth(metrics);
+    double x = rect.left();
+    if (alignment & Qt::AlignRight)
+        x = rect.right() - width(metrics, text);
+    else if (alignment & Qt::AlignHCenter)
+        x = rect.center().x() - width(metrics, text) / 2;
+    const double baseline = rect.center().y() + (metrics.ascent() - metrics.descent()) / 2;
+    for (const QChar character : text) {
+        const double cell = advance(metrics, digit, character);
+        painter.drawText(QPointF(x + (cell - metrics.horizontalAdvance(character)) / 2, baseline), character);
+        x += cell;
+    }
+}
+
+double tabularWidth(const QPainter &painter, const QString &text)
+{
+    return width(QFontMetricsF(painter.font()), text);
+}
+
+} // namespace nubble::Typography

@@ -1,0 +1,131 @@
+#include <QTest>
+
+#include <cmath>
+
+#include "Placement/Layout.h"
+#include "Placement/PanelGeometry.h"
+#include "Placement/PanelShapes.h"
+
+using namespace Qt::StringLiterals;
+using namespace nubble;
+
+namespace {
+
+constexpr double hair = 2e-6;
+
+bool holds(const QRectF &outer, const QRectF &inner)
+{
+    return outer.adjusted(-hair, -hair, hair, hair).contains(inner);
+}
+
+bool equals(const QRectF &a, const QRectF &b)
+{
+    return holds(a, b) && holds(b, a);
+}
+
+double sideOf(NotchEdge edge, const QRectF &rect)
+{
+    const double sides[]{rect.right(), rect.left(), rect.top(), rect.bottom()};
+    return sides[static_cast<int>(edge)];
+}
+
+} // namespace
+
+class TestPanelGeometry : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyMeasureIsTheExactOne()
+    {
+        // For a line height of 11, worked out by hand from the base sizes.
+        using Row = std::tuple<Layout, NotchEdge, QSizeF, QRectF, QPointF, double>;
+        const Layout bare(11, false, 0), full(11, true, 3);
+        const QSizeF upright(329.743590, 460), fullUpright(329.743590, 565.511111),
+            level(246.153846, 560.567521), fullLevel(317.709402, 560.567521);
+        for (const auto &[layout, edge, window, body, actions, limit] : {
+                 Row(bare, NotchEdge::Right, upright, {288.410256, 178.666667, 41.333333, 115.333333}, {},
+                     656),
+                 Row(bare, NotchEdge::Top, level, {71.743590, 0, 98.355556, 58.311111}, {}, 668.666667),
+                 Row(full, NotchEdge::Right, fullUpright, {288.410256, 231.422222, 41.333333, 243.644444},
+                     {309.076923, 399.666667}, 527.688889),
+                 Row(full, NotchEdge::Left, fullUpright, {0, 231.422222, 41.333333, 243.644444},
+                     {20.666667, 399.666667}, 527.688889),
+                 Row(full, NotchEdge::Top, fullLevel, {107.521368, 0, 209.688889, 58.311111},
+                     {250.299145, 20.666667}, 561.644444),
+                 Row(full, NotchEdge::Bottom, fullLevel, {107.521368, 502.256410, 209.688889, 58.311111},
+                     {250.299145, 539.900855}, 561.644444),
+             }) {
+            QVERIFY(equals({{}, layout.windowSize(edge)}, {{}, window}));
+            QVERIFY(equals(layout.bodyRect(edge), body));
+            QVERIFY(
+                actions.isNull() || (layout.actionsCenterInWindow(edge) - actions).manhattanLength() < hair);
+            QVERIFY(std::abs(layout.offsetLimit(edge, 1440) - limit) < hair);
+            QCOMPARE(layout.offsetLimit(edge, 50), 0);
+        }
+    }
+
+    void onEveryScreenThePanelIsFlushAndTheCardInSight()
+    {
+        const QRectF second(1920, -200, 1440, 900), fractional(0, 0, 1280.5, 720.5), tiny(0, 0, 320, 240);
+        for (const NotchEdge edge : allEdges)
+            for (const QRectF &screen : {second, fractional, tiny})
+                for (const double offset : {-1e9, -100.4, 0.0, 33.5, 1e9})
+                    expectFlushAndInSight(edge, offset, screen);
+    }
+
+    void theBodyAndCardAreDrawnWithinTheirPlaces()
+    {
+        const QRectF rect(300, 200, 150, 130);
+
+        const QRectF withTail[]{
+            rect.adjusted(0, 0, 14, 0), rect.adjusted(-14, 0, 0, 0), rect.adjusted(0, -14, 0, 0),
+            rect.adjusted(0, 0, 0, 14)};
+        const QPointF inTail[]{{460, 250}, {290, 250}, {350, 190}, {350, 340}};
+        for (const NotchEdge edge : allEdges) {
+            QVERIFY(equals(rect, bodyOutline(edge, rect).boundingRect()));
+            const QPainterPath card = cardOutline(edge, rect, 14, 50);
+            const QRectF bounds = card.boundingRect();
+            QVERIFY(equals(withTail[static_cast<int>(edge)], bounds));
+            QVERIFY(card.contains(inTail[static_cast<int>(edge)]));
+            QVERIFY(card.contains(rect.center()));
+            for (const double along : {-1e6, 0.0, 1e6}) // the tail keeps clear of the corners
+                QVERIFY(holds(
+                    rect.adjusted(-14, -14, 14, 14), cardOutline(edge, rect, 14, along).boundingRect()));
+        }
+    }
+
+private:
+    static void expectFlushAndInSight(NotchEdge edge, double offset, const QRectF &screen)
+    {
+        const Layout layout(11, false, 3);
+        const double limit = layout.offsetLimit(edge, Layout::along(edge, screen.size()));
+        const double clamped = std::clamp(offset, -limit, limit);
+        const PanelGeometry geometry = panelGeometry(layout, edge, clamped, screen);
+
+        QCOMPARE(geometry.edge, edge);
+        QVERIFY(holds(
+            geometry.frame, QRectF(geometry.origin + geometry.frame.topLeft(), layout.windowSize(edge))));
+        QVERIFY(holds(QRectF(QPointF(), geometry.frame.size()), geometry.body));
+        QVERIFY(holds(QRectF(QPointF(), geometry.frame.size()), geometry.cardArea));
+        QVERIFY(std::abs(sideOf(edge, geometry.body) - sideOf(edge, geometry.screen)) < hair);
+        QVERIFY(std::abs(sideOf(edge, geometry.frame.toRectF()) - sideOf(edge, screen)) < 1);
+
+        const QPointF ring = geometry.ringCenter + geometry.frame.topLeft();
+        const double along =
+            isVertical(edge) ? ring.y() - screen.center().y() : ring.x() - screen.center().x();
+        QVERIFY(std::abs(along - clamped) <= 0.5 + hair);
+        const double start = isVertical(edge) ? geometry.origin.y() : geometry.origin.x();
+        QCOMPARE(start, std::round(start));
+
+        // The card's area lies beside the body and stays on the screen along the edge, as far as it fits.
+        QVERIFY(!geometry.cardArea.intersects(geometry.body.adjusted(hair, hair, -hair, -hair)));
+        const QRectF area = geometry.cardArea;
+        const double first =
+            isVertical(edge) ? area.top() - geometry.screen.top() : area.left() - geometry.screen.left();
+        const double room = Layout::along(edge, screen.size()) - Layout::along(edge, area.size());
+        QVERIFY(room < 0 ? std::abs(first) < hair : first > -hair && first < room + hair);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestPanelGeometry)
+#include "tst_panel_geometry.moc"
