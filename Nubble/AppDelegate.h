@@ -2,19 +2,19 @@
 
 #include <QObject>
 
-#include "Commands/AddonRequest.h"
 #include "Commands/AppCommands.h"
 #include "Commands/Menus.h"
+#include "Notch/NotchAction.h"
 #include "Notch/PanelState.h"
 #include "Notch/PanelWindow.h"
+#include "NotchRegistry.h"
 #include "Placement/Layout.h"
 #include "Placement/MainScreen.h"
 #include "Placement/NotchPlacement.h"
 #include "Platform/Backend.h"
 #include "Platform/Clock.h"
-#include "Platform/Freedesktop/SessionBus.h"
 #include "Platform/Home.h"
-#include "Platform/Linux/LinuxProcessTable.h"
+#include "Platform/ProcessTable.h"
 #include "Sessions/ProcessActivator.h"
 #include "Sessions/SessionMonitor.h"
 #include "Shell/Addon.h"
@@ -26,6 +26,8 @@
 
 namespace nubble {
 
+class InstanceBus;
+
 // The composition root: owns every service, model and window for the whole run, in the order in which they
 // are built, and wires them. Main thread only.
 class AppDelegate : public QObject {
@@ -33,30 +35,25 @@ class AppDelegate : public QObject {
 
 public:
     // `bus` owns the program's name, which a restart gives up; it outlives the delegate.
-    AppDelegate(const Home &home, SessionBus &bus, Relaunch relaunch);
+    AppDelegate(const Home &home, InstanceBus &bus, Relaunch relaunch);
 
-    void show();
-    void openSessions();
-    [[nodiscard]] QString status(); // JSON
     [[nodiscard]] AppCommands &commands() { return m_commands; }
 
-    // For other programs, which reach only what is switched on. Why not, when it is not done.
-    [[nodiscard]] std::optional<QString> performFromOutside(const AddonRequest &request);
-
 private:
+    [[nodiscard]] NotchContents notchContents();
+    [[nodiscard]] NotchModels models();
+    void registerParts();
     void observeState();
     void observeRequests();
-    [[nodiscard]] std::optional<QString> perform(const AddonRequest &request); // likewise
-    void performOrExplain(const AddonRequest &request);
     [[nodiscard]] MenuState menuState() const;
-    void showMenu(const QList<MenuEntry> &entries, const QPoint &screenPosition);
+    void showMenu(const QList<MenuEntry> &entries, const QPoint &position); // in the panel's coordinates
     void restart();
 
     Home m_home;
-    SessionBus &m_bus;
+    InstanceBus &m_bus;
     Relaunch m_relaunch;
     SystemClock m_clock;
-    LinuxProcessTable m_processes;
+    std::unique_ptr<ProcessTable> m_processes;
     Defaults m_defaults;
     ActiveAddons m_addons;
     Backend m_backend;
@@ -68,9 +65,10 @@ private:
     SessionMonitor m_sessionMonitor;
     PlanUsageMonitor m_planUsage;
     ProcessActivator m_activator;
+    std::vector<std::unique_ptr<NotchAction>> m_actions;
+    PanelWindow m_panel;
     AppCommands m_commands;
     StatusItem m_statusItem;
-    PanelWindow m_panel;
 };
 
 } // namespace nubble

@@ -9,12 +9,13 @@
 #include <vector>
 
 #include "AppDelegate.h"
-#include "Commands/ClientCommands.h"
+#include "Commands/CommandClient.h"
 #include "Commands/CommandLine.h"
-#include "Commands/Control.h"
+#include "Commands/ControlObject.h"
 #include "Commands/StatusCommand.h"
-#include "Platform/Freedesktop/FontPreload.h"
-#include "Platform/Linux/TerminationSignals.h"
+#include "Platform/InstanceBus.h"
+#include "Platform/System.h"
+#include "Platform/TerminationSignals.h"
 #include "Shell/Migration.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Typography.h"
@@ -51,13 +52,13 @@ void setUpLook()
     using Verb = CommandLine::Verb;
     if (line.verb == Verb::AutostartOn || line.verb == Verb::AutostartOff)
         leave(setAutostart(line, home));
-    const SessionBus bus(Control::serviceName(line));
-    leave(line.verb == Verb::Status ? printStatus(home, bus, line.json) : runInInstance(line, bus));
+    const auto bus = System::instanceBus(ControlObject::serviceName(line));
+    leave(line.verb == Verb::Status ? printStatus(home, *bus, line.json) : runInInstance(line, *bus));
 }
 
 int run(int argc, char *argv[], QByteArray platform, const CommandLine &line, const Home &home)
 {
-    std::optional<FontPreload> fonts(std::in_place);
+    auto fonts = System::fontPreload();
     // As an argument, for the environment would be handed down to every child process.
     std::vector<char *> qtArguments(argv, argv + argc);
     QByteArray option("-platform");
@@ -72,13 +73,12 @@ int run(int argc, char *argv[], QByteArray platform, const CommandLine &line, co
     setUpLook();
     QApplication::setQuitOnLastWindowClosed(false);
 
-    SessionBus bus(Control::serviceName(line));
-    QObject exported;
-    auto *control = new Control(&exported);
-    if (!bus.claim(&exported))
-        leave(line.verb == CommandLine::Verb::Start ? ExitDone : runInInstance(line, bus));
+    const auto bus = System::instanceBus(ControlObject::serviceName(line));
+    ControlObject control;
+    if (!bus->claim(&control))
+        leave(line.verb == CommandLine::Verb::Start ? ExitDone : runInInstance(line, *bus));
     QLockFile lock(home.configFolder() + u"/com.brevandel.nubble.lock");
-    if (!bus.isConnected() && isHeldElsewhere(lock))
+    if (!bus->isConnected() && isHeldElsewhere(lock))
         return fail(ExitFailed, u"Nubble runs already, and there is no session bus to reach it by"_s);
 
     {
@@ -86,10 +86,10 @@ int run(int argc, char *argv[], QByteArray platform, const CommandLine &line, co
         Migration::fromBrindleCove(defaults, home);
     }
     fonts.reset();
-    AppDelegate delegate(home, bus, Relaunch::ofThisProgram(line.startArguments()));
-    control->serve(delegate);
-    const TerminationSignals signals_;
-    QObject::connect(&signals_, &TerminationSignals::received, &application, &QCoreApplication::quit);
+    AppDelegate delegate(home, *bus, Relaunch::ofThisProgram(line.startArguments()));
+    control.serve(delegate.commands());
+    const auto termination = System::terminationSignals();
+    QObject::connect(termination.get(), &TerminationSignals::received, &application, &QCoreApplication::quit);
     return QApplication::exec();
 }
 

@@ -1,24 +1,31 @@
 #include "Commands/AppCommands.h"
 
+#include "Notch/PanelWindow.h"
 #include "Placement/MainScreen.h"
 #include "Placement/NotchPlacement.h"
-#include "Sessions/SessionMonitor.h"
 #include "Shell/Defaults.h"
-#include "Usage/PlanUsageMonitor.h"
+
+using namespace Qt::StringLiterals;
 
 namespace nubble {
 
 AppCommands::AppCommands(
-    NotchPlacement &placement, const MainScreen &mainScreen, Defaults &defaults, const ActiveAddons &addons,
-    SessionMonitor &sessionMonitor, PlanUsageMonitor &planUsage, QObject *parent)
-    : QObject(parent), m_placement(placement), m_mainScreen(mainScreen), m_defaults(defaults),
-      m_addons(addons), m_sessionMonitor(sessionMonitor), m_planUsage(planUsage)
+    PanelWindow &panel, NotchPlacement &placement, const MainScreen &mainScreen, Defaults &defaults,
+    const ActiveAddons &addons, QObject *parent)
+    : QObject(parent), m_panel(panel), m_placement(placement), m_mainScreen(mainScreen), m_defaults(defaults),
+      m_addons(addons)
 {
 }
 
-void AppCommands::toggleLocked()
+void AppCommands::show()
 {
-    m_placement.toggleLocked();
+    m_placement.setVisible(true);
+    m_panel.applyPlacement(); // above the others again, also if it was there already
+}
+
+void AppCommands::hide()
+{
+    m_placement.setVisible(false);
 }
 
 void AppCommands::toggleVisible()
@@ -26,9 +33,15 @@ void AppCommands::toggleVisible()
     m_placement.toggleVisible();
 }
 
-void AppCommands::hide()
+void AppCommands::openSessions()
 {
-    m_placement.setVisible(false);
+    show();
+    m_panel.openForKeyboard(PanelMode::sessions());
+}
+
+void AppCommands::toggleLocked()
+{
+    m_placement.toggleLocked();
 }
 
 void AppCommands::moveToEdge(NotchEdge edge)
@@ -49,14 +62,40 @@ void AppCommands::toggleAddon(Addon addon)
 
 void AppCommands::request(const AddonRequest &request)
 {
-    Q_EMIT addonRequested(request);
+    if (const Outcome outcome = perform(request); !outcome.isDone())
+        Q_EMIT refused(addonOf(request), outcome.why());
+}
+
+Outcome AppCommands::perform(const AddonRequest &request)
+{
+    const auto handler = m_handlers.find(addonOf(request));
+    if (handler == m_handlers.end())
+        return Outcome::failed(
+            u"This version has nothing to open for \"%1\" yet."_s.arg(title(addonOf(request))));
+    return handler->second(request);
+}
+
+Outcome AppCommands::performFromOutside(const AddonRequest &request)
+{
+    const Addon addon = addonOf(request);
+    if (!m_addons.contains(addon))
+        return Outcome::failed(
+            u"The add-on \"%1\" is off. It is switched on in the menu."_s.arg(title(addon)));
+    return perform(request);
 }
 
 void AppCommands::refreshAll()
 {
-    m_sessionMonitor.refresh();
-    m_sessionMonitor.details().update(m_sessionMonitor.sessions(), true);
-    m_planUsage.refresh(true);
+    for (const auto &refresh : m_refreshes)
+        refresh();
+}
+
+QJsonObject AppCommands::status() const
+{
+    QJsonObject status{{u"source"_s, u"running"_s}};
+    for (const Report &report : m_reports)
+        report(status);
+    return status;
 }
 
 void AppCommands::restart()
@@ -68,6 +107,21 @@ void AppCommands::restart()
 void AppCommands::quit()
 {
     Q_EMIT quitRequested();
+}
+
+void AppCommands::setHandler(Addon addon, Handler handler)
+{
+    m_handlers.insert_or_assign(addon, std::move(handler));
+}
+
+void AppCommands::addReport(Report report)
+{
+    m_reports.push_back(std::move(report));
+}
+
+void AppCommands::addRefresh(std::function<void()> refresh)
+{
+    m_refreshes.push_back(std::move(refresh));
 }
 
 } // namespace nubble

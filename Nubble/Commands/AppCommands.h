@@ -1,9 +1,15 @@
 #pragma once
 
+#include <QJsonObject>
 #include <QObject>
+
+#include <functional>
+#include <map>
+#include <vector>
 
 #include "Commands/AddonRequest.h"
 #include "Placement/NotchEdge.h"
+#include "Platform/Outcome.h"
 #include "Shell/Addon.h"
 
 namespace nubble {
@@ -11,43 +17,56 @@ namespace nubble {
 class Defaults;
 class MainScreen;
 class NotchPlacement;
-class PlanUsageMonitor;
-class SessionMonitor;
+class PanelWindow;
 
-// What the user can ask of the whole program: one place for every menu and for the command line. Main thread
-// only.
+// What can be asked of the whole program, whether by a menu, the tray, a key, a button, the bus or the
+// command line. What the features do about it is registered by whoever has made them. Main thread only.
 class AppCommands : public QObject {
     Q_OBJECT
 
 public:
     AppCommands(
-        NotchPlacement &placement, const MainScreen &mainScreen, Defaults &defaults,
-        const ActiveAddons &addons, SessionMonitor &sessionMonitor, PlanUsageMonitor &planUsage,
-        QObject *parent = nullptr);
+        PanelWindow &panel, NotchPlacement &placement, const MainScreen &mainScreen, Defaults &defaults,
+        const ActiveAddons &addons, QObject *parent = nullptr);
 
-    void toggleLocked();
-    void toggleVisible();
+    void show();
     void hide();
+    void toggleVisible();
+    void openSessions(); // with the keyboard in the card
+    void toggleLocked();
     void moveToEdge(NotchEdge edge);
     void centerOnEdge();
-    void toggleAddon(Addon addon); // takes effect by a restart, at once
-    void request(const AddonRequest &request);
+
+    void toggleAddon(Addon addon);                           // takes effect by a restart, at once
+    void request(const AddonRequest &request);               // the user's; `refused` says why it is not done
+    Outcome perform(const AddonRequest &request);            // the program's own
+    Outcome performFromOutside(const AddonRequest &request); // reaches only what is switched on
+
     void refreshAll();
+    [[nodiscard]] QJsonObject status() const;
     void restart();
     void quit();
 
+    using Handler = std::function<Outcome(const AddonRequest &)>;
+    using Report = std::function<void(QJsonObject &status)>; // adds what one part has to tell
+    void setHandler(Addon addon, Handler handler);
+    void addReport(Report report);
+    void addRefresh(std::function<void()> refresh);
+
 Q_SIGNALS:
-    void addonRequested(const AddonRequest &request);
+    void refused(nubble::Addon addon, const QString &why);
     void restartRequested();
     void quitRequested();
 
 private:
+    PanelWindow &m_panel;
     NotchPlacement &m_placement;
     const MainScreen &m_mainScreen;
     Defaults &m_defaults;
     const ActiveAddons &m_addons;
-    SessionMonitor &m_sessionMonitor;
-    PlanUsageMonitor &m_planUsage;
+    std::map<Addon, Handler> m_handlers;
+    std::vector<Report> m_reports;
+    std::vector<std::function<void()>> m_refreshes;
 };
 
 } // namespace nubble

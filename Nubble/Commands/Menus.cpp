@@ -1,6 +1,7 @@
 #include "Commands/Menus.h"
 
 #include "Commands/AppCommands.h"
+#include "Shell/HotKeyTable.h"
 
 using namespace Qt::StringLiterals;
 
@@ -16,11 +17,10 @@ MenuEntry entry(const QString &title, const std::function<void()> &action)
     return entry;
 }
 
-MenuEntry entry(
-    const QString &title, Qt::KeyboardModifiers modifiers, Qt::Key key, const std::function<void()> &action)
+MenuEntry entry(const QString &title, QKeyCombination keys, const std::function<void()> &action)
 {
     MenuEntry keyed = entry(title, action);
-    keyed.shortcut = QKeyCombination(modifiers, key);
+    keyed.shortcut = keys;
     return keyed;
 }
 
@@ -76,14 +76,13 @@ QList<MenuEntry> addonEntries(
 QList<MenuEntry> requestEntries(const MenuState &state, AppCommands &commands)
 {
     using Action = AddonRequest::Action;
-    constexpr Qt::KeyboardModifiers controlOption = Qt::ControlModifier | Qt::AltModifier;
     QList<MenuEntry> entries;
     if (state.addons.contains(Addon::Search))
-        entries.append(entry(u"Search Chats…"_s, controlOption, Qt::Key_Space, [&commands] {
+        entries.append(entry(u"Search Chats…"_s, keysOf(HotKey::Search), [&commands] {
             commands.request({Action::SearchChats});
         }));
     if (state.addons.contains(Addon::Ask))
-        entries.append(entry(u"Ask Claude About Screen…"_s, controlOption, Qt::Key_A, [&commands] {
+        entries.append(entry(u"Ask Claude About Screen…"_s, keysOf(HotKey::Ask), [&commands] {
             commands.request({Action::AskClaude});
         }));
     if (!entries.isEmpty())
@@ -106,11 +105,9 @@ QList<MenuEntry> statusMenu(const MenuState &state, AppCommands &commands)
         << visible << MenuEntry::separator() << locked << edgeMenu(state, commands)
         << centerEntry(state, commands) << MenuEntry::separator() << submenu(u"Add-ons"_s, switches)
         << MenuEntry::separator()
-        << entry(
-               u"Refresh Everything"_s, Qt::ControlModifier, Qt::Key_R,
-               [&commands] { commands.refreshAll(); })
+        << entry(u"Refresh Everything"_s, Qt::CTRL | Qt::Key_R, [&commands] { commands.refreshAll(); })
         << entry(u"Restart Nubble"_s, [&commands] { commands.restart(); }) << MenuEntry::separator()
-        << entry(u"Quit Nubble"_s, Qt::ControlModifier, Qt::Key_Q, [&commands] { commands.quit(); });
+        << entry(u"Quit Nubble"_s, Qt::CTRL | Qt::Key_Q, [&commands] { commands.quit(); });
 }
 
 QList<MenuEntry> notchMenu(const MenuState &state, AppCommands &commands)

@@ -8,13 +8,14 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-#include "Commands/ClientCommands.h"
+#include "Commands/CommandClient.h"
 #include "Commands/CommandLine.h"
 #include "Commands/StatusReport.h"
 #include "Platform/Clock.h"
-#include "Platform/Freedesktop/SessionBus.h"
 #include "Platform/Home.h"
-#include "Platform/Linux/LinuxProcessTable.h"
+#include "Platform/InstanceBus.h"
+#include "Platform/ProcessTable.h"
+#include "Platform/System.h"
 #include "Sessions/SessionMonitor.h"
 #include "Shell/Defaults.h"
 #include "Usage/PlanUsageMonitor.h"
@@ -28,9 +29,9 @@ namespace {
 QJsonObject freshRead(const Home &home)
 {
     const SystemClock clock;
-    const LinuxProcessTable processes;
+    const auto processes = System::processTable();
     SessionMonitor monitor(
-        home.file(u".claude/sessions"_s), home.file(u".claude/projects"_s), processes, clock);
+        home.file(u".claude/sessions"_s), home.file(u".claude/projects"_s), *processes, clock);
     const Defaults defaults(Defaults::fileOf(u"com.brevandel.nubble"_s, home.configFolder()));
     const PlanUsageMonitor planUsage(home, clock, PlanUsageMonitor::domainIn(defaults));
     monitor.details().waitForDone();
@@ -38,10 +39,10 @@ QJsonObject freshRead(const Home &home)
     QObject::connect(&planUsage, &PlanUsageMonitor::refreshingChanged, &reading, &QEventLoop::quit);
     if (planUsage.isRefreshing())
         reading.exec();
-    QJsonObject report = statusReport(monitor, clock);
-    report.insert("usage"_L1, usageReport(planUsage));
-    report.insert("source"_L1, u"read"_s);
-    return report;
+    QJsonObject status{{u"source"_s, u"read"_s}};
+    reportSessions(monitor, clock, status);
+    reportUsage(planUsage, status);
+    return status;
 }
 
 qsizetype terminalWidth()
@@ -52,7 +53,7 @@ qsizetype terminalWidth()
 
 } // namespace
 
-int printStatus(const Home &home, const SessionBus &bus, bool json)
+int printStatus(const Home &home, const InstanceBus &bus, bool json)
 {
     constexpr int patience = 2000;
     const BusAnswer answer = bus.call(u"Status"_s, {}, patience);

@@ -125,30 +125,37 @@ QString usageTable(const QJsonObject &usage, const QDateTime &now)
 
 } // namespace
 
-QJsonObject statusReport(SessionMonitor &monitor, const Clock &clock)
+void reportSessions(SessionMonitor &monitor, const Clock &clock, QJsonObject &status)
 {
     QJsonArray sessions;
     for (const ClaudeSession &session : monitor.sessions())
         sessions.append(sessionReport(monitor, session, clock));
-    return {{u"activity"_s, stateName(monitor.activity())}, {u"sessions"_s, sessions}};
+    status.insert("activity"_L1, stateName(monitor.activity()));
+    status.insert("sessions"_L1, sessions);
 }
 
-QJsonObject usageReport(const PlanUsageMonitor &planUsage)
+void reportUsage(const PlanUsageMonitor &planUsage, QJsonObject &status)
 {
-    return {
-        {u"session"_s, windowReport(planUsage.session())},
-        {u"weekly"_s, windowReport(planUsage.weekly())},
-        {u"problem"_s, planUsage.problem() ? QJsonValue(*planUsage.problem()) : QJsonValue()},
-    };
+    status.insert(
+        "usage"_L1,
+        QJsonObject{
+            {u"session"_s, windowReport(planUsage.session())},
+            {u"weekly"_s, windowReport(planUsage.weekly())},
+            {u"problem"_s, planUsage.problem() ? QJsonValue(*planUsage.problem()) : QJsonValue()},
+        });
 }
 
-QJsonObject panelReport(const PanelState &state, const NotchPlacement &placement)
+void reportPanel(const PanelState &state, const NotchPlacement &placement, QJsonObject &status)
 {
-    return {
-        {u"mode"_s, name(state.mode())},       {u"edge"_s, rawValue(placement.edge())},
-        {u"offset"_s, placement.offset()},     {u"locked"_s, placement.isLocked()},
-        {u"visible"_s, placement.isVisible()},
-    };
+    status.insert(
+        "panel"_L1,
+        QJsonObject{
+            {u"mode"_s, name(state.mode())},
+            {u"edge"_s, rawValue(placement.edge())},
+            {u"offset"_s, placement.offset()},
+            {u"locked"_s, placement.isLocked()},
+            {u"visible"_s, placement.isVisible()},
+        });
 }
 
 QString statusTable(const QJsonObject &report, qsizetype width, const QDateTime &now)

@@ -13,15 +13,12 @@ class PanelState;
 class PlanUsageMonitor;
 class SessionMonitor;
 
-// What `nubble status` prints. Main thread only.
+// What `nubble status` prints: each part adds to `status` what it has to tell. Main thread only.
 
-// The activity of all sessions, and the sessions in the order of their card.
-[[nodiscard]] QJsonObject statusReport(SessionMonitor &monitor, const Clock &clock);
-
-// Both windows of the plan, and why their numbers may be old.
-[[nodiscard]] QJsonObject usageReport(const PlanUsageMonitor &planUsage);
-
-[[nodiscard]] QJsonObject panelReport(const PanelState &state, const NotchPlacement &placement);
+void reportSessions(
+    SessionMonitor &monitor, const Clock &clock, QJsonObject &status); // in their card's order
+void reportUsage(const PlanUsageMonitor &planUsage, QJsonObject &status);
+void reportPanel(const PanelState &state, const NotchPlacement &placement, QJsonObject &status);
 
 // The same for people, `width` columns wide. Control characters, which a terminal would obey, are left out.
 [[nodiscard]] QString statusTable(const QJsonObject &report, qsizetype width, const QDateTime &now);

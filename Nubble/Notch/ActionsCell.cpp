@@ -1,38 +1,27 @@
 #include "Notch/ActionsCell.h"
 
+#include "Notch/NotchAction.h"
 #include "Placement/Layout.h"
 #include "Widgets/NotchButton.h"
 
-using namespace Qt::StringLiterals;
-
 namespace nubble {
 
-namespace {
-
-NotchButton *makeButton(Addon addon, QWidget *parent)
+ActionsCell::ActionsCell(const QList<NotchAction *> &actions, QWidget *parent) : QWidget(parent)
 {
-    switch (addon) {
-    case Addon::Search:
-        return new NotchButton(u"magnifyingglass"_s, u"Search chats  ⌃⌥Space"_s, parent);
-    case Addon::Ask:
-        return new NotchButton(u"text.bubble.fill"_s, u"Ask Claude about your screen  ⌃⌥A"_s, parent);
-    case Addon::Notes:
-        return new NotchButton(u"mic.fill"_s, u"Meeting notes"_s, parent);
-    case Addon::Quenwick:
-        break; // has a card, no button
-    }
-    return nullptr;
+    for (NotchAction *action : actions)
+        add(*action);
+    setVisible(!actions.isEmpty());
 }
 
-} // namespace
-
-ActionsCell::ActionsCell(const QList<Addon> &actions, QWidget *parent) : QWidget(parent)
+void ActionsCell::add(NotchAction &action)
 {
-    for (const Addon addon : actions) {
-        NotchButton *button = makeButton(addon, this);
-        connect(button, &NotchButton::clicked, this, [this, addon] { Q_EMIT triggered(addon); });
-        m_buttons.append(button);
-    }
+    auto *button = new NotchButton(action.look().symbol, action.look().helpText, this);
+    connect(button, &NotchButton::clicked, &action, &NotchAction::run);
+    connect(&action, &NotchAction::lookChanged, button, [button, &action] {
+        button->setSymbol(action.look().symbol);
+        button->setHelpText(action.look().helpText);
+    });
+    m_buttons.append(button);
 }
 
 void ActionsCell::placeAround(const QPointF &center, NotchEdge edge)

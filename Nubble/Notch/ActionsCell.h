@@ -4,26 +4,25 @@
 #include <QWidget>
 
 #include "Placement/NotchEdge.h"
-#include "Shell/Addon.h"
 
 namespace nubble {
 
+class NotchAction;
 class NotchButton;
 
-// The buttons of the active add-ons, one beside the other along the edge.
+// The buttons of the panel's actions, one beside the other along the edge. They follow their actions' looks.
 class ActionsCell : public QWidget {
     Q_OBJECT
 
 public:
-    explicit ActionsCell(const QList<Addon> &actions, QWidget *parent = nullptr);
+    explicit ActionsCell(const QList<NotchAction *> &actions, QWidget *parent = nullptr);
 
     // Lines the buttons up around `center`, in the parent's coordinates.
     void placeAround(const QPointF &center, NotchEdge edge);
 
-Q_SIGNALS:
-    void triggered(nubble::Addon addon);
-
 private:
+    void add(NotchAction &action);
+
     QList<NotchButton *> m_buttons;
 };
 

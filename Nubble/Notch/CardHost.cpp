@@ -53,31 +53,37 @@ QRectF placed(const QSizeF &size, const PanelGeometry &geometry)
 
 } // namespace
 
-CardHost::CardHost(QWidget *view, const DesktopPreferences &preferences)
-    : QObject(view), m_view(view), m_preferences(preferences)
+CardHost::CardHost(QWidget *view, QList<NotchCard> cards, const DesktopPreferences &preferences)
+    : QObject(view), m_view(view), m_preferences(preferences), m_cards(std::move(cards))
 {
 }
 
-void CardHost::setCard(PanelMode::Card card, const CardFactory &make)
+const NotchCard *CardHost::cardOf(PanelMode mode) const
 {
-    m_factories.insert(card, make);
+    const auto found = std::find_if(m_cards.begin(), m_cards.end(), [mode](const NotchCard &each) {
+        return each.mode.card == mode.card;
+    });
+    return found == m_cards.end() ? nullptr : &*found;
 }
 
 void CardHost::show(PanelMode mode)
 {
-    if (mode.card == m_card)
+    if (mode.card == m_mode.card)
         return;
     close();
-    m_card = mode.card;
-    open(mode.card);
+    m_mode = mode;
+    open();
     Q_EMIT outlineChanged();
 }
 
-void CardHost::open(PanelMode::Card card)
+void CardHost::open()
 {
-    if (!hasCard(card))
+    const NotchCard *card = cardOf(m_mode);
+    if (!card)
         return;
-    m_shell = new TooltipShell(m_factories.value(card)(), m_geometry.edge, m_translucent, m_view);
+    QWidget *content = card->makeContent(
+        {.height = qFloor(m_geometry.roomForCard()), .close = [this] { Q_EMIT closeRequested(); }});
+    m_shell = new TooltipShell(content, m_geometry.edge, m_translucent, m_view);
     m_shell->installEventFilter(this);
     connect(m_shell, &TooltipShell::contentResized, this, [this] {
         layOut();
@@ -131,7 +137,7 @@ void CardHost::setGeometry(const PanelGeometry &geometry)
     m_shell->hide();
     m_shell->deleteLater();
     m_shell = nullptr;
-    open(m_card);
+    open();
 }
 
 void CardHost::setTranslucent(bool translucent)

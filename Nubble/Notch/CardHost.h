@@ -1,12 +1,10 @@
 #pragma once
 
-#include <QHash>
+#include <QList>
 #include <QObject>
 #include <QPainterPath>
 
-#include <functional>
-
-#include "Notch/PanelState.h"
+#include "Notch/NotchCard.h"
 #include "Placement/PanelGeometry.h"
 
 class QWidget;
@@ -22,12 +20,9 @@ class CardHost : public QObject {
     Q_OBJECT
 
 public:
-    using CardFactory = std::function<QWidget *()>;
+    CardHost(QWidget *view, QList<NotchCard> cards, const DesktopPreferences &preferences);
 
-    CardHost(QWidget *view, const DesktopPreferences &preferences);
-
-    void setCard(PanelMode::Card card, const CardFactory &make);
-    [[nodiscard]] bool hasCard(PanelMode::Card card) const { return m_factories.contains(card); }
+    [[nodiscard]] const NotchCard *cardOf(PanelMode mode) const; // null: there is none
 
     void show(PanelMode mode);
     void setGeometry(const PanelGeometry &geometry);
@@ -37,6 +32,7 @@ public:
     void focusFirstControl();
 
 Q_SIGNALS:
+    void closeRequested(); // by the card itself
     void outlineChanged();
     void hoveredChanged(bool hovered);
 
@@ -44,7 +40,7 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    void open(PanelMode::Card card);
+    void open();
     void close();
     void layOut();
     [[nodiscard]] bool animates() const;
@@ -52,9 +48,9 @@ private:
 
     QWidget *m_view;
     const DesktopPreferences &m_preferences;
-    QHash<PanelMode::Card, CardFactory> m_factories;
+    QList<NotchCard> m_cards;
     PanelGeometry m_geometry;
-    PanelMode::Card m_card = PanelMode::Card::None;
+    PanelMode m_mode;
     TooltipShell *m_shell = nullptr;
     bool m_translucent = true;
 };

@@ -12,6 +12,11 @@ constexpr double minimumDistance = 4;
 
 } // namespace
 
+DragGesture::DragGesture(ToScreen toScreen, QObject *parent)
+    : QObject(parent), m_toScreen(std::move(toScreen))
+{
+}
+
 void DragGesture::watch(QWidget *widget)
 {
     widget->installEventFilter(this);
@@ -25,7 +30,7 @@ bool DragGesture::eventFilter(QObject *watched, QEvent *event)
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick: // a second press soon after a click
         if (const auto *mouse = static_cast<QMouseEvent *>(event); mouse->button() == Qt::LeftButton)
-            m_start = mouse->globalPosition();
+            m_start = m_toScreen(*mouse);
         return false;
     case QEvent::MouseMove:
         return follow(watched, *static_cast<QMouseEvent *>(event));
@@ -40,12 +45,14 @@ bool DragGesture::follow(QObject *watched, const QMouseEvent &event)
 {
     if (!m_start || !(event.buttons() & Qt::LeftButton))
         return false;
-    if (!m_dragging && QLineF(*m_start, event.globalPosition()).length() < minimumDistance)
+    const QPointF position = m_toScreen(event);
+    if (!m_dragging && QLineF(*m_start, position).length() < minimumDistance)
         return false;
-    m_dragging = true;
+    if (!std::exchange(m_dragging, true))
+        Q_EMIT began();
     if (auto *button = qobject_cast<QAbstractButton *>(watched))
         button->setDown(false);
-    Q_EMIT moved(event.globalPosition());
+    Q_EMIT moved(position);
     return true;
 }
 

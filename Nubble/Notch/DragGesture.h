@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QPointF>
 
+#include <functional>
 #include <optional>
 
 class QMouseEvent;
@@ -15,11 +16,14 @@ class DragGesture : public QObject {
     Q_OBJECT
 
 public:
-    using QObject::QObject;
+    using ToScreen = std::function<QPointF(const QMouseEvent &)>; // where an event has happened
+
+    explicit DragGesture(ToScreen toScreen, QObject *parent = nullptr);
 
     void watch(QWidget *widget); // and its children
 
 Q_SIGNALS:
+    void began();
     void moved(QPointF screenPosition); // at every change of a drag
     void ended();
 
@@ -30,6 +34,7 @@ private:
     bool follow(QObject *watched, const QMouseEvent &event);
     bool end(QObject *watched);
 
+    ToScreen m_toScreen;
     std::optional<QPointF> m_start; // of a pressed button, on the screen
     bool m_dragging = false;
 };

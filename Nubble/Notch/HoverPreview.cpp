@@ -26,13 +26,26 @@ void HoverPreview::setCardHovered(bool hovered)
     scheduleCollapse();
 }
 
+void HoverPreview::closeEveryCardWhenLeft()
+{
+    m_closesEveryCard = true;
+}
+
 void HoverPreview::scheduleCollapse()
 {
     // Long enough for the pointer to cross from the ring to the card.
     QTimer::singleShot(150ms, this, [this] {
-        if (!m_ringHovered && !m_cardHovered && m_state.mode() == PanelMode::usage())
-            m_state.collapse();
+        if (m_state.mode() == PanelMode::usage())
+            collapseUnlessHovered();
     });
+    if (m_closesEveryCard)
+        QTimer::singleShot(1500ms, this, &HoverPreview::collapseUnlessHovered);
+}
+
+void HoverPreview::collapseUnlessHovered()
+{
+    if (!m_ringHovered && !m_cardHovered)
+        m_state.collapse();
 }
 
 } // namespace nubble

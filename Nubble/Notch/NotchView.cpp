@@ -5,23 +5,12 @@
 #include <QKeyEvent>
 #include <QPainter>
 
-#include <algorithm>
-
 #include "Notch/ActionsCell.h"
 #include "Notch/CardHost.h"
 #include "Notch/ClaudeCell.h"
-#include "Notch/DragGesture.h"
 #include "Placement/Layout.h"
-#include "Placement/MainScreen.h"
-#include "Placement/NotchPlacement.h"
 #include "Placement/PanelShapes.h"
 #include "Platform/DesktopPreferences.h"
-#include "Sessions/ProcessActivator.h"
-#include "Sessions/ProjectsCardContent.h"
-#include "Sessions/SessionMonitor.h"
-#include "Shell/NotificationCenter.h"
-#include "Usage/PlanUsageMonitor.h"
-#include "Usage/UsageCardContent.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Typography.h"
 
@@ -29,113 +18,45 @@ using namespace Qt::StringLiterals;
 
 namespace nubble {
 
-NotchView::NotchView(const NotchServices &services, QWidget *parent)
-    : QWidget(parent), m_services(services), m_hover(services.panelState),
-      m_cards(new CardHost(this, services.preferences)), m_claude(new ClaudeCell(this)),
-      m_actions(new ActionsCell(services.actions, this)), m_drag(new DragGesture(this))
+NotchView::NotchView(const NotchContext &context, const NotchContents &contents, QWidget *parent)
+    : QWidget(parent), m_context(context), m_hover(context.state),
+      m_cards(new CardHost(this, contents.cards, context.preferences)), m_claude(new ClaudeCell(this)),
+      m_actions(new ActionsCell(contents.actions, this))
 {
     setWindowTitle(u"Nubble"_s);
     setAccessibleName(u"Nubble"_s);
-    makeCards();
-    makeCells();
-    followDrags();
-    connect(&services.panelState, &PanelState::modeChanged, m_cards, &CardHost::show);
+    followState();
+    connect(&context.preferences, &DesktopPreferences::reducedMotionChanged, this, &NotchView::followMotion);
+    followMotion();
+}
+
+void NotchView::followState()
+{
+    connect(&m_context.state, &PanelState::modeChanged, m_cards, &CardHost::show);
+    connect(m_cards, &CardHost::closeRequested, &m_context.state, &PanelState::collapse);
     connect(m_cards, &CardHost::outlineChanged, this, &NotchView::outlineChanged);
     connect(m_cards, &CardHost::hoveredChanged, &m_hover, &HoverPreview::setCardHovered);
-}
-
-void NotchView::makeCards()
-{
-    m_cards->setCard(PanelMode::Card::Sessions, [this] {
-        auto *card = new ProjectsCardContent(
-            m_services.sessionMonitor, m_services.clock, qFloor(m_geometry.roomForCard()));
-        connect(card, &ProjectsCardContent::sessionChosen, this, [this](qint32 pid) {
-            m_services.activator.activate(pid);
-        });
-        connect(card, &ProjectsCardContent::closeRequested, &m_services.panelState, &PanelState::collapse);
-        return card;
-    });
-    m_cards->setCard(PanelMode::Card::Usage, [this] {
-        return new UsageCardContent(m_services.planUsage, m_services.clock, m_services.preferences);
-    });
-}
-
-void NotchView::makeCells()
-{
-    SessionMonitor &monitor = m_services.sessionMonitor;
-    connect(m_claude, &ClaudeCell::clicked, this, [this] { open(PanelMode::sessions()); });
-    connect(&monitor, &SessionMonitor::sessionsChanged, this, &NotchView::updateActivity);
-    connect(&monitor, &SessionMonitor::recentlyCompletedChanged, this, &NotchView::updateActivity);
     connect(m_claude, &ClaudeCell::hoveredChanged, &m_hover, &HoverPreview::setRingHovered);
-    connect(&m_services.planUsage, &PlanUsageMonitor::changed, this, &NotchView::updateFraction);
-    connect(&m_services.preferences, &DesktopPreferences::reducedMotionChanged, this, [this] {
-        m_claude->setMotionReduced(m_services.preferences.reducedMotion());
-    });
-    m_claude->setMotionReduced(m_services.preferences.reducedMotion());
-    updateActivity();
-    updateFraction();
-
-    m_actions->setVisible(!m_services.actions.isEmpty());
-    connect(m_actions, &ActionsCell::triggered, this, &NotchView::runAction);
+    connect(m_claude, &ClaudeCell::clicked, this, [this] { open(PanelMode::sessions()); });
 }
 
-void NotchView::followDrags()
+void NotchView::followMotion()
 {
-    m_drag->watch(this);
-    connect(m_drag, &DragGesture::moved, this, [this](const QPointF &position) {
-        NotchPlacement &placement = m_services.placement;
-        if (!placement.isLocked())
-            placement.setDragging(true);
-        m_services.panelState.collapse();
-        if (const std::optional<QRectF> screen = m_services.mainScreen.frame())
-            placement.moveTo(position, *screen);
-    });
-    connect(m_drag, &DragGesture::ended, this, [this] { m_services.placement.setDragging(false); });
-}
-
-void NotchView::updateActivity()
-{
-    const QList<ClaudeSession> &sessions = m_services.sessionMonitor.sessions();
-    const bool waiting = std::any_of(sessions.begin(), sessions.end(), [](const ClaudeSession &session) {
-        return session.status == u"waiting";
-    });
-    m_claude->setActivity(m_services.sessionMonitor.activity(), waiting);
-}
-
-void NotchView::updateFraction()
-{
-    const std::optional<PlanWindow> &session = m_services.planUsage.session();
-    m_claude->setFraction(session ? std::optional(session->fraction) : std::nullopt);
+    m_claude->setMotionReduced(m_context.preferences.reducedMotion());
 }
 
 void NotchView::open(PanelMode mode)
 {
-    if (mode == m_services.panelState.mode()) {
-        m_services.panelState.collapse();
+    if (mode == m_context.state.mode()) {
+        m_context.state.collapse();
         return;
     }
-    if (mode != PanelMode::collapsed() && !m_cards->hasCard(mode.card))
+    const NotchCard *card = m_cards->cardOf(mode);
+    if (!card && !mode.isCollapsed())
         return;
-    m_services.panelState.setMode(mode);
-    if (mode == PanelMode::sessions()) {
-        SessionMonitor &monitor = m_services.sessionMonitor;
-        monitor.refresh();
-        monitor.details().update(monitor.sessions(), false);
-        m_services.planUsage.refresh(false);
-    }
-}
-
-void NotchView::runAction(Addon addon)
-{
-    if (addon == Addon::Notes) {
-        open(PanelMode::notes());
-        return;
-    }
-    m_services.panelState.collapse();
-    if (addon == Addon::Search)
-        Q_EMIT m_services.notifications.openChatSearch();
-    else
-        Q_EMIT m_services.notifications.askClaude();
+    m_context.state.setMode(mode);
+    if (card && card->refresh)
+        card->refresh();
 }
 
 void NotchView::setGeometryOnScreen(const PanelGeometry &geometry)
@@ -145,7 +66,7 @@ void NotchView::setGeometryOnScreen(const PanelGeometry &geometry)
     m_geometry = geometry;
     m_claude->placeAround(geometry.ringCenter, geometry.edge, Typography::percentLineHeight());
     m_actions->placeAround(
-        m_services.layout.actionsCenterInWindow(geometry.edge) + geometry.origin, geometry.edge);
+        m_context.layout.actionsCenterInWindow(geometry.edge) + geometry.origin, geometry.edge);
     m_cards->setGeometry(geometry);
     update();
     Q_EMIT outlineChanged();
@@ -160,8 +81,13 @@ void NotchView::setTranslucent(bool translucent)
 
 void NotchView::endPreview()
 {
-    if (m_services.panelState.mode() == PanelMode::usage())
-        m_services.panelState.collapse();
+    if (m_context.state.mode() == PanelMode::usage())
+        m_context.state.collapse();
+}
+
+void NotchView::closeCardsWhenLeft()
+{
+    m_hover.closeEveryCardWhenLeft();
 }
 
 void NotchView::focusCard()
@@ -178,7 +104,7 @@ QPainterPath NotchView::outline() const
 
 void NotchView::contextMenuEvent(QContextMenuEvent *event)
 {
-    Q_EMIT menuRequested(event->globalPos());
+    Q_EMIT menuRequested(event->pos());
 }
 
 void NotchView::keyPressEvent(QKeyEvent *event)
@@ -186,7 +112,7 @@ void NotchView::keyPressEvent(QKeyEvent *event)
     auto *focused = qobject_cast<QAbstractButton *>(focusWidget());
     const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (event->key() == Qt::Key_Escape)
-        m_services.panelState.collapse();
+        m_context.state.collapse();
     else if (isEnter && focused && !event->isAutoRepeat())
         focused->animateClick(); // by themselves buttons know the space bar only
     else

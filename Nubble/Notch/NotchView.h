@@ -5,37 +5,32 @@
 #include "Notch/HoverPreview.h"
 #include "Notch/PanelState.h"
 #include "Placement/PanelGeometry.h"
-#include "Shell/Addon.h"
 
 namespace nubble {
 
 class ActionsCell;
 class CardHost;
 class ClaudeCell;
-class Clock;
 class DesktopPreferences;
-class DragGesture;
 class Layout;
 class MainScreen;
+class NotchAction;
 class NotchPlacement;
-class NotificationCenter;
-class PlanUsageMonitor;
-class ProcessActivator;
-class SessionMonitor;
+struct NotchCard;
 
-// What the panel shows and acts on. Everything outlives the view.
-struct NotchServices {
-    SessionMonitor &sessionMonitor;
-    PlanUsageMonitor &planUsage;
-    PanelState &panelState;
+// What the panel is placed and drawn by. Everything outlives the panel.
+struct NotchContext {
+    PanelState &state;
     NotchPlacement &placement;
     const Layout &layout;
     const MainScreen &mainScreen;
-    const Clock &clock;
     const DesktopPreferences &preferences;
-    ProcessActivator &activator;
-    NotificationCenter &notifications;
-    QList<Addon> actions; // of the active add-ons, in their order
+};
+
+// What the panel offers. The actions outlive it.
+struct NotchContents {
+    QList<NotchCard> cards;
+    QList<NotchAction *> actions; // in the order of their buttons
 };
 
 // The panel's contents: the body at the screen's edge with its cells, and the open card. Main thread only.
@@ -43,22 +38,26 @@ class NotchView : public QWidget {
     Q_OBJECT
 
 public:
-    explicit NotchView(const NotchServices &services, QWidget *parent = nullptr);
+    NotchView(const NotchContext &context, const NotchContents &contents, QWidget *parent = nullptr);
 
-    // Opens a card, or closes it when it is the open one. Brings up to date what the card shows.
+    // Opens a card and has it brought up to date, or closes it when it is the open one. Does nothing for a
+    // mode without a card.
     void open(PanelMode mode);
+
+    [[nodiscard]] ClaudeCell &ring() { return *m_claude; }
 
     void setGeometryOnScreen(const PanelGeometry &geometry);
     void setTranslucent(bool translucent); // whether what is below shines through
     void endPreview();                     // closes a card that only the pointer has opened
+    void closeCardsWhenLeft();             // by the pointer: where presses elsewhere cannot be noticed
     void focusCard();                      // the keyboard goes to the open card's first control
 
     [[nodiscard]] QPainterPath outline() const; // of all that is shown, in window coordinates
 
 Q_SIGNALS:
     void outlineChanged();
-    void keyboardWanted(); // the user has clicked on the card itself
-    void menuRequested(QPoint screenPosition);
+    void keyboardWanted();               // the user has clicked on the card itself
+    void menuRequested(QPoint position); // in window coordinates
 
 protected:
     void contextMenuEvent(QContextMenuEvent *event) override;
@@ -67,21 +66,16 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    void makeCards();
-    void makeCells();
-    void followDrags();
-    void updateActivity();
-    void updateFraction();
-    void runAction(Addon addon);
+    void followState();
+    void followMotion();
 
-    NotchServices m_services;
+    NotchContext m_context;
     HoverPreview m_hover;
     PanelGeometry m_geometry;
     bool m_translucent = true;
     CardHost *m_cards;
     ClaudeCell *m_claude;
     ActionsCell *m_actions;
-    DragGesture *m_drag;
 };
 
 } // namespace nubble

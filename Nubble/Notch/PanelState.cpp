@@ -6,19 +6,7 @@ namespace nubble {
 
 QString name(PanelMode mode)
 {
-    switch (mode.card) {
-    case PanelMode::Card::None:
-        return u"collapsed"_s;
-    case PanelMode::Card::Inbox:
-        return u"inbox"_s;
-    case PanelMode::Card::Usage:
-        return u"usage"_s;
-    case PanelMode::Card::Sessions:
-        return u"sessions"_s;
-    case PanelMode::Card::Notes:
-        break;
-    }
-    return u"notes"_s;
+    return mode.isCollapsed() ? u"collapsed"_s : QString(mode.card);
 }
 
 void PanelState::setMode(PanelMode mode)

@@ -1,22 +1,22 @@
 #pragma once
 
+#include <QLatin1String>
 #include <QObject>
-#include <QString>
 
 namespace nubble {
 
-// What the panel shows: its body alone, or one card beside it.
+// What the panel shows: its body alone, or one card beside it. A card is known by its name.
 struct PanelMode {
-    enum class Card { None, Inbox, Usage, Sessions, Notes };
-
-    Card card = Card::None;
-    bool payload = false; // tells inbox modes apart
+    QLatin1String card;   // empty: none
+    bool payload = false; // tells modes of the same card apart
 
     static constexpr PanelMode collapsed() { return {}; }
-    static constexpr PanelMode inbox(bool payload) { return {Card::Inbox, payload}; }
-    static constexpr PanelMode usage() { return {Card::Usage, false}; }
-    static constexpr PanelMode sessions() { return {Card::Sessions, false}; }
-    static constexpr PanelMode notes() { return {Card::Notes, false}; }
+    static constexpr PanelMode inbox(bool payload) { return {QLatin1String("inbox"), payload}; }
+    static constexpr PanelMode usage() { return {QLatin1String("usage")}; }
+    static constexpr PanelMode sessions() { return {QLatin1String("sessions")}; }
+    static constexpr PanelMode notes() { return {QLatin1String("notes")}; }
+
+    [[nodiscard]] bool isCollapsed() const { return card.isEmpty(); }
 
     bool operator==(const PanelMode &) const = default;
 };

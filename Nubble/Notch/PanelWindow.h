@@ -2,24 +2,31 @@
 
 #include <QObject>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
+#include "Notch/DragGesture.h"
 #include "Notch/NotchView.h"
+
+class QMenu;
 
 namespace nubble {
 
 class PanelSurface;
 
 // The panel's window: keeps the view on the screen's edge, its shape and its click-through areas in step with
-// placement, mode and screen. Main thread only. Without a screen it does nothing until there is one.
+// placement, mode and screen, and follows drags. Main thread only. Without a screen it does nothing until
+// there is one.
 class PanelWindow : public QObject {
     Q_OBJECT
 
 public:
     using SurfaceFactory = std::function<std::unique_ptr<PanelSurface>(QWidget &)>;
 
-    PanelWindow(const NotchServices &services, const SurfaceFactory &makeSurface, QObject *parent = nullptr);
+    PanelWindow(
+        const NotchContext &context, const NotchContents &contents, const SurfaceFactory &makeSurface,
+        QObject *parent = nullptr);
     ~PanelWindow() override;
 
     struct Anchor {
@@ -31,16 +38,23 @@ public:
     [[nodiscard]] std::optional<Anchor> bodyOnScreen() const;
 
     NotchView &view() { return *m_view; }
-    void openForKeyboard(PanelMode mode); // the card, with the keyboard in it
+    void openForKeyboard(PanelMode mode);               // the card, with the keyboard in it
+    void openMenu(QMenu &menu, const QPoint &position); // a child of the view's; in window coordinates
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    void followSurface();
+    void followDrags();
     void updateActiveRects(PanelMode mode);
     void updateTranslucency();
     void followMode(PanelMode mode);
 
-    NotchServices m_services;
+    NotchContext m_context;
     std::unique_ptr<NotchView> m_view;
     std::unique_ptr<PanelSurface> m_surface;
+    DragGesture m_drag;
     std::optional<PanelGeometry> m_geometry;
 };
 

@@ -33,4 +33,19 @@ QString title(NotchEdge edge)
     return raw.first(1).toUpper() + raw.sliced(1);
 }
 
+Qt::Edge qtEdge(NotchEdge edge)
+{
+    switch (edge) {
+    case NotchEdge::Right:
+        return Qt::RightEdge;
+    case NotchEdge::Left:
+        return Qt::LeftEdge;
+    case NotchEdge::Top:
+        return Qt::TopEdge;
+    case NotchEdge::Bottom:
+        break;
+    }
+    return Qt::BottomEdge;
+}
+
 } // namespace nubble

@@ -22,4 +22,7 @@ inline constexpr std::array allEdges{NotchEdge::Right, NotchEdge::Left, NotchEdg
     return edge == NotchEdge::Right || edge == NotchEdge::Left;
 }
 
+// The same for those who know nothing of the panel.
+[[nodiscard]] Qt::Edge qtEdge(NotchEdge edge);
+
 } // namespace nubble

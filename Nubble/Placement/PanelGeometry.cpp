@@ -37,6 +37,11 @@ QRectF alignedAlong(NotchEdge edge, QRectF window)
 
 } // namespace
 
+int PanelGeometry::offset() const
+{
+    return -qRound(isVertical(edge) ? screen.top() : screen.left());
+}
+
 QList<QRectF> PanelGeometry::activeRects(bool cardOpen) const
 {
     return cardOpen ? QList{body, cardArea} : QList{body};

@@ -19,15 +19,16 @@ namespace {
 
 class PlainWorkspace : public Workspace {
 public:
+    [[nodiscard]] bool canActivate() const override { return false; }
     [[nodiscard]] QList<RunningApplication> runningApplications() const override { return {}; }
-    [[nodiscard]] bool isRunningApplication(pid_t) const override { return false; }
-    void activate(pid_t) override { }
+    [[nodiscard]] Activation activate(const RunningApplication &) override { return Activation::Impossible; }
+    [[nodiscard]] Activation activateNearest(const QList<pid_t> &) override { return Activation::Impossible; }
 };
 
 // As much of a panel as Qt alone gives: it takes the mouse all over.
 class PlainPanelSurface : public PanelSurface {
 public:
-    explicit PlainPanelSurface(QWidget &window) : m_window(window)
+    explicit PlainPanelSurface(QWidget &window) : PanelSurface(window)
     {
         window.setWindowFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
         window.setAttribute(Qt::WA_TranslucentBackground);
@@ -35,21 +36,18 @@ public:
         window.setAttribute(Qt::WA_AlwaysShowToolTips);
     }
 
-    void place(const QRect &frame) override { m_window.setGeometry(frame); }
+    void place(const SurfacePlace &place) override { window().setGeometry(place.frame); }
     void orderFront() override
     {
-        m_window.show();
-        m_window.raise();
+        window().show();
+        window().raise();
     }
-    void orderOut() override { m_window.hide(); }
+    void orderOut() override { window().hide(); }
     void setActiveRects(const QList<QRectF> &) override { }
     [[nodiscard]] bool isTranslucent() const override { return true; }
     void setOutline(const QPainterPath &) override { }
-    void takeKeyboard() override { m_window.activateWindow(); }
+    void takeKeyboard() override { window().activateWindow(); }
     void releaseKeyboard() override { }
-
-private:
-    QWidget &m_window;
 };
 
 Backend makePlainBackend()

@@ -5,22 +5,33 @@
 #include <QPainterPath>
 #include <QRect>
 
+class QMenu;
+class QMouseEvent;
 class QWidget;
 
 namespace nubble {
 
+// Where the panel's window belongs.
+struct SurfacePlace {
+    QRect frame;                   // in screen coordinates, whatever docks reserve there
+    Qt::Edge edge = Qt::RightEdge; // of the screen, which the frame touches
+    int offset = 0;                // of the frame's start from the start of that edge, its left or upper end
+
+    bool operator==(const SurfacePlace &) const = default;
+};
+
 // What makes a top-level widget the panel: above all windows on all desktops, out of task bars and window
 // switchers, never taking the focus by itself, taking the mouse in some places only. Made for a widget that
 // has not been shown yet, and outlived by it. Lengths are device-independent pixels, window coordinates start
-// at the top left. Main thread only.
+// at the top left. While the window is hidden there may be no native one, and the next one is another. Main
+// thread only.
 class PanelSurface : public QObject {
     Q_OBJECT
 
 public:
-    using QObject::QObject;
+    explicit PanelSurface(QWidget &window) : m_window(window) { }
 
-    // Moves and sizes the window, in screen coordinates, whatever docks reserve there.
-    virtual void place(const QRect &frame) = 0;
+    virtual void place(const SurfacePlace &place) = 0;
 
     // Shows the window above all others without giving it the keyboard.
     virtual void orderFront() = 0;
@@ -38,8 +49,27 @@ public:
     virtual void takeKeyboard() = 0;
     virtual void releaseKeyboard() = 0;
 
+    // Around a drag that places the window again and again while the mouse button is held.
+    virtual void beginMove() { }
+    virtual void endMove() { }
+
+    // Where on the screen a mouse event of the window has happened, also while the window moves below it.
+    [[nodiscard]] virtual QPointF onScreen(const QMouseEvent &event) const;
+
+    // Open at a place in window coordinates, as popups of the window. The menu belongs to the window or to a
+    // widget in it; `control` is what the tool tip is about.
+    virtual void openMenu(QMenu &menu, const QPoint &position);
+    virtual void showToolTip(const QString &text, const QPoint &position, QWidget &control);
+
 Q_SIGNALS:
     void translucencyChanged();
+    void closed(); // by the desktop, such as with its screen; placing it again brings it back
+
+protected:
+    [[nodiscard]] QWidget &window() const { return m_window; }
+
+private:
+    QWidget &m_window;
 };
 
 } // namespace nubble

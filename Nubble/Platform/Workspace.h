@@ -3,31 +3,41 @@
 #include <QList>
 #include <QString>
 
+#include <optional>
 #include <sys/types.h>
 
 namespace nubble {
 
-// A process that owns at least one managed top-level window.
+// A program that owns at least one managed top-level window.
 struct RunningApplication {
-    pid_t pid = 0;
-    QString identifier; // WM_CLASS class, such as "XTerm"
-    QString name;       // WM_CLASS instance, such as "xterm"
+    std::optional<pid_t> pid; // where the desktop tells it
+    QString identifier;       // such as "XTerm"
+    QString name;             // such as "xterm"
 
     bool operator==(const RunningApplication &) const = default;
 };
 
-// The desktop's running applications. Main thread only. Failures are silent: an application that has gone is
-// not listed, and activating it does nothing.
+// What became of the wish to bring an application forward.
+enum class Activation {
+    Requested, // the desktop has been asked to, and knows the application's windows
+    NotFound,  // there is no such application with a window
+    Impossible // this desktop does not let programs bring others forward
+};
+
+// The desktop's running applications. Main thread only. Activating brings all of an application's windows
+// forward, also iconified ones and ones on another desktop, and gives the keyboard to the one used last.
 class Workspace {
 public:
     virtual ~Workspace() = default;
 
-    [[nodiscard]] virtual QList<RunningApplication> runningApplications() const = 0; // in the desktop's order
-    [[nodiscard]] virtual bool isRunningApplication(pid_t pid) const = 0;
+    // Whether bringing an application forward is possible at all, as far as is known before it is tried.
+    [[nodiscard]] virtual bool canActivate() const = 0;
 
-    // Brings all of the application's windows forward, also iconified ones and ones on another desktop, and
-    // gives the keyboard to the one used last.
-    virtual void activate(pid_t pid) = 0;
+    [[nodiscard]] virtual QList<RunningApplication> runningApplications() const = 0; // in the desktop's order
+    [[nodiscard]] virtual Activation activate(const RunningApplication &application) = 0;
+
+    // The nearest of a process and its ancestors, in this order, that is a running application.
+    [[nodiscard]] virtual Activation activateNearest(const QList<pid_t> &chain) = 0;
 };
 
 } // namespace nubble

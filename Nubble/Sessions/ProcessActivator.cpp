@@ -25,28 +25,31 @@ ProcessActivator::ProcessActivator(Workspace &workspace, ParentLookup parentOf)
 {
 }
 
-void ProcessActivator::activate(pid_t pid)
+bool ProcessActivator::canActivate() const
+{
+    return m_workspace.canActivate();
+}
+
+Activation ProcessActivator::activate(pid_t pid)
 {
     assertMainThread("Nubble/Sessions/ProcessActivator");
-    auto application = ownerApplicationPid(pid);
-    if (!application)
-        application = claudeDesktop();
-    if (application)
-        m_workspace.activate(*application);
+    const Activation done = m_workspace.activateNearest(withAncestors(pid));
+    return done == Activation::NotFound ? activateClaudeDesktop() : done;
 }
 
-std::optional<pid_t> ProcessActivator::ownerApplicationPid(pid_t pid) const
+QList<pid_t> ProcessActivator::withAncestors(pid_t pid) const
 {
-    for (int budget = mostAncestors; !m_workspace.isRunningApplication(pid); --budget) {
-        const auto parent = m_parentOf(pid);
-        if (!parent || *parent < 2 || *parent == pid || budget == 0)
-            return std::nullopt;
-        pid = *parent;
+    QList<pid_t> chain{pid};
+    while (chain.size() <= mostAncestors) {
+        const auto parent = m_parentOf(chain.last());
+        if (!parent || *parent < 2 || *parent == chain.last())
+            break;
+        chain.append(*parent);
     }
-    return pid;
+    return chain;
 }
 
-std::optional<pid_t> ProcessActivator::claudeDesktop() const
+Activation ProcessActivator::activateClaudeDesktop()
 {
     const auto applications = m_workspace.runningApplications();
     const auto found =
@@ -54,7 +57,7 @@ std::optional<pid_t> ProcessActivator::claudeDesktop() const
             return each.pid != QCoreApplication::applicationPid()
                 && (each.identifier.contains("claude"_L1, Qt::CaseInsensitive) || each.name == "Claude"_L1);
         });
-    return found == applications.end() ? std::nullopt : std::optional(found->pid);
+    return found == applications.end() ? Activation::NotFound : m_workspace.activate(*found);
 }
 
 std::optional<pid_t> ProcessActivator::parentPid(pid_t pid)

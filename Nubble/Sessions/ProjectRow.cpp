@@ -34,6 +34,12 @@ QString toolTipLine(const QString &text)
     return start + u'…';
 }
 
+QString joined(QStringList parts, const QString &separator)
+{
+    parts.removeAll(QString());
+    return parts.join(separator);
+}
+
 void drawElided(QPainter &painter, const QRectF &line, const QString &text)
 {
     // Eliding looks at the whole text: a prompt of a megabyte is cut first to what can never fit.
@@ -61,16 +67,14 @@ void ProjectRow::setContent(const ProjectRowContent &content)
 
 void ProjectRow::describe()
 {
+    const QString help = isEnabled() ? helpText() : QString();
     setAccessibleName(u"%1, %2, %3"_s.arg(m_content.title, m_content.word, m_content.elapsed));
-    setAccessibleDescription(
-        m_content.lastPrompt.isEmpty() ? helpText()
-                                       : toolTipLine(m_content.lastPrompt) + u". "_s + helpText());
-    QStringList lines{helpText(), m_content.title, m_content.lastPrompt, m_content.folder};
-    lines.removeAll(QString());
+    setAccessibleDescription(joined({toolTipLine(m_content.lastPrompt), help}, u". "_s));
+    QStringList lines{m_content.title, m_content.lastPrompt, m_content.folder};
     for (QString &line : lines)
         line = toolTipLine(line).toHtmlEscaped();
-    lines.first() = u"<b>"_s + lines.first() + u"</b>"_s;
-    setToolTip(lines.join(u"<br>"_s));
+    lines.prepend(help.isEmpty() ? help : u"<b>"_s + help + u"</b>"_s);
+    setToolTip(joined(lines, u"<br>"_s));
 }
 
 QSize ProjectRow::sizeHint() const

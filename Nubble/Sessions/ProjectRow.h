@@ -20,8 +20,8 @@ struct ProjectRowContent {
     bool operator==(const ProjectRowContent &) const = default;
 };
 
-// One session in the sessions card: a button that brings the session forward. Long texts are elided; the tool
-// tip has them whole.
+// One session in the sessions card: a button that brings the session forward, where it is enabled. Long texts
+// are elided; the tool tip has them whole.
 class ProjectRow : public QAbstractButton {
     Q_OBJECT
 

@@ -9,6 +9,7 @@
 #include <chrono>
 
 #include "Platform/Clock.h"
+#include "Sessions/ProcessActivator.h"
 #include "Sessions/ProjectRow.h"
 #include "Sessions/SessionDetails.h"
 #include "Sessions/SessionMonitor.h"
@@ -47,9 +48,10 @@ QLabel *makeEmptyLabel()
 } // namespace
 
 ProjectsCardContent::ProjectsCardContent(
-    SessionMonitor &monitor, const Clock &clock, int maxHeight, QWidget *parent)
-    : QWidget(parent), m_monitor(monitor), m_clock(clock), m_header(new CardHeader(u"Claude Projects"_s)),
-      m_empty(makeEmptyLabel()), m_list(new QWidget), m_rows(new QVBoxLayout(m_list))
+    SessionMonitor &monitor, ProcessActivator &activator, const Clock &clock, int maxHeight, QWidget *parent)
+    : QWidget(parent), m_monitor(monitor), m_activator(activator), m_bringsForward(activator.canActivate()),
+      m_clock(clock), m_header(new CardHeader(u"Claude Projects"_s)), m_empty(makeEmptyLabel()),
+      m_list(new QWidget), m_rows(new QVBoxLayout(m_list))
 {
     setFixedWidth(CardMetrics::width);
     m_rows->setContentsMargins(0, 0, 0, 0);
@@ -121,7 +123,8 @@ ProjectRow *ProjectsCardContent::rowOf(const RowKey &key)
     ProjectRow *&row = m_rowOf[key];
     if (!row) {
         row = new ProjectRow(m_list);
-        connect(row, &ProjectRow::clicked, this, [this, pid = key.second] { Q_EMIT sessionChosen(pid); });
+        row->setEnabled(m_bringsForward);
+        connect(row, &ProjectRow::clicked, this, [this, pid = key.second] { m_activator.activate(pid); });
     }
     return row;
 }

@@ -13,6 +13,7 @@ namespace nubble {
 class CappedScroll;
 class CardHeader;
 class Clock;
+class ProcessActivator;
 struct ClaudeSession;
 class ProjectRow;
 class SessionMonitor;
@@ -25,10 +26,10 @@ class ProjectsCardContent : public QWidget {
 public:
     // `maxHeight` is what the screen has room for.
     ProjectsCardContent(
-        SessionMonitor &monitor, const Clock &clock, int maxHeight, QWidget *parent = nullptr);
+        SessionMonitor &monitor, ProcessActivator &activator, const Clock &clock, int maxHeight,
+        QWidget *parent = nullptr);
 
 Q_SIGNALS:
-    void sessionChosen(qint32 pid);
     void closeRequested();
 
 private:
@@ -41,6 +42,8 @@ private:
     void showRow(const ClaudeSession &session, int position);
 
     SessionMonitor &m_monitor;
+    ProcessActivator &m_activator;
+    bool m_bringsForward; // whether this desktop lets rows do so
     const Clock &m_clock;
     CardHeader *m_header;
     QLabel *m_empty;

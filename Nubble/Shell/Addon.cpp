@@ -4,6 +4,7 @@
 
 #include "Platform/Home.h"
 #include "Shell/Defaults.h"
+#include "Shell/HotKeyTable.h"
 #include "Shell/Tools.h"
 
 using namespace Qt::StringLiterals;
@@ -15,7 +16,8 @@ namespace {
 struct Description {
     QStringView rawValue;
     QStringView title;
-    QStringView description;
+    QStringView description; // %1 stands for the keys
+    HotKey key = HotKey::Ask;
 };
 
 const Description &describe(Addon addon)
@@ -23,8 +25,9 @@ const Description &describe(Addon addon)
     static constexpr std::array<Description, 4> table{{
         {u"quenwick", u"Quenwick", u"What's waiting for you in Quenwick, approved from the notch."},
         {u"ask", u"Ask Claude About Screen",
-         u"⌃⌥A screenshots what you're looking at and opens a chat about it."},
-        {u"search", u"Search Chats", u"⌃⌥Space searches every Claude chat and Claude Code session."},
+         u"%1 screenshots what you're looking at and opens a chat about it.", HotKey::Ask},
+        {u"search", u"Search Chats", u"%1 searches every Claude chat and Claude Code session.",
+         HotKey::Search},
         {u"notes", u"Meeting Recorder", u"Records the room and writes live notes into a Google Doc tab."},
     }};
     return table.at(static_cast<size_t>(addon));
@@ -57,7 +60,8 @@ QString title(Addon addon)
 
 QString description(Addon addon)
 {
-    return describe(addon).description.toString();
+    const Description &found = describe(addon);
+    return found.description.toString().replace(u"%1"_s, keysText(found.key));
 }
 
 QString defaultsKey(Addon addon)

@@ -11,6 +11,9 @@ class NotificationCenter : public QObject {
 public:
     using QObject::QObject;
 
+    void postOpenChatSearch() { Q_EMIT openChatSearch(); }
+    void postAskClaude() { Q_EMIT askClaude(); }
+
 Q_SIGNALS:
     void openChatSearch();
     void askClaude();

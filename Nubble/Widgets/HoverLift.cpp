@@ -26,8 +26,9 @@ QColor HoverLift::lifted(const QColor &fill, bool pressed) const
 
 bool HoverLift::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::Enter || event->type() == QEvent::Leave) {
-        setDirection(event->type() == QEvent::Enter ? Forward : Backward);
+    const bool enters = event->type() == QEvent::Enter && static_cast<const QWidget *>(watched)->isEnabled();
+    if (enters || event->type() == QEvent::Leave) {
+        setDirection(enters ? Forward : Backward);
         start();
     }
     return QVariantAnimation::eventFilter(watched, event);

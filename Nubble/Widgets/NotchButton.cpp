@@ -15,6 +15,14 @@ NotchButton::NotchButton(const QString &symbol, const QString &helpText, QWidget
     setFocusPolicy(Qt::TabFocus);
 }
 
+void NotchButton::setSymbol(const QString &symbol)
+{
+    if (m_symbol == symbol)
+        return;
+    m_symbol = symbol;
+    update();
+}
+
 void NotchButton::setHelpText(const QString &helpText)
 {
     setToolTip(helpText);

@@ -15,6 +15,7 @@ class NotchButton : public QAbstractButton {
 public:
     NotchButton(const QString &symbol, const QString &helpText, QWidget *parent = nullptr);
 
+    void setSymbol(const QString &symbol);
     void setHelpText(const QString &helpText);
     void setTint(const QColor &tint);
     void setRotation(double degrees); // of the symbol, clockwise

@@ -41,7 +41,8 @@ private Q_SLOTS:
             13, QString(), u"idle"_s, 0, {{u"updatedAt"_s, QJsonValue()}, {u"cwd"_s, u"/a/b c"_s}});
         world.monitor.refresh();
 
-        const QJsonObject report = statusReport(world.monitor, world.clock);
+        QJsonObject report;
+        reportSessions(world.monitor, world.clock, report);
         QCOMPARE(report.keys(), QStringList({u"activity"_s, u"sessions"_s}));
         QCOMPARE(report[u"activity"_s].toString(), u"working"_s);
         const QJsonArray sessions = report[u"sessions"_s].toArray();
@@ -70,7 +71,9 @@ private Q_SLOTS:
     {
         PanelWorld world;
         QTRY_VERIFY(!world.planUsage.isRefreshing());
-        const QJsonObject usage = usageReport(world.planUsage);
+        QJsonObject report;
+        reportUsage(world.planUsage, report);
+        const QJsonObject usage = report[u"usage"_s].toObject();
         QCOMPARE(usage.keys(), QStringList({u"problem"_s, u"session"_s, u"weekly"_s}));
         QVERIFY(usage[u"session"_s].isNull() && usage[u"weekly"_s].isNull());
         QVERIFY(!usage[u"problem"_s].toString().isEmpty());

@@ -5,7 +5,9 @@
 
 #include <memory>
 
+#include "Notch/NotchAction.h"
 #include "Notch/PanelWindow.h"
+#include "NotchRegistry.h"
 #include "Sessions/ProjectRow.h"
 #include "support/FakePanelSurface.h"
 #include "support/PanelWorld.h"
@@ -16,26 +18,31 @@ namespace nubble {
 class PanelUnderTest {
 public:
     explicit PanelUnderTest(PanelWorld &world)
-        : window(
-            {
-                .sessionMonitor = world.monitor,
-                .planUsage = world.planUsage,
-                .panelState = world.state,
-                .placement = world.placement,
-                .layout = world.layout,
-                .mainScreen = world.mainScreen,
-                .clock = world.clock,
-                .preferences = world.preferences,
-                .activator = world.activator,
-                .notifications = world.notifications,
-                .actions = world.addons.actions(),
-            },
-            [this](QWidget &widget) {
-                auto made = std::make_unique<FakePanelSurface>(widget);
-                surface = made.get();
-                return made;
-            })
+        : models{
+            .sessions = world.monitor,
+            .planUsage = world.planUsage,
+            .activator = world.activator,
+            .clock = world.clock,
+            .preferences = world.preferences},
+          actions(notchActions(
+              world.addons, world.state, world.notifications,
+              [this](PanelMode mode) { window.view().open(mode); })),
+          window(
+              {
+                  .state = world.state,
+                  .placement = world.placement,
+                  .layout = world.layout,
+                  .mainScreen = world.mainScreen,
+                  .preferences = world.preferences,
+              },
+              contents(),
+              [this](QWidget &widget) {
+                  auto made = std::make_unique<FakePanelSurface>(widget);
+                  surface = made.get();
+                  return made;
+              })
     {
+        showOnRing(window.view().ring(), models);
     }
 
     [[nodiscard]] QWidget &view() { return window.view(); }
@@ -83,6 +90,14 @@ public:
     }
 
 private:
+    [[nodiscard]] NotchContents contents() const
+    {
+        NotchContents contents{.cards = notchCards(models), .actions = {}};
+        for (const auto &action : actions)
+            contents.actions.append(action.get());
+        return contents;
+    }
+
     static void send(QWidget *widget, QEvent::Type type, const QPoint &global, Qt::MouseButtons buttons)
     {
         const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
@@ -92,6 +107,8 @@ private:
     }
 
 public:
+    NotchModels models;
+    std::vector<std::unique_ptr<NotchAction>> actions;
     FakePanelSurface *surface = nullptr;
     PanelWindow window;
 };

@@ -43,6 +43,21 @@ private Q_SLOTS:
         }
     }
 
+    void everyCardClosesSoonAfterThePointerHasLeftWherePressesElsewhereGoUnseen()
+    {
+        PanelState state;
+        HoverPreview hover(state);
+        hover.closeEveryCardWhenLeft();
+        hover.setRingHovered(true);
+        state.setMode(PanelMode::sessions());
+        hover.setRingHovered(false);
+        hover.setCardHovered(true);
+        waitForCollapseChecks();
+        QCOMPARE(state.mode(), PanelMode::sessions());
+        hover.setCardHovered(false);
+        QTRY_COMPARE(state.mode(), PanelMode::collapsed());
+    }
+
 private:
     // Until every check scheduled so far has been made: checks of a later hover are made after them.
     static void waitForCollapseChecks()

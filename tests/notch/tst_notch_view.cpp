@@ -96,9 +96,9 @@ private Q_SLOTS:
         const QSignalSpy search(&world.notifications, &NotificationCenter::openChatSearch);
         const QSignalSpy ask(&world.notifications, &NotificationCenter::askClaude);
         panel.clickRing();
-        panel.click(u"Search chats  ⌃⌥Space"_s);
+        panel.click(u"Search chats  Ctrl+Alt+Space"_s);
         QCOMPARE(world.state.mode(), PanelMode::collapsed());
-        panel.click(u"Ask Claude about your screen  ⌃⌥A"_s);
+        panel.click(u"Ask Claude about your screen  Ctrl+Alt+A"_s);
         QCOMPARE(search.count(), 1);
         QCOMPARE(ask.count(), 1);
     }

@@ -17,12 +17,12 @@ private Q_SLOTS:
         Backend backend = makeBackend(home.home());
         QVERIFY(backend.mouseMonitor && backend.preferences);
         QCOMPARE(backend.workspace->runningApplications(), QList<RunningApplication>());
-        QVERIFY(!backend.workspace->isRunningApplication(::getpid()));
-        backend.workspace->activate(::getpid());
+        QVERIFY(!backend.workspace->canActivate() && !backend.mouseMonitor->canWatch());
+        QCOMPARE(backend.workspace->activateNearest({::getpid()}), Activation::Impossible);
 
         QWidget window;
         const auto surface = backend.makePanelSurface(window);
-        surface->place({10, 20, 300, 200});
+        surface->place({.frame = {10, 20, 300, 200}});
         surface->setActiveRects({QRectF(0, 0, 10, 10)});
         surface->orderFront();
         QVERIFY(QTest::qWaitForWindowExposed(&window));

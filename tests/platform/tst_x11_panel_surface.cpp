@@ -64,7 +64,7 @@ private:
     {
         QPainterPath all;
         all.addRect(QRectF({}, QSizeF(frame.size())));
-        m_surface->place(frame);
+        m_surface->place({.frame = frame});
         m_surface->setOutline(all);
         m_surface->orderFront();
         QVERIFY(QTest::qWaitForWindowExposed(m_panel.get()));
@@ -95,7 +95,7 @@ private Q_SLOTS:
         QVERIFY(clickReachesPanel(110, 110));
         QVERIFY(!clickReachesPanel(90, 50));
 
-        m_surface->place({60, 60, 240, 240});
+        m_surface->place({.frame = {60, 60, 240, 240}});
         QVERIFY(clickReachesPanel(50, 50));
         QVERIFY(!clickReachesPanel(90, 50));
 

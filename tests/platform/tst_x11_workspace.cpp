@@ -19,7 +19,7 @@ private:
     {
         QList<pid_t> pids;
         for (const RunningApplication &each : m_workspace.runningApplications())
-            pids.append(each.pid);
+            pids.append(each.pid.value_or(0));
         return pids;
     }
     [[nodiscard]] std::vector<uint32_t> stacking() const
@@ -60,9 +60,19 @@ private Q_SLOTS:
         for (const char *property : {"_NET_CLIENT_LIST", "_NET_CLIENT_LIST_STACKING"})
             m_terminal.setNumbers(m_terminal.root(), property, list, "WINDOW");
         QCOMPARE(runningPids(), QList<pid_t>{4242});
-        m_workspace.activate(4242);
-        m_workspace.activate(4343);
+        QCOMPARE(m_workspace.activateNearest({4242}), Activation::Requested);
+        QCOMPARE(m_workspace.activateNearest({4343, 0}), Activation::NotFound);
         m_terminal.setNumbers(m_terminal.root(), "_NET_CLIENT_LIST", {window}, "WINDOW");
+    }
+
+    void saysWhereNobodyBringsWindowsForward()
+    {
+        QVERIFY(m_workspace.canActivate());
+        const auto supported = m_terminal.numbers(m_terminal.root(), "_NET_SUPPORTED");
+        m_terminal.setNumbers(m_terminal.root(), "_NET_SUPPORTED", {}, "ATOM"); // no window manager
+        QVERIFY(!m_workspace.canActivate());
+        QCOMPARE(m_workspace.activateNearest({4242}), Activation::Impossible);
+        m_terminal.setNumbers(m_terminal.root(), "_NET_SUPPORTED", supported, "ATOM");
     }
 
     void activatingARunningApplicationRaisesAllItsWindowsInTheirOrder()
@@ -78,10 +88,9 @@ private Q_SLOTS:
         const RunningApplication first{4242, QStringLiteral("Terminal"), QStringLiteral("terminal")};
         QCOMPARE(m_workspace.runningApplications().first(), first);
         QCOMPARE(runningPids(), (QList<pid_t>{4242, 4343}));
-        for (const pid_t pid : {4343, 4444, 0})
-            QCOMPARE(m_workspace.isRunningApplication(pid), pid == 4343);
 
-        m_workspace.activate(4242);
+        // 4444 has no managed window, 0 names no process, and 4343 is not the nearest.
+        QCOMPARE(m_workspace.activateNearest({4444, 0, 4242, 4343}), Activation::Requested);
         QTRY_COMPARE(m_terminal.focusedWindow(), above);
         QTRY_COMPARE(stacking(), (std::vector<uint32_t>{text, below, above}));
     }

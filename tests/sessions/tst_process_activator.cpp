@@ -47,6 +47,19 @@ private Q_SLOTS:
         QCOMPARE(activatedFor(90), QList<pid_t>{43});
     }
 
+    void asksTheDesktopOnceWithTheWholeChain()
+    {
+        m_workspace.applications = {{60, u"XTerm"_s, u"xterm"_s}};
+        m_parents = {{90, 80}, {80, 70}, {70, 60}, {60, 50}};
+        m_workspace.lookups = 0;
+        QCOMPARE(activatedFor(90), QList<pid_t>{60});
+        QCOMPARE(m_workspace.lookups, 1);
+
+        m_workspace.allowed = false;
+        QVERIFY(!ProcessActivator(m_workspace).canActivate());
+        QCOMPARE(ProcessActivator(m_workspace).activate(::getpid()), Activation::Impossible);
+    }
+
 private:
     QList<pid_t> activatedFor(pid_t pid)
     {
@@ -54,7 +67,7 @@ private:
         ProcessActivator activator(m_workspace, [this](pid_t child) {
             return m_parents.contains(child) ? std::optional(m_parents.value(child)) : std::nullopt;
         });
-        activator.activate(pid);
+        (void)activator.activate(pid);
         return m_workspace.activated;
     }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMouseEvent>
 #include <QWidget>
 
 #include "Platform/PanelSurface.h"
@@ -9,32 +10,41 @@ namespace nubble {
 // A plain window that remembers what was asked of it.
 class FakePanelSurface : public PanelSurface {
 public:
-    explicit FakePanelSurface(QWidget &window) : m_window(window) { }
+    using PanelSurface::PanelSurface;
 
-    void place(const QRect &frame) override
+    void place(const SurfacePlace &where) override
     {
         ++placements;
-        m_window.setGeometry(frame);
+        last = where;
+        window().setGeometry(where.frame);
     }
-    void orderFront() override { m_window.show(); }
-    void orderOut() override { m_window.hide(); }
+    void orderFront() override { window().show(); }
+    void orderOut() override { window().hide(); }
     void setActiveRects(const QList<QRectF> &rects) override { activeRects = rects; }
     [[nodiscard]] bool isTranslucent() const override { return true; }
     void setOutline(const QPainterPath &path) override { outline = path; }
     void takeKeyboard() override
     {
         hasKeyboard = true;
-        m_window.activateWindow();
+        window().activateWindow();
     }
     void releaseKeyboard() override { hasKeyboard = false; }
+    void beginMove() override { log.append(QStringLiteral("begin")); }
+    void endMove() override { log.append(QStringLiteral("end")); }
+    [[nodiscard]] QPointF onScreen(const QMouseEvent &event) const override
+    {
+        return PanelSurface::onScreen(event) + mouseOffset;
+    }
+    void openMenu(QMenu &, const QPoint &) override { log.append(QStringLiteral("menu")); }
+    void showToolTip(const QString &text, const QPoint &, QWidget &) override { log.append(text); }
 
     int placements = 0;
+    SurfacePlace last;
     QList<QRectF> activeRects;
     QPainterPath outline;
     bool hasKeyboard = false;
-
-private:
-    QWidget &m_window;
+    QPointF mouseOffset; // of where it says that mouse events have happened
+    QStringList log;     // moves, menus and tool tips
 };
 
 } // namespace nubble

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <algorithm>
-
 #include "Platform/Workspace.h"
 
 namespace nubble {
@@ -9,16 +7,30 @@ namespace nubble {
 // Applications that a test puts there; what is activated can be read back.
 class FakeWorkspace : public Workspace {
 public:
+    [[nodiscard]] bool canActivate() const override { return allowed; }
     [[nodiscard]] QList<RunningApplication> runningApplications() const override { return applications; }
-    [[nodiscard]] bool isRunningApplication(pid_t pid) const override
+    [[nodiscard]] Activation activate(const RunningApplication &application) override
     {
-        return std::any_of(
-            applications.begin(), applications.end(), [pid](const auto &each) { return each.pid == pid; });
+        return activateNearest({application.pid.value_or(0)});
     }
-    void activate(pid_t pid) override { activated.append(pid); }
+    [[nodiscard]] Activation activateNearest(const QList<pid_t> &chain) override
+    {
+        if (!allowed)
+            return Activation::Impossible;
+        ++lookups;
+        for (const pid_t pid : chain)
+            for (const RunningApplication &each : applications)
+                if (each.pid == pid) {
+                    activated.append(pid);
+                    return Activation::Requested;
+                }
+        return Activation::NotFound;
+    }
 
+    bool allowed = true;
     QList<RunningApplication> applications;
     QList<pid_t> activated;
+    int lookups = 0;
 };
 
 } // namespace nubble

@@ -46,7 +46,7 @@ SessionBus::SessionBus(QString serviceName) : m_serviceName(std::move(serviceNam
 
 SessionBus::~SessionBus()
 {
-    release();
+    giveUp();
 }
 
 bool SessionBus::claim(QObject *exported)
@@ -62,6 +62,11 @@ bool SessionBus::claim(QObject *exported)
 }
 
 void SessionBus::release()
+{
+    giveUp();
+}
+
+void SessionBus::giveUp()
 {
     if (!m_owner)
         return;

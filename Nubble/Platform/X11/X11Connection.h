@@ -24,6 +24,7 @@ enum class X11Atom {
     NetClientListStacking,
     NetCurrentDesktop,
     NetRestackWindow,
+    NetSupported,
     NetWmDesktop,
     NetWmPid,
     NetWmState,

@@ -19,6 +19,8 @@ public:
     explicit X11MouseMonitor(std::shared_ptr<const X11Connection> x11);
     ~X11MouseMonitor() override;
 
+    [[nodiscard]] bool canWatch() const override { return m_extension != 0; }
+
 private:
     bool nativeEventFilter(const QByteArray &type, void *message, qintptr *result) override;
     void select(uint32_t events) const;

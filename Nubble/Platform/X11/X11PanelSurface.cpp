@@ -14,7 +14,7 @@
 namespace nubble {
 
 X11PanelSurface::X11PanelSurface(QWidget &window, std::shared_ptr<const X11Connection> x11)
-    : m_window(window), m_x11(std::move(x11)), m_compositor(m_x11, X11Atom::CompositingManager),
+    : PanelSurface(window), m_x11(std::move(x11)), m_compositor(m_x11, X11Atom::CompositingManager),
       m_keyboard(m_x11)
 {
     // All flags once and for ever: changing one later makes another native window.
@@ -35,28 +35,28 @@ X11PanelSurface::X11PanelSurface(QWidget &window, std::shared_ptr<const X11Conne
 // QWidget::winId() stays at the old window when Qt makes another one; the handle knows.
 uint32_t X11PanelSurface::nativeWindow() const
 {
-    const QWindow *handle = m_window.windowHandle();
+    const QWindow *handle = window().windowHandle();
     return handle && handle->handle() ? static_cast<uint32_t>(handle->winId()) : 0;
 }
 
-void X11PanelSurface::place(const QRect &frame)
+void X11PanelSurface::place(const SurfacePlace &place)
 {
-    m_frame = frame;
-    m_window.setGeometry(frame);
+    m_frame = place.frame;
+    window().setGeometry(place.frame);
     applyAll();
 }
 
 void X11PanelSurface::orderFront()
 {
-    m_window.show();
-    m_window.raise();
+    window().show();
+    window().raise();
     m_x11->flush();
 }
 
 void X11PanelSurface::orderOut()
 {
     releaseKeyboard();
-    m_window.hide();
+    window().hide();
     m_x11->flush();
 }
 
@@ -82,19 +82,19 @@ void X11PanelSurface::setOutline(const QPainterPath &outline)
 
 void X11PanelSurface::takeKeyboard()
 {
-    if (const auto window = nativeWindow())
-        m_keyboard.give(window);
+    if (const auto native = nativeWindow())
+        m_keyboard.give(native);
 }
 
 void X11PanelSurface::releaseKeyboard()
 {
-    if (const auto window = nativeWindow())
-        m_keyboard.takeBack(window);
+    if (const auto native = nativeWindow())
+        m_keyboard.takeBack(native);
 }
 
 bool X11PanelSurface::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == &m_window) {
+    if (watched == &window()) {
         switch (event->type()) {
         case QEvent::WinIdChange:
         case QEvent::Show:
@@ -128,7 +128,7 @@ void X11PanelSurface::applyPosition()
         return;
     const QRect deviceScreen = X11Geometry::deviceScreenAt(*m_x11, screen->geometry().topLeft());
     const QPoint position =
-        X11Geometry::devicePosition(m_frame, screen->geometry(), deviceScreen, m_window.devicePixelRatioF());
+        X11Geometry::devicePosition(m_frame, screen->geometry(), deviceScreen, window().devicePixelRatioF());
     const std::array<uint32_t, 2> values{
         static_cast<uint32_t>(position.x()), static_cast<uint32_t>(position.y())};
     m_x11->ignoreErrors(xcb_configure_window_checked(
@@ -137,28 +137,28 @@ void X11PanelSurface::applyPosition()
 
 void X11PanelSurface::applyActiveRects()
 {
-    const auto window = nativeWindow();
-    if (!window)
+    const auto native = nativeWindow();
+    if (!native)
         return;
-    const auto rects = X11Geometry::deviceRects(m_activeRects, m_window.devicePixelRatioF());
+    const auto rects = X11Geometry::deviceRects(m_activeRects, window().devicePixelRatioF());
     m_x11->ignoreErrors(xcb_shape_rectangles_checked(
-        m_x11->get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED, window, 0, 0,
+        m_x11->get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED, native, 0, 0,
         static_cast<uint32_t>(rects.size()), rects.data()));
 }
 
 void X11PanelSurface::applyOutline()
 {
-    const auto window = nativeWindow();
-    if (!window)
+    const auto native = nativeWindow();
+    if (!native)
         return;
     if (isTranslucent()) {
         m_x11->ignoreErrors(xcb_shape_mask_checked(
-            m_x11->get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, window, 0, 0, XCB_PIXMAP_NONE));
+            m_x11->get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, native, 0, 0, XCB_PIXMAP_NONE));
         return;
     }
-    const auto rects = X11Geometry::deviceRects(m_outline, m_window.size(), m_window.devicePixelRatioF());
+    const auto rects = X11Geometry::deviceRects(m_outline, window().size(), window().devicePixelRatioF());
     m_x11->ignoreErrors(xcb_shape_rectangles_checked(
-        m_x11->get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, XCB_CLIP_ORDERING_YX_BANDED, window, 0, 0,
+        m_x11->get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, XCB_CLIP_ORDERING_YX_BANDED, native, 0, 0,
         static_cast<uint32_t>(rects.size()), rects.data()));
 }
 

@@ -18,7 +18,7 @@ class X11PanelSurface : public PanelSurface {
 public:
     X11PanelSurface(QWidget &window, std::shared_ptr<const X11Connection> x11);
 
-    void place(const QRect &frame) override;
+    void place(const SurfacePlace &place) override;
     void orderFront() override;
     void orderOut() override;
     void setActiveRects(const QList<QRectF> &rects) override;
@@ -36,7 +36,6 @@ private:
     void applyActiveRects();
     void applyOutline();
 
-    QWidget &m_window;
     std::shared_ptr<const X11Connection> m_x11;
     X11SelectionWatch m_compositor;
     X11KeyboardFocus m_keyboard;

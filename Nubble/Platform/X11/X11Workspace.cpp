@@ -85,39 +85,56 @@ QList<RunningApplication> X11Workspace::runningApplications() const
     return result;
 }
 
-bool X11Workspace::isRunningApplication(pid_t pid) const
+bool X11Workspace::canActivate() const
 {
-    const auto pids = owners(managedWindows(X11Atom::NetClientList));
-    return pid > 0 && std::find(pids.begin(), pids.end(), pid) != pids.end();
+    const auto supported =
+        X11Property(*m_x11, m_x11->root(), m_x11->atom(X11Atom::NetSupported), mostWindows).numbers();
+    return std::find(supported.begin(), supported.end(), m_x11->atom(X11Atom::NetActiveWindow))
+        != supported.end();
 }
 
-std::vector<X11Workspace::Window> X11Workspace::windowsOf(pid_t pid) const
+Activation X11Workspace::activate(const RunningApplication &application)
+{
+    return activateNearest({application.pid.value_or(0)});
+}
+
+Activation X11Workspace::activateNearest(const QList<pid_t> &chain)
 {
     auto windows = managedWindows(X11Atom::NetClientListStacking);
     if (windows.empty())
         windows = managedWindows(X11Atom::NetClientList);
     const auto pids = owners(windows);
-
-    std::vector<Window> result;
-    for (size_t i = 0; i < windows.size(); ++i) {
-        if (pids[i] != pid)
+    for (const pid_t pid : chain) {
+        std::vector<xcb_window_t> own;
+        for (size_t i = 0; i < windows.size(); ++i)
+            if (pid > 0 && pids[i] == pid)
+                own.push_back(windows[i]);
+        if (own.empty())
             continue;
-        const auto desktop = X11Property(*m_x11, windows[i], m_x11->atom(X11Atom::NetWmDesktop)).numbers();
-        const auto states = X11Property(*m_x11, windows[i], m_x11->atom(X11Atom::NetWmState)).numbers();
+        bringForward(withStates(own));
+        return Activation::Requested;
+    }
+    return canActivate() ? Activation::NotFound : Activation::Impossible;
+}
+
+// The one used last comes last.
+std::vector<X11Workspace::Window> X11Workspace::withStates(const std::vector<xcb_window_t> &windows) const
+{
+    std::vector<Window> result;
+    for (const xcb_window_t window : windows) {
+        const auto desktop = X11Property(*m_x11, window, m_x11->atom(X11Atom::NetWmDesktop)).numbers();
+        const auto states = X11Property(*m_x11, window, m_x11->atom(X11Atom::NetWmState)).numbers();
         const bool iconified =
             std::find(states.begin(), states.end(), m_x11->atom(X11Atom::NetWmStateHidden)) != states.end();
-        result.push_back({windows[i], desktop.empty() ? everyDesktop : desktop[0], iconified});
+        result.push_back({window, desktop.empty() ? everyDesktop : desktop[0], iconified});
     }
     // Iconified windows keep their place in the order, although the user has put them away.
     std::stable_partition(result.begin(), result.end(), [](const Window &each) { return each.iconified; });
     return result;
 }
 
-void X11Workspace::activate(pid_t pid)
+void X11Workspace::bringForward(const std::vector<Window> &windows) const
 {
-    const auto windows = pid > 0 ? windowsOf(pid) : std::vector<Window>();
-    if (windows.empty())
-        return;
     const auto current =
         X11Property(*m_x11, m_x11->root(), m_x11->atom(X11Atom::NetCurrentDesktop)).numbers();
     uint32_t desktop = current.empty() ? everyDesktop : current[0];
@@ -128,13 +145,13 @@ void X11Workspace::activate(pid_t pid)
         m_x11->askWindowManager(m_x11->root(), X11Atom::NetCurrentDesktop, {desktop, XCB_CURRENT_TIME});
     }
     for (const Window &window : windows)
-        bringForward(window, desktop);
+        raise(window, desktop);
     focus(windows.back());
     m_x11->flush();
 }
 
 // Only what lies on the desktop in view is deiconified: activating it elsewhere would leave that desktop.
-void X11Workspace::bringForward(const Window &window, uint32_t desktop) const
+void X11Workspace::raise(const Window &window, uint32_t desktop) const
 {
     if (window.iconified && (window.desktop == desktop || window.desktop == everyDesktop))
         focus(window);

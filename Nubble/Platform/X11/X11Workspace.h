@@ -17,9 +17,10 @@ class X11Workspace : public Workspace {
 public:
     explicit X11Workspace(std::shared_ptr<const X11Connection> x11);
 
+    [[nodiscard]] bool canActivate() const override;
     [[nodiscard]] QList<RunningApplication> runningApplications() const override;
-    [[nodiscard]] bool isRunningApplication(pid_t pid) const override;
-    void activate(pid_t pid) override;
+    [[nodiscard]] Activation activate(const RunningApplication &application) override;
+    [[nodiscard]] Activation activateNearest(const QList<pid_t> &chain) override;
 
 private:
     struct Window {
@@ -30,8 +31,9 @@ private:
 
     [[nodiscard]] std::vector<xcb_window_t> managedWindows(X11Atom list) const;
     [[nodiscard]] std::vector<pid_t> owners(const std::vector<xcb_window_t> &windows) const; // 0: unknown
-    [[nodiscard]] std::vector<Window> windowsOf(pid_t pid) const; // the one used last comes last
-    void bringForward(const Window &window, uint32_t desktop) const;
+    [[nodiscard]] std::vector<Window> withStates(const std::vector<xcb_window_t> &windows) const;
+    void bringForward(const std::vector<Window> &windows) const; // the last one gets the keyboard
+    void raise(const Window &window, uint32_t desktop) const;
     void focus(const Window &window) const;
 
     std::shared_ptr<const X11Connection> m_x11;

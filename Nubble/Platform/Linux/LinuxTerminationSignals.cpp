@@ -1,4 +1,4 @@
-#include "Platform/Linux/TerminationSignals.h"
+#include "Platform/Linux/LinuxTerminationSignals.h"
 
 #include <QSocketNotifier>
 
@@ -31,7 +31,7 @@ void setHandler(void (*handler)(int))
 
 } // namespace
 
-TerminationSignals::TerminationSignals(QObject *parent) : QObject(parent)
+LinuxTerminationSignals::LinuxTerminationSignals()
 {
     if (::pipe2(signalPipe.data(), O_CLOEXEC | O_NONBLOCK) != 0)
         return;
@@ -44,7 +44,7 @@ TerminationSignals::TerminationSignals(QObject *parent) : QObject(parent)
     setHandler(tellEventLoop);
 }
 
-TerminationSignals::~TerminationSignals()
+LinuxTerminationSignals::~LinuxTerminationSignals()
 {
     setHandler(SIG_DFL);
     for (int &end : signalPipe) {

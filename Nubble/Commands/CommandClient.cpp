@@ -1,4 +1,4 @@
-#include "Commands/ClientCommands.h"
+#include "Commands/CommandClient.h"
 
 #include <QDeadlineTimer>
 #include <QThread>
@@ -7,8 +7,8 @@
 
 #include "Commands/CommandLine.h"
 #include "Platform/Backend.h"
-#include "Platform/Freedesktop/SessionBus.h"
 #include "Platform/Home.h"
+#include "Platform/InstanceBus.h"
 #include "Shell/Autostart.h"
 #include "Shell/Relaunch.h"
 
@@ -58,7 +58,7 @@ Request requestFor(const CommandLine &line)
 }
 
 // Why an instance cannot be started, if so.
-std::optional<QString> start(const CommandLine &line, const SessionBus &bus)
+std::optional<QString> start(const CommandLine &line, const InstanceBus &bus)
 {
     if (!qtPlatform())
         return u"there is no display to show the panel on"_s;
@@ -70,7 +70,7 @@ std::optional<QString> start(const CommandLine &line, const SessionBus &bus)
 }
 
 // Whichever instance comes up first: another command may be starting one as well.
-BusAnswer askOnceThere(const SessionBus &bus, const QString &method, const QVariantList &arguments = {})
+BusAnswer askOnceThere(const InstanceBus &bus, const QString &method, const QVariantList &arguments = {})
 {
     QDeadlineTimer patience(10'000);
     while (true) {
@@ -83,7 +83,7 @@ BusAnswer askOnceThere(const SessionBus &bus, const QString &method, const QVari
 
 } // namespace
 
-int runInInstance(const CommandLine &line, const SessionBus &bus)
+int runInInstance(const CommandLine &line, const InstanceBus &bus)
 {
     constexpr int patience = 5000;
     const Request request = requestFor(line);

@@ -1,0 +1,24 @@
+#include "Platform/PanelSurface.h"
+
+#include <QMenu>
+#include <QMouseEvent>
+#include <QToolTip>
+
+namespace nubble {
+
+QPointF PanelSurface::onScreen(const QMouseEvent &event) const
+{
+    return event.globalPosition();
+}
+
+void PanelSurface::openMenu(QMenu &menu, const QPoint &position)
+{
+    menu.popup(m_window.mapToGlobal(position));
+}
+
+void PanelSurface::showToolTip(const QString &text, const QPoint &position, QWidget &control)
+{
+    QToolTip::showText(m_window.mapToGlobal(position), text, &control);
+}
+
+} // namespace nubble

@@ -1,0 +1,30 @@
+#include "Platform/System.h"
+
+#include "Platform/Freedesktop/FontPreload.h"
+#include "Platform/Freedesktop/SessionBus.h"
+#include "Platform/Linux/LinuxProcessTable.h"
+#include "Platform/Linux/LinuxTerminationSignals.h"
+
+namespace nubble::System {
+
+std::unique_ptr<ProcessTable> processTable()
+{
+    return std::make_unique<LinuxProcessTable>();
+}
+
+std::unique_ptr<InstanceBus> instanceBus(const QString &serviceName)
+{
+    return std::make_unique<SessionBus>(serviceName);
+}
+
+std::unique_ptr<TerminationSignals> terminationSignals()
+{
+    return std::make_unique<LinuxTerminationSignals>();
+}
+
+std::shared_ptr<void> fontPreload()
+{
+    return std::make_shared<FontPreload>();
+}
+
+} // namespace nubble::System
