@@ -103,6 +103,18 @@ private Q_SLOTS:
         QCOMPARE(ask.count(), 1);
     }
 
+    void aButtonFollowsItsActionsLook()
+    {
+        PanelWorld world("addon.notes=true\n");
+        PanelUnderTest panel(world);
+        const QImage before = panel.view().grab().toImage();
+        panel.actions.front()->setLook({u"record.circle.fill"_s, u"Meeting notes — Recording"_s});
+        QVERIFY(panel.control(u"Meeting notes — Recording"_s) != nullptr);
+        QVERIFY(panel.view().grab().toImage() != before);
+        panel.click(u"Meeting notes — Recording"_s);
+        QCOMPARE(world.state.mode(), PanelMode::collapsed()); // a mode without a card is no mode to be in
+    }
+
     void actionsStandInTheBodyInTheirOrder()
     {
         PanelWorld world("addon.notes=true\naddon.search=true\naddon.ask=true\n");

@@ -1,4 +1,6 @@
-#include "Placement/PanelGeometry.h"
+#include <QHelpEvent>
+#include <QMenu>
+
 #include "notch/PanelUnderTest.h"
 
 using namespace Qt::StringLiterals;
@@ -14,7 +16,7 @@ private Q_SLOTS:
         PanelUnderTest panel(world);
         for (const NotchEdge edge : allEdges) {
             world.placement.moveToEdge(edge, world.mainScreen.frame());
-            const PanelGeometry expected = geometry(world);
+            const PanelGeometry expected = world.geometry();
             QCOMPARE(panel.view().geometry(), expected.frame);
             QCOMPARE(panel.surface->activeRects, QList{expected.body});
             panel.clickRing();
@@ -38,7 +40,7 @@ private Q_SLOTS:
         world.placement.centerOnEdge();
         Q_EMIT world.mainScreen.changed();
         QCOMPARE(panel.surface->placements, before + 2);
-        const PanelGeometry expected = geometry(world);
+        const PanelGeometry expected = world.geometry();
         QCOMPARE(panel.window.bodyOnScreen()->body, expected.body.translated(expected.frame.topLeft()));
         QCOMPARE(panel.window.bodyOnScreen()->edge, NotchEdge::Right);
     }
@@ -69,13 +71,44 @@ private Q_SLOTS:
         QVERIFY(panel.surface->hasKeyboard);
     }
 
-private:
-    static PanelGeometry geometry(const PanelWorld &world)
+    void theSurfaceIsToldItsEdgeAndOffsetAndPlacedAgainAfterItWasClosed()
     {
-        const QRectF screen = *world.mainScreen.frame();
-        return panelGeometry(
-            world.layout, world.placement.edge(), world.placement.clamp(world.placement.offset(), screen),
-            screen);
+        PanelWorld world("placement.offset=-120\n");
+        PanelUnderTest panel(world);
+        for (const auto &[edge, side] :
+             {std::pair(NotchEdge::Right, Qt::RightEdge),
+              {NotchEdge::Left, Qt::LeftEdge},
+              {NotchEdge::Top, Qt::TopEdge},
+              {NotchEdge::Bottom, Qt::BottomEdge}}) {
+            world.placement.moveToEdge(edge, world.mainScreen.frame());
+            const QPoint start =
+                panel.surface->last.frame.topLeft() - world.mainScreen.frame()->topLeft().toPoint();
+            QCOMPARE(panel.surface->last.edge, side);
+            QCOMPARE(panel.surface->last.offset, isVertical(edge) ? start.y() : start.x());
+        }
+        const int before = panel.surface->placements;
+        Q_EMIT panel.surface->closed();
+        QCOMPARE(panel.surface->placements, before + 1);
+    }
+
+    void dragsToolTipsAndMenusAreTheSurfaces()
+    {
+        PanelWorld world;
+        PanelUnderTest panel(world);
+        panel.surface->mouseOffset = {0, 90}; // where the surface says that the mouse is, counts
+        const QPoint middle = panel.ring()->rect().center();
+        const double pressed = panel.ring()->mapToGlobal(middle).y();
+        PanelUnderTest::drag(panel.ring(), middle, {0, 50});
+        QCOMPARE(world.placement.offset(), pressed + 140 - world.mainScreen.frame()->center().y());
+        QCOMPARE(panel.surface->log, QStringList({u"begin"_s, u"end"_s}));
+
+        panel.clickRing();
+        auto *close = panel.control(u"Close"_s);
+        QHelpEvent help(QEvent::ToolTip, {2, 2}, close->mapToGlobal(QPoint(2, 2)));
+        QCoreApplication::sendEvent(close, &help);
+        QMenu menu;
+        panel.window.openMenu(menu, {});
+        QCOMPARE(panel.surface->log.sliced(2), QStringList({u"Close"_s, u"menu"_s}));
     }
 };
 

@@ -55,6 +55,22 @@ private Q_SLOTS:
         QCOMPARE(world.workspace.activated, (QList<pid_t>{12, 11}));
     }
 
+    void rowsPromiseNothingWhereNobodyBringsWindowsForward()
+    {
+        for (const bool possible : {true, false}) {
+            PanelWorld world;
+            world.workspace.allowed = possible;
+            world.addSession(11, u"one"_s, u"idle"_s, 0);
+            PanelUnderTest panel(world);
+            panel.clickRing();
+            const ProjectRow *row = panel.rows().constFirst();
+            QCOMPARE(row->isEnabled(), possible);
+            QCOMPARE(row->toolTip().contains(u"Bring this session forward"_s), possible);
+            QCOMPARE(row->accessibleDescription().contains(u"Bring this session forward"_s), possible);
+            QVERIFY(row->toolTip().contains(u"one"_s));
+        }
+    }
+
     void oddTitlesAreShownInARowLikeAnyOther()
     {
         const QStringList titles{
@@ -116,8 +132,6 @@ private Q_SLOTS:
         QTRY_VERIFY(scroll->viewport()->rect().contains( // scrolled into sight
             QRect(focused->mapTo(scroll->viewport(), QPoint()), focused->size())));
     }
-
-private:
 };
 
 QTEST_MAIN(TestSessionsCard)

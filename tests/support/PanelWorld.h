@@ -7,6 +7,7 @@
 #include "Placement/Layout.h"
 #include "Placement/MainScreen.h"
 #include "Placement/NotchPlacement.h"
+#include "Placement/PanelGeometry.h"
 #include "Sessions/ProcessActivator.h"
 #include "Sessions/SessionMonitor.h"
 #include "Shell/Addon.h"
@@ -52,6 +53,12 @@ struct PanelWorld {
         defaultTo(QStringLiteral("updatedAt"), clock.msecsSinceEpoch() - age);
         processes.alive.insert(pid);
         home.write(QStringLiteral(".claude/sessions/%1.json").arg(pid), QJsonDocument(more).toJson());
+    }
+
+    [[nodiscard]] PanelGeometry geometry() const
+    {
+        const QRectF screen = *mainScreen.frame();
+        return panelGeometry(layout, placement.edge(), placement.clamp(placement.offset(), screen), screen);
     }
 
     void endSession(pid_t pid) { processes.alive.remove(pid); }

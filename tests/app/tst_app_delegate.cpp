@@ -1,0 +1,131 @@
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <unistd.h>
+
+#include "AppDelegate.h"
+#include "support/FakeInstanceBus.h"
+#include "support/TemporaryHome.h"
+
+using namespace Qt::StringLiterals;
+using namespace nubble;
+
+namespace {
+
+// The whole program but for its window, which is a plain one, in a home of its own on a session bus of its
+// own.
+struct Program {
+    explicit Program(const QByteArray &preferences = {})
+    {
+        home.write(u".config/com.brevandel.nubble.conf"_s, "[General]\n" + preferences);
+        delegate.emplace(home.home(), bus, Relaunch{u"/bin/true"_s, {}});
+        for (const Addon addon : allAddons)
+            delegate->commands().setHandler(addon, [this](const AddonRequest &request) {
+                requests.append(request);
+                return Outcome::failed(u"Tried"_s);
+            });
+    }
+
+    TemporaryHome home;
+    FakeInstanceBus bus;
+    QList<AddonRequest> requests;
+    std::optional<AppDelegate> delegate;
+};
+
+void broadcast(const QString &name, const QVariantMap &userInfo)
+{
+    auto message = QDBusMessage::createSignal(u"/"_s, u"com.brevandel.nubble"_s, name);
+    message.setArguments({userInfo});
+    QDBusConnection::sessionBus().send(message);
+}
+
+} // namespace
+
+class TestAppDelegate : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void otherProgramsReachOnlyTheAddonsThatAreOn()
+    {
+        using Action = AddonRequest::Action;
+        {
+            Program program("addon.ask=true\naddon.search=true\n");
+            broadcast(u"notes"_s, {{u"action"_s, u"stop"_s}});
+            broadcast(u"ask"_s, {{u"question"_s, u"Why?"_s}}); // comes after the other
+            QTRY_VERIFY(!program.requests.isEmpty());
+            QCOMPARE(program.requests, (QList<AddonRequest>{{Action::AskClaude, u"Why?"_s}}));
+        }
+        Program program("addon.notes=true\n");
+        broadcast(u"ask"_s, {});
+        broadcast(u"notes"_s, {{u"action"_s, u"stop"_s}});
+        QTRY_VERIFY(!program.requests.isEmpty());
+        QCOMPARE(program.requests, QList<AddonRequest>{{Action::StopNotes}});
+
+        AppCommands &commands = program.delegate->commands();
+        QVERIFY(
+            commands.performFromOutside({Action::SearchChats}).why().contains(u"\"Search Chats\" is off"_s));
+        QCOMPARE(commands.performFromOutside({Action::StartNotes}).why(), u"Tried"_s);
+        QCOMPARE(program.requests.size(), 2);
+        const QSignalSpy refused(&commands, &AppCommands::refused);
+        commands.request({Action::SearchChats}); // the program's own are not asked who they are
+        QCOMPARE(program.requests.size(), 3);
+        QCOMPARE(refused.count(), 1);
+    }
+
+    void refreshingReadsSessionsTranscriptsAndUsageAgain()
+    {
+        Program program;
+        AppCommands &commands = program.delegate->commands();
+        QCOMPARE(commands.status()[u"sessions"_s].toArray(), QJsonArray());
+        program.home.write(
+            u".claude/sessions/1.json"_s,
+            QJsonDocument(QJsonObject{
+                              {u"pid"_s, ::getpid()},
+                              {u"sessionId"_s, u"one"_s},
+                              {u"cwd"_s, u"/work"_s},
+                              {u"startedAt"_s, 0}})
+                .toJson());
+        const QString transcript = u".claude/projects/-work/one.jsonl"_s;
+        program.home.write(transcript, "{\"type\":\"ai-title\",\"aiTitle\":\"A title\"}\n");
+        commands.refreshAll();
+        const auto title = [&commands] { return commands.status()[u"sessions"_s][0][u"title"_s].toString(); };
+        QCOMPARE(commands.status()[u"sessions"_s].toArray().size(), 1); // without waiting for the next poll
+        QTRY_COMPARE(title(), u"A title"_s);
+        QVERIFY(!commands.status()[u"usage"_s][u"problem"_s].toString().isEmpty());
+    }
+
+    void theStatusTellsOfEveryPart()
+    {
+        Program program("placement.edge=top\nplacement.visible=false\n");
+        AppCommands &commands = program.delegate->commands();
+        QCOMPARE(
+            commands.status().keys(),
+            QStringList({u"activity"_s, u"panel"_s, u"sessions"_s, u"source"_s, u"usage"_s}));
+        commands.openSessions();
+        QCOMPARE(
+            commands.status()[u"panel"_s].toObject(),
+            (QJsonObject{
+                {u"mode"_s, u"sessions"_s},
+                {u"edge"_s, u"top"_s},
+                {u"offset"_s, 0},
+                {u"locked"_s, false},
+                {u"visible"_s, true}}));
+        commands.openSessions(); // does not close it
+        QCOMPARE(commands.status()[u"panel"_s][u"mode"_s].toString(), u"sessions"_s);
+    }
+
+    void aRestartGivesTheNameUpOnce()
+    {
+        Program program;
+        program.delegate->commands().toggleAddon(Addon::Search);
+        program.delegate->commands().restart();
+        QCOMPARE(program.bus.releases, 1);
+    }
+};
+
+QTEST_MAIN(TestAppDelegate)
+#include "tst_app_delegate.moc"

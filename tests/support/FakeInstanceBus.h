@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Platform/InstanceBus.h"
+
+namespace nubble {
+
+// A bus on which this program is alone.
+class FakeInstanceBus : public InstanceBus {
+public:
+    [[nodiscard]] bool isConnected() const override { return true; }
+    [[nodiscard]] bool claim(QObject *) override { return true; }
+    void release() override { ++releases; }
+    [[nodiscard]] BusAnswer call(const QString &, const QVariantList &, int) const override { return {}; }
+
+    int releases = 0;
+};
+
+} // namespace nubble
