@@ -24,15 +24,14 @@ namespace {
 QJsonObject sessionReport(SessionMonitor &monitor, const ClaudeSession &session, const Clock &clock)
 {
     const SessionDetail detail = monitor.details().byId().value(session.sessionId);
-    const RunState state = monitor.runState(session);
     return {
         {u"sessionId"_s, session.sessionId},
         {u"pid"_s, session.pid},
         {u"cwd"_s, session.cwd},
         {u"title"_s, rowTitle(session, detail)},
         {u"lastPrompt"_s, detail.lastPrompt ? QJsonValue(*detail.lastPrompt) : QJsonValue()},
-        {u"state"_s, stateName(state)},
-        {u"word"_s, rowWord(session, state)},
+        {u"state"_s, stateName(monitor.workState(session))},
+        {u"word"_s, rowWord(monitor.runState(session))},
         {u"elapsed"_s, elapsedText(session.updatedAt.value_or(session.startedAt), clock.msecsSinceEpoch())},
         {u"startedAt"_s, session.startedAt},
         {u"updatedAt"_s, session.updatedAt ? QJsonValue(*session.updatedAt) : QJsonValue()},
@@ -130,7 +129,7 @@ QJsonObject statusReport(SessionMonitor &monitor, const Clock &clock)
     QJsonArray sessions;
     for (const ClaudeSession &session : monitor.sessions())
         sessions.append(sessionReport(monitor, session, clock));
-    return {{u"activity"_s, stateName(monitor.activity())}, {u"sessions"_s, sessions}};
+    return {{u"activity"_s, stateName(monitor.activity().overall)}, {u"sessions"_s, sessions}};
 }
 
 QJsonObject usageReport(const PlanUsageMonitor &planUsage)

@@ -22,7 +22,7 @@ public:
     // Takes the place of the ring whose centre is `ringCenter`, in the parent's coordinates.
     void placeAround(const QPointF &ringCenter, NotchEdge edge, double percentLineHeight);
 
-    void setActivity(RunState activity, bool waiting);
+    void setActivity(const Activity &activity);
     void setFraction(std::optional<double> fraction); // of the plan's session window; above 1 shows as 1
     void setMotionReduced(bool reduced);
 
@@ -44,8 +44,7 @@ private:
 
     QPointF m_center; // of the ring, in the cell's coordinates
     QRectF m_percentRect;
-    RunState m_activity = RunState::Idle;
-    bool m_waiting = false;
+    Activity m_activity;
     std::optional<double> m_fraction;
     bool m_motionReduced = false;
     QTimer m_frame;

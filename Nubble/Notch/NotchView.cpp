@@ -5,8 +5,6 @@
 #include <QKeyEvent>
 #include <QPainter>
 
-#include <algorithm>
-
 #include "Notch/ActionsCell.h"
 #include "Notch/CardHost.h"
 #include "Notch/ClaudeCell.h"
@@ -95,11 +93,7 @@ void NotchView::followDrags()
 
 void NotchView::updateActivity()
 {
-    const QList<ClaudeSession> &sessions = m_services.sessionMonitor.sessions();
-    const bool waiting = std::any_of(sessions.begin(), sessions.end(), [](const ClaudeSession &session) {
-        return session.status == u"waiting";
-    });
-    m_claude->setActivity(m_services.sessionMonitor.activity(), waiting);
+    m_claude->setActivity(m_services.sessionMonitor.activity());
 }
 
 void NotchView::updateFraction()

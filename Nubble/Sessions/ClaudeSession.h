@@ -14,7 +14,7 @@ struct ClaudeSession {
     QString cwd; // absolute
     double startedAt = 0;
     std::optional<QString> name;
-    std::optional<QString> status;   // "busy" while it works
+    std::optional<QString> status;   // "busy" while it works, "waiting" for the user
     std::optional<double> updatedAt; // last change of status
     std::optional<QString> entrypoint;
     std::optional<QString> nameSource;
@@ -22,6 +22,7 @@ struct ClaudeSession {
     bool operator==(const ClaudeSession &) const = default;
 
     [[nodiscard]] bool isBusy() const { return status == QStringView(u"busy"); }
+    [[nodiscard]] bool isWaiting() const { return status == QStringView(u"waiting"); }
     [[nodiscard]] double lastActivity() const
     {
         return updatedAt.value_or(startedAt) / 1000;

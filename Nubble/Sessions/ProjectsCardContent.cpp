@@ -17,7 +17,6 @@
 #include "Widgets/CardHeader.h"
 #include "Widgets/CardMetrics.h"
 #include "Widgets/NotchButton.h"
-#include "Widgets/Palette.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -25,15 +24,6 @@ using namespace std::chrono_literals;
 namespace nubble {
 
 namespace {
-
-QColor wordColor(const QString &word)
-{
-    if (word == u"waiting")
-        return Palette::badge;
-    if (word == u"working")
-        return Palette::bronze;
-    return word == u"done" ? Palette::ample : Palette::textSecondary;
-}
 
 QLabel *makeEmptyLabel()
 {
@@ -135,12 +125,10 @@ void ProjectsCardContent::showRow(const ClaudeSession &session, int position)
         m_rows->insertWidget(position, row);
     }
     const SessionDetail detail = m_monitor.details().byId().value(session.sessionId);
-    const QString word = rowWord(session, m_monitor.runState(session));
     row->setContent({
         .title = rowTitle(session, detail),
         .lastPrompt = detail.lastPrompt.value_or(QString()),
-        .word = word,
-        .wordColor = wordColor(word),
+        .state = m_monitor.runState(session),
         .elapsed = elapsedText(session.updatedAt.value_or(session.startedAt), m_clock.msecsSinceEpoch()),
         .symbol = rowSymbol(session),
         .folder = session.cwd,

@@ -48,17 +48,24 @@ SessionMonitor::SessionMonitor(
 
 RunState SessionMonitor::runState(const ClaudeSession &session) const
 {
+    return session.isWaiting() ? RunState::Waiting : workState(session);
+}
+
+RunState SessionMonitor::workState(const ClaudeSession &session) const
+{
     if (session.isBusy())
         return RunState::Working;
     return m_recentlyCompleted.contains(session.sessionId) ? RunState::Completed : RunState::Idle;
 }
 
-RunState SessionMonitor::activity() const
+Activity SessionMonitor::activity() const
 {
-    RunState strongest = RunState::Idle;
-    for (const ClaudeSession &session : m_sessions)
-        strongest = std::min(strongest, runState(session));
-    return strongest;
+    Activity activity;
+    for (const ClaudeSession &session : m_sessions) {
+        activity.overall = std::min(activity.overall, workState(session));
+        activity.waiting = activity.waiting || session.isWaiting();
+    }
+    return activity;
 }
 
 void SessionMonitor::refresh()

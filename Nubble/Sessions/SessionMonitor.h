@@ -35,7 +35,8 @@ public:
         return m_recentlyCompleted;
     } // session ids
     [[nodiscard]] RunState runState(const ClaudeSession &session) const;
-    [[nodiscard]] RunState activity() const; // of all sessions together
+    [[nodiscard]] RunState workState(const ClaudeSession &session) const; // the same but for waiting
+    [[nodiscard]] Activity activity() const;
     [[nodiscard]] SessionDetails &details() { return m_details; }
 
     void refresh();

@@ -27,10 +27,8 @@ QString rowTitle(const ClaudeSession &session, const SessionDetail &detail)
     return name.isEmpty() ? lastPathComponent(session.cwd) : name;
 }
 
-QString rowWord(const ClaudeSession &session, RunState state)
+QString rowWord(RunState state)
 {
-    if (session.status == QStringView(u"waiting"))
-        return u"waiting"_s;
     return state == RunState::Completed ? u"done"_s : stateName(state);
 }
 
@@ -55,6 +53,8 @@ QString elapsedText(double sinceMsecs, qint64 nowMsecs)
 QString stateName(RunState state)
 {
     switch (state) {
+    case RunState::Waiting:
+        return u"waiting"_s;
     case RunState::Working:
         return u"working"_s;
     case RunState::Completed:

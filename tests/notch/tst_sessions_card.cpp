@@ -1,6 +1,8 @@
 #include <QElapsedTimer>
 #include <QScrollArea>
 
+#include "Widgets/CardMetrics.h"
+#include "Widgets/Palette.h"
 #include "notch/PanelUnderTest.h"
 
 using namespace Qt::StringLiterals;
@@ -53,6 +55,31 @@ private Q_SLOTS:
         panel.control(u"one"_s)->setFocus();
         QTest::keyClick(panel.control(u"one"_s), Qt::Key_Space);
         QCOMPARE(world.workspace.activated, (QList<pid_t>{12, 11}));
+    }
+
+    void aRowTakesColourAndWordFromItsStateAndTheSymbolFromWhereItRuns()
+    {
+        const QList<QColor> accents{Palette::badge, Palette::bronze, Palette::ample};
+        PanelWorld world;
+        world.addSession(13, u"finishes"_s, u"busy"_s, 3000);
+        world.monitor.refresh();
+        world.addSession(11, u"waits"_s, u"waiting"_s, 1000);
+        world.addSession(12, u"works"_s, u"busy"_s, 2000);
+        world.addSession(13, u"finishes"_s, u"idle"_s, 3000);
+        world.addSession(14, u"rests"_s, u"idle"_s, 4000, {{u"entrypoint"_s, u"claude-desktop"_s}});
+        PanelUnderTest panel(world);
+        panel.clickRing();
+        QTRY_COMPARE(
+            panel.rowNames(),
+            QStringList(
+                {u"waits, waiting, just now"_s, u"works, working, just now"_s, u"finishes, done, just now"_s,
+                 u"rests, idle, just now"_s}));
+        for (int row = 0; row < 4; ++row) {
+            const QImage picture = pictureOf(*panel.rows().at(row), 4); // strokes wider than a pixel
+            for (qsizetype accent = 0; accent < accents.size(); ++accent)
+                QCOMPARE(holds(picture, accents.at(accent)), accent == row);
+            QCOMPARE(symbolOf(*panel.rows().at(row)) == symbolOf(*panel.rows().at(0)), row != 3);
+        }
     }
 
     void oddTitlesAreShownInARowLikeAnyOther()
@@ -118,6 +145,28 @@ private Q_SLOTS:
     }
 
 private:
+    static QImage pictureOf(QWidget &widget, int scale)
+    {
+        QImage picture(widget.size() * scale, QImage::Format_RGB32);
+        picture.setDevicePixelRatio(scale);
+        picture.fill(Qt::black);
+        widget.render(&picture, {}, {}, QWidget::DrawChildren);
+        return picture;
+    }
+
+    static bool holds(const QImage &picture, const QColor &color)
+    {
+        for (int y = 0; y < picture.height(); ++y)
+            for (int x = 0; x < picture.width(); ++x)
+                if (picture.pixel(x, y) == color.rgb())
+                    return true;
+        return false;
+    }
+
+    static QImage symbolOf(QWidget &row)
+    {
+        return pictureOf(row, 1).copy(CardMetrics::rowPadding, 0, 16, row.height());
+    }
 };
 
 QTEST_MAIN(TestSessionsCard)

@@ -59,6 +59,9 @@ private Q_SLOTS:
             session.name = given;
             session.nameSource = source;
             QCOMPARE(rowTitle(session, {transcript, std::nullopt}), expected);
+            QCOMPARE(rowSymbol(session), u"terminal"_s);
+            session.entrypoint = u"claude-desktop"_s;
+            QCOMPARE(rowSymbol(session), u"macwindow"_s);
         }
     }
 
