@@ -145,11 +145,10 @@ void pollUnchanged(benchmark::State &state)
     const LinuxProcessTable processes;
     const SystemClock clock;
     SessionMonitor monitor(sample.sessionsFolder(), sample.projectsFolder(), processes, clock);
-    monitor.details().waitForDone();
+    monitor.waitForDetails();
     const QByteArray folder = QFile::encodeName(sample.sessionsFolder());
     compare(
-        state, [&] { monitor.refresh(); }, [&] { bareReads(folder); },
-        [&] { monitor.details().waitForDone(); });
+        state, [&] { monitor.refresh(); }, [&] { bareReads(folder); }, [&] { monitor.waitForDetails(); });
 }
 
 void updateUnchanged(benchmark::State &state)

@@ -55,7 +55,7 @@ void AppCommands::request(const AddonRequest &request)
 void AppCommands::refreshAll()
 {
     m_sessionMonitor.refresh();
-    m_sessionMonitor.details().update(m_sessionMonitor.sessions(), true);
+    m_sessionMonitor.refreshDetails(true);
     m_planUsage.refresh(true);
 }
 

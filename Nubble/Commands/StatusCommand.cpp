@@ -33,7 +33,7 @@ QJsonObject freshRead(const Home &home)
         home.file(u".claude/sessions"_s), home.file(u".claude/projects"_s), processes, clock);
     const Defaults defaults(Defaults::fileOf(u"com.brevandel.nubble"_s, home.configFolder()));
     const PlanUsageMonitor planUsage(home, clock, PlanUsageMonitor::domainIn(defaults));
-    monitor.details().waitForDone();
+    monitor.waitForDetails();
     QEventLoop reading;
     QObject::connect(&planUsage, &PlanUsageMonitor::refreshingChanged, &reading, &QEventLoop::quit);
     if (planUsage.isRefreshing())

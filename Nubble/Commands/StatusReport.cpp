@@ -21,7 +21,7 @@ namespace nubble {
 
 namespace {
 
-QJsonObject sessionReport(SessionMonitor &monitor, const ClaudeSession &session, const Clock &clock)
+QJsonObject sessionReport(const SessionMonitor &monitor, const ClaudeSession &session, const Clock &clock)
 {
     const SessionDetail detail = monitor.details().byId().value(session.sessionId);
     return {
@@ -124,7 +124,7 @@ QString usageTable(const QJsonObject &usage, const QDateTime &now)
 
 } // namespace
 
-QJsonObject statusReport(SessionMonitor &monitor, const Clock &clock)
+QJsonObject statusReport(const SessionMonitor &monitor, const Clock &clock)
 {
     QJsonArray sessions;
     for (const ClaudeSession &session : monitor.sessions())

@@ -16,7 +16,7 @@ class SessionMonitor;
 // What `nubble status` prints. Main thread only.
 
 // The activity of all sessions, and the sessions in the order of their card.
-[[nodiscard]] QJsonObject statusReport(SessionMonitor &monitor, const Clock &clock);
+[[nodiscard]] QJsonObject statusReport(const SessionMonitor &monitor, const Clock &clock);
 
 // Both windows of the plan, and why their numbers may be old.
 [[nodiscard]] QJsonObject usageReport(const PlanUsageMonitor &planUsage);

@@ -114,7 +114,7 @@ void NotchView::open(PanelMode mode)
     if (mode == PanelMode::sessions()) {
         SessionMonitor &monitor = m_services.sessionMonitor;
         monitor.refresh();
-        monitor.details().update(monitor.sessions(), false);
+        monitor.refreshDetails(false);
         m_services.planUsage.refresh(false);
     }
 }

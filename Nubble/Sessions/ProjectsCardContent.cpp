@@ -37,7 +37,7 @@ QLabel *makeEmptyLabel()
 } // namespace
 
 ProjectsCardContent::ProjectsCardContent(
-    SessionMonitor &monitor, const Clock &clock, int maxHeight, QWidget *parent)
+    const SessionMonitor &monitor, const Clock &clock, int maxHeight, QWidget *parent)
     : QWidget(parent), m_monitor(monitor), m_clock(clock), m_header(new CardHeader(u"Claude Projects"_s)),
       m_empty(makeEmptyLabel()), m_list(new QWidget), m_rows(new QVBoxLayout(m_list))
 {

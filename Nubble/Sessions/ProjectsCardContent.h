@@ -25,7 +25,7 @@ class ProjectsCardContent : public QWidget {
 public:
     // `maxHeight` is what the screen has room for.
     ProjectsCardContent(
-        SessionMonitor &monitor, const Clock &clock, int maxHeight, QWidget *parent = nullptr);
+        const SessionMonitor &monitor, const Clock &clock, int maxHeight, QWidget *parent = nullptr);
 
 Q_SIGNALS:
     void sessionChosen(qint32 pid);
@@ -40,7 +40,7 @@ private:
     void orderFocus();
     void showRow(const ClaudeSession &session, int position);
 
-    SessionMonitor &m_monitor;
+    const SessionMonitor &m_monitor;
     const Clock &m_clock;
     CardHeader *m_header;
     QLabel *m_empty;

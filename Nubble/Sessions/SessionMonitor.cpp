@@ -79,7 +79,17 @@ void SessionMonitor::refresh()
     live->removeIf([this](const ClaudeSession &session) { return !m_processes.canSignal(session.pid); });
     trackRuns(*live);
     publish(newestFirst(*live));
-    m_details.update(m_sessions, false);
+    refreshDetails(false);
+}
+
+void SessionMonitor::refreshDetails(bool force)
+{
+    m_details.update(m_sessions, force);
+}
+
+void SessionMonitor::waitForDetails()
+{
+    m_details.waitForDone();
 }
 
 void SessionMonitor::publish(QList<ClaudeSession> sessions)

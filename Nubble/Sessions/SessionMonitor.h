@@ -37,9 +37,11 @@ public:
     [[nodiscard]] RunState runState(const ClaudeSession &session) const;
     [[nodiscard]] RunState workState(const ClaudeSession &session) const; // the same but for waiting
     [[nodiscard]] Activity activity() const;
-    [[nodiscard]] SessionDetails &details() { return m_details; }
+    [[nodiscard]] const SessionDetails &details() const { return m_details; }
 
     void refresh();
+    void refreshDetails(bool force); // of the sessions as last read; see SessionDetails::update
+    void waitForDetails();           // blocks until they are read and published
 
 Q_SIGNALS:
     void sessionsChanged();

@@ -198,7 +198,7 @@ private Q_SLOTS:
             "{\"type\":\"ai-title\",\"aiTitle\":\"A title\",\"sessionId\":\"session-11\"}\n");
         choose(menus.ofIcon(), u"Refresh Everything"_s);
         QCOMPARE(world.monitor.sessions().size(), 1);
-        world.monitor.details().waitForDone();
+        world.monitor.waitForDetails();
         QCOMPARE(world.monitor.details().byId().value(u"session-11"_s).title, u"A title"_s);
     }
 };

@@ -74,7 +74,7 @@ private Q_SLOTS:
             for (int poll = 0; poll < 5; ++poll) {
                 world.addSession(3, u"session 3"_s, u"idle"_s, 300'000); // rewritten as it was
                 world.monitor.refresh();
-                world.monitor.details().waitForDone();
+                world.monitor.waitForDetails();
                 settle(panel);
             }
             Q_EMIT world.mainScreen.changed();
