@@ -13,6 +13,7 @@
 #include "Shell/Relaunch.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace nubble {
 
@@ -72,9 +73,10 @@ std::optional<QString> start(const CommandLine &line, const SessionBus &bus)
 // Whichever instance comes up first: another command may be starting one as well.
 BusAnswer askOnceThere(const SessionBus &bus, const QString &method, const QVariantList &arguments = {})
 {
-    QDeadlineTimer patience(10'000);
+    QDeadlineTimer patience(10s);
     while (true) {
-        BusAnswer answer = bus.call(method, arguments, static_cast<int>(patience.remainingTime()));
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(patience.remainingTimeAsDuration());
+        BusAnswer answer = bus.call(method, arguments, left);
         if (answer.kind != BusAnswer::Kind::NotOwned || patience.hasExpired())
             return answer;
         QThread::msleep(20);
@@ -85,7 +87,7 @@ BusAnswer askOnceThere(const SessionBus &bus, const QString &method, const QVari
 
 int runInInstance(const CommandLine &line, const SessionBus &bus)
 {
-    constexpr int patience = 5000;
+    constexpr auto patience = 5s;
     const Request request = requestFor(line);
     BusAnswer answer = bus.call(request.method, request.arguments, patience);
     if (answer.kind == BusAnswer::Kind::NotOwned && !request.methodAfterStart.isEmpty()) {

@@ -20,6 +20,7 @@
 #include "Usage/PlanUsageMonitor.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace nubble {
 
@@ -54,7 +55,7 @@ qsizetype terminalWidth()
 
 int printStatus(const Home &home, const SessionBus &bus, bool json)
 {
-    constexpr int patience = 2000;
+    constexpr auto patience = 2s;
     const BusAnswer answer = bus.call(u"Status"_s, {}, patience);
     QJsonObject report = QJsonDocument::fromJson(answer.values.value(0).toString().toUtf8()).object();
     if (report.isEmpty())

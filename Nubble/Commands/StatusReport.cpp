@@ -32,7 +32,7 @@ QJsonObject sessionReport(const SessionMonitor &monitor, const ClaudeSession &se
         {u"lastPrompt"_s, detail.lastPrompt ? QJsonValue(*detail.lastPrompt) : QJsonValue()},
         {u"state"_s, stateName(monitor.workState(session))},
         {u"word"_s, rowWord(monitor.runState(session))},
-        {u"elapsed"_s, elapsedText(session.updatedAt.value_or(session.startedAt), clock.msecsSinceEpoch())},
+        {u"elapsed"_s, elapsedText(timePointOf(session.lastActivity()), clock.now())},
         {u"startedAt"_s, session.startedAt},
         {u"updatedAt"_s, session.updatedAt ? QJsonValue(*session.updatedAt) : QJsonValue()},
     };

@@ -6,8 +6,9 @@
 
 namespace nubble {
 
-// One running Claude Code session, as its own process describes it. Times are milliseconds since 1970 (UTC).
-// `sessionId` is its identity, though two terminals can have the same conversation open.
+// One running Claude Code session, as its own process describes it. Times are milliseconds since 1970 (UTC),
+// any number that it claims (timePointOf). `sessionId` is its identity, though two terminals can have the
+// same conversation open.
 struct ClaudeSession {
     qint32 pid = 0;
     QString sessionId;
@@ -23,10 +24,7 @@ struct ClaudeSession {
 
     [[nodiscard]] bool isBusy() const { return status == QStringView(u"busy"); }
     [[nodiscard]] bool isWaiting() const { return status == QStringView(u"waiting"); }
-    [[nodiscard]] double lastActivity() const
-    {
-        return updatedAt.value_or(startedAt) / 1000;
-    } // seconds since 1970
+    [[nodiscard]] double lastActivity() const { return updatedAt.value_or(startedAt); }
 };
 
 } // namespace nubble

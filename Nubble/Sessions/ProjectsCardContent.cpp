@@ -129,7 +129,7 @@ void ProjectsCardContent::showRow(const ClaudeSession &session, int position)
         .title = rowTitle(session, detail),
         .lastPrompt = detail.lastPrompt.value_or(QString()),
         .state = m_monitor.runState(session),
-        .elapsed = elapsedText(session.updatedAt.value_or(session.startedAt), m_clock.msecsSinceEpoch()),
+        .elapsed = elapsedText(timePointOf(session.lastActivity()), m_clock.now()),
         .symbol = rowSymbol(session),
         .folder = session.cwd,
     });

@@ -2,7 +2,6 @@
 
 #include <QFile>
 
-#include <chrono>
 #include <cstring>
 #include <dirent.h>
 #include <memory>
@@ -12,19 +11,16 @@
 #include "Platform/RegularFile.h"
 #include "Sessions/SessionParsing.h"
 
+using namespace std::chrono_literals;
+
 namespace nubble {
 
 namespace {
 
 constexpr qint64 largestRecord = 1'048'576; // bytes
 constexpr qint64 largestPass = 64 * largestRecord;
-constexpr std::chrono::milliseconds longestWait(2);
-constexpr std::chrono::microseconds waitStep(100);
-
-qint64 steadyNsecs()
-{
-    return std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count();
-}
+constexpr auto longestWait = 2ms;
+constexpr auto waitStep = 100us;
 
 bool isCandidate(const dirent &entry)
 {
@@ -104,9 +100,9 @@ SessionFiles::Outcome SessionFiles::readRecord(
 
 bool SessionFiles::waitForWriter(Allowance &allowance)
 {
-    const qint64 now = steadyNsecs();
+    const auto now = std::chrono::steady_clock::now();
     if (!allowance.waitUntil)
-        allowance.waitUntil = now + std::chrono::nanoseconds(longestWait).count();
+        allowance.waitUntil = now + longestWait;
     if (now >= *allowance.waitUntil)
         return false;
     std::this_thread::sleep_for(waitStep);

@@ -4,6 +4,7 @@
 #include <QHash>
 #include <QList>
 
+#include <chrono>
 #include <optional>
 
 #include "Sessions/ClaudeSession.h"
@@ -32,7 +33,7 @@ private:
     // What one pass may still spend.
     struct Allowance {
         qint64 bytes;
-        std::optional<qint64> waitUntil; // nanoseconds of the steady clock
+        std::optional<std::chrono::steady_clock::time_point> waitUntil;
     };
 
     static Outcome readRecord(const char *name, int folder, Record &record, Allowance &allowance);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <chrono>
 
-#include "Platform/Clock.h"
 #include "Platform/MainThread.h"
 #include "Platform/ProcessTable.h"
 
@@ -14,7 +13,7 @@ namespace nubble {
 namespace {
 
 constexpr auto pollInterval = 1s;
-constexpr qint64 completionMsecs = 120'000;
+constexpr auto completionLasts = 120s;
 
 // Sessions of equal activity keep their order.
 QList<ClaudeSession> newestFirst(const QList<ClaudeSession> &sessions)
@@ -102,7 +101,7 @@ void SessionMonitor::publish(QList<ClaudeSession> sessions)
 
 void SessionMonitor::trackRuns(const QList<ClaudeSession> &live)
 {
-    const qint64 now = m_clock.msecsSinceEpoch();
+    const TimePoint now = m_clock.now();
     QSet<QString> ids;
     QSet<Run> busy;
     for (const ClaudeSession &session : live) {
@@ -119,10 +118,10 @@ void SessionMonitor::trackRuns(const QList<ClaudeSession> &live)
     forgetCompletions(ids, now);
 }
 
-void SessionMonitor::forgetCompletions(const QSet<QString> &ids, qint64 now)
+void SessionMonitor::forgetCompletions(const QSet<QString> &ids, TimePoint now)
 {
     m_completedAt.removeIf(
-        [&](const auto &each) { return !ids.contains(each.key()) || now - each.value() >= completionMsecs; });
+        [&](const auto &each) { return !ids.contains(each.key()) || now - each.value() >= completionLasts; });
     QSet<QString> completed(m_completedAt.keyBegin(), m_completedAt.keyEnd());
     if (completed == m_recentlyCompleted)
         return;

@@ -8,6 +8,7 @@
 
 #include <utility>
 
+#include "Platform/Clock.h"
 #include "Sessions/ClaudeSession.h"
 #include "Sessions/RunState.h"
 #include "Sessions/SessionDetails.h"
@@ -15,7 +16,6 @@
 
 namespace nubble {
 
-class Clock;
 class ProcessTable;
 
 // The ordered list of live sessions and the set of those that finished within the last two minutes. Polls its
@@ -52,7 +52,7 @@ private:
     using Run = std::pair<QString, qint32>;
 
     void trackRuns(const QList<ClaudeSession> &live);
-    void forgetCompletions(const QSet<QString> &ids, qint64 now);
+    void forgetCompletions(const QSet<QString> &ids, TimePoint now);
     void publish(QList<ClaudeSession> sessions);
 
     SessionFiles m_files;
@@ -61,8 +61,8 @@ private:
     SessionDetails m_details;
     QList<ClaudeSession> m_sessions;
     QSet<QString> m_recentlyCompleted;
-    QSet<Run> m_busy;                     // at the last poll
-    QHash<QString, qint64> m_completedAt; // milliseconds since 1970, by session id
+    QSet<Run> m_busy;                        // at the last poll
+    QHash<QString, TimePoint> m_completedAt; // by session id
     QTimer m_timer;
 };
 

@@ -7,7 +7,7 @@ namespace nubble {
 Transcripts::Transcripts(const QString &projectsFolder) : m_finder(projectsFolder, m_costs) { }
 
 QHash<QString, SessionDetail> Transcripts::update(
-    const QList<ClaudeSession> &sessions, bool force, qint64 now, const std::stop_token &stop)
+    const QList<ClaudeSession> &sessions, bool force, TimePoint now, const std::stop_token &stop)
 {
     m_finder.startPass(now, force);
     QSet<QString> ids;

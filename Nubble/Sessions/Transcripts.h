@@ -21,9 +21,9 @@ public:
     Q_DISABLE_COPY_MOVE(Transcripts)
 
     // The details of those of `sessions` that have a transcript. An unchanged transcript costs one look at
-    // its attributes. `now` is in milliseconds since 1970.
+    // its attributes.
     QHash<QString, SessionDetail> update(
-        const QList<ClaudeSession> &sessions, bool force, qint64 now, const std::stop_token &stop = {});
+        const QList<ClaudeSession> &sessions, bool force, TimePoint now, const std::stop_token &stop = {});
 
     [[nodiscard]] const FileCosts &costs() const { return m_costs; } // since it was constructed
 

@@ -3,11 +3,11 @@
 #include <QObject>
 #include <QThreadPool>
 
+#include "Platform/Clock.h"
 #include "Usage/PlanUsageReader.h"
 
 namespace nubble {
 
-class Clock;
 class Defaults;
 class Home;
 
@@ -57,8 +57,8 @@ private:
 
     const Clock &m_clock;
     Shown m_shown;
-    QList<QByteArray> m_entries;       // known to hold usage answers
-    std::optional<qint64> m_scannedAt; // when the folder was last listed
+    QList<QByteArray> m_entries;          // known to hold usage answers
+    std::optional<TimePoint> m_scannedAt; // when the folder was last listed
     bool m_working = false;
     PlanUsageReader m_reader; // the worker's, while m_working
     std::stop_source m_stop;

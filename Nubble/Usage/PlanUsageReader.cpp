@@ -17,17 +17,17 @@ namespace nubble {
 
 namespace {
 
-qint64 modificationOf(const QByteArray &path)
+FileTime modificationOf(const QByteArray &path)
 {
     struct stat info { };
-    return ::stat(path.constData(), &info) == 0 ? nsecsSinceEpoch(info.st_mtim) : 0;
+    return ::stat(path.constData(), &info) == 0 ? fileTimeOf(info.st_mtim) : FileTime();
 }
 
 // Newest first, otherwise in the order given: the first that gives a reading is the newest reading, and the
 // others need no child process.
 QList<QByteArray> byModification(const QList<QByteArray> &entries)
 {
-    std::vector<std::pair<qint64, QByteArray>> dated;
+    std::vector<std::pair<FileTime, QByteArray>> dated;
     for (const QByteArray &each : entries)
         dated.emplace_back(modificationOf(each), each);
     std::stable_sort(
@@ -120,7 +120,7 @@ std::optional<Reading> PlanUsageReader::readingOf(
     const auto windows = json ? parseUsageJson(*json) : std::nullopt;
     if (!windows)
         return std::nullopt;
-    const auto capturedAt = QDateTime::fromMSecsSinceEpoch(file->modifiedNsecs() / 1'000'000, Qt::UTC);
+    const auto capturedAt = std::chrono::floor<std::chrono::milliseconds>(file->modified());
     return Reading{entry, windows->session, windows->weekly, capturedAt};
 }
 

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 
+#include "Platform/Clock.h"
 #include "Usage/PlanWindow.h"
 
 namespace nubble {
@@ -11,7 +12,7 @@ struct Reading {
     QByteArray entry; // path of the file, as the file system spells it
     std::optional<PlanWindow> session;
     std::optional<PlanWindow> weekly;
-    QDateTime capturedAt; // when the file was last written
+    TimePoint capturedAt; // when the file was last written
 
     bool operator==(const Reading &) const = default;
 };

@@ -64,7 +64,7 @@ UsageCardContent::UsageCardContent(
 
 void UsageCardContent::updateWindows()
 {
-    const QDateTime now = QDateTime::fromMSecsSinceEpoch(m_clock.msecsSinceEpoch());
+    const QDateTime now = QDateTime::fromMSecsSinceEpoch(m_clock.now().time_since_epoch().count());
     const bool animated = !m_preferences.reducedMotion();
     showWindow(*m_session, m_planUsage.session(), now, animated);
     showWindow(*m_weekly, m_planUsage.weekly(), now, animated);

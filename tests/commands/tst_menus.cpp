@@ -6,6 +6,7 @@
 #include "support/PanelWorld.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 using namespace nubble;
 
 namespace {
@@ -192,7 +193,7 @@ private Q_SLOTS:
     {
         PanelWorld world;
         OpenMenus menus(world);
-        world.addSession(11, QString(), u"idle"_s, 0);
+        world.addSession(11, QString(), u"idle"_s, 0ms);
         world.home.write(
             u".claude/projects/-work-project/session-11.jsonl"_s,
             "{\"type\":\"ai-title\",\"aiTitle\":\"A title\",\"sessionId\":\"session-11\"}\n");

@@ -6,6 +6,7 @@
 #include "notch/PanelUnderTest.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 using namespace nubble;
 
 class TestSessionsCard : public QObject {
@@ -15,9 +16,9 @@ private Q_SLOTS:
     void rowsOutliveAPollAndKeepTheFocusWhenTheyChangePlaces()
     {
         PanelWorld world;
-        world.addSession(11, u"a"_s, u"idle"_s, 3000);
-        world.addSession(12, u"b"_s, u"idle"_s, 2000);
-        world.addSession(13, u"c"_s, u"idle"_s, 1000);
+        world.addSession(11, u"a"_s, u"idle"_s, 3s);
+        world.addSession(12, u"b"_s, u"idle"_s, 2s);
+        world.addSession(13, u"c"_s, u"idle"_s, 1s);
         PanelUnderTest panel(world);
         panel.clickRing();
         QApplication::setActiveWindow(&panel.view());
@@ -25,9 +26,9 @@ private Q_SLOTS:
         before.at(2)->setFocus();
         QVERIFY(before.at(2)->hasFocus());
 
-        world.addSession(11, u"a"_s, u"busy"_s, 0);
+        world.addSession(11, u"a"_s, u"busy"_s, 0ms);
         world.endSession(12);
-        world.addSession(14, u"d"_s, u"idle"_s, 500);
+        world.addSession(14, u"d"_s, u"idle"_s, 500ms);
         world.monitor.refresh();
         QTRY_COMPARE(
             panel.rowNames(),
@@ -45,8 +46,8 @@ private Q_SLOTS:
     void aClickOrTheKeyboardBringsTheRowsOwnTerminalForward()
     {
         PanelWorld world;
-        world.addSession(11, u"one"_s, u"idle"_s, 1000, QJsonObject{{u"sessionId"_s, u"same"_s}});
-        world.addSession(12, u"two"_s, u"idle"_s, 2000, QJsonObject{{u"sessionId"_s, u"same"_s}});
+        world.addSession(11, u"one"_s, u"idle"_s, 1s, QJsonObject{{u"sessionId"_s, u"same"_s}});
+        world.addSession(12, u"two"_s, u"idle"_s, 2s, QJsonObject{{u"sessionId"_s, u"same"_s}});
         world.workspace.applications = {{11, u"XTerm"_s, u"xterm"_s}, {12, u"XTerm"_s, u"xterm"_s}};
         PanelUnderTest panel(world);
         panel.clickRing();
@@ -61,12 +62,12 @@ private Q_SLOTS:
     {
         const QList<QColor> accents{Palette::badge, Palette::bronze, Palette::ample};
         PanelWorld world;
-        world.addSession(13, u"finishes"_s, u"busy"_s, 3000);
+        world.addSession(13, u"finishes"_s, u"busy"_s, 3s);
         world.monitor.refresh();
-        world.addSession(11, u"waits"_s, u"waiting"_s, 1000);
-        world.addSession(12, u"works"_s, u"busy"_s, 2000);
-        world.addSession(13, u"finishes"_s, u"idle"_s, 3000);
-        world.addSession(14, u"rests"_s, u"idle"_s, 4000, {{u"entrypoint"_s, u"claude-desktop"_s}});
+        world.addSession(11, u"waits"_s, u"waiting"_s, 1s);
+        world.addSession(12, u"works"_s, u"busy"_s, 2s);
+        world.addSession(13, u"finishes"_s, u"idle"_s, 3s);
+        world.addSession(14, u"rests"_s, u"idle"_s, 4s, {{u"entrypoint"_s, u"claude-desktop"_s}});
         PanelUnderTest panel(world);
         panel.clickRing();
         QTRY_COMPARE(
@@ -92,9 +93,9 @@ private Q_SLOTS:
         PanelWorld world;
         for (int i = 0; i < titles.size(); ++i)
             world.addSession(
-                11 + i, titles.at(i), u"idle"_s, 1000 * i,
+                11 + i, titles.at(i), u"idle"_s, i * 1s,
                 QJsonObject{{u"cwd"_s, QString(u"/"_s + titles.at(i))}});
-        world.addSession(30, u"plain"_s, u"idle"_s, 50'000);
+        world.addSession(30, u"plain"_s, u"idle"_s, 50s);
         PanelUnderTest panel(world);
         panel.clickRing();
         QElapsedTimer timer;
@@ -118,13 +119,13 @@ private Q_SLOTS:
     {
         PanelWorld world;
         for (int pid = 1; pid <= 300; ++pid)
-            world.addSession(pid, u"session %1"_s.arg(pid), pid % 7 == 0 ? u"busy"_s : u"idle"_s, pid * 1000);
+            world.addSession(pid, u"session %1"_s.arg(pid), pid % 7 == 0 ? u"busy"_s : u"idle"_s, pid * 1s);
         PanelUnderTest panel(world);
         QElapsedTimer timer;
         timer.start();
         panel.clickRing();
         QVERIFY(!panel.view().grab().isNull());
-        world.addSession(300, u"session 300"_s, u"busy"_s, 0); // from the end to the top
+        world.addSession(300, u"session 300"_s, u"busy"_s, 0ms); // from the end to the top
         world.monitor.refresh();
         QTRY_VERIFY(panel.rows().constFirst()->accessibleName().startsWith(u"session 300,"_s));
         QVERIFY2(timer.elapsed() < 5000, "the card takes too long");

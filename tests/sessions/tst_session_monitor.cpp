@@ -15,6 +15,7 @@
 #include "support/TemporaryHome.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 using namespace nubble;
 
 class SessionMonitorTest : public QObject {
@@ -62,11 +63,11 @@ private Q_SLOTS:
         QCOMPARE(m_monitor->activity().overall, RunState::Working);
         refreshWith(7, u"a"_s, QString());
         QCOMPARE(m_monitor->activity().overall, RunState::Completed);
-        m_clock.advance(119'999);
+        m_clock.advance(119999ms);
         refreshWith(7, u"a"_s, u"busy"_s);
         QCOMPARE(m_monitor->recentlyCompleted(), QSet{u"a"_s});
         QCOMPARE(m_monitor->runState(m_monitor->sessions().first()), RunState::Working);
-        m_clock.advance(1);
+        m_clock.advance(1ms);
         m_monitor->refresh();
         QCOMPARE(m_monitor->recentlyCompleted(), QSet<QString>());
         QCOMPARE(changed.count(), 2);

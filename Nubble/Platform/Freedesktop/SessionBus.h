@@ -4,6 +4,8 @@
 #include <QString>
 #include <QVariantList>
 
+#include <chrono>
+
 namespace nubble {
 
 // What became of a call.
@@ -44,7 +46,7 @@ public:
 
     // Calls a method of the owner's control object and waits for its answer, for as long as that.
     [[nodiscard]] BusAnswer call(
-        const QString &method, const QVariantList &arguments, int timeoutMsecs) const;
+        const QString &method, const QVariantList &arguments, std::chrono::milliseconds timeout) const;
 
 private:
     QString m_serviceName;
