@@ -135,8 +135,8 @@ QJsonObject statusReport(const SessionMonitor &monitor, const Clock &clock)
 QJsonObject usageReport(const PlanUsageMonitor &planUsage)
 {
     return {
-        {u"session"_s, windowReport(planUsage.session())},
-        {u"weekly"_s, windowReport(planUsage.weekly())},
+        {u"session"_s, windowReport(planUsage.windows().session)},
+        {u"weekly"_s, windowReport(planUsage.windows().weekly)},
         {u"problem"_s, planUsage.problem() ? QJsonValue(*planUsage.problem()) : QJsonValue()},
     };
 }

@@ -7,6 +7,7 @@
 
 #include "Notch/StatusRing.h"
 #include "Placement/Layout.h"
+#include "Usage/PlanWindow.h"
 #include "Usage/UsageTexts.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Typography.h"
@@ -81,8 +82,9 @@ void ClaudeCell::setActivity(const Activity &activity)
     update();
 }
 
-void ClaudeCell::setFraction(std::optional<double> fraction)
+void ClaudeCell::setUsage(const PlanWindows &windows)
 {
+    const auto fraction = windows.session ? std::optional(windows.session->fraction) : std::nullopt;
     if (m_fraction == fraction)
         return;
     m_fraction = fraction;

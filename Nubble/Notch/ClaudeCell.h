@@ -11,6 +11,8 @@
 
 namespace nubble {
 
+struct PlanWindows;
+
 // The status ring with the percentage of the plan below it, a button that opens the sessions card. Repaints
 // only when something that it shows changes, and at every frame while something works.
 class ClaudeCell : public QAbstractButton {
@@ -23,7 +25,7 @@ public:
     void placeAround(const QPointF &ringCenter, NotchEdge edge, double percentLineHeight);
 
     void setActivity(const Activity &activity);
-    void setFraction(std::optional<double> fraction); // of the plan's session window; above 1 shows as 1
+    void setUsage(const PlanWindows &windows); // shows the session's; above 1 as 1
     void setMotionReduced(bool reduced);
 
 Q_SIGNALS:

@@ -98,8 +98,7 @@ void NotchView::updateActivity()
 
 void NotchView::updateFraction()
 {
-    const std::optional<PlanWindow> &session = m_services.planUsage.session();
-    m_claude->setFraction(session ? std::optional(session->fraction) : std::nullopt);
+    m_claude->setUsage(m_services.planUsage.windows());
 }
 
 void NotchView::open(PanelMode mode)

@@ -97,10 +97,10 @@ void PlanUsageMonitor::accept(const ReadOutcome &outcome)
 PlanUsageMonitor::Shown PlanUsageMonitor::shownAfter(const ReadOutcome &outcome) const
 {
     if (const ReadProblem *problem = std::get_if<ReadProblem>(&outcome.result))
-        return {m_shown.session, m_shown.weekly, problemText(*problem)};
+        return {m_shown.windows, problemText(*problem)};
     const Reading &reading = std::get<Reading>(outcome.result);
     const auto age = m_clock.now() - reading.capturedAt;
-    return {reading.session, reading.weekly, age > freshFor ? std::optional(staleText(age)) : std::nullopt};
+    return {reading.windows, age > freshFor ? std::optional(staleText(age)) : std::nullopt};
 }
 
 } // namespace nubble

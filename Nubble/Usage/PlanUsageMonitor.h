@@ -26,8 +26,7 @@ public:
     static const QString defaultDomain;
     [[nodiscard]] static QString domainIn(const Defaults &defaults); // as the user prefers
 
-    [[nodiscard]] const std::optional<PlanWindow> &session() const { return m_shown.session; }
-    [[nodiscard]] const std::optional<PlanWindow> &weekly() const { return m_shown.weekly; }
+    [[nodiscard]] const PlanWindows &windows() const { return m_shown.windows; }
     [[nodiscard]] const std::optional<QString> &problem() const
     {
         return m_shown.problem;
@@ -39,13 +38,12 @@ public:
     void refresh(bool rescan);
 
 Q_SIGNALS:
-    void changed(); // session, weekly or problem
+    void changed(); // windows or problem
     void refreshingChanged();
 
 private:
     struct Shown {
-        std::optional<PlanWindow> session;
-        std::optional<PlanWindow> weekly;
+        PlanWindows windows;
         std::optional<QString> problem;
 
         bool operator==(const Shown &) const = default;

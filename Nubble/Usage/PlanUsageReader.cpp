@@ -121,7 +121,7 @@ std::optional<Reading> PlanUsageReader::readingOf(
     if (!windows)
         return std::nullopt;
     const auto capturedAt = std::chrono::floor<std::chrono::milliseconds>(file->modified());
-    return Reading{entry, windows->session, windows->weekly, capturedAt};
+    return Reading{entry, *windows, capturedAt};
 }
 
 } // namespace nubble

@@ -10,8 +10,7 @@ namespace nubble {
 // What one usage answer in the cache says; at least one of the windows is there.
 struct Reading {
     QByteArray entry; // path of the file, as the file system spells it
-    std::optional<PlanWindow> session;
-    std::optional<PlanWindow> weekly;
+    PlanWindows windows;
     TimePoint capturedAt; // when the file was last written
 
     bool operator==(const Reading &) const = default;

@@ -99,7 +99,7 @@ private:
     }
     QString shown() const
     {
-        const auto &session = m_monitor->session();
+        const auto &session = m_monitor->windows().session;
         const QString number = session ? QString::number(qRound(session->fraction * 100)) : u"none"_s;
         const auto &problem = m_monitor->problem();
         return problem ? number + u", " + *problem : number;

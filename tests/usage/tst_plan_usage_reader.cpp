@@ -29,7 +29,7 @@ QByteArray printed(const ReadOutcome &outcome)
     if (const ReadProblem *problem = std::get_if<ReadProblem>(&outcome.result))
         text = problems.value(*problem);
     else
-        text = QByteArray::number(qRound(std::get<Reading>(outcome.result).session->fraction * 100));
+        text = QByteArray::number(qRound(std::get<Reading>(outcome.result).windows.session->fraction * 100));
     if (!outcome.entries)
         return text;
     text += ':';
