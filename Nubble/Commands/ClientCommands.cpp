@@ -58,16 +58,15 @@ Request requestFor(const CommandLine &line)
     }
 }
 
-// Why an instance cannot be started, if so.
-std::optional<QString> start(const CommandLine &line, const SessionBus &bus)
+Outcome start(const CommandLine &line, const SessionBus &bus)
 {
     if (!qtPlatform())
-        return u"there is no display to show the panel on"_s;
+        return Outcome::failed(u"there is no display to show the panel on"_s);
     if (!bus.isConnected())
-        return u"there is no session bus to reach Nubble by"_s;
+        return Outcome::failed(u"there is no session bus to reach Nubble by"_s);
     if (!Relaunch::ofThisProgram(line.startArguments()).startDetached())
-        return u"Nubble cannot be started"_s;
-    return std::nullopt;
+        return Outcome::failed(u"Nubble cannot be started"_s);
+    return Outcome::done();
 }
 
 // Whichever instance comes up first: another command may be starting one as well.
@@ -91,8 +90,8 @@ int runInInstance(const CommandLine &line, const SessionBus &bus)
     const Request request = requestFor(line);
     BusAnswer answer = bus.call(request.method, request.arguments, patience);
     if (answer.kind == BusAnswer::Kind::NotOwned && !request.methodAfterStart.isEmpty()) {
-        if (const std::optional<QString> obstacle = start(line, bus))
-            return fail(ExitFailed, *obstacle);
+        if (const Outcome started = start(line, bus); !started.isDone())
+            return fail(ExitFailed, started.why());
         answer = askOnceThere(bus, request.methodAfterStart, request.arguments);
         if (answer.kind == BusAnswer::Kind::NotOwned)
             return fail(ExitFailed, u"Nubble does not start; without a command it says why"_s);
@@ -105,10 +104,10 @@ int runInInstance(const CommandLine &line, const SessionBus &bus)
 int setAutostart(const CommandLine &line, const Home &home)
 {
     const Autostart autostart(home.configFolder());
-    const std::optional<QString> obstacle = line.verb == Verb::AutostartOn
+    const Outcome outcome = line.verb == Verb::AutostartOn
         ? autostart.enable(Relaunch::ofThisProgram(line.startArguments()))
         : autostart.disable();
-    return obstacle ? fail(ExitFailed, *obstacle) : ExitDone;
+    return outcome.isDone() ? ExitDone : fail(ExitFailed, outcome.why());
 }
 
 int exitStatusOf(const BusAnswer &answer)
