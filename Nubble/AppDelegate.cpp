@@ -68,7 +68,7 @@ void AppDelegate::registerParts()
     showOnRing(m_panel.view().ring(), models());
     m_commands.addRefresh([this] {
         m_sessionMonitor.refresh();
-        m_sessionMonitor.details().update(m_sessionMonitor.sessions(), true);
+        m_sessionMonitor.refreshDetails(true);
     });
     m_commands.addRefresh([this] { m_planUsage.refresh(true); });
     m_commands.addReport([this](QJsonObject &status) { reportSessions(m_sessionMonitor, m_clock, status); });

@@ -1,7 +1,5 @@
 #include "NotchRegistry.h"
 
-#include <algorithm>
-
 #include "Notch/ClaudeCell.h"
 #include "Notch/NotchAction.h"
 #include "Sessions/ProjectsCardContent.h"
@@ -85,16 +83,8 @@ std::vector<std::unique_ptr<NotchAction>> notchActions(
 
 void showOnRing(ClaudeCell &ring, const NotchModels &models)
 {
-    const auto showActivity = [&ring, &monitor = models.sessions] {
-        const QList<ClaudeSession> &sessions = monitor.sessions();
-        const bool waiting = std::any_of(sessions.begin(), sessions.end(), [](const ClaudeSession &session) {
-            return session.status == u"waiting";
-        });
-        ring.setActivity(monitor.activity(), waiting);
-    };
-    const auto showUsage = [&ring, &usage = models.planUsage] {
-        ring.setFraction(usage.session() ? std::optional(usage.session()->fraction) : std::nullopt);
-    };
+    const auto showActivity = [&ring, &monitor = models.sessions] { ring.setActivity(monitor.activity()); };
+    const auto showUsage = [&ring, &usage = models.planUsage] { ring.setUsage(usage.windows()); };
     QObject::connect(&models.sessions, &SessionMonitor::sessionsChanged, &ring, showActivity);
     QObject::connect(&models.sessions, &SessionMonitor::recentlyCompletedChanged, &ring, showActivity);
     QObject::connect(&models.planUsage, &PlanUsageMonitor::changed, &ring, showUsage);

@@ -145,18 +145,17 @@ void pollUnchanged(benchmark::State &state)
     const LinuxProcessTable processes;
     const SystemClock clock;
     SessionMonitor monitor(sample.sessionsFolder(), sample.projectsFolder(), processes, clock);
-    monitor.details().waitForDone();
+    monitor.waitForDetails();
     const QByteArray folder = QFile::encodeName(sample.sessionsFolder());
     compare(
-        state, [&] { monitor.refresh(); }, [&] { bareReads(folder); },
-        [&] { monitor.details().waitForDone(); });
+        state, [&] { monitor.refresh(); }, [&] { bareReads(folder); }, [&] { monitor.waitForDetails(); });
 }
 
 void updateUnchanged(benchmark::State &state)
 {
     const Sample sample(static_cast<int>(state.range(0)));
     Transcripts transcripts(sample.projectsFolder());
-    transcripts.update(sample.sessions(), false, 0);
+    transcripts.update(sample.sessions(), false, TimePoint());
     QList<QByteArray> paths;
     for (int i = 0; i < sample.sessions().size(); ++i)
         paths.append(QFile::encodeName(sample.transcript(i)));
@@ -167,7 +166,7 @@ void updateUnchanged(benchmark::State &state)
             benchmark::DoNotOptimize(::stat(path.constData(), &info));
     };
     compare(
-        state, [&] { transcripts.update(sample.sessions(), false, 0); }, stats);
+        state, [&] { transcripts.update(sample.sessions(), false, TimePoint()); }, stats);
     const auto perSession = static_cast<double>(state.iterations() * state.range(0));
     state.counters["stats_per_session"] =
         static_cast<double>(transcripts.costs().attributeReads - before.attributeReads) / perSession;
@@ -193,7 +192,7 @@ void firstRead(benchmark::State &state)
     qint64 bytes = 0;
     const auto work = [&] {
         Transcripts transcripts(sample.projectsFolder());
-        transcripts.update(sample.sessions(), false, 0);
+        transcripts.update(sample.sessions(), false, TimePoint());
         bytes += transcripts.costs().bytes;
     };
     compare(state, work, [&] { readEnd(path, 256 * 1024); });
@@ -207,7 +206,7 @@ void incrementalRead(benchmark::State &state)
     write(sample.transcript(0), newestLines, 500'000'000);
     const QByteArray path = QFile::encodeName(sample.transcript(0));
     Transcripts transcripts(sample.projectsFolder());
-    transcripts.update(sample.sessions(), false, 0);
+    transcripts.update(sample.sessions(), false, TimePoint());
     const qint64 before = transcripts.costs().bytes;
     const QByteArray line = QByteArray(1023, 'x') + '\n';
     const int writer = ::open(path.constData(), O_WRONLY | O_APPEND | O_CLOEXEC);
@@ -215,7 +214,7 @@ void incrementalRead(benchmark::State &state)
     for (auto _ : state) {
         if (::write(writer, line.constData(), static_cast<size_t>(line.size())) != line.size())
             qFatal("cannot append");
-        const double once = seconds([&] { transcripts.update(sample.sessions(), true, 0); });
+        const double once = seconds([&] { transcripts.update(sample.sessions(), true, TimePoint()); });
         spent += once;
         spentBare += seconds([&] {
             struct stat info { };

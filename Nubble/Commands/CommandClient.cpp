@@ -13,6 +13,7 @@
 #include "Shell/Relaunch.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace nubble {
 
@@ -57,24 +58,24 @@ Request requestFor(const CommandLine &line)
     }
 }
 
-// Why an instance cannot be started, if so.
-std::optional<QString> start(const CommandLine &line, const InstanceBus &bus)
+Outcome start(const CommandLine &line, const InstanceBus &bus)
 {
     if (!qtPlatform())
-        return u"there is no display to show the panel on"_s;
+        return Outcome::failed(u"there is no display to show the panel on"_s);
     if (!bus.isConnected())
-        return u"there is no session bus to reach Nubble by"_s;
+        return Outcome::failed(u"there is no session bus to reach Nubble by"_s);
     if (!Relaunch::ofThisProgram(line.startArguments()).startDetached())
-        return u"Nubble cannot be started"_s;
-    return std::nullopt;
+        return Outcome::failed(u"Nubble cannot be started"_s);
+    return Outcome::done();
 }
 
 // Whichever instance comes up first: another command may be starting one as well.
 BusAnswer askOnceThere(const InstanceBus &bus, const QString &method, const QVariantList &arguments = {})
 {
-    QDeadlineTimer patience(10'000);
+    QDeadlineTimer patience(10s);
     while (true) {
-        BusAnswer answer = bus.call(method, arguments, static_cast<int>(patience.remainingTime()));
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(patience.remainingTimeAsDuration());
+        BusAnswer answer = bus.call(method, arguments, left);
         if (answer.kind != BusAnswer::Kind::NotOwned || patience.hasExpired())
             return answer;
         QThread::msleep(20);
@@ -85,12 +86,12 @@ BusAnswer askOnceThere(const InstanceBus &bus, const QString &method, const QVar
 
 int runInInstance(const CommandLine &line, const InstanceBus &bus)
 {
-    constexpr int patience = 5000;
+    constexpr auto patience = 5s;
     const Request request = requestFor(line);
     BusAnswer answer = bus.call(request.method, request.arguments, patience);
     if (answer.kind == BusAnswer::Kind::NotOwned && !request.methodAfterStart.isEmpty()) {
-        if (const std::optional<QString> obstacle = start(line, bus))
-            return fail(ExitFailed, *obstacle);
+        if (const Outcome started = start(line, bus); !started.isDone())
+            return fail(ExitFailed, started.why());
         answer = askOnceThere(bus, request.methodAfterStart, request.arguments);
         if (answer.kind == BusAnswer::Kind::NotOwned)
             return fail(ExitFailed, u"Nubble does not start; without a command it says why"_s);
@@ -103,10 +104,10 @@ int runInInstance(const CommandLine &line, const InstanceBus &bus)
 int setAutostart(const CommandLine &line, const Home &home)
 {
     const Autostart autostart(home.configFolder());
-    const std::optional<QString> obstacle = line.verb == Verb::AutostartOn
+    const Outcome outcome = line.verb == Verb::AutostartOn
         ? autostart.enable(Relaunch::ofThisProgram(line.startArguments()))
         : autostart.disable();
-    return obstacle ? fail(ExitFailed, *obstacle) : ExitDone;
+    return outcome.isDone() ? ExitDone : fail(ExitFailed, outcome.why());
 }
 
 int exitStatusOf(const BusAnswer &answer)

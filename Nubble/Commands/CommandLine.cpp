@@ -6,6 +6,8 @@
 #include <array>
 #include <cstdio>
 
+#include "Platform/Outcome.h"
+
 using namespace Qt::StringLiterals;
 
 namespace nubble {
@@ -33,40 +35,40 @@ constexpr std::array spellings{
     Spelling{u"quit", CommandLine::Verb::Quit},
 };
 
-std::optional<UsageError> readCommand(CommandLine &line, const QStringList &words)
+Outcome readCommand(CommandLine &line, const QStringList &words)
 {
     if (words.isEmpty())
-        return std::nullopt;
+        return Outcome::done();
     if (words.first() == u"ask") {
         line.verb = CommandLine::Verb::Ask;
         line.question = words.sliced(1).join(u' ').trimmed();
-        return std::nullopt;
+        return Outcome::done();
     }
     const QString command = words.join(u' ');
     for (const Spelling &spelling : spellings)
         if (spelling.words == command) {
             line.verb = spelling.verb;
-            return std::nullopt;
+            return Outcome::done();
         }
     if (command == u"notes")
-        return UsageError{u"\"notes\" needs \"start\" or \"stop\"."_s};
+        return Outcome::failed(u"\"notes\" needs \"start\" or \"stop\"."_s);
     if (command == u"autostart")
-        return UsageError{u"\"autostart\" needs \"on\" or \"off\"."_s};
-    return UsageError{u"There is no command \"%1\"."_s.arg(command)};
+        return Outcome::failed(u"\"autostart\" needs \"on\" or \"off\"."_s);
+    return Outcome::failed(u"There is no command \"%1\"."_s.arg(command));
 }
 
-std::optional<UsageError> readOptions(CommandLine &line, const QCommandLineParser &parser)
+Outcome readOptions(CommandLine &line, const QCommandLineParser &parser)
 {
     if (parser.isSet(u"home"_s)) {
         const QFileInfo folder(parser.value(u"home"_s));
         if (!folder.isDir())
-            return UsageError{u"--home needs an existing folder."_s};
+            return Outcome::failed(u"--home needs an existing folder."_s);
         line.home = folder.canonicalFilePath(); // one folder, one instance, however it is spelled
     }
     line.json = parser.isSet(u"json"_s);
     if (line.json && line.verb != CommandLine::Verb::Status)
-        return UsageError{u"--json belongs to the command \"status\"."_s};
-    return std::nullopt;
+        return Outcome::failed(u"--json belongs to the command \"status\"."_s);
+    return Outcome::done();
 }
 
 } // namespace
@@ -91,15 +93,17 @@ std::variant<CommandLine, UsageError> parseCommandLine(const QStringList &argume
         line.verb = CommandLine::Verb::Help;
         return line;
     }
-    std::optional<UsageError> error;
-    if (!understood)
-        error = UsageError{parser.errorText()};
-    else if (parser.isSet(u"version"_s))
+    Outcome outcome = understood ? Outcome::done() : Outcome::failed(parser.errorText());
+    if (outcome.isDone() && parser.isSet(u"version"_s)) {
         line.verb = CommandLine::Verb::Version;
-    else if (error = readCommand(line, parser.positionalArguments()); !error)
-        error = readOptions(line, parser);
-    if (error)
-        return UsageError{error->message + u" See nubble --help."};
+        return line;
+    }
+    if (outcome.isDone())
+        outcome = readCommand(line, parser.positionalArguments());
+    if (outcome.isDone())
+        outcome = readOptions(line, parser);
+    if (!outcome.isDone())
+        return UsageError{outcome.why() + u" See nubble --help."};
     return line;
 }
 

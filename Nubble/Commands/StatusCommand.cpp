@@ -21,6 +21,7 @@
 #include "Usage/PlanUsageMonitor.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace nubble {
 
@@ -34,7 +35,7 @@ QJsonObject freshRead(const Home &home)
         home.file(u".claude/sessions"_s), home.file(u".claude/projects"_s), *processes, clock);
     const Defaults defaults(Defaults::fileOf(u"com.brevandel.nubble"_s, home.configFolder()));
     const PlanUsageMonitor planUsage(home, clock, PlanUsageMonitor::domainIn(defaults));
-    monitor.details().waitForDone();
+    monitor.waitForDetails();
     QEventLoop reading;
     QObject::connect(&planUsage, &PlanUsageMonitor::refreshingChanged, &reading, &QEventLoop::quit);
     if (planUsage.isRefreshing())
@@ -55,7 +56,7 @@ qsizetype terminalWidth()
 
 int printStatus(const Home &home, const InstanceBus &bus, bool json)
 {
-    constexpr int patience = 2000;
+    constexpr auto patience = 2s;
     const BusAnswer answer = bus.call(u"Status"_s, {}, patience);
     QJsonObject report = QJsonDocument::fromJson(answer.values.value(0).toString().toUtf8()).object();
     if (report.isEmpty())

@@ -21,19 +21,18 @@ namespace nubble {
 
 namespace {
 
-QJsonObject sessionReport(SessionMonitor &monitor, const ClaudeSession &session, const Clock &clock)
+QJsonObject sessionReport(const SessionMonitor &monitor, const ClaudeSession &session, const Clock &clock)
 {
     const SessionDetail detail = monitor.details().byId().value(session.sessionId);
-    const RunState state = monitor.runState(session);
     return {
         {u"sessionId"_s, session.sessionId},
         {u"pid"_s, session.pid},
         {u"cwd"_s, session.cwd},
         {u"title"_s, rowTitle(session, detail)},
         {u"lastPrompt"_s, detail.lastPrompt ? QJsonValue(*detail.lastPrompt) : QJsonValue()},
-        {u"state"_s, stateName(state)},
-        {u"word"_s, rowWord(session, state)},
-        {u"elapsed"_s, elapsedText(session.updatedAt.value_or(session.startedAt), clock.msecsSinceEpoch())},
+        {u"state"_s, stateName(monitor.workState(session))},
+        {u"word"_s, rowWord(monitor.runState(session))},
+        {u"elapsed"_s, elapsedText(timePointOf(session.lastActivity()), clock.now())},
         {u"startedAt"_s, session.startedAt},
         {u"updatedAt"_s, session.updatedAt ? QJsonValue(*session.updatedAt) : QJsonValue()},
     };
@@ -125,12 +124,12 @@ QString usageTable(const QJsonObject &usage, const QDateTime &now)
 
 } // namespace
 
-void reportSessions(SessionMonitor &monitor, const Clock &clock, QJsonObject &status)
+void reportSessions(const SessionMonitor &monitor, const Clock &clock, QJsonObject &status)
 {
     QJsonArray sessions;
     for (const ClaudeSession &session : monitor.sessions())
         sessions.append(sessionReport(monitor, session, clock));
-    status.insert("activity"_L1, stateName(monitor.activity()));
+    status.insert("activity"_L1, stateName(monitor.activity().overall));
     status.insert("sessions"_L1, sessions);
 }
 
@@ -139,8 +138,8 @@ void reportUsage(const PlanUsageMonitor &planUsage, QJsonObject &status)
     status.insert(
         "usage"_L1,
         QJsonObject{
-            {u"session"_s, windowReport(planUsage.session())},
-            {u"weekly"_s, windowReport(planUsage.weekly())},
+            {u"session"_s, windowReport(planUsage.windows().session)},
+            {u"weekly"_s, windowReport(planUsage.windows().weekly)},
             {u"problem"_s, planUsage.problem() ? QJsonValue(*planUsage.problem()) : QJsonValue()},
         });
 }

@@ -16,7 +16,7 @@ class SessionMonitor;
 // What `nubble status` prints: each part adds to `status` what it has to tell. Main thread only.
 
 void reportSessions(
-    SessionMonitor &monitor, const Clock &clock, QJsonObject &status); // in their card's order
+    const SessionMonitor &monitor, const Clock &clock, QJsonObject &status); // in their card's order
 void reportUsage(const PlanUsageMonitor &planUsage, QJsonObject &status);
 void reportPanel(const PanelState &state, const NotchPlacement &placement, QJsonObject &status);
 

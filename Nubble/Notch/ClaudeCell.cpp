@@ -7,6 +7,7 @@
 
 #include "Notch/StatusRing.h"
 #include "Placement/Layout.h"
+#include "Usage/PlanWindow.h"
 #include "Usage/UsageTexts.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Typography.h"
@@ -30,11 +31,11 @@ double percentDistance(NotchEdge edge, double lineHeight)
     return edge == NotchEdge::Bottom ? -distance : distance;
 }
 
-QString activityText(RunState activity, bool waiting)
+QString activityText(const Activity &activity)
 {
-    if (waiting)
+    switch (activity.waiting ? RunState::Waiting : activity.overall) {
+    case RunState::Waiting:
         return u"a session waits for you"_s;
-    switch (activity) {
     case RunState::Working:
         return u"working"_s;
     case RunState::Completed:
@@ -71,19 +72,19 @@ void ClaudeCell::placeAround(const QPointF &ringCenter, NotchEdge edge, double p
     update();
 }
 
-void ClaudeCell::setActivity(RunState activity, bool waiting)
+void ClaudeCell::setActivity(const Activity &activity)
 {
-    if (m_activity == activity && m_waiting == waiting)
+    if (m_activity == activity)
         return;
     m_activity = activity;
-    m_waiting = waiting;
     describe();
     animateIfNeeded();
     update();
 }
 
-void ClaudeCell::setFraction(std::optional<double> fraction)
+void ClaudeCell::setUsage(const PlanWindows &windows)
 {
+    const auto fraction = windows.session ? std::optional(windows.session->fraction) : std::nullopt;
     if (m_fraction == fraction)
         return;
     m_fraction = fraction;
@@ -111,7 +112,7 @@ QString ClaudeCell::percentText() const
 
 void ClaudeCell::animateIfNeeded()
 {
-    const bool turns = m_activity == RunState::Working && !m_motionReduced && isVisible();
+    const bool turns = m_activity.overall == RunState::Working && !m_motionReduced && isVisible();
     if (turns == m_frame.isActive())
         return;
     if (turns) {
@@ -125,7 +126,7 @@ void ClaudeCell::animateIfNeeded()
 void ClaudeCell::describe()
 {
     const QString used = m_fraction ? u", %1 % of the plan used"_s.arg(percentText()) : QString();
-    setAccessibleName(u"Claude sessions: "_s + activityText(m_activity, m_waiting) + used);
+    setAccessibleName(u"Claude sessions: "_s + activityText(m_activity) + used);
 }
 
 void ClaudeCell::enterEvent(QEnterEvent *event)
@@ -155,13 +156,13 @@ void ClaudeCell::paintEvent(QPaintEvent *event)
     QPainter painter(this);
     painter.fillRect(event->rect(), Palette::body);
     painter.setRenderHint(QPainter::Antialiasing);
-    if (m_activity == RunState::Working)
+    if (m_activity.overall == RunState::Working)
         drawActivityArc(
             painter, m_center,
             m_frame.isActive() ? static_cast<double>(m_turning.elapsed() % turnMsecs) / turnMsecs : 0);
     else
-        drawStatusRing(painter, m_center, m_activity, m_fraction);
-    if (m_waiting)
+        drawStatusRing(painter, m_center, m_activity.overall, m_fraction);
+    if (m_activity.waiting)
         drawWaitingBadge(painter, m_center);
     if (hasFocus()) {
         painter.setPen(QPen(Palette::focus, 1.5));

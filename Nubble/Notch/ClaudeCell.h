@@ -11,6 +11,8 @@
 
 namespace nubble {
 
+struct PlanWindows;
+
 // The status ring with the percentage of the plan below it, a button that opens the sessions card. Repaints
 // only when something that it shows changes, and at every frame while something works.
 class ClaudeCell : public QAbstractButton {
@@ -22,8 +24,8 @@ public:
     // Takes the place of the ring whose centre is `ringCenter`, in the parent's coordinates.
     void placeAround(const QPointF &ringCenter, NotchEdge edge, double percentLineHeight);
 
-    void setActivity(RunState activity, bool waiting);
-    void setFraction(std::optional<double> fraction); // of the plan's session window; above 1 shows as 1
+    void setActivity(const Activity &activity);
+    void setUsage(const PlanWindows &windows); // shows the session's; above 1 as 1
     void setMotionReduced(bool reduced);
 
 Q_SIGNALS:
@@ -44,8 +46,7 @@ private:
 
     QPointF m_center; // of the ring, in the cell's coordinates
     QRectF m_percentRect;
-    RunState m_activity = RunState::Idle;
-    bool m_waiting = false;
+    Activity m_activity;
     std::optional<double> m_fraction;
     bool m_motionReduced = false;
     QTimer m_frame;

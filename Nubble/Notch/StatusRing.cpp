@@ -60,10 +60,9 @@ void drawCheckMark(QPainter &painter, const QPointF &center, const QColor &color
 
 } // namespace
 
-void drawStatusRing(
-    QPainter &painter, const QPointF &center, RunState activity, std::optional<double> fraction)
+void drawStatusRing(QPainter &painter, const QPointF &center, RunState state, std::optional<double> fraction)
 {
-    if (activity == RunState::Completed) {
+    if (state == RunState::Completed) {
         drawArc(painter, center, Palette::ample, 0, 1);
         drawCheckMark(painter, center, Palette::ample);
         return;

@@ -14,8 +14,7 @@ namespace nubble {
 
 // At rest, or after something has finished: the fraction of the plan that is used (0 to 1, none draws the
 // track alone).
-void drawStatusRing(
-    QPainter &painter, const QPointF &center, RunState activity, std::optional<double> fraction);
+void drawStatusRing(QPainter &painter, const QPointF &center, RunState state, std::optional<double> fraction);
 
 // While something works: a quarter of the circle, `turn` (0 to 1) of the way round.
 void drawActivityArc(QPainter &painter, const QPointF &center, double turn);

@@ -8,9 +8,18 @@ namespace {
 
 constexpr double ringAcross = 62.0 / 3.0;      // from the screen's edge to the ring's centre
 constexpr double bodyBeforeRing = 154.0 / 3.0; // from the body's start to the ring's centre
-constexpr double actionsLeadIn = 88.0 / 9.0;
+constexpr double cellGap = 88.0 / 9.0;         // along, between the ring's cell and what follows it
 constexpr double cardWidth = 3200.0 / 13.0;
 constexpr double cardHeight = 460.0;
+
+// The ring's cell is the ring with its percentage. A body that stands holds it lengthwise, a body that lies
+// holds it across.
+constexpr double ringAndGap = 1439.0 / 45.0; // the ring and what parts it from its percentage
+constexpr double standingDepth = 124.0 / 3.0;
+constexpr double lyingMargins = 46.0 / 3.0;                    // across, on both sides of the cell
+constexpr double standingMargins = 551.0 / 9.0 + 167.0 / 15.0; // along, before and behind the cell
+constexpr double lyingLength = 4426.0 / 45.0;                  // of a body that holds nothing else
+constexpr double lyingQuenwickPitch = 322.0 / 9.0;             // a ring's width and the gap
 
 // A rectangle given by where it starts along the edge and away from it.
 QRectF onEdge(NotchEdge edge, const QSizeF &window, double along, double length, double across, double depth)
@@ -43,24 +52,19 @@ Layout::Layout(double percentLineHeight, bool quenwickCellShown, int actionCount
 
 double Layout::ringWithPercent() const
 {
-    return m_percentLineHeight + 1439.0 / 45.0;
-}
-
-double Layout::ringCenterAcross() const
-{
-    return ringAcross;
+    return m_percentLineHeight + ringAndGap;
 }
 
 double Layout::bodyDepth(NotchEdge edge) const
 {
-    return isVertical(edge) ? 124.0 / 3.0 : ringWithPercent() + 46.0 / 3.0;
+    return isVertical(edge) ? standingDepth : ringWithPercent() + lyingMargins;
 }
 
 double Layout::quenwickPitch(NotchEdge edge) const
 {
     if (!m_quenwickCellShown)
         return 0;
-    return isVertical(edge) ? ringWithPercent() + 88.0 / 9.0 : 322.0 / 9.0;
+    return isVertical(edge) ? ringWithPercent() + cellGap : lyingQuenwickPitch;
 }
 
 double Layout::buttonsLength() const
@@ -70,12 +74,12 @@ double Layout::buttonsLength() const
 
 double Layout::actionsLength() const
 {
-    return m_actionCount == 0 ? 0 : buttonsLength() + actionsLeadIn;
+    return m_actionCount == 0 ? 0 : buttonsLength() + cellGap;
 }
 
 double Layout::bodyLength(NotchEdge edge) const
 {
-    const double base = isVertical(edge) ? ringWithPercent() + 551.0 / 9.0 + 167.0 / 15.0 : 4426.0 / 45.0;
+    const double base = isVertical(edge) ? ringWithPercent() + standingMargins : lyingLength;
     return base + quenwickPitch(edge) + actionsLength();
 }
 
@@ -143,7 +147,7 @@ QPointF Layout::quenwickCenterInWindow(NotchEdge edge) const
 QPointF Layout::actionsCenterInWindow(NotchEdge edge) const
 {
     const double cellEnd = isVertical(edge) ? ringWithPercent() / 2 : ringDiameter / 2;
-    return ringCenterMovedAlong(edge, quenwickPitch(edge) + cellEnd + actionsLeadIn + buttonsLength() / 2);
+    return ringCenterMovedAlong(edge, quenwickPitch(edge) + cellEnd + cellGap + buttonsLength() / 2);
 }
 
 double Layout::offsetLimit(NotchEdge edge, double screenLength) const

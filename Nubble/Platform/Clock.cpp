@@ -1,14 +1,21 @@
 #include "Platform/Clock.h"
 
-#include <QDateTime>
+#include <cmath>
 
 namespace nubble {
 
+TimePoint timePointOf(double msecsSinceEpoch)
+{
+    constexpr double farthest = 1e15;
+    const double held = std::fmax(std::fmin(msecsSinceEpoch, farthest), -farthest); // a number in any case
+    return TimePoint(std::chrono::milliseconds(static_cast<std::chrono::milliseconds::rep>(held)));
+}
+
 Clock::~Clock() = default;
 
-qint64 SystemClock::msecsSinceEpoch() const
+TimePoint SystemClock::now() const
 {
-    return QDateTime::currentMSecsSinceEpoch();
+    return std::chrono::floor<std::chrono::milliseconds>(std::chrono::system_clock::now());
 }
 
 } // namespace nubble

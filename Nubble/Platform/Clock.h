@@ -1,19 +1,26 @@
 #pragma once
 
-#include <QtGlobal>
+#include <chrono>
 
 namespace nubble {
+
+// A point of wall-clock time.
+using TimePoint = std::chrono::sys_time<std::chrono::milliseconds>;
+
+// The milliseconds since 1970 that a foreign record claims: held within some 30 000 years, so that no span
+// between two points overflows. Pure.
+[[nodiscard]] TimePoint timePointOf(double msecsSinceEpoch);
 
 // Wall-clock time, handed to whoever measures spans so that a test can move it. Any thread.
 class Clock {
 public:
     virtual ~Clock();
-    [[nodiscard]] virtual qint64 msecsSinceEpoch() const = 0; // UTC
+    [[nodiscard]] virtual TimePoint now() const = 0;
 };
 
 class SystemClock : public Clock {
 public:
-    [[nodiscard]] qint64 msecsSinceEpoch() const override;
+    [[nodiscard]] TimePoint now() const override;
 };
 
 } // namespace nubble

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QVariantList>
 
+#include <chrono>
+
 class QObject;
 
 namespace nubble {
@@ -41,7 +43,7 @@ public:
 
     // Calls a method of the owner's control object and waits for its answer, for as long as that.
     [[nodiscard]] virtual BusAnswer call(
-        const QString &method, const QVariantList &arguments, int timeoutMsecs) const = 0;
+        const QString &method, const QVariantList &arguments, std::chrono::milliseconds timeout) const = 0;
 };
 
 } // namespace nubble

@@ -10,14 +10,15 @@
 
 namespace nubble {
 
-qint64 nsecsSinceEpoch(const timespec &time)
+FileTime fileTimeOf(const timespec &time)
 {
     constexpr qint64 lastSecond = 9'000'000'000;
-    return std::clamp<qint64>(time.tv_sec, -lastSecond, lastSecond) * 1'000'000'000 + time.tv_nsec;
+    const std::chrono::seconds seconds(std::clamp<qint64>(time.tv_sec, -lastSecond, lastSecond));
+    return FileTime(seconds + std::chrono::nanoseconds(time.tv_nsec));
 }
 
-RegularFile::RegularFile(int descriptor, qint64 size, qint64 modifiedNsecs)
-    : m_descriptor(descriptor), m_size(size), m_modifiedNsecs(modifiedNsecs)
+RegularFile::RegularFile(int descriptor, qint64 size, FileTime modified)
+    : m_descriptor(descriptor), m_size(size), m_modified(modified)
 {
 }
 
@@ -38,7 +39,7 @@ std::optional<RegularFile> RegularFile::open(const char *name, int folder)
         ::close(descriptor);
         return std::nullopt;
     }
-    return RegularFile(descriptor, info.st_size, nsecsSinceEpoch(info.st_mtim));
+    return RegularFile(descriptor, info.st_size, fileTimeOf(info.st_mtim));
 }
 
 std::optional<RegularFile> RegularFile::open(const QString &path)
@@ -51,7 +52,7 @@ std::optional<FileStamp> RegularFile::stampOf(const char *path)
     struct stat info { };
     if (::stat(path, &info) != 0 || !S_ISREG(info.st_mode))
         return std::nullopt;
-    return FileStamp{nsecsSinceEpoch(info.st_mtim), info.st_size};
+    return FileStamp{fileTimeOf(info.st_mtim), info.st_size};
 }
 
 std::optional<QByteArray> RegularFile::read(qint64 offset, qint64 length) const

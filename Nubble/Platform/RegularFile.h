@@ -3,22 +3,25 @@
 #include <QByteArray>
 #include <QString>
 
+#include <chrono>
 #include <ctime>
 #include <optional>
 #include <utility>
 
 namespace nubble {
 
+using FileTime = std::chrono::sys_time<std::chrono::nanoseconds>;
+
 // What tells whether a file has changed.
 struct FileStamp {
-    qint64 modifiedNsecs = 0; // since 1970
+    FileTime modified;
     qint64 size = 0;
 
     bool operator==(const FileStamp &) const = default;
 };
 
-// Since 1970, held within the range of the type: a file can claim any year.
-[[nodiscard]] qint64 nsecsSinceEpoch(const timespec &time);
+// Held within the range of the type: a file can claim any year.
+[[nodiscard]] FileTime fileTimeOf(const timespec &time);
 
 // A regular file opened for reading: never a FIFO, folder or device, and never one that blocks while it is
 // opened. Reads are bounded by the caller. Every failure is an absent value. Any thread.
@@ -33,24 +36,25 @@ public:
 
     RegularFile(RegularFile &&other) noexcept
         : m_descriptor(std::exchange(other.m_descriptor, -1)), m_size(other.m_size),
-          m_modifiedNsecs(other.m_modifiedNsecs)
+          m_modified(other.m_modified)
     {
     }
     RegularFile &operator=(RegularFile &&) = delete;
     ~RegularFile();
 
-    [[nodiscard]] qint64 size() const { return m_size; }                   // when it was opened
-    [[nodiscard]] qint64 modifiedNsecs() const { return m_modifiedNsecs; } // since 1970, when it was opened
+    // As they were when it was opened.
+    [[nodiscard]] qint64 size() const { return m_size; }
+    [[nodiscard]] FileTime modified() const { return m_modified; }
 
     // Up to `length` bytes from `offset`: fewer only where the file ends.
     [[nodiscard]] std::optional<QByteArray> read(qint64 offset, qint64 length) const;
 
 private:
-    RegularFile(int descriptor, qint64 size, qint64 modifiedNsecs);
+    RegularFile(int descriptor, qint64 size, FileTime modified);
 
     int m_descriptor;
     qint64 m_size;
-    qint64 m_modifiedNsecs;
+    FileTime m_modified;
 };
 
 } // namespace nubble

@@ -6,15 +6,16 @@
 
 namespace nubble {
 
-// One running Claude Code session, as its own process describes it. Times are milliseconds since 1970 (UTC).
-// `sessionId` is its identity, though two terminals can have the same conversation open.
+// One running Claude Code session, as its own process describes it. Times are milliseconds since 1970 (UTC),
+// any number that it claims (timePointOf). `sessionId` is its identity, though two terminals can have the
+// same conversation open.
 struct ClaudeSession {
     qint32 pid = 0;
     QString sessionId;
     QString cwd; // absolute
     double startedAt = 0;
     std::optional<QString> name;
-    std::optional<QString> status;   // "busy" while it works
+    std::optional<QString> status;   // "busy" while it works, "waiting" for the user
     std::optional<double> updatedAt; // last change of status
     std::optional<QString> entrypoint;
     std::optional<QString> nameSource;
@@ -22,10 +23,8 @@ struct ClaudeSession {
     bool operator==(const ClaudeSession &) const = default;
 
     [[nodiscard]] bool isBusy() const { return status == QStringView(u"busy"); }
-    [[nodiscard]] double lastActivity() const
-    {
-        return updatedAt.value_or(startedAt) / 1000;
-    } // seconds since 1970
+    [[nodiscard]] bool isWaiting() const { return status == QStringView(u"waiting"); }
+    [[nodiscard]] double lastActivity() const { return updatedAt.value_or(startedAt); }
 };
 
 } // namespace nubble

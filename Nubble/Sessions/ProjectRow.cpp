@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "Sessions/SessionTexts.h"
+#include "Sessions/StateColors.h"
 #include "Widgets/CardMetrics.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Symbols.h"
@@ -68,7 +70,7 @@ void ProjectRow::setContent(const ProjectRowContent &content)
 void ProjectRow::describe()
 {
     const QString help = isEnabled() ? helpText() : QString();
-    setAccessibleName(u"%1, %2, %3"_s.arg(m_content.title, m_content.word, m_content.elapsed));
+    setAccessibleName(u"%1, %2, %3"_s.arg(m_content.title, rowWord(m_content.state), m_content.elapsed));
     setAccessibleDescription(joined({toolTipLine(m_content.lastPrompt), help}, u". "_s));
     QStringList lines{m_content.title, m_content.lastPrompt, m_content.folder};
     for (QString &line : lines)
@@ -108,9 +110,10 @@ double ProjectRow::drawState(QPainter &painter, const QRectF &area) const
     const QRectF upper(area.left(), area.top(), area.width(), area.height() / 2);
     const QRectF lower = upper.translated(0, area.height() / 2);
     painter.setFont(Typography::cardBody());
-    painter.setPen(m_content.wordColor);
-    Typography::drawTabular(painter, upper, Qt::AlignRight, m_content.word);
-    const double wordWidth = Typography::tabularWidth(painter, m_content.word);
+    painter.setPen(colorOf(m_content.state));
+    const QString word = rowWord(m_content.state);
+    Typography::drawTabular(painter, upper, Qt::AlignRight, word);
+    const double wordWidth = Typography::tabularWidth(painter, word);
 
     painter.setFont(Typography::caption());
     painter.setPen(Palette::textSecondary);

@@ -1,18 +1,17 @@
 #pragma once
 
 #include <QAbstractButton>
-#include <QColor>
 
+#include "Sessions/RunState.h"
 #include "Widgets/HoverLift.h"
 
 namespace nubble {
 
-// What a row says, already worded.
+// What a row says.
 struct ProjectRowContent {
     QString title;
     QString lastPrompt; // empty when there is none
-    QString word;
-    QColor wordColor;
+    RunState state = RunState::Idle;
     QString elapsed;
     QString symbol;
     QString folder;

@@ -18,7 +18,6 @@
 #include "Widgets/CardHeader.h"
 #include "Widgets/CardMetrics.h"
 #include "Widgets/NotchButton.h"
-#include "Widgets/Palette.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -26,15 +25,6 @@ using namespace std::chrono_literals;
 namespace nubble {
 
 namespace {
-
-QColor wordColor(const QString &word)
-{
-    if (word == u"waiting")
-        return Palette::badge;
-    if (word == u"working")
-        return Palette::bronze;
-    return word == u"done" ? Palette::ample : Palette::textSecondary;
-}
 
 QLabel *makeEmptyLabel()
 {
@@ -48,7 +38,8 @@ QLabel *makeEmptyLabel()
 } // namespace
 
 ProjectsCardContent::ProjectsCardContent(
-    SessionMonitor &monitor, ProcessActivator &activator, const Clock &clock, int maxHeight, QWidget *parent)
+    const SessionMonitor &monitor, ProcessActivator &activator, const Clock &clock, int maxHeight,
+    QWidget *parent)
     : QWidget(parent), m_monitor(monitor), m_activator(activator), m_bringsForward(activator.canActivate()),
       m_clock(clock), m_header(new CardHeader(u"Claude Projects"_s)), m_empty(makeEmptyLabel()),
       m_list(new QWidget), m_rows(new QVBoxLayout(m_list))
@@ -138,13 +129,11 @@ void ProjectsCardContent::showRow(const ClaudeSession &session, int position)
         m_rows->insertWidget(position, row);
     }
     const SessionDetail detail = m_monitor.details().byId().value(session.sessionId);
-    const QString word = rowWord(session, m_monitor.runState(session));
     row->setContent({
         .title = rowTitle(session, detail),
         .lastPrompt = detail.lastPrompt.value_or(QString()),
-        .word = word,
-        .wordColor = wordColor(word),
-        .elapsed = elapsedText(session.updatedAt.value_or(session.startedAt), m_clock.msecsSinceEpoch()),
+        .state = m_monitor.runState(session),
+        .elapsed = elapsedText(timePointOf(session.lastActivity()), m_clock.now()),
         .symbol = rowSymbol(session),
         .folder = session.cwd,
     });

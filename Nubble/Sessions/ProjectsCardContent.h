@@ -26,7 +26,7 @@ class ProjectsCardContent : public QWidget {
 public:
     // `maxHeight` is what the screen has room for.
     ProjectsCardContent(
-        SessionMonitor &monitor, ProcessActivator &activator, const Clock &clock, int maxHeight,
+        const SessionMonitor &monitor, ProcessActivator &activator, const Clock &clock, int maxHeight,
         QWidget *parent = nullptr);
 
 Q_SIGNALS:
@@ -41,7 +41,7 @@ private:
     void orderFocus();
     void showRow(const ClaudeSession &session, int position);
 
-    SessionMonitor &m_monitor;
+    const SessionMonitor &m_monitor;
     ProcessActivator &m_activator;
     bool m_bringsForward; // whether this desktop lets rows do so
     const Clock &m_clock;

@@ -25,7 +25,7 @@ void SessionDetails::update(const QList<ClaudeSession> &sessions, bool force)
     assertMainThread("Nubble/Sessions/SessionDetails");
     const QMutexLocker lock(&m_mutex);
     const bool queued = m_request.has_value();
-    m_request = {sessions, force || (queued && m_request->force), m_clock.msecsSinceEpoch()};
+    m_request = {sessions, force || (queued && m_request->force), m_clock.now()};
     if (!queued)
         m_queue.start([this] { work(); });
 }

@@ -42,7 +42,7 @@ private:
     struct Request {
         QList<ClaudeSession> sessions;
         bool force;
-        qint64 now; // milliseconds since 1970
+        TimePoint now;
     };
 
     void work();

@@ -2,15 +2,18 @@
 
 #include <QFile>
 
-#include <chrono>
+#include <array>
 #include <cstring>
 #include <dirent.h>
 #include <memory>
 #include <string_view>
 #include <thread>
 
+#include "Platform/Logging.h"
 #include "Platform/RegularFile.h"
 #include "Sessions/SessionParsing.h"
+
+using namespace std::chrono_literals;
 
 namespace nubble {
 
@@ -18,13 +21,8 @@ namespace {
 
 constexpr qint64 largestRecord = 1'048'576; // bytes
 constexpr qint64 largestPass = 64 * largestRecord;
-constexpr std::chrono::milliseconds longestWait(2);
-constexpr std::chrono::microseconds waitStep(100);
-
-qint64 steadyNsecs()
-{
-    return std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count();
-}
+constexpr auto longestWait = 2ms;
+constexpr auto waitStep = 100us;
 
 bool isCandidate(const dirent &entry)
 {
@@ -81,16 +79,29 @@ void SessionFiles::settleRecord(
     while (outcome == Outcome::Undecodable && !(wasLeftOut && record.bytes == before)
            && waitForWriter(allowance))
         outcome = readRecord(name, folder, record, allowance);
-    if (outcome == Outcome::Unreadable)
-        record = {.bytes = {}, .session = {}, .pass = record.pass};
+    setOutcome(name, outcome, record);
+}
+
+void SessionFiles::setOutcome(const char *name, Outcome outcome, Record &record)
+{
+    constexpr std::array reasons{"is a record again", "is no record", "cannot be read", "is too large"};
+    if (outcome != record.outcome)
+        qCDebug(logSessions) << name << reasons.at(static_cast<size_t>(outcome));
+    record.outcome = outcome;
+    if (outcome == Outcome::Unreadable || outcome == Outcome::TooLarge) {
+        record.bytes.clear();
+        record.session.reset();
+    }
 }
 
 SessionFiles::Outcome SessionFiles::readRecord(
     const char *name, int folder, Record &record, Allowance &allowance)
 {
     const auto file = RegularFile::open(name, folder);
-    if (!file || file->size() > std::min(largestRecord, allowance.bytes))
+    if (!file)
         return Outcome::Unreadable;
+    if (file->size() > std::min(largestRecord, allowance.bytes))
+        return Outcome::TooLarge;
     auto bytes = file->read(0, file->size());
     if (!bytes)
         return Outcome::Unreadable;
@@ -104,9 +115,9 @@ SessionFiles::Outcome SessionFiles::readRecord(
 
 bool SessionFiles::waitForWriter(Allowance &allowance)
 {
-    const qint64 now = steadyNsecs();
+    const auto now = std::chrono::steady_clock::now();
     if (!allowance.waitUntil)
-        allowance.waitUntil = now + std::chrono::nanoseconds(longestWait).count();
+        allowance.waitUntil = now + longestWait;
     if (now >= *allowance.waitUntil)
         return false;
     std::this_thread::sleep_for(waitStep);

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <chrono>
 
-#include "Platform/Clock.h"
+#include "Platform/Logging.h"
 #include "Platform/MainThread.h"
 #include "Platform/ProcessTable.h"
 
@@ -14,7 +14,7 @@ namespace nubble {
 namespace {
 
 constexpr auto pollInterval = 1s;
-constexpr qint64 completionMsecs = 120'000;
+constexpr auto completionLasts = 120s;
 
 // Sessions of equal activity keep their order.
 QList<ClaudeSession> newestFirst(const QList<ClaudeSession> &sessions)
@@ -48,17 +48,24 @@ SessionMonitor::SessionMonitor(
 
 RunState SessionMonitor::runState(const ClaudeSession &session) const
 {
+    return session.isWaiting() ? RunState::Waiting : workState(session);
+}
+
+RunState SessionMonitor::workState(const ClaudeSession &session) const
+{
     if (session.isBusy())
         return RunState::Working;
     return m_recentlyCompleted.contains(session.sessionId) ? RunState::Completed : RunState::Idle;
 }
 
-RunState SessionMonitor::activity() const
+Activity SessionMonitor::activity() const
 {
-    RunState strongest = RunState::Idle;
-    for (const ClaudeSession &session : m_sessions)
-        strongest = std::min(strongest, runState(session));
-    return strongest;
+    Activity activity;
+    for (const ClaudeSession &session : m_sessions) {
+        activity.overall = std::min(activity.overall, workState(session));
+        activity.waiting = activity.waiting || session.isWaiting();
+    }
+    return activity;
 }
 
 void SessionMonitor::refresh()
@@ -69,10 +76,34 @@ void SessionMonitor::refresh()
         publish({});
         return;
     }
-    live->removeIf([this](const ClaudeSession &session) { return !m_processes.canSignal(session.pid); });
+    leaveOutEnded(*live);
     trackRuns(*live);
     publish(newestFirst(*live));
-    m_details.update(m_sessions, false);
+    refreshDetails(false);
+}
+
+void SessionMonitor::refreshDetails(bool force)
+{
+    m_details.update(m_sessions, force);
+}
+
+void SessionMonitor::waitForDetails()
+{
+    m_details.waitForDone();
+}
+
+void SessionMonitor::leaveOutEnded(QList<ClaudeSession> &sessions)
+{
+    QSet<qint32> ended;
+    sessions.removeIf([&](const ClaudeSession &session) {
+        if (m_processes.canSignal(session.pid))
+            return false;
+        if (!m_ended.contains(session.pid))
+            qCDebug(logSessions) << "session" << session.sessionId << "has no process" << session.pid;
+        ended.insert(session.pid);
+        return true;
+    });
+    m_ended = std::move(ended);
 }
 
 void SessionMonitor::publish(QList<ClaudeSession> sessions)
@@ -85,7 +116,7 @@ void SessionMonitor::publish(QList<ClaudeSession> sessions)
 
 void SessionMonitor::trackRuns(const QList<ClaudeSession> &live)
 {
-    const qint64 now = m_clock.msecsSinceEpoch();
+    const TimePoint now = m_clock.now();
     QSet<QString> ids;
     QSet<Run> busy;
     for (const ClaudeSession &session : live) {
@@ -102,10 +133,10 @@ void SessionMonitor::trackRuns(const QList<ClaudeSession> &live)
     forgetCompletions(ids, now);
 }
 
-void SessionMonitor::forgetCompletions(const QSet<QString> &ids, qint64 now)
+void SessionMonitor::forgetCompletions(const QSet<QString> &ids, TimePoint now)
 {
     m_completedAt.removeIf(
-        [&](const auto &each) { return !ids.contains(each.key()) || now - each.value() >= completionMsecs; });
+        [&](const auto &each) { return !ids.contains(each.key()) || now - each.value() >= completionLasts; });
     QSet<QString> completed(m_completedAt.keyBegin(), m_completedAt.keyEnd());
     if (completed == m_recentlyCompleted)
         return;

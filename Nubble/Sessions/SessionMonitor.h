@@ -8,6 +8,7 @@
 
 #include <utility>
 
+#include "Platform/Clock.h"
 #include "Sessions/ClaudeSession.h"
 #include "Sessions/RunState.h"
 #include "Sessions/SessionDetails.h"
@@ -15,7 +16,6 @@
 
 namespace nubble {
 
-class Clock;
 class ProcessTable;
 
 // The ordered list of live sessions and the set of those that finished within the last two minutes. Polls its
@@ -35,10 +35,13 @@ public:
         return m_recentlyCompleted;
     } // session ids
     [[nodiscard]] RunState runState(const ClaudeSession &session) const;
-    [[nodiscard]] RunState activity() const; // of all sessions together
-    [[nodiscard]] SessionDetails &details() { return m_details; }
+    [[nodiscard]] RunState workState(const ClaudeSession &session) const; // the same but for waiting
+    [[nodiscard]] Activity activity() const;
+    [[nodiscard]] const SessionDetails &details() const { return m_details; }
 
     void refresh();
+    void refreshDetails(bool force); // of the sessions as last read; see SessionDetails::update
+    void waitForDetails();           // blocks until they are read and published
 
 Q_SIGNALS:
     void sessionsChanged();
@@ -48,8 +51,9 @@ private:
     // A terminal: two of them can have the same conversation open, one working and one not.
     using Run = std::pair<QString, qint32>;
 
+    void leaveOutEnded(QList<ClaudeSession> &sessions);
     void trackRuns(const QList<ClaudeSession> &live);
-    void forgetCompletions(const QSet<QString> &ids, qint64 now);
+    void forgetCompletions(const QSet<QString> &ids, TimePoint now);
     void publish(QList<ClaudeSession> sessions);
 
     SessionFiles m_files;
@@ -58,8 +62,9 @@ private:
     SessionDetails m_details;
     QList<ClaudeSession> m_sessions;
     QSet<QString> m_recentlyCompleted;
-    QSet<Run> m_busy;                     // at the last poll
-    QHash<QString, qint64> m_completedAt; // milliseconds since 1970, by session id
+    QSet<qint32> m_ended;                    // process ids that records still name
+    QSet<Run> m_busy;                        // at the last poll
+    QHash<QString, TimePoint> m_completedAt; // by session id
     QTimer m_timer;
 };
 

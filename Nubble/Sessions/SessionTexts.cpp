@@ -1,8 +1,7 @@
 #include "Sessions/SessionTexts.h"
 
-#include <algorithm>
-
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace nubble {
 
@@ -27,10 +26,8 @@ QString rowTitle(const ClaudeSession &session, const SessionDetail &detail)
     return name.isEmpty() ? lastPathComponent(session.cwd) : name;
 }
 
-QString rowWord(const ClaudeSession &session, RunState state)
+QString rowWord(RunState state)
 {
-    if (session.status == QStringView(u"waiting"))
-        return u"waiting"_s;
     return state == RunState::Completed ? u"done"_s : stateName(state);
 }
 
@@ -39,22 +36,24 @@ QString rowSymbol(const ClaudeSession &session)
     return session.entrypoint == QStringView(u"claude-desktop") ? u"macwindow"_s : u"terminal"_s;
 }
 
-QString elapsedText(double sinceMsecs, qint64 nowMsecs)
+QString elapsedText(TimePoint since, TimePoint now)
 {
-    constexpr double minute = 60, hour = 3600, day = 86400, farthest = 1e12; // seconds
-    const double seconds = std::min((static_cast<double>(nowMsecs) - sinceMsecs) / 1000, farthest);
-    if (!(seconds >= minute))
+    using namespace std::chrono;
+    const milliseconds elapsed = now - since;
+    if (elapsed < 1min)
         return u"just now"_s;
-    if (seconds < hour)
-        return QString::number(static_cast<qint64>(seconds / minute)) + u"m ago";
-    if (seconds < day)
-        return QString::number(static_cast<qint64>(seconds / hour)) + u"h ago";
-    return QString::number(static_cast<qint64>(seconds / day)) + u"d ago";
+    if (elapsed < 1h)
+        return QString::number(duration_cast<minutes>(elapsed).count()) + u"m ago";
+    if (elapsed < days(1))
+        return QString::number(duration_cast<hours>(elapsed).count()) + u"h ago";
+    return QString::number(duration_cast<days>(elapsed).count()) + u"d ago";
 }
 
 QString stateName(RunState state)
 {
     switch (state) {
+    case RunState::Waiting:
+        return u"waiting"_s;
     case RunState::Working:
         return u"working"_s;
     case RunState::Completed:

@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include "Platform/Clock.h"
 #include "Sessions/ClaudeSession.h"
 #include "Sessions/RunState.h"
 #include "Sessions/SessionDetail.h"
@@ -10,9 +11,9 @@ namespace nubble {
 
 // What the list of sessions says about one of them. Pure; any thread.
 [[nodiscard]] QString rowTitle(const ClaudeSession &session, const SessionDetail &detail);
-[[nodiscard]] QString rowWord(const ClaudeSession &session, RunState state);
+[[nodiscard]] QString rowWord(RunState state);
 [[nodiscard]] QString rowSymbol(const ClaudeSession &session);
-[[nodiscard]] QString elapsedText(double sinceMsecs, qint64 nowMsecs); // both since 1970
-[[nodiscard]] QString stateName(RunState state);                       // for scripts
+[[nodiscard]] QString elapsedText(TimePoint since, TimePoint now);
+[[nodiscard]] QString stateName(RunState state); // for scripts
 
 } // namespace nubble

@@ -6,11 +6,13 @@
 #include <memory>
 #include <string_view>
 
+using namespace std::chrono_literals;
+
 namespace nubble {
 
 namespace {
 
-constexpr qint64 searchInterval = 3000; // milliseconds
+constexpr auto searchInterval = 3s;
 
 // The id becomes a file name, and must not lead anywhere else.
 bool isFileName(const QString &id)
@@ -38,7 +40,7 @@ TranscriptFinder::TranscriptFinder(const QString &projectsFolder, FileCosts &cos
 {
 }
 
-void TranscriptFinder::startPass(qint64 now, bool force)
+void TranscriptFinder::startPass(TimePoint now, bool force)
 {
     m_folders.reset();
     const bool clockWentBack = now < m_searchedAt;

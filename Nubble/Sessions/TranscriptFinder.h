@@ -7,6 +7,7 @@
 
 #include <optional>
 
+#include "Platform/Clock.h"
 #include "Platform/RegularFile.h"
 #include "Sessions/ClaudeSession.h"
 #include "Sessions/FileCosts.h"
@@ -29,7 +30,7 @@ class TranscriptFinder {
 public:
     TranscriptFinder(const QString &projectsFolder, FileCosts &costs);
 
-    void startPass(qint64 now, bool force); // milliseconds since 1970; `force` looks in all folders anyhow
+    void startPass(TimePoint now, bool force); // `force` looks in all folders anyhow
     [[nodiscard]] std::optional<FoundTranscript> find(const ClaudeSession &session);
     [[nodiscard]] std::optional<FileStamp> stampOf(const QByteArray &path);
 
@@ -41,7 +42,7 @@ private:
     FileCosts &m_costs;
     std::optional<QList<QByteArray>> m_folders; // in the order of the listing; of this pass
     QSet<QString> m_searched;                   // ids that were in no folder at the last search
-    qint64 m_searchedAt = 0;
+    TimePoint m_searchedAt;
 };
 
 } // namespace nubble

@@ -21,9 +21,9 @@ public:
     Q_DISABLE_COPY_MOVE(Transcripts)
 
     // The details of those of `sessions` that have a transcript. An unchanged transcript costs one look at
-    // its attributes. `now` is in milliseconds since 1970.
+    // its attributes.
     QHash<QString, SessionDetail> update(
-        const QList<ClaudeSession> &sessions, bool force, qint64 now, const std::stop_token &stop = {});
+        const QList<ClaudeSession> &sessions, bool force, TimePoint now, const std::stop_token &stop = {});
 
     [[nodiscard]] const FileCosts &costs() const { return m_costs; } // since it was constructed
 
@@ -34,11 +34,16 @@ private:
         TranscriptReader reader;
     };
 
-    void updateOne(const ClaudeSession &session, bool force);
+    // Why a session's details are not up to date; for the log.
+    enum class Gap { None, NotFound, Unreadable };
+
+    Gap updateOne(const ClaudeSession &session, bool force);
+    void note(const QString &id, Gap gap);
 
     FileCosts m_costs;
     TranscriptFinder m_finder;
     QHash<QString, Transcript> m_transcripts; // by session id
+    QHash<QString, Gap> m_gaps;               // likewise
 };
 
 } // namespace nubble

@@ -62,7 +62,7 @@ Autostart::Autostart(const QString &configFolder)
 {
 }
 
-std::optional<QString> Autostart::enable(const Relaunch &start) const
+Outcome Autostart::enable(const Relaunch &start) const
 {
     const QString entry = u"[Desktop Entry]\n"
                           "Type=Application\n"
@@ -71,20 +71,21 @@ std::optional<QString> Autostart::enable(const Relaunch &start) const
                           "Icon=com.brevandel.nubble\n"
                           "Exec=%1\n"_s.arg(execLine(QStringList(start.program) + start.arguments));
     if (!QDir().mkpath(m_folder))
-        return u"the folder %1 cannot be made"_s.arg(m_folder);
+        return Outcome::failed(u"the folder %1 cannot be made"_s.arg(m_folder));
     QSaveFile file(m_file);
     if (!file.open(QIODevice::WriteOnly) || file.write(entry.toUtf8()) < 0 || !file.commit())
-        return u"%1 cannot be written: %2"_s.arg(m_file, file.errorString());
-    return std::nullopt;
+        return Outcome::failed(u"%1 cannot be written: %2"_s.arg(m_file, file.errorString()));
+    return Outcome::done();
 }
 
-std::optional<QString> Autostart::disable() const
+Outcome Autostart::disable() const
 {
     std::error_code error;
     std::filesystem::remove(QFile::encodeName(m_file).toStdString(), error);
-    return error ? std::optional(
-               u"%1 cannot be removed: %2"_s.arg(m_file, QString::fromLocal8Bit(error.message().c_str())))
-                 : std::nullopt;
+    if (error)
+        return Outcome::failed(
+            u"%1 cannot be removed: %2"_s.arg(m_file, QString::fromLocal8Bit(error.message().c_str())));
+    return Outcome::done();
 }
 
 } // namespace nubble

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-#include <optional>
+#include "Platform/Outcome.h"
 
 namespace nubble {
 
@@ -13,9 +13,8 @@ class Autostart {
 public:
     explicit Autostart(const QString &configFolder);
 
-    // Both return why it is not done, in one line.
-    [[nodiscard]] std::optional<QString> enable(const Relaunch &start) const;
-    [[nodiscard]] std::optional<QString> disable() const; // done as well when there is none
+    Outcome enable(const Relaunch &start) const;
+    Outcome disable() const; // done as well when there is none
 
 private:
     QString m_folder;

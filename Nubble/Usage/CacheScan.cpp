@@ -7,7 +7,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "Platform/RegularFile.h"
 #include "Usage/CacheEntry.h"
 
 namespace nubble {
@@ -44,15 +43,14 @@ bool canBeEntry(int folder, const char *name, struct stat &info)
 } // namespace
 
 struct CacheScan::Candidate {
-    qint64 modifiedNsecs;
+    FileTime modified;
     qint64 position; // in the listing
     QByteArray name;
     State state;
 
     bool operator<(const Candidate &other) const // newest first, then as listed
     {
-        return modifiedNsecs != other.modifiedNsecs ? modifiedNsecs > other.modifiedNsecs
-                                                    : position < other.position;
+        return modified != other.modified ? modified > other.modified : position < other.position;
     }
 };
 
@@ -71,15 +69,15 @@ std::vector<CacheScan::Candidate> CacheScan::newestIn(DIR *folder)
     for (qint64 position = 0; const dirent *each = ::readdir(folder); ++position, errno = 0) {
         if (!canBeEntry(::dirfd(folder), each->d_name, info))
             continue;
-        const qint64 modified = nsecsSinceEpoch(info.st_mtim);
+        const FileTime modified = fileTimeOf(info.st_mtim);
         if (heap.size() == filesExamined) {
-            if (modified <= heap.front().modifiedNsecs)
+            if (modified <= heap.front().modified)
                 continue;
             std::pop_heap(heap.begin(), heap.end());
             heap.pop_back();
         }
         heap.push_back(
-            {modified, position, each->d_name, {info.st_ino, info.st_size, nsecsSinceEpoch(info.st_ctim)}});
+            {modified, position, each->d_name, {info.st_ino, info.st_size, fileTimeOf(info.st_ctim)}});
         std::push_heap(heap.begin(), heap.end());
     }
     if (errno != 0)

@@ -8,6 +8,8 @@
 #include <optional>
 #include <vector>
 
+#include "Platform/RegularFile.h"
+
 namespace nubble {
 
 // Finds the files in a cache folder that hold answers to usage requests made at `domain`. Looks into the 600
@@ -24,7 +26,7 @@ private:
     struct State { // differs after every change of a file's bytes
         quint64 inode = 0;
         qint64 size = 0;
-        qint64 changedNsecs = 0;
+        FileTime changed;
 
         bool operator==(const State &) const = default;
     };

@@ -2,7 +2,6 @@
 
 #include <QTimer>
 
-#include "Platform/Clock.h"
 #include "Platform/Home.h"
 #include "Shell/Defaults.h"
 #include "Shell/Tools.h"
@@ -15,9 +14,8 @@ namespace nubble {
 
 namespace {
 
-// Milliseconds.
-constexpr qint64 entriesTrustedFor = 180'000;
-constexpr qint64 freshFor = 1'800'000;
+constexpr auto entriesTrustedFor = 3min;
+constexpr auto freshFor = 30min;
 
 PlanUsageReader readerIn(const Home &home, const QString &domain)
 {
@@ -75,8 +73,8 @@ void PlanUsageMonitor::refresh(bool rescan)
 
 bool PlanUsageMonitor::trustsEntries() const
 {
-    const qint64 age = m_clock.msecsSinceEpoch() - m_scannedAt.value_or(0);
-    return m_scannedAt && age >= 0 && age < entriesTrustedFor; // below 0, the clock was put back
+    const auto age = m_clock.now() - m_scannedAt.value_or(TimePoint());
+    return m_scannedAt && age >= 0s && age < entriesTrustedFor; // below 0, the clock was put back
 }
 
 void PlanUsageMonitor::accept(const ReadOutcome &outcome)
@@ -84,7 +82,7 @@ void PlanUsageMonitor::accept(const ReadOutcome &outcome)
     m_working = false;
     if (outcome.entries) {
         m_entries = *outcome.entries;
-        m_scannedAt = m_clock.msecsSinceEpoch();
+        m_scannedAt = m_clock.now();
     }
     if (std::holds_alternative<ReadProblem>(outcome.result))
         m_entries.clear();
@@ -99,10 +97,10 @@ void PlanUsageMonitor::accept(const ReadOutcome &outcome)
 PlanUsageMonitor::Shown PlanUsageMonitor::shownAfter(const ReadOutcome &outcome) const
 {
     if (const ReadProblem *problem = std::get_if<ReadProblem>(&outcome.result))
-        return {m_shown.session, m_shown.weekly, problemText(*problem)};
+        return {m_shown.windows, problemText(*problem)};
     const Reading &reading = std::get<Reading>(outcome.result);
-    const qint64 age = m_clock.msecsSinceEpoch() - reading.capturedAt.toMSecsSinceEpoch();
-    return {reading.session, reading.weekly, age > freshFor ? std::optional(staleText(age)) : std::nullopt};
+    const auto age = m_clock.now() - reading.capturedAt;
+    return {reading.windows, age > freshFor ? std::optional(staleText(age)) : std::nullopt};
 }
 
 } // namespace nubble

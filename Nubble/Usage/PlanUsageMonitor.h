@@ -3,11 +3,11 @@
 #include <QObject>
 #include <QThreadPool>
 
+#include "Platform/Clock.h"
 #include "Usage/PlanUsageReader.h"
 
 namespace nubble {
 
-class Clock;
 class Defaults;
 class Home;
 
@@ -26,8 +26,7 @@ public:
     static const QString defaultDomain;
     [[nodiscard]] static QString domainIn(const Defaults &defaults); // as the user prefers
 
-    [[nodiscard]] const std::optional<PlanWindow> &session() const { return m_shown.session; }
-    [[nodiscard]] const std::optional<PlanWindow> &weekly() const { return m_shown.weekly; }
+    [[nodiscard]] const PlanWindows &windows() const { return m_shown.windows; }
     [[nodiscard]] const std::optional<QString> &problem() const
     {
         return m_shown.problem;
@@ -39,13 +38,12 @@ public:
     void refresh(bool rescan);
 
 Q_SIGNALS:
-    void changed(); // session, weekly or problem
+    void changed(); // windows or problem
     void refreshingChanged();
 
 private:
     struct Shown {
-        std::optional<PlanWindow> session;
-        std::optional<PlanWindow> weekly;
+        PlanWindows windows;
         std::optional<QString> problem;
 
         bool operator==(const Shown &) const = default;
@@ -57,8 +55,8 @@ private:
 
     const Clock &m_clock;
     Shown m_shown;
-    QList<QByteArray> m_entries;       // known to hold usage answers
-    std::optional<qint64> m_scannedAt; // when the folder was last listed
+    QList<QByteArray> m_entries;          // known to hold usage answers
+    std::optional<TimePoint> m_scannedAt; // when the folder was last listed
     bool m_working = false;
     PlanUsageReader m_reader; // the worker's, while m_working
     std::stop_source m_stop;

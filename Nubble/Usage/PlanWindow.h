@@ -14,4 +14,12 @@ struct PlanWindow {
     bool operator==(const PlanWindow &) const = default;
 };
 
+// Both of them, as far as they are known.
+struct PlanWindows {
+    std::optional<PlanWindow> session; // five hours
+    std::optional<PlanWindow> weekly;  // seven days, all models
+
+    bool operator==(const PlanWindows &) const = default;
+};
+
 } // namespace nubble

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 
+#include "Platform/Clock.h"
 #include "Usage/PlanWindow.h"
 
 namespace nubble {
@@ -9,9 +10,8 @@ namespace nubble {
 // What one usage answer in the cache says; at least one of the windows is there.
 struct Reading {
     QByteArray entry; // path of the file, as the file system spells it
-    std::optional<PlanWindow> session;
-    std::optional<PlanWindow> weekly;
-    QDateTime capturedAt; // when the file was last written
+    PlanWindows windows;
+    TimePoint capturedAt; // when the file was last written
 
     bool operator==(const Reading &) const = default;
 };

@@ -64,10 +64,10 @@ UsageCardContent::UsageCardContent(
 
 void UsageCardContent::updateWindows()
 {
-    const QDateTime now = QDateTime::fromMSecsSinceEpoch(m_clock.msecsSinceEpoch());
+    const QDateTime now = QDateTime::fromMSecsSinceEpoch(m_clock.now().time_since_epoch().count());
     const bool animated = !m_preferences.reducedMotion();
-    showWindow(*m_session, m_planUsage.session(), now, animated);
-    showWindow(*m_weekly, m_planUsage.weekly(), now, animated);
+    showWindow(*m_session, m_planUsage.windows().session, now, animated);
+    showWindow(*m_weekly, m_planUsage.windows().weekly, now, animated);
     m_problem->setText(m_planUsage.problem().value_or(QString()));
     m_problem->setVisible(m_planUsage.problem().has_value());
 }

@@ -6,13 +6,6 @@
 
 namespace nubble {
 
-struct PlanWindows {
-    std::optional<PlanWindow> session; // five hours
-    std::optional<PlanWindow> weekly;  // seven days, all models
-
-    bool operator==(const PlanWindows &) const = default;
-};
-
 // The body of a usage answer, in either of the shapes the service has given it. Absent when it is no such
 // body or tells of neither window. Pure.
 [[nodiscard]] std::optional<PlanWindows> parseUsageJson(const QByteArray &json);

@@ -53,9 +53,10 @@ QString problemText(ReadProblem problem)
     return u"Couldn't read Claude's usage cache"_s;
 }
 
-QString staleText(qint64 ageMsecs)
+QString staleText(std::chrono::milliseconds age)
 {
-    return u"Updated %1 min ago — open Claude to refresh"_s.arg(ageMsecs / 60'000);
+    return u"Updated %1 min ago — open Claude to refresh"_s.arg(
+        std::chrono::duration_cast<std::chrono::minutes>(age).count());
 }
 
 } // namespace nubble

@@ -20,6 +20,6 @@ enum class UsageLevel { Ample, Watch, Critical };
 [[nodiscard]] QString resetText(const std::optional<QDateTime> &resetsAt, const QDateTime &now);
 
 [[nodiscard]] QString problemText(ReadProblem problem);
-[[nodiscard]] QString staleText(qint64 ageMsecs);
+[[nodiscard]] QString staleText(std::chrono::milliseconds age);
 
 } // namespace nubble

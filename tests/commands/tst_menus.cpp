@@ -6,6 +6,7 @@
 #include "notch/PanelUnderTest.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 using namespace nubble;
 
 namespace {

@@ -5,6 +5,7 @@
 #include "support/PanelWorld.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 using namespace nubble;
 
 namespace {
@@ -34,11 +35,11 @@ private Q_SLOTS:
     void sessionsAreReportedInTheCardsOrderWithEveryKey()
     {
         PanelWorld world;
-        const qint64 nowMsecs = world.clock.msecsSinceEpoch();
-        world.addSession(11, u"older"_s, u"waiting"_s, 7'200'000);
-        world.addSession(12, u"busy one"_s, u"busy"_s, 1000);
+        const TimePoint started = world.clock.now() - 24h;
+        world.addSession(11, u"older"_s, u"waiting"_s, 2h);
+        world.addSession(12, u"busy one"_s, u"busy"_s, 1s);
         world.addSession(
-            13, QString(), u"idle"_s, 0, {{u"updatedAt"_s, QJsonValue()}, {u"cwd"_s, u"/a/b c"_s}});
+            13, QString(), u"idle"_s, 0ms, {{u"updatedAt"_s, QJsonValue()}, {u"cwd"_s, u"/a/b c"_s}});
         world.monitor.refresh();
 
         QJsonObject report;
@@ -58,8 +59,8 @@ private Q_SLOTS:
                 {u"state"_s, u"working"_s},
                 {u"word"_s, u"working"_s},
                 {u"elapsed"_s, u"just now"_s},
-                {u"startedAt"_s, nowMsecs - 86'400'000},
-                {u"updatedAt"_s, nowMsecs - 1000},
+                {u"startedAt"_s, PanelWorld::msecs(started)},
+                {u"updatedAt"_s, PanelWorld::msecs(started + 24h - 1s)},
             }));
         QCOMPARE(sessions[1][u"word"_s].toString(), u"waiting"_s);
         QCOMPARE(sessions[1][u"state"_s].toString(), u"idle"_s);

@@ -3,6 +3,7 @@
 #include "notch/PanelUnderTest.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 using namespace nubble;
 
 class TestNotchView : public QObject {
@@ -13,7 +14,7 @@ private Q_SLOTS:
     {
         PanelWorld world;
         PanelUnderTest panel(world);
-        world.addSession(11, u"new"_s, u"idle"_s, 0);
+        world.addSession(11, u"new"_s, u"idle"_s, 0ms);
         panel.clickRing();
         QCOMPARE(world.state.mode(), PanelMode::sessions());
         QCOMPARE(panel.rowNames(), QStringList{u"new, idle, just now"_s}); // read afresh
@@ -48,14 +49,14 @@ private Q_SLOTS:
         PanelWorld world;
         PanelUnderTest panel(world);
         const auto says = [&](const QString &status) {
-            world.addSession(11, u"one"_s, status, 0);
+            world.addSession(11, u"one"_s, status, 0ms);
             world.monitor.refresh();
             return panel.ring()->accessibleName();
         };
         QCOMPARE(panel.ring()->accessibleName(), u"Claude sessions: idle"_s);
         QCOMPARE(says(u"busy"_s), u"Claude sessions: working"_s);
         QCOMPARE(says(u"idle"_s), u"Claude sessions: just finished"_s);
-        world.clock.advance(120'000);
+        world.clock.advance(2min);
         QCOMPARE(says(u"idle"_s), u"Claude sessions: idle"_s);
         QCOMPARE(says(u"waiting"_s), u"Claude sessions: a session waits for you"_s);
     }

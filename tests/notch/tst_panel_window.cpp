@@ -4,6 +4,7 @@
 #include "notch/PanelUnderTest.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 using namespace nubble;
 
 class TestPanelWindow : public QObject {
@@ -48,7 +49,7 @@ private Q_SLOTS:
     void theKeyboardIsTakenOnRequestOnlyAndGivenBackWhenTheCardCloses()
     {
         PanelWorld world;
-        world.addSession(11, u"one"_s, u"idle"_s, 0);
+        world.addSession(11, u"one"_s, u"idle"_s, 0ms);
         PanelUnderTest panel(world);
         panel.clickRing();
         QVERIFY(!panel.surface->hasKeyboard);

@@ -6,6 +6,7 @@
 #include "notch/PanelUnderTest.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 using namespace nubble;
 
 namespace {
@@ -65,20 +66,20 @@ private Q_SLOTS:
         for (const bool open : {false, true}) {
             PanelWorld world;
             for (int pid = 1; pid <= 20; ++pid)
-                world.addSession(pid, u"session %1"_s.arg(pid), u"idle"_s, pid * 100'000);
+                world.addSession(pid, u"session %1"_s.arg(pid), u"idle"_s, pid * 100s);
             PanelUnderTest panel(world);
             if (open)
                 panel.clickRing();
             settle(panel);
             const PaintCounter counter;
             for (int poll = 0; poll < 5; ++poll) {
-                world.addSession(3, u"session 3"_s, u"idle"_s, 300'000); // rewritten as it was
+                world.addSession(3, u"session 3"_s, u"idle"_s, 5min); // rewritten as it was
                 world.monitor.refresh();
-                world.monitor.details().waitForDone();
+                world.monitor.waitForDetails();
                 settle(panel);
             }
             Q_EMIT world.mainScreen.changed();
-            world.clock.advance(1000); // no minute has passed for any of them
+            world.clock.advance(1s); // no minute has passed for any of them
             QTRY_COMPARE(world.monitor.sessions().size(), 20);
             settle(panel);
             // The elapsed times are looked at.
@@ -92,13 +93,13 @@ private Q_SLOTS:
     void oneSessionsChangeDoesNotPaintTheOthers()
     {
         PanelWorld world;
-        world.addSession(1, u"one"_s, u"idle"_s, 1000);
-        world.addSession(2, u"two"_s, u"idle"_s, 2000);
+        world.addSession(1, u"one"_s, u"idle"_s, 1s);
+        world.addSession(2, u"two"_s, u"idle"_s, 2s);
         PanelUnderTest panel(world);
         panel.clickRing();
         settle(panel);
         const PaintCounter counter;
-        world.addSession(2, u"two, renamed"_s, u"idle"_s, 2000);
+        world.addSession(2, u"two, renamed"_s, u"idle"_s, 2s);
         world.monitor.refresh();
         settle(panel);
         QVERIFY(counter.painted > 0);
@@ -110,7 +111,7 @@ private Q_SLOTS:
     {
         PanelWorld world;
         world.preferences.setReducedMotion(false);
-        world.addSession(1, u"one"_s, u"busy"_s, 0);
+        world.addSession(1, u"one"_s, u"busy"_s, 0ms);
         PanelUnderTest panel(world);
         settleWhileTurning(panel);
         expectTurning(true);
@@ -128,7 +129,7 @@ private Q_SLOTS:
         settleWhileTurning(panel);
         expectTurning(true);
 
-        world.addSession(1, u"one"_s, u"idle"_s, 0);
+        world.addSession(1, u"one"_s, u"idle"_s, 0ms);
         world.monitor.refresh();
         settle(panel);
         expectTurning(false);

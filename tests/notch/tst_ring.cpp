@@ -8,6 +8,7 @@
 #include "usage/UsageCache.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 using namespace nubble;
 
 namespace {
@@ -107,7 +108,7 @@ private Q_SLOTS:
         PanelWorld world;
         PanelUnderTest panel(world);
         const auto picture = [&](const QString &status) {
-            world.addSession(11, u"one"_s, status, 0);
+            world.addSession(11, u"one"_s, status, 0s);
             world.monitor.refresh();
             return RingPicture(world, panel);
         };

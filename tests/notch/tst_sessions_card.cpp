@@ -1,9 +1,12 @@
 #include <QElapsedTimer>
 #include <QScrollArea>
 
+#include "Widgets/CardMetrics.h"
+#include "Widgets/Palette.h"
 #include "notch/PanelUnderTest.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 using namespace nubble;
 
 class TestSessionsCard : public QObject {
@@ -13,9 +16,9 @@ private Q_SLOTS:
     void rowsOutliveAPollAndKeepTheFocusWhenTheyChangePlaces()
     {
         PanelWorld world;
-        world.addSession(11, u"a"_s, u"idle"_s, 3000);
-        world.addSession(12, u"b"_s, u"idle"_s, 2000);
-        world.addSession(13, u"c"_s, u"idle"_s, 1000);
+        world.addSession(11, u"a"_s, u"idle"_s, 3s);
+        world.addSession(12, u"b"_s, u"idle"_s, 2s);
+        world.addSession(13, u"c"_s, u"idle"_s, 1s);
         PanelUnderTest panel(world);
         panel.clickRing();
         QApplication::setActiveWindow(&panel.view());
@@ -23,9 +26,9 @@ private Q_SLOTS:
         before.at(2)->setFocus();
         QVERIFY(before.at(2)->hasFocus());
 
-        world.addSession(11, u"a"_s, u"busy"_s, 0);
+        world.addSession(11, u"a"_s, u"busy"_s, 0ms);
         world.endSession(12);
-        world.addSession(14, u"d"_s, u"idle"_s, 500);
+        world.addSession(14, u"d"_s, u"idle"_s, 500ms);
         world.monitor.refresh();
         QTRY_COMPARE(
             panel.rowNames(),
@@ -43,8 +46,8 @@ private Q_SLOTS:
     void aClickOrTheKeyboardBringsTheRowsOwnTerminalForward()
     {
         PanelWorld world;
-        world.addSession(11, u"one"_s, u"idle"_s, 1000, QJsonObject{{u"sessionId"_s, u"same"_s}});
-        world.addSession(12, u"two"_s, u"idle"_s, 2000, QJsonObject{{u"sessionId"_s, u"same"_s}});
+        world.addSession(11, u"one"_s, u"idle"_s, 1s, QJsonObject{{u"sessionId"_s, u"same"_s}});
+        world.addSession(12, u"two"_s, u"idle"_s, 2s, QJsonObject{{u"sessionId"_s, u"same"_s}});
         world.workspace.applications = {{11, u"XTerm"_s, u"xterm"_s}, {12, u"XTerm"_s, u"xterm"_s}};
         PanelUnderTest panel(world);
         panel.clickRing();
@@ -60,7 +63,7 @@ private Q_SLOTS:
         for (const bool possible : {true, false}) {
             PanelWorld world;
             world.workspace.allowed = possible;
-            world.addSession(11, u"one"_s, u"idle"_s, 0);
+            world.addSession(11, u"one"_s, u"idle"_s, 0s);
             PanelUnderTest panel(world);
             panel.clickRing();
             const ProjectRow *row = panel.rows().constFirst();
@@ -68,6 +71,31 @@ private Q_SLOTS:
             QCOMPARE(row->toolTip().contains(u"Bring this session forward"_s), possible);
             QCOMPARE(row->accessibleDescription().contains(u"Bring this session forward"_s), possible);
             QVERIFY(row->toolTip().contains(u"one"_s));
+        }
+    }
+
+    void aRowTakesColourAndWordFromItsStateAndTheSymbolFromWhereItRuns()
+    {
+        const QList<QColor> accents{Palette::badge, Palette::bronze, Palette::ample};
+        PanelWorld world;
+        world.addSession(13, u"finishes"_s, u"busy"_s, 3s);
+        world.monitor.refresh();
+        world.addSession(11, u"waits"_s, u"waiting"_s, 1s);
+        world.addSession(12, u"works"_s, u"busy"_s, 2s);
+        world.addSession(13, u"finishes"_s, u"idle"_s, 3s);
+        world.addSession(14, u"rests"_s, u"idle"_s, 4s, {{u"entrypoint"_s, u"claude-desktop"_s}});
+        PanelUnderTest panel(world);
+        panel.clickRing();
+        QTRY_COMPARE(
+            panel.rowNames(),
+            QStringList(
+                {u"waits, waiting, just now"_s, u"works, working, just now"_s, u"finishes, done, just now"_s,
+                 u"rests, idle, just now"_s}));
+        for (int row = 0; row < 4; ++row) {
+            const QImage picture = pictureOf(*panel.rows().at(row), 4); // strokes wider than a pixel
+            for (qsizetype accent = 0; accent < accents.size(); ++accent)
+                QCOMPARE(holds(picture, accents.at(accent)), accent == row);
+            QCOMPARE(symbolOf(*panel.rows().at(row)) == symbolOf(*panel.rows().at(0)), row != 3);
         }
     }
 
@@ -81,9 +109,9 @@ private Q_SLOTS:
         PanelWorld world;
         for (int i = 0; i < titles.size(); ++i)
             world.addSession(
-                11 + i, titles.at(i), u"idle"_s, 1000 * i,
+                11 + i, titles.at(i), u"idle"_s, i * 1s,
                 QJsonObject{{u"cwd"_s, QString(u"/"_s + titles.at(i))}});
-        world.addSession(30, u"plain"_s, u"idle"_s, 50'000);
+        world.addSession(30, u"plain"_s, u"idle"_s, 50s);
         PanelUnderTest panel(world);
         panel.clickRing();
         QElapsedTimer timer;
@@ -107,13 +135,13 @@ private Q_SLOTS:
     {
         PanelWorld world;
         for (int pid = 1; pid <= 300; ++pid)
-            world.addSession(pid, u"session %1"_s.arg(pid), pid % 7 == 0 ? u"busy"_s : u"idle"_s, pid * 1000);
+            world.addSession(pid, u"session %1"_s.arg(pid), pid % 7 == 0 ? u"busy"_s : u"idle"_s, pid * 1s);
         PanelUnderTest panel(world);
         QElapsedTimer timer;
         timer.start();
         panel.clickRing();
         QVERIFY(!panel.view().grab().isNull());
-        world.addSession(300, u"session 300"_s, u"busy"_s, 0); // from the end to the top
+        world.addSession(300, u"session 300"_s, u"busy"_s, 0ms); // from the end to the top
         world.monitor.refresh();
         QTRY_VERIFY(panel.rows().constFirst()->accessibleName().startsWith(u"session 300,"_s));
         QVERIFY2(timer.elapsed() < 5000, "the card takes too long");
@@ -131,6 +159,30 @@ private Q_SLOTS:
         QCOMPARE(QApplication::focusWidget(), focused);
         QTRY_VERIFY(scroll->viewport()->rect().contains( // scrolled into sight
             QRect(focused->mapTo(scroll->viewport(), QPoint()), focused->size())));
+    }
+
+private:
+    static QImage pictureOf(QWidget &widget, int scale)
+    {
+        QImage picture(widget.size() * scale, QImage::Format_RGB32);
+        picture.setDevicePixelRatio(scale);
+        picture.fill(Qt::black);
+        widget.render(&picture, {}, {}, QWidget::DrawChildren);
+        return picture;
+    }
+
+    static bool holds(const QImage &picture, const QColor &color)
+    {
+        for (int y = 0; y < picture.height(); ++y)
+            for (int x = 0; x < picture.width(); ++x)
+                if (picture.pixel(x, y) == color.rgb())
+                    return true;
+        return false;
+    }
+
+    static QImage symbolOf(QWidget &row)
+    {
+        return pictureOf(row, 1).copy(CardMetrics::rowPadding, 0, 16, row.height());
     }
 };
 

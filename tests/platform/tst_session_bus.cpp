@@ -12,6 +12,7 @@
 #include "support/TemporaryHome.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 using namespace nubble;
 
 namespace {
@@ -47,17 +48,17 @@ private Q_SLOTS:
     void aCallTellsWhyItIsNotAnswered()
     {
         const SessionBus bus(u"com.brevandel.nubble.test"_s);
-        QCOMPARE(bus.call(u"Repeat"_s, {}, 1000).kind, BusAnswer::Kind::NotOwned);
+        QCOMPARE(bus.call(u"Repeat"_s, {}, 1s).kind, BusAnswer::Kind::NotOwned);
 
         QVERIFY(m_other.registerService(u"com.brevandel.nubble.test"_s));
-        const BusAnswer refused = bus.call(u"Repeat"_s, {}, 1000);
+        const BusAnswer refused = bus.call(u"Repeat"_s, {}, 1s);
         QCOMPARE(refused.kind, BusAnswer::Kind::Error);
         QVERIFY(refused.error.contains(u"/com/brevandel/nubble"_s)); // which it does not have
 
         QObject busy; // this thread serves it, and is waiting
         const auto path = u"/com/brevandel/nubble"_s;
         QVERIFY(m_other.registerObject(path, &busy, QDBusConnection::ExportAllInvokables));
-        QCOMPARE(bus.call(u"Repeat"_s, {}, 50).kind, BusAnswer::Kind::Silence);
+        QCOMPARE(bus.call(u"Repeat"_s, {}, 50ms).kind, BusAnswer::Kind::Silence);
         m_other.unregisterObject(path);
         QVERIFY(m_other.unregisterService(u"com.brevandel.nubble.test"_s));
     }

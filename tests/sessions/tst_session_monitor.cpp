@@ -15,6 +15,7 @@
 #include "support/TemporaryHome.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 using namespace nubble;
 
 class SessionMonitorTest : public QObject {
@@ -42,7 +43,7 @@ private Q_SLOTS:
         const timespec times[]{before.st_atim, before.st_mtim};
         QCOMPARE(::utimensat(AT_FDCWD, qPrintable(path), times, 0), 0);
         m_monitor->refresh();
-        QCOMPARE(m_monitor->activity(), RunState::Completed);
+        QCOMPARE(m_monitor->activity().overall, RunState::Completed);
     }
 
     void emptiesWithTheFolderAndFillsAgain()
@@ -59,17 +60,31 @@ private Q_SLOTS:
     {
         QSignalSpy changed(m_monitor.get(), &SessionMonitor::recentlyCompletedChanged);
         refreshWith(7, u"a"_s, u"busy"_s);
-        QCOMPARE(m_monitor->activity(), RunState::Working);
+        QCOMPARE(m_monitor->activity().overall, RunState::Working);
         refreshWith(7, u"a"_s, QString());
-        QCOMPARE(m_monitor->activity(), RunState::Completed);
-        m_clock.advance(119'999);
+        QCOMPARE(m_monitor->activity().overall, RunState::Completed);
+        m_clock.advance(119999ms);
         refreshWith(7, u"a"_s, u"busy"_s);
         QCOMPARE(m_monitor->recentlyCompleted(), QSet{u"a"_s});
         QCOMPARE(m_monitor->runState(m_monitor->sessions().first()), RunState::Working);
-        m_clock.advance(1);
+        m_clock.advance(1ms);
         m_monitor->refresh();
         QCOMPARE(m_monitor->recentlyCompleted(), QSet<QString>());
         QCOMPARE(changed.count(), 2);
+    }
+
+    void waitsAsLongAsASessionDoesWhateverTheOthersDo()
+    {
+        refreshWith(7, u"a"_s, u"busy"_s);
+        refreshWith(7, u"a"_s, u"waiting"_s);
+        const ClaudeSession waiting = m_monitor->sessions().first();
+        QCOMPARE(m_monitor->runState(waiting), RunState::Waiting);
+        QCOMPARE(m_monitor->workState(waiting), RunState::Completed);
+        QCOMPARE(m_monitor->activity(), (Activity{RunState::Completed, true}));
+        refreshWith(8, u"b"_s, u"busy"_s);
+        QCOMPARE(m_monitor->activity(), (Activity{RunState::Working, true}));
+        refreshWith(7, u"a"_s, u"Waiting"_s); // no word that is known
+        QCOMPARE(m_monitor->activity(), (Activity{RunState::Working, false}));
     }
 
     void completesOnlyWhatWasSeenBusy()

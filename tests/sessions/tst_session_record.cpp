@@ -18,12 +18,12 @@ private Q_SLOTS:
             "updatedAt":2500,"entrypoint":"cli","nameSource":"user","kind":{"unknown":[]}})");
         const ClaudeSession expected{7, u"a"_s, u"/p"_s, 1.5, u"n"_s, u"busy"_s, 2500.0, u"cli"_s, u"user"_s};
         QCOMPARE(session, std::optional(expected));
-        QCOMPARE(session->lastActivity(), 2.5);
+        QCOMPARE(session->lastActivity(), 2500.0);
 
         const QByteArray required = R"({"pid":7,"sessionId":"a","cwd":"/p","startedAt":1000)";
         const auto bare = decodeSession(required + '}');
         QVERIFY(bare && !bare->status);
-        QCOMPARE(bare->lastActivity(), 1.0);
+        QCOMPARE(bare->lastActivity(), 1000.0);
         QCOMPARE(
             decodeSession(
                 required
@@ -59,12 +59,15 @@ private Q_SLOTS:
             session.name = given;
             session.nameSource = source;
             QCOMPARE(rowTitle(session, {transcript, std::nullopt}), expected);
+            QCOMPARE(rowSymbol(session), u"terminal"_s);
+            session.entrypoint = u"claude-desktop"_s;
+            QCOMPARE(rowSymbol(session), u"macwindow"_s);
         }
     }
 
     void saysHowLongAgo()
     {
-        const qint64 now = 1'790'000'000'000;
+        constexpr double now = 1'790'000'000'000;
         for (const auto &[seconds, text] :
              {std::pair(-1e300, u"just now"_s),
               {59.999, u"just now"_s},
@@ -73,8 +76,9 @@ private Q_SLOTS:
               {3600.0, u"1h ago"_s},
               {86399.0, u"23h ago"_s},
               {86400.0, u"1d ago"_s},
-              {1e300, u"11574074d ago"_s}})
-            QCOMPARE(elapsedText(static_cast<double>(now) - seconds * 1000, now), text);
+              {1e300, u"11594791d ago"_s}, // as far as it is believed
+              {qQNaN(), u"just now"_s}})
+            QCOMPARE(elapsedText(timePointOf(now - seconds * 1000), timePointOf(now)), text);
     }
 };
 

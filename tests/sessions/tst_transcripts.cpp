@@ -9,6 +9,7 @@
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 using namespace nubble;
 
 class TranscriptTest : public QObject {
@@ -19,7 +20,7 @@ private Q_SLOTS:
     {
         m_home = std::make_unique<TemporaryHome>();
         m_transcripts = std::make_unique<Transcripts>(m_home->path(u"projects"_s));
-        m_now = 1'000'000;
+        m_now = TimePoint(1000s);
     }
 
     void takesTheNewestUsableLines()
@@ -106,7 +107,7 @@ private Q_SLOTS:
         update();
         FileCosts expected = m_transcripts->costs();
         for (int second = 0; second < 10; ++second) {
-            m_now += 1000;
+            m_now += 1s;
             ++expected.attributeReads;
             QCOMPARE(update(), (SessionDetail{u"t"_s, std::nullopt}));
         }
@@ -116,15 +117,15 @@ private Q_SLOTS:
     void findsATranscriptInAnotherFolderWithinSeconds()
     {
         m_home->write(u"projects/elsewhere/other.jsonl"_s, {});
-        for (int second = 0; second < 10; ++second, m_now += 1000)
+        for (int second = 0; second < 10; ++second, m_now += 1s)
             QCOMPARE(update(), SessionDetail());
         QVERIFY(m_transcripts->costs().listings <= 4);
 
         const QString path = m_home->write(u"projects/elsewhere/id.jsonl"_s, titleLine("t"));
-        const qint64 appeared = m_now;
-        while (!update().title && m_now < appeared + 10'000)
-            m_now += 1000;
-        QVERIFY(m_now - appeared < 5000);
+        const TimePoint appeared = m_now;
+        while (!update().title && m_now < appeared + 10s)
+            m_now += 1s;
+        QVERIFY(m_now - appeared < 5s);
 
         QVERIFY(QFile::remove(path));
         put(titleLine("moved"));
@@ -204,7 +205,7 @@ private:
     const ClaudeSession m_session = sessionOf(u"id"_s);
     std::unique_ptr<TemporaryHome> m_home;
     std::unique_ptr<Transcripts> m_transcripts;
-    qint64 m_now = 0;
+    TimePoint m_now;
     const ManualClock m_clock;
 };
 

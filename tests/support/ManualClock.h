@@ -7,11 +7,11 @@ namespace nubble {
 // A clock that a test moves by hand.
 class ManualClock : public Clock {
 public:
-    [[nodiscard]] qint64 msecsSinceEpoch() const override { return m_now; }
-    void advance(qint64 msecs) { m_now += msecs; }
+    [[nodiscard]] TimePoint now() const override { return m_now; }
+    void advance(std::chrono::milliseconds span) { m_now += span; }
 
 private:
-    qint64 m_now = 1'790'000'000'000; // 2026-09-21
+    TimePoint m_now{std::chrono::seconds(1'790'000'000)}; // 2026-09-21
 };
 
 } // namespace nubble

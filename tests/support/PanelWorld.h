@@ -36,8 +36,10 @@ struct PanelWorld {
     {
     }
 
-    // A session whose activity `age` milliseconds ago was the last; `more` are further keys of its record.
-    void addSession(pid_t pid, const QString &name, const QString &status, int age, QJsonObject more = {})
+    // A session whose activity `age` ago was the last; `more` are further keys of its record.
+    void addSession(
+        pid_t pid, const QString &name, const QString &status, std::chrono::milliseconds age,
+        QJsonObject more = {})
     {
         more.insert(QStringLiteral("pid"), pid);
         more.insert(QStringLiteral("name"), name);
@@ -49,8 +51,8 @@ struct PanelWorld {
         defaultTo(QStringLiteral("sessionId"), QStringLiteral("session-%1").arg(pid));
         defaultTo(QStringLiteral("cwd"), QStringLiteral("/home/ada/project"));
         defaultTo(QStringLiteral("nameSource"), QStringLiteral("user"));
-        defaultTo(QStringLiteral("startedAt"), clock.msecsSinceEpoch() - 86'400'000);
-        defaultTo(QStringLiteral("updatedAt"), clock.msecsSinceEpoch() - age);
+        defaultTo(QStringLiteral("startedAt"), msecs(clock.now() - std::chrono::hours(24)));
+        defaultTo(QStringLiteral("updatedAt"), msecs(clock.now() - age));
         processes.alive.insert(pid);
         home.write(QStringLiteral(".claude/sessions/%1.json").arg(pid), QJsonDocument(more).toJson());
     }
@@ -60,6 +62,8 @@ struct PanelWorld {
         const QRectF screen = *mainScreen.frame();
         return panelGeometry(layout, placement.edge(), placement.clamp(placement.offset(), screen), screen);
     }
+    // As a record writes it.
+    static qint64 msecs(TimePoint time) { return time.time_since_epoch().count(); }
 
     void endSession(pid_t pid) { processes.alive.remove(pid); }
 

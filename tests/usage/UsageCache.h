@@ -4,6 +4,7 @@
 #include <QProcess>
 #include <QtEndian>
 
+#include "Platform/Clock.h"
 #include "support/TemporaryHome.h"
 
 namespace nubble {
@@ -51,14 +52,15 @@ public:
         return QFile::encodeName(folder() + u'/' + name);
     }
 
-    QByteArray add(const QString &name, const QByteArray &bytes, qint64 modifiedMsecs) const
+    QByteArray add(const QString &name, const QByteArray &bytes, TimePoint modified) const
     {
         QDir().mkpath(folder());
         QFile file(folder() + u'/' + name);
         if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush())
             qFatal("cannot write %s", qPrintable(name));
         if (!file.setFileTime(
-                QDateTime::fromMSecsSinceEpoch(modifiedMsecs), QFileDevice::FileModificationTime))
+                QDateTime::fromMSecsSinceEpoch(modified.time_since_epoch().count()),
+                QFileDevice::FileModificationTime))
             qFatal("cannot date %s", qPrintable(name));
         return nativePath(name);
     }

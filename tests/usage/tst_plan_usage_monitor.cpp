@@ -27,9 +27,9 @@ private Q_SLOTS:
         addAnswer(u"a_0"_s, 42, 30min);
         start();
         QCOMPARE(shown(), u"42");
-        m_clock.advance(1);
+        m_clock.advance(1ms);
         QCOMPARE(afterRefresh(), u"42, Updated 30 min ago — open Claude to refresh");
-        m_clock.advance(60'000);
+        m_clock.advance(1min);
         QCOMPARE(afterRefresh(), u"42, Updated 31 min ago — open Claude to refresh");
         addAnswer(u"a_0"_s, 43, 0min);
         QCOMPARE(afterRefresh(), u"43");
@@ -41,7 +41,7 @@ private Q_SLOTS:
         QCOMPARE(shown(), u"none, Open the Claude app to load plan usage");
         addAnswer(u"a_0"_s, 42, 0min);
         QCOMPARE(afterRefresh(), u"42"); // a failure leaves no entries to trust: the folder is listed again
-        m_cache->add(u"a_0"_s, UsageCache::entry(UsageCache::usageKey(), "plain"), m_clock.msecsSinceEpoch());
+        m_cache->add(u"a_0"_s, UsageCache::entry(UsageCache::usageKey(), "plain"), m_clock.now());
         QCOMPARE(afterRefresh(), u"42, Couldn't read Claude's usage cache");
         m_zstd.clear();
         QCOMPARE(afterRefresh(), u"42, Install zstd (brew install zstd) to read plan usage");
@@ -53,9 +53,9 @@ private Q_SLOTS:
         start();
         addAnswer(u"b_0"_s, 20, 0min);
         QCOMPARE(afterRefresh(), u"10");
-        m_clock.advance(179'999);
+        m_clock.advance(179999ms);
         QCOMPARE(afterRefresh(), u"10");
-        m_clock.advance(1);
+        m_clock.advance(1ms);
         QCOMPARE(afterRefresh(), u"20");
         addAnswer(u"c_0"_s, 30, 0min);
         QCOMPARE(afterRefresh(), u"20");
@@ -78,9 +78,7 @@ private Q_SLOTS:
 private:
     void addAnswer(const QString &name, int percent, std::chrono::minutes age)
     {
-        m_cache->add(
-            name, UsageCache::usageEntry(percent),
-            m_clock.msecsSinceEpoch() - std::chrono::milliseconds(age).count());
+        m_cache->add(name, UsageCache::usageEntry(percent), m_clock.now() - age);
     }
     std::unique_ptr<PlanUsageMonitor> monitor()
     {
@@ -101,7 +99,7 @@ private:
     }
     QString shown() const
     {
-        const auto &session = m_monitor->session();
+        const auto &session = m_monitor->windows().session;
         const QString number = session ? QString::number(qRound(session->fraction * 100)) : u"none"_s;
         const auto &problem = m_monitor->problem();
         return problem ? number + u", " + *problem : number;

@@ -11,7 +11,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr qint64 noon = 1'790'000'000'000;
+constexpr TimePoint noon(1'790'000'000s);
 
 PlanUsageReader readerOf(const UsageCache &cache, const std::optional<QString> &zstd = u"/usr/bin/zstd"_s)
 {
@@ -29,7 +29,7 @@ QByteArray printed(const ReadOutcome &outcome)
     if (const ReadProblem *problem = std::get_if<ReadProblem>(&outcome.result))
         text = problems.value(*problem);
     else
-        text = QByteArray::number(qRound(std::get<Reading>(outcome.result).session->fraction * 100));
+        text = QByteArray::number(qRound(std::get<Reading>(outcome.result).windows.session->fraction * 100));
     if (!outcome.entries)
         return text;
     text += ':';
@@ -47,13 +47,13 @@ private Q_SLOTS:
     void theNewestAnswerIsReadBehindItsTrailingRecords()
     {
         const UsageCache cache;
-        cache.add(u"old_0"_s, UsageCache::usageEntry(10), noon - 2);
+        cache.add(u"old_0"_s, UsageCache::usageEntry(10), noon - 2ms);
         cache.add(u"new_0"_s, UsageCache::usageEntry(20), noon);
-        cache.add(u"newer_1"_s, UsageCache::usageEntry(30), noon + 1);
-        cache.add(u"other_0"_s, UsageCache::entry(UsageCache::keyFor("/api/x"), "body"), noon + 2);
+        cache.add(u"newer_1"_s, UsageCache::usageEntry(30), noon + 1ms);
+        cache.add(u"other_0"_s, UsageCache::entry(UsageCache::keyFor("/api/x"), "body"), noon + 2ms);
         const ReadOutcome outcome = readerOf(cache).read({});
         QCOMPARE(printed(outcome), "20: new_0 old_0");
-        QCOMPARE(std::get<Reading>(outcome.result).capturedAt.toMSecsSinceEpoch(), noon);
+        QCOMPARE(std::get<Reading>(outcome.result).capturedAt, noon);
         QCOMPARE(std::get<Reading>(outcome.result).entry, cache.nativePath(u"new_0"_s));
     }
 
@@ -63,14 +63,14 @@ private Q_SLOTS:
         QCOMPARE(printed(readerOf(cache).read({})), "no cache:");
         cache.add(u"a_0"_s, UsageCache::entry(UsageCache::keyFor("/"), "body"), noon);
         QCOMPARE(printed(readerOf(cache).read({})), "no cache:");
-        qint64 modified = noon;
+        TimePoint modified = noon;
         for (const QByteArray &body :
              {QByteArray("plain"), QByteArray("\x28\xb5\x2f\xfdnoise"), UsageCache::compressed("{}")}) {
-            const QString name = u"%1_0"_s.arg(--modified);
+            const QString name = u"%1_0"_s.arg((modified -= 1ms).time_since_epoch().count());
             cache.add(name, UsageCache::entry(UsageCache::usageKey(), body), modified);
             QVERIFY(printed(readerOf(cache).read({})).startsWith("unreadable: "));
         }
-        cache.add(u"e_0"_s, UsageCache::usageEntry(10), noon - 9);
+        cache.add(u"e_0"_s, UsageCache::usageEntry(10), noon - 9ms);
         QVERIFY(printed(readerOf(cache).read({})).startsWith("10: "));
         QCOMPARE(printed(readerOf(cache, std::nullopt).read({})), "no zstd");
     }
@@ -79,7 +79,7 @@ private Q_SLOTS:
     {
         const UsageCache cache;
         const QByteArray known = cache.add(u"a_0"_s, UsageCache::usageEntry(10), noon);
-        cache.add(u"b_0"_s, UsageCache::usageEntry(20), noon + 1);
+        cache.add(u"b_0"_s, UsageCache::usageEntry(20), noon + 1ms);
         QCOMPARE(printed(readerOf(cache).read({cache.nativePath(u"gone_0"_s), known})), "10");
         QFile::resize(QFile::decodeName(known), 600'000);
         QCOMPARE(printed(readerOf(cache).read({known})), "20: b_0");
@@ -108,13 +108,13 @@ private Q_SLOTS:
         const UsageCache cache;
         const QByteArray other = UsageCache::entry(UsageCache::keyFor("/api/x"), "body");
         for (qint64 i = 0; i < 19'998; ++i)
-            cache.add(u"%1_0"_s.arg(i, 16, 16, QChar(u'0')), other, noon + i * 1000);
-        cache.add(u"young_0"_s, UsageCache::usageEntry(10), noon + 19'997'500);
+            cache.add(u"%1_0"_s.arg(i, 16, 16, QChar(u'0')), other, noon + i * 1s);
+        cache.add(u"young_0"_s, UsageCache::usageEntry(10), noon + 19'997'500ms);
         cache.add(
             u"old_0"_s, UsageCache::usageEntry(20),
-            noon + 19'399'500); // 598 others and the young one are newer
+            noon + 19'399'500ms); // 598 others and the young one are newer
         QCOMPARE(printed(readerOf(cache).read({})), "10: young_0 old_0");
-        cache.add(u"old_0"_s, UsageCache::usageEntry(20), noon + 19'398'500);
+        cache.add(u"old_0"_s, UsageCache::usageEntry(20), noon + 19'398'500ms);
         QCOMPARE(printed(readerOf(cache).read({})), "10: young_0");
     }
 
@@ -138,14 +138,14 @@ private Q_SLOTS:
         for (const bool isKnown : {true, false}) {
             const UsageCache cache;
             const QByteArray entry = cache.add(u"a_0"_s, UsageCache::usageEntry(10), noon);
-            const QByteArray older = cache.add(u"b_0"_s, UsageCache::usageEntry(20), noon - 1);
+            const QByteArray older = cache.add(u"b_0"_s, UsageCache::usageEntry(20), noon - 1ms);
             // The fresh answer is whole again as soon as the older one has been read.
             const QString zstd = cache.writeScript(
                 u"zstd"_s, "#!/bin/sh\nzstd -dc\ncd \"${0%/*}\" && [ -e whole ] && mv whole " + entry + '\n');
             PlanUsageReader reader = readerOf(cache, zstd);
             QCOMPARE(printed(reader.read({})), "10: a_0 b_0");
             cache.write(u"whole"_s, UsageCache::usageEntry(30));
-            cache.add(u"a_0"_s, {}, noon + 1);
+            cache.add(u"a_0"_s, {}, noon + 1ms);
             const QList<QByteArray> known = isKnown ? QList{entry, older} : QList<QByteArray>{};
             QCOMPARE(printed(reader.read(known)), isKnown ? "30" : "30: a_0 b_0");
 

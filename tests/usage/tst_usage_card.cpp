@@ -10,6 +10,7 @@
 #include "usage/UsageCache.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 using namespace nubble;
 
 namespace {
@@ -44,9 +45,7 @@ struct UsageCardUnderTest {
 
 void addEntry(const UsageCache &cache, const ManualClock &clock, const QByteArray &json)
 {
-    cache.add(
-        u"a_0"_s, UsageCache::entry(UsageCache::usageKey(), UsageCache::compressed(json)),
-        clock.msecsSinceEpoch());
+    cache.add(u"a_0"_s, UsageCache::entry(UsageCache::usageKey(), UsageCache::compressed(json)), clock.now());
 }
 
 } // namespace
@@ -59,7 +58,8 @@ private Q_SLOTS:
     {
         const UsageCache cache;
         const ManualClock clock;
-        const QDateTime reset = QDateTime::fromMSecsSinceEpoch(clock.msecsSinceEpoch() + 59 * 60'000);
+        const QDateTime reset =
+            QDateTime::fromMSecsSinceEpoch((clock.now() + 59min).time_since_epoch().count());
         addEntry(
             cache, clock,
             R"({"five_hour":{"utilization":42,"resets_at":")" + reset.toUTC().toString(Qt::ISODate).toUtf8()
@@ -69,7 +69,7 @@ private Q_SLOTS:
             usage.rows(),
             QStringList({u"Current session, 42% Used, Resets in 59 min"_s, u"All models, 100% Used"_s}));
         QCOMPARE(usage.problem(), QString());
-        usage.clock.advance(60'000);
+        usage.clock.advance(1min);
         QTRY_COMPARE(usage.rows().first(), u"Current session, 42% Used, Resets in 58 min"_s);
     }
 

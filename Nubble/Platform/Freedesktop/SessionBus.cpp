@@ -75,14 +75,15 @@ void SessionBus::giveUp()
     m_bus.unregisterObject(objectPath);
 }
 
-BusAnswer SessionBus::call(const QString &method, const QVariantList &arguments, int timeoutMsecs) const
+BusAnswer SessionBus::call(
+    const QString &method, const QVariantList &arguments, std::chrono::milliseconds timeout) const
 {
     if (!isConnected())
         return {};
     auto message = QDBusMessage::createMethodCall(m_serviceName, objectPath, interfaceName, method);
     message.setArguments(arguments);
     message.setAutoStartService(false);
-    const QDBusMessage reply = m_bus.call(message, QDBus::Block, timeoutMsecs);
+    const QDBusMessage reply = m_bus.call(message, QDBus::Block, static_cast<int>(timeout.count()));
     if (reply.type() == QDBusMessage::ReplyMessage)
         return {BusAnswer::Kind::Reply, reply.arguments(), {}};
     return {kindOf(QDBusError(reply)), {}, reply.errorMessage()};

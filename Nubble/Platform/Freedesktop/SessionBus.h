@@ -19,7 +19,8 @@ public:
     [[nodiscard]] bool claim(QObject *exported) override;
     void release() override;
     [[nodiscard]] BusAnswer call(
-        const QString &method, const QVariantList &arguments, int timeoutMsecs) const override;
+        const QString &method, const QVariantList &arguments,
+        std::chrono::milliseconds timeout) const override;
 
 private:
     void giveUp();
