@@ -4,9 +4,12 @@
 #include <QCursor>
 
 #include "Commands/StatusReport.h"
+#include "NotchWiring.h"
 #include "Platform/InstanceBus.h"
 #include "Platform/MainThread.h"
 #include "Platform/System.h"
+#include "Sessions/SessionsCard.h"
+#include "Usage/UsageCard.h"
 #include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
@@ -44,20 +47,15 @@ AppDelegate::AppDelegate(const Home &home, InstanceBus &bus, Relaunch relaunch)
     observeRequests();
 }
 
-NotchModels AppDelegate::models()
-{
-    return {
-        .sessions = m_sessionMonitor,
-        .planUsage = m_planUsage,
-        .activator = m_activator,
-        .clock = m_clock,
-        .preferences = *m_backend.preferences,
-    };
-}
-
 NotchContents AppDelegate::notchContents()
 {
-    NotchContents contents{.cards = notchCards(models()), .actions = {}};
+    Card sessions = sessionsCard(m_sessionMonitor, m_activator, m_clock);
+    sessions.refresh = [this, refresh = sessions.refresh] {
+        refresh();
+        m_planUsage.refresh(false);
+    };
+    NotchContents contents{
+        .cards = {sessions, usageCard(m_planUsage, m_clock, *m_backend.preferences)}, .actions = {}};
     for (const auto &action : m_actions)
         contents.actions.append(action.get());
     return contents;
@@ -65,7 +63,7 @@ NotchContents AppDelegate::notchContents()
 
 void AppDelegate::registerParts()
 {
-    showOnRing(m_panel.view().ring(), models());
+    showOnRing(m_panel.view().ring(), m_sessionMonitor, m_planUsage);
     m_commands.addRefresh([this] {
         m_sessionMonitor.refresh();
         m_sessionMonitor.refreshDetails(true);

@@ -7,7 +7,6 @@
 #include "Notch/NotchAction.h"
 #include "Notch/PanelState.h"
 #include "Notch/PanelWindow.h"
-#include "NotchRegistry.h"
 #include "Placement/Layout.h"
 #include "Placement/MainScreen.h"
 #include "Placement/NotchPlacement.h"
@@ -40,8 +39,7 @@ public:
     [[nodiscard]] AppCommands &commands() { return m_commands; }
 
 private:
-    [[nodiscard]] NotchContents notchContents();
-    [[nodiscard]] NotchModels models();
+    [[nodiscard]] NotchContents notchContents(); // the panel's cards and buttons
     void registerParts();
     void observeState();
     void observeRequests();

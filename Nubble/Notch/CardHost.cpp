@@ -53,16 +53,15 @@ QRectF placed(const QSizeF &size, const PanelGeometry &geometry)
 
 } // namespace
 
-CardHost::CardHost(QWidget *view, QList<NotchCard> cards, const DesktopPreferences &preferences)
+CardHost::CardHost(QWidget *view, QList<Card> cards, const DesktopPreferences &preferences)
     : QObject(view), m_view(view), m_preferences(preferences), m_cards(std::move(cards))
 {
 }
 
-const NotchCard *CardHost::cardOf(PanelMode mode) const
+const Card *CardHost::cardOf(PanelMode mode) const
 {
-    const auto found = std::find_if(m_cards.begin(), m_cards.end(), [mode](const NotchCard &each) {
-        return each.mode.card == mode.card;
-    });
+    const auto found = std::find_if(
+        m_cards.begin(), m_cards.end(), [mode](const Card &each) { return each.name == mode.card; });
     return found == m_cards.end() ? nullptr : &*found;
 }
 
@@ -78,7 +77,7 @@ void CardHost::show(PanelMode mode)
 
 void CardHost::open()
 {
-    const NotchCard *card = cardOf(m_mode);
+    const Card *card = cardOf(m_mode);
     if (!card)
         return;
     QWidget *content = card->makeContent(

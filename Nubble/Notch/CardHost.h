@@ -4,8 +4,9 @@
 #include <QObject>
 #include <QPainterPath>
 
-#include "Notch/NotchCard.h"
+#include "Notch/PanelState.h"
 #include "Placement/PanelGeometry.h"
+#include "Widgets/Card.h"
 
 class QWidget;
 
@@ -20,9 +21,9 @@ class CardHost : public QObject {
     Q_OBJECT
 
 public:
-    CardHost(QWidget *view, QList<NotchCard> cards, const DesktopPreferences &preferences);
+    CardHost(QWidget *view, QList<Card> cards, const DesktopPreferences &preferences);
 
-    [[nodiscard]] const NotchCard *cardOf(PanelMode mode) const; // null: there is none
+    [[nodiscard]] const Card *cardOf(PanelMode mode) const; // null: there is none
 
     void show(PanelMode mode);
     void setGeometry(const PanelGeometry &geometry);
@@ -48,7 +49,7 @@ private:
 
     QWidget *m_view;
     const DesktopPreferences &m_preferences;
-    QList<NotchCard> m_cards;
+    QList<Card> m_cards;
     PanelGeometry m_geometry;
     PanelMode m_mode;
     TooltipShell *m_shell = nullptr;

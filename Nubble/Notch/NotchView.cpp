@@ -51,7 +51,7 @@ void NotchView::open(PanelMode mode)
         m_context.state.collapse();
         return;
     }
-    const NotchCard *card = m_cards->cardOf(mode);
+    const Card *card = m_cards->cardOf(mode);
     if (!card && !mode.isCollapsed())
         return;
     m_context.state.setMode(mode);

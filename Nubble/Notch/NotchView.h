@@ -16,7 +16,7 @@ class Layout;
 class MainScreen;
 class NotchAction;
 class NotchPlacement;
-struct NotchCard;
+struct Card;
 
 // What the panel is placed and drawn by. Everything outlives the panel.
 struct NotchContext {
@@ -29,7 +29,7 @@ struct NotchContext {
 
 // What the panel offers. The actions outlive it.
 struct NotchContents {
-    QList<NotchCard> cards;
+    QList<Card> cards;
     QList<NotchAction *> actions; // in the order of their buttons
 };
 

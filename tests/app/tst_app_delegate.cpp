@@ -10,6 +10,7 @@
 #include "AppDelegate.h"
 #include "support/FakeInstanceBus.h"
 #include "support/TemporaryHome.h"
+#include "usage/UsageCache.h"
 
 using namespace Qt::StringLiterals;
 using namespace nubble;
@@ -116,6 +117,18 @@ private Q_SLOTS:
                 {u"visible"_s, true}}));
         commands.openSessions(); // does not close it
         QCOMPARE(commands.status()[u"panel"_s][u"mode"_s].toString(), u"sessions"_s);
+    }
+
+    void openingTheSessionsCardReadsThePlansUsage()
+    {
+        Program program;
+        AppCommands &commands = program.delegate->commands();
+        const auto usage = [&commands]() -> QJsonValue { return commands.status()[u"usage"_s]; };
+        QTRY_VERIFY(usage()[u"problem"_s].isString()); // the first read has found nothing
+        program.home.write(u".config/Claude/Cache/Cache_Data/a_0"_s, UsageCache::usageEntry(42));
+        commands.openSessions();
+        QTRY_COMPARE_WITH_TIMEOUT(
+            usage()[u"session"_s][u"fraction"_s].toDouble(), 0.42, 9000); // before its timer
     }
 
     void aRestartGivesTheNameUpOnce()

@@ -7,8 +7,10 @@
 
 #include "Notch/NotchAction.h"
 #include "Notch/PanelWindow.h"
-#include "NotchRegistry.h"
+#include "NotchWiring.h"
 #include "Sessions/ProjectRow.h"
+#include "Sessions/SessionsCard.h"
+#include "Usage/UsageCard.h"
 #include "support/FakePanelSurface.h"
 #include "support/PanelWorld.h"
 
@@ -18,15 +20,9 @@ namespace nubble {
 class PanelUnderTest {
 public:
     explicit PanelUnderTest(PanelWorld &world)
-        : models{
-            .sessions = world.monitor,
-            .planUsage = world.planUsage,
-            .activator = world.activator,
-            .clock = world.clock,
-            .preferences = world.preferences},
-          actions(notchActions(
-              world.addons, world.state, world.notifications,
-              [this](PanelMode mode) { window.view().open(mode); })),
+        : actions(notchActions(
+            world.addons, world.state, world.notifications,
+            [this](PanelMode mode) { window.view().open(mode); })),
           window(
               {
                   .state = world.state,
@@ -35,14 +31,13 @@ public:
                   .mainScreen = world.mainScreen,
                   .preferences = world.preferences,
               },
-              contents(),
-              [this](QWidget &widget) {
+              contents(world), [this](QWidget &widget) {
                   auto made = std::make_unique<FakePanelSurface>(widget);
                   surface = made.get();
                   return made;
               })
     {
-        showOnRing(window.view().ring(), models);
+        showOnRing(window.view().ring(), world.monitor, world.planUsage);
     }
 
     [[nodiscard]] QWidget &view() { return window.view(); }
@@ -90,9 +85,13 @@ public:
     }
 
 private:
-    [[nodiscard]] NotchContents contents() const
+    [[nodiscard]] NotchContents contents(PanelWorld &world) const
     {
-        NotchContents contents{.cards = notchCards(models), .actions = {}};
+        NotchContents contents{
+            .cards =
+                {sessionsCard(world.monitor, world.activator, world.clock),
+                 usageCard(world.planUsage, world.clock, world.preferences)},
+            .actions = {}};
         for (const auto &action : actions)
             contents.actions.append(action.get());
         return contents;
@@ -107,7 +106,6 @@ private:
     }
 
 public:
-    NotchModels models;
     std::vector<std::unique_ptr<NotchAction>> actions;
     FakePanelSurface *surface = nullptr;
     PanelWindow window;

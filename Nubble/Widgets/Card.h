@@ -1,8 +1,8 @@
 #pragma once
 
-#include <functional>
+#include <QLatin1String>
 
-#include "Notch/PanelState.h"
+#include <functional>
 
 class QWidget;
 
@@ -14,11 +14,12 @@ struct CardRoom {
     std::function<void()> close; // closes the card
 };
 
-// A card as the panel knows it. Both functions are called on the main thread, for as long as the panel lives.
-struct NotchCard {
-    PanelMode mode;
+// A card that the panel can open, as a plain value. Both functions are called on the main thread, for as long
+// as the panel lives.
+struct Card {
+    QLatin1String name;
     std::function<QWidget *(const CardRoom &room)> makeContent; // the panel's own from then on
-    std::function<void()> refresh;                              // what it shows is to be brought up to date
+    std::function<void()> refresh;                              // brings up to date what it shows; may be none
 };
 
 } // namespace nubble

@@ -1,0 +1,53 @@
+#include "NotchWiring.h"
+
+#include "Notch/ClaudeCell.h"
+#include "Notch/NotchAction.h"
+#include "Sessions/SessionMonitor.h"
+#include "Shell/Addon.h"
+#include "Shell/HotKeyTable.h"
+#include "Shell/NotificationCenter.h"
+#include "Usage/PlanUsageMonitor.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nubble {
+
+std::vector<std::unique_ptr<NotchAction>> notchActions(
+    const ActiveAddons &addons, PanelState &state, NotificationCenter &notifications,
+    const std::function<void(PanelMode)> &open)
+{
+    std::vector<std::unique_ptr<NotchAction>> actions;
+    const auto add = [&actions](const NotchAction::Look &look, const std::function<void()> &run) {
+        actions.push_back(std::make_unique<NotchAction>(look, run));
+    };
+    for (const Addon addon : addons.actions()) {
+        if (addon == Addon::Search)
+            add({u"magnifyingglass"_s, u"Search chats  "_s + keysText(HotKey::Search)},
+                [&state, &notifications] {
+                    state.collapse();
+                    notifications.postOpenChatSearch();
+                });
+        else if (addon == Addon::Ask)
+            add({u"text.bubble.fill"_s, u"Ask Claude about your screen  "_s + keysText(HotKey::Ask)},
+                [&state, &notifications] {
+                    state.collapse();
+                    notifications.postAskClaude();
+                });
+        else if (addon == Addon::Notes)
+            add({u"mic.fill"_s, u"Meeting notes"_s}, [open] { open(PanelMode::notes()); });
+    }
+    return actions;
+}
+
+void showOnRing(ClaudeCell &ring, const SessionMonitor &sessions, const PlanUsageMonitor &planUsage)
+{
+    const auto showActivity = [&ring, &sessions] { ring.setActivity(sessions.activity()); };
+    const auto showUsage = [&ring, &planUsage] { ring.setUsage(planUsage.windows()); };
+    QObject::connect(&sessions, &SessionMonitor::sessionsChanged, &ring, showActivity);
+    QObject::connect(&sessions, &SessionMonitor::recentlyCompletedChanged, &ring, showActivity);
+    QObject::connect(&planUsage, &PlanUsageMonitor::changed, &ring, showUsage);
+    showActivity();
+    showUsage();
+}
+
+} // namespace nubble

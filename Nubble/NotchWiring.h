@@ -1,0 +1,28 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "Notch/PanelState.h"
+
+namespace nubble {
+
+class ActiveAddons;
+class ClaudeCell;
+class NotchAction;
+class NotificationCenter;
+class PlanUsageMonitor;
+class SessionMonitor;
+
+// How the features reach the panel's buttons and its ring. Main thread only.
+
+// The buttons of the active add-ons, in their order. `open` opens a card.
+[[nodiscard]] std::vector<std::unique_ptr<NotchAction>> notchActions(
+    const ActiveAddons &addons, PanelState &state, NotificationCenter &notifications,
+    const std::function<void(PanelMode)> &open);
+
+// Has the ring follow what it shows.
+void showOnRing(ClaudeCell &ring, const SessionMonitor &sessions, const PlanUsageMonitor &planUsage);
+
+} // namespace nubble
