@@ -7,6 +7,7 @@
 #include "Platform/Freedesktop/FreedesktopPreferences.h"
 #include "Platform/Freedesktop/SessionBusNotifications.h"
 #include "Platform/Freedesktop/StatusNotifierWatch.h"
+#include "Platform/Logging.h"
 #include "Platform/X11/X11Connection.h"
 #include "Platform/X11/X11MouseMonitor.h"
 #include "Platform/X11/X11PanelSurface.h"
@@ -86,6 +87,7 @@ std::optional<QByteArray> qtPlatform()
 Backend makeBackend(const Home &home)
 {
     const auto x11 = X11Connection::ofThisProgram(); // null on every other platform of Qt
+    qCDebug(logPlatform) << "backend:" << (x11 ? "X11" : "a plain window");
     Backend backend = x11 ? makeX11Backend(x11) : makePlainBackend();
     backend.preferences = std::make_unique<FreedesktopPreferences>(home);
     backend.statusHost = std::make_unique<DesktopStatusHost>(

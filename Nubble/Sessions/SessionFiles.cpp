@@ -2,12 +2,14 @@
 
 #include <QFile>
 
+#include <array>
 #include <cstring>
 #include <dirent.h>
 #include <memory>
 #include <string_view>
 #include <thread>
 
+#include "Platform/Logging.h"
 #include "Platform/RegularFile.h"
 #include "Sessions/SessionParsing.h"
 
@@ -77,16 +79,29 @@ void SessionFiles::settleRecord(
     while (outcome == Outcome::Undecodable && !(wasLeftOut && record.bytes == before)
            && waitForWriter(allowance))
         outcome = readRecord(name, folder, record, allowance);
-    if (outcome == Outcome::Unreadable)
-        record = {.bytes = {}, .session = {}, .pass = record.pass};
+    setOutcome(name, outcome, record);
+}
+
+void SessionFiles::setOutcome(const char *name, Outcome outcome, Record &record)
+{
+    constexpr std::array reasons{"is a record again", "is no record", "cannot be read", "is too large"};
+    if (outcome != record.outcome)
+        qCDebug(logSessions) << name << reasons.at(static_cast<size_t>(outcome));
+    record.outcome = outcome;
+    if (outcome == Outcome::Unreadable || outcome == Outcome::TooLarge) {
+        record.bytes.clear();
+        record.session.reset();
+    }
 }
 
 SessionFiles::Outcome SessionFiles::readRecord(
     const char *name, int folder, Record &record, Allowance &allowance)
 {
     const auto file = RegularFile::open(name, folder);
-    if (!file || file->size() > std::min(largestRecord, allowance.bytes))
+    if (!file)
         return Outcome::Unreadable;
+    if (file->size() > std::min(largestRecord, allowance.bytes))
+        return Outcome::TooLarge;
     auto bytes = file->read(0, file->size());
     if (!bytes)
         return Outcome::Unreadable;

@@ -22,12 +22,13 @@ public:
     [[nodiscard]] std::optional<QList<ClaudeSession>> read();
 
 private:
-    enum class Outcome { Decoded, Undecodable, Unreadable };
+    enum class Outcome { Decoded, Undecodable, Unreadable, TooLarge };
 
     struct Record {
         QByteArray bytes;
         std::optional<ClaudeSession> session;
         quint64 pass = 0; // when it was last listed
+        Outcome outcome = Outcome::Decoded;
     };
 
     // What one pass may still spend.
@@ -39,6 +40,7 @@ private:
     static Outcome readRecord(const char *name, int folder, Record &record, Allowance &allowance);
     static void settleRecord(
         const char *name, int folder, bool wasLeftOut, Record &record, Allowance &allowance);
+    static void setOutcome(const char *name, Outcome outcome, Record &record);
     static bool waitForWriter(Allowance &allowance);
     Record &recordNamed(const char *name);
 

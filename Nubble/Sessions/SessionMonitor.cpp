@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 
+#include "Platform/Logging.h"
 #include "Platform/MainThread.h"
 #include "Platform/ProcessTable.h"
 
@@ -75,7 +76,7 @@ void SessionMonitor::refresh()
         publish({});
         return;
     }
-    live->removeIf([this](const ClaudeSession &session) { return !m_processes.canSignal(session.pid); });
+    leaveOutEnded(*live);
     trackRuns(*live);
     publish(newestFirst(*live));
     refreshDetails(false);
@@ -89,6 +90,20 @@ void SessionMonitor::refreshDetails(bool force)
 void SessionMonitor::waitForDetails()
 {
     m_details.waitForDone();
+}
+
+void SessionMonitor::leaveOutEnded(QList<ClaudeSession> &sessions)
+{
+    QSet<qint32> ended;
+    sessions.removeIf([&](const ClaudeSession &session) {
+        if (m_processes.canSignal(session.pid))
+            return false;
+        if (!m_ended.contains(session.pid))
+            qCDebug(logSessions) << "session" << session.sessionId << "has no process" << session.pid;
+        ended.insert(session.pid);
+        return true;
+    });
+    m_ended = std::move(ended);
 }
 
 void SessionMonitor::publish(QList<ClaudeSession> sessions)

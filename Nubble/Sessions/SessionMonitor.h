@@ -51,6 +51,7 @@ private:
     // A terminal: two of them can have the same conversation open, one working and one not.
     using Run = std::pair<QString, qint32>;
 
+    void leaveOutEnded(QList<ClaudeSession> &sessions);
     void trackRuns(const QList<ClaudeSession> &live);
     void forgetCompletions(const QSet<QString> &ids, TimePoint now);
     void publish(QList<ClaudeSession> sessions);
@@ -61,6 +62,7 @@ private:
     SessionDetails m_details;
     QList<ClaudeSession> m_sessions;
     QSet<QString> m_recentlyCompleted;
+    QSet<qint32> m_ended;                    // process ids that records still name
     QSet<Run> m_busy;                        // at the last poll
     QHash<QString, TimePoint> m_completedAt; // by session id
     QTimer m_timer;

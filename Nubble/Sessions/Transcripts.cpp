@@ -2,6 +2,10 @@
 
 #include <QSet>
 
+#include <array>
+
+#include "Platform/Logging.h"
+
 namespace nubble {
 
 Transcripts::Transcripts(const QString &projectsFolder) : m_finder(projectsFolder, m_costs) { }
@@ -15,10 +19,11 @@ QHash<QString, SessionDetail> Transcripts::update(
         if (stop.stop_requested())
             break;
         if (!ids.contains(session.sessionId))
-            updateOne(session, force);
+            note(session.sessionId, updateOne(session, force));
         ids.insert(session.sessionId);
     }
     m_transcripts.removeIf([&ids](const auto &each) { return !ids.contains(each.key()); });
+    m_gaps.removeIf([&ids](const auto &each) { return !ids.contains(each.key()); });
 
     QHash<QString, SessionDetail> details;
     for (auto each = m_transcripts.cbegin(); each != m_transcripts.cend(); ++each)
@@ -27,22 +32,35 @@ QHash<QString, SessionDetail> Transcripts::update(
     return details;
 }
 
-void Transcripts::updateOne(const ClaudeSession &session, bool force)
+void Transcripts::note(const QString &id, Gap gap)
+{
+    Gap &known = m_gaps[id];
+    if (known == gap)
+        return;
+    known = gap;
+    constexpr std::array reasons{
+        "has its transcript", "has no transcript yet", "has one that cannot be read"};
+    qCDebug(logSessions) << "session" << id << reasons.at(static_cast<size_t>(gap));
+}
+
+Transcripts::Gap Transcripts::updateOne(const ClaudeSession &session, bool force)
 {
     auto known = m_transcripts.find(session.sessionId);
     auto stamp = known == m_transcripts.end() ? std::nullopt : m_finder.stampOf(known->path);
     if (!stamp) {
         const auto found = m_finder.find(session);
         if (!found)
-            return;
+            return Gap::NotFound;
         if (known == m_transcripts.end() || known->path != found->path)
             known = m_transcripts.insert(session.sessionId, {.path = found->path, .stamp = {}, .reader = {}});
         stamp = found->stamp;
     }
     if (!force && known->reader.hasRead() && *stamp == known->stamp)
-        return;
-    if (known->reader.read(known->path, m_costs))
-        known->stamp = *stamp;
+        return Gap::None;
+    if (!known->reader.read(known->path, m_costs))
+        return Gap::Unreadable;
+    known->stamp = *stamp;
+    return Gap::None;
 }
 
 } // namespace nubble

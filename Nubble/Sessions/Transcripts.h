@@ -34,11 +34,16 @@ private:
         TranscriptReader reader;
     };
 
-    void updateOne(const ClaudeSession &session, bool force);
+    // Why a session's details are not up to date; for the log.
+    enum class Gap { None, NotFound, Unreadable };
+
+    Gap updateOne(const ClaudeSession &session, bool force);
+    void note(const QString &id, Gap gap);
 
     FileCosts m_costs;
     TranscriptFinder m_finder;
     QHash<QString, Transcript> m_transcripts; // by session id
+    QHash<QString, Gap> m_gaps;               // likewise
 };
 
 } // namespace nubble

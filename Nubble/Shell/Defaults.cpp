@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "Platform/Logging.h"
 #include "Platform/RegularFile.h"
 
 using namespace Qt::StringLiterals;
@@ -20,7 +21,10 @@ bool isFitForSettings(const QString &file)
         return true;
     const auto opened = RegularFile::open(file);
     const auto bytes = opened && opened->size() <= enough ? opened->read(0, enough) : std::nullopt;
-    return bytes && !bytes->contains("@Variant(") && !bytes->contains("@DateTime(");
+    const bool isFit = bytes && !bytes->contains("@Variant(") && !bytes->contains("@DateTime(");
+    if (!isFit)
+        qCDebug(logShell) << file << "is left alone: unreadable, too large, or with serialised objects";
+    return isFit;
 }
 
 } // namespace

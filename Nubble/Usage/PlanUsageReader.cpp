@@ -9,6 +9,7 @@
 #include <sys/stat.h>
 #include <vector>
 
+#include "Platform/Logging.h"
 #include "Platform/RegularFile.h"
 #include "Usage/CacheEntry.h"
 #include "Usage/UsageJson.h"
@@ -57,6 +58,7 @@ PlanUsageReader::PlanUsageReader(
 ReadOutcome PlanUsageReader::read(const QList<QByteArray> &known, const std::stop_token &stop)
 {
     const auto zstd = m_findZstd();
+    note("reading", zstd ? nullptr : "needs zstd");
     if (!zstd)
         return {ReadProblem::NoZstd, std::nullopt};
     ReadOutcome outcome = attempt(known, *zstd, stop);
@@ -86,6 +88,7 @@ ReadOutcome PlanUsageReader::attempt(
     if (const auto reading = newestReading(known, zstd, stop))
         return {*reading, std::nullopt};
     const QList<QByteArray> found = m_scan.usageEntries();
+    note("the cache", found.isEmpty() ? "holds no usage answer, or cannot be listed" : nullptr);
     if (found.isEmpty())
         return {ReadProblem::NoCache, found};
     if (const auto reading = newestReading(found, zstd, stop))
@@ -94,7 +97,7 @@ ReadOutcome PlanUsageReader::attempt(
 }
 
 std::optional<Reading> PlanUsageReader::newestReading(
-    const QList<QByteArray> &entries, const QString &zstd, const std::stop_token &stop) const
+    const QList<QByteArray> &entries, const QString &zstd, const std::stop_token &stop)
 {
     for (const QByteArray &each : byModification(entries)) {
         if (stop.stop_requested())
@@ -106,22 +109,40 @@ std::optional<Reading> PlanUsageReader::newestReading(
 }
 
 std::optional<Reading> PlanUsageReader::readingOf(
-    const QByteArray &entry, const QString &zstd, const std::stop_token &stop) const
+    const QByteArray &entry, const QString &zstd, const std::stop_token &stop)
 {
+    const auto refused = [&](const char *why) {
+        note(entry, why);
+        return std::nullopt;
+    };
     const auto file = RegularFile::open(entry.constData(), AT_FDCWD);
     if (!file || file->size() >= CacheEntry::sizeLimit)
-        return std::nullopt;
+        return refused("cannot be opened or is too large");
     const auto bytes = file->read(0, file->size());
     const auto key = bytes ? CacheEntry::keyOf(*bytes) : std::nullopt;
     const auto body = bytes ? CacheEntry::compressedBodyOf(*bytes) : std::nullopt;
     if (!body || !CacheEntry::isUsageKey(*key, m_domain))
-        return std::nullopt;
+        return refused("holds no compressed usage answer");
     const auto json = decompress(zstd, *body, m_pace.decompression, stop);
-    const auto windows = json ? parseUsageJson(*json) : std::nullopt;
+    if (!json)
+        return refused("cannot be decompressed");
+    const auto windows = parseUsageJson(*json);
     if (!windows)
-        return std::nullopt;
-    const auto capturedAt = std::chrono::floor<std::chrono::milliseconds>(file->modified());
-    return Reading{entry, *windows, capturedAt};
+        return refused("tells of no plan window");
+    note(entry, nullptr);
+    return Reading{entry, *windows, std::chrono::floor<std::chrono::milliseconds>(file->modified())};
+}
+
+// Says it when it is not what was said of it last; null when there is no obstacle.
+void PlanUsageReader::note(const QByteArray &what, const char *obstacle)
+{
+    constexpr qsizetype remembered = 1000; // names that the cache has long dropped among them
+    if (m_obstacles.value(what) == obstacle)
+        return;
+    qCDebug(logUsage).noquote() << what << (obstacle ? obstacle : "is well again");
+    if (m_obstacles.size() >= remembered)
+        m_obstacles.clear();
+    m_obstacles.insert(what, obstacle);
 }
 
 } // namespace nubble

@@ -40,9 +40,10 @@ public:
 private:
     ReadOutcome attempt(const QList<QByteArray> &known, const QString &zstd, const std::stop_token &stop);
     std::optional<Reading> newestReading(
-        const QList<QByteArray> &entries, const QString &zstd, const std::stop_token &stop) const;
+        const QList<QByteArray> &entries, const QString &zstd, const std::stop_token &stop);
     std::optional<Reading> readingOf(
-        const QByteArray &entry, const QString &zstd, const std::stop_token &stop) const;
+        const QByteArray &entry, const QString &zstd, const std::stop_token &stop);
+    void note(const QByteArray &what, const char *obstacle);
     bool missesLast(const ReadOutcome &outcome) const;
 
     CacheScan m_scan;
@@ -50,6 +51,7 @@ private:
     FindTool m_findZstd;
     ReaderPace m_pace;
     std::optional<Reading> m_last;
+    QHash<QByteArray, const char *> m_obstacles; // for the log, by what they are an obstacle to
 };
 
 } // namespace nubble

@@ -1,3 +1,5 @@
+#include <QLoggingCategory>
+#include <QMutex>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -184,6 +186,43 @@ private Q_SLOTS:
         put(u"7.json"_s, recordJson(7, u"b"_s, u"idle"_s, 3000));
         m_monitor->refresh();
         QCOMPARE(ids(), QStringList({u"b"_s, u"a"_s}));
+    }
+
+    void tellsWhyItLeavesSomethingOutOnceAndOnlyWhenAsked()
+    {
+        put(u"7.json"_s, "{\"pid\":7,");
+        put(u"8.json"_s, recordJson(8, u"ended"_s, u"idle"_s));
+        put(u"9.json"_s, recordJson(9, u"new"_s, u"idle"_s));
+        m_processes.alive.remove(8);
+        static QMutex mutex; // transcripts are read on another thread
+        static QStringList told;
+        const auto before =
+            qInstallMessageHandler([](QtMsgType, const QMessageLogContext &context, const QString &text) {
+                const QMutexLocker lock(&mutex);
+                told.append(QString::fromUtf8(context.category) + u": " + text);
+            });
+        const auto toldWith = [this](const QString &rules) {
+            told.clear();
+            QLoggingCategory::setFilterRules(rules);
+            SessionMonitor monitor(
+                m_home->path(u"sessions"_s), m_home->path(u"projects"_s), m_processes, m_clock);
+            monitor.waitForDetails();
+            monitor.refresh();
+            monitor.waitForDetails();
+            told.sort();
+            return told;
+        };
+        const QStringList silent = toldWith({});
+        const QStringList all = toldWith(u"nubble.*=true"_s);
+        QLoggingCategory::setFilterRules({});
+        qInstallMessageHandler(before);
+        QCOMPARE(silent, QStringList());
+        QCOMPARE(
+            all,
+            QStringList(
+                {u"nubble.sessions: 7.json is no record"_s,
+                 u"nubble.sessions: session \"ended\" has no process 8"_s,
+                 u"nubble.sessions: session \"new\" has no transcript yet"_s}));
     }
 
 private:

@@ -7,6 +7,7 @@
 #include <QTimer>
 
 #include "Platform/Freedesktop/SessionBus.h"
+#include "Platform/Logging.h"
 #include "Platform/RegularFile.h"
 
 using namespace Qt::StringLiterals;
@@ -64,10 +65,12 @@ void FreedesktopPreferences::ask()
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
         watcher->deleteLater();
         const QDBusPendingReply<QDBusVariant> reply = *watcher;
-        if (reply.isError())
+        if (reply.isError()) {
+            qCDebug(logPlatform) << "the settings portal does not answer:" << reply.error().name();
             readKdeSettings();
-        else
+        } else {
             setAnimationsEnabled(reply.value().variant());
+        }
     });
 }
 

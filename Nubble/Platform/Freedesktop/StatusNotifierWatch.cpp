@@ -6,7 +6,10 @@
 #include <QDBusVariant>
 #include <QTimer>
 
+#include <array>
+
 #include "Platform/Freedesktop/SessionBus.h"
+#include "Platform/Logging.h"
 
 using namespace Qt::StringLiterals;
 
@@ -60,6 +63,8 @@ void StatusNotifierWatch::setState(State state)
     if (m_state == state)
         return;
     m_state = state;
+    constexpr std::array names{"absent", "unanswered", "announced", "hosted"};
+    qCDebug(logPlatform) << "the bus's host for status items is" << names.at(static_cast<size_t>(state));
     Q_EMIT changed();
 }
 
