@@ -55,11 +55,6 @@ double Layout::ringWithPercent() const
     return m_percentLineHeight + ringAndGap;
 }
 
-double Layout::ringCenterAcross() const
-{
-    return ringAcross;
-}
-
 double Layout::bodyDepth(NotchEdge edge) const
 {
     return isVertical(edge) ? standingDepth : ringWithPercent() + lyingMargins;

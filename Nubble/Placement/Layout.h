@@ -24,7 +24,6 @@ public:
     [[nodiscard]] double actionsLength() const; // along extent of the action buttons
     [[nodiscard]] double cardAcross(NotchEdge edge) const;
     [[nodiscard]] double cardAlong(NotchEdge edge) const;
-    [[nodiscard]] double ringCenterAcross() const; // from the screen's edge
     [[nodiscard]] QSizeF windowSize(NotchEdge edge) const;
 
     // In window coordinates.

@@ -37,19 +37,6 @@ std::optional<QString> missingTool(const QString &tool, const Home &home, const 
 
 } // namespace
 
-QString rawValue(Addon addon)
-{
-    return describe(addon).rawValue.toString();
-}
-
-std::optional<Addon> addonFrom(const QString &rawValue)
-{
-    for (const Addon addon : allAddons)
-        if (describe(addon).rawValue == rawValue)
-            return addon;
-    return std::nullopt;
-}
-
 QString title(Addon addon)
 {
     return describe(addon).title.toString();

@@ -17,8 +17,6 @@ enum class Addon { Quenwick, Ask, Search, Notes };
 
 inline constexpr std::array allAddons{Addon::Quenwick, Addon::Ask, Addon::Search, Addon::Notes};
 
-[[nodiscard]] QString rawValue(Addon addon); // how it is stored
-[[nodiscard]] std::optional<Addon> addonFrom(const QString &rawValue);
 [[nodiscard]] QString title(Addon addon);
 [[nodiscard]] QString description(Addon addon); // one sentence, for tool tips
 [[nodiscard]] QString defaultsKey(Addon addon);
