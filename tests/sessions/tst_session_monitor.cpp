@@ -89,6 +89,20 @@ private Q_SLOTS:
         QCOMPARE(m_monitor->activity(), (Activity{RunState::Working, false}));
     }
 
+    void aNewCompletionReplacesOneFromBeforeTheClockWasSetBack()
+    {
+        refreshWith(7, u"a"_s, u"busy"_s);
+        refreshWith(7, u"a"_s, u"idle"_s);
+        m_clock.advance(-1h);
+        m_monitor->refresh();
+        QCOMPARE(m_monitor->activity().overall, RunState::Completed);
+        refreshWith(7, u"a"_s, u"busy"_s);
+        refreshWith(7, u"a"_s, u"idle"_s);
+        m_clock.advance(2min);
+        m_monitor->refresh();
+        QCOMPARE(m_monitor->activity().overall, RunState::Idle);
+    }
+
     void completesOnlyWhatWasSeenBusy()
     {
         refreshWith(7, u"idle from the start"_s, u"idle"_s);
@@ -123,15 +137,19 @@ private Q_SLOTS:
         QVERIFY(QDir().mkpath(folder + u"folder.json"));
         QVERIFY(QFile::link(folder + u"nowhere", folder + u"dangling.json"));
         QVERIFY(QFile::link(folder + u"circle.json", folder + u"circle.json"));
+        QVERIFY(QFile::link(folder + u"fifo.json", folder + u"to-fifo.json"));
         put(u"huge.json"_s, recordJson(7, u"huge"_s, u"busy"_s));
         QVERIFY(QFile::resize(folder + u"huge.json", 100'000'000));
         put(u"padded.json"_s, recordJson(7, u"padded"_s, u"idle"_s) + QByteArray(1024 * 1024, ' '));
         put(u"group.json"_s, recordJson(0, u"group"_s, u"busy"_s));
         put(u"self.json"_s, recordJson(::getpid(), u"self"_s, u"busy"_s));
+        m_home->write(u"elsewhere"_s, recordJson(::getpid(), u"linked"_s, u"busy"_s, 3000));
+        QVERIFY(QFile::link(m_home->path(u"elsewhere"_s), folder + u"link.json"));
         const LinuxProcessTable processes;
-        SessionMonitor monitor(m_home->path(u"sessions"_s), m_home->path(u"projects"_s), processes, m_clock);
-        QCOMPARE(monitor.sessions().size(), 1);
-        QCOMPARE(monitor.sessions().first().sessionId, u"self"_s);
+        m_monitor = std::make_unique<SessionMonitor>(
+            m_home->path(u"sessions"_s), m_home->path(u"projects"_s), processes, m_clock);
+        QCOMPARE(ids(), QStringList({u"linked"_s, u"self"_s}));
+        m_monitor.reset();
     }
 
     void doesNotFlickerWhileRecordsAreRewritten()
