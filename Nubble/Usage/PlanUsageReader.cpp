@@ -139,7 +139,7 @@ void PlanUsageReader::note(const QByteArray &what, const char *obstacle)
     constexpr qsizetype remembered = 1000; // names that the cache has long dropped among them
     if (m_obstacles.value(what) == obstacle)
         return;
-    qCDebug(logUsage).noquote() << what << (obstacle ? obstacle : "has no obstacle any more");
+    qCDebug(logUsage).noquote() << what << (obstacle ? obstacle : "is well again");
     if (m_obstacles.size() >= remembered)
         m_obstacles.clear();
     m_obstacles.insert(what, obstacle);

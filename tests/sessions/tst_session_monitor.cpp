@@ -1,3 +1,5 @@
+#include <QLoggingCategory>
+#include <QMutex>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -87,6 +89,20 @@ private Q_SLOTS:
         QCOMPARE(m_monitor->activity(), (Activity{RunState::Working, false}));
     }
 
+    void aNewCompletionReplacesOneFromBeforeTheClockWasSetBack()
+    {
+        refreshWith(7, u"a"_s, u"busy"_s);
+        refreshWith(7, u"a"_s, u"idle"_s);
+        m_clock.advance(-1h);
+        m_monitor->refresh();
+        QCOMPARE(m_monitor->activity().overall, RunState::Completed);
+        refreshWith(7, u"a"_s, u"busy"_s);
+        refreshWith(7, u"a"_s, u"idle"_s);
+        m_clock.advance(2min);
+        m_monitor->refresh();
+        QCOMPARE(m_monitor->activity().overall, RunState::Idle);
+    }
+
     void completesOnlyWhatWasSeenBusy()
     {
         refreshWith(7, u"idle from the start"_s, u"idle"_s);
@@ -121,15 +137,19 @@ private Q_SLOTS:
         QVERIFY(QDir().mkpath(folder + u"folder.json"));
         QVERIFY(QFile::link(folder + u"nowhere", folder + u"dangling.json"));
         QVERIFY(QFile::link(folder + u"circle.json", folder + u"circle.json"));
+        QVERIFY(QFile::link(folder + u"fifo.json", folder + u"to-fifo.json"));
         put(u"huge.json"_s, recordJson(7, u"huge"_s, u"busy"_s));
         QVERIFY(QFile::resize(folder + u"huge.json", 100'000'000));
         put(u"padded.json"_s, recordJson(7, u"padded"_s, u"idle"_s) + QByteArray(1024 * 1024, ' '));
         put(u"group.json"_s, recordJson(0, u"group"_s, u"busy"_s));
         put(u"self.json"_s, recordJson(::getpid(), u"self"_s, u"busy"_s));
+        m_home->write(u"elsewhere"_s, recordJson(::getpid(), u"linked"_s, u"busy"_s, 3000));
+        QVERIFY(QFile::link(m_home->path(u"elsewhere"_s), folder + u"link.json"));
         const LinuxProcessTable processes;
-        SessionMonitor monitor(m_home->path(u"sessions"_s), m_home->path(u"projects"_s), processes, m_clock);
-        QCOMPARE(monitor.sessions().size(), 1);
-        QCOMPARE(monitor.sessions().first().sessionId, u"self"_s);
+        m_monitor = std::make_unique<SessionMonitor>(
+            m_home->path(u"sessions"_s), m_home->path(u"projects"_s), processes, m_clock);
+        QCOMPARE(ids(), QStringList({u"linked"_s, u"self"_s}));
+        m_monitor.reset();
     }
 
     void doesNotFlickerWhileRecordsAreRewritten()
@@ -184,6 +204,43 @@ private Q_SLOTS:
         put(u"7.json"_s, recordJson(7, u"b"_s, u"idle"_s, 3000));
         m_monitor->refresh();
         QCOMPARE(ids(), QStringList({u"b"_s, u"a"_s}));
+    }
+
+    void tellsWhyItLeavesSomethingOutOnceAndOnlyWhenAsked()
+    {
+        put(u"7.json"_s, "{\"pid\":7,");
+        put(u"8.json"_s, recordJson(8, u"ended"_s, u"idle"_s));
+        put(u"9.json"_s, recordJson(9, u"new"_s, u"idle"_s));
+        m_processes.alive.remove(8);
+        static QMutex mutex; // transcripts are read on another thread
+        static QStringList told;
+        const auto before =
+            qInstallMessageHandler([](QtMsgType, const QMessageLogContext &context, const QString &text) {
+                const QMutexLocker lock(&mutex);
+                told.append(QString::fromUtf8(context.category) + u": " + text);
+            });
+        const auto toldWith = [this](const QString &rules) {
+            told.clear();
+            QLoggingCategory::setFilterRules(rules);
+            SessionMonitor monitor(
+                m_home->path(u"sessions"_s), m_home->path(u"projects"_s), m_processes, m_clock);
+            monitor.waitForDetails();
+            monitor.refresh();
+            monitor.waitForDetails();
+            told.sort();
+            return told;
+        };
+        const QStringList silent = toldWith({});
+        const QStringList all = toldWith(u"nubble.*=true"_s);
+        QLoggingCategory::setFilterRules({});
+        qInstallMessageHandler(before);
+        QCOMPARE(silent, QStringList());
+        QCOMPARE(
+            all,
+            QStringList(
+                {u"nubble.sessions: 7.json is no record"_s,
+                 u"nubble.sessions: session \"ended\" has no process 8"_s,
+                 u"nubble.sessions: session \"new\" has no transcript yet"_s}));
     }
 
 private:

@@ -52,7 +52,9 @@ private Q_SLOTS:
               {user('"' + QByteArray(199, 'x') + "😀\""), QString(199, u'x')}, // no half of a character
               {user(R"("x")", R"(,"isMeta":true)"), QString()},
               {user(R"("x")", R"(,"isSidechain":true)"), QString()},
-              {user(R"([{"type":"tool_result","content":"x"}])"), QString()},
+              {user(R"("x")", R"(,"isCompactSummary":true)"), QString()},
+              {user(R"("x")", R"(,"toolUseResult":{})"), QString()},
+              {user(R"([{"type":"tool_result","content":"x"},{"type":"text","text":"x"}])"), QString()},
               {user(R"("<command-name>/clear</command-name>")"), QString()},
               {user(R"([{"type":"text","text":"[Request interrupted by user]"}])"), QString()},
               {R"({"type":"x","m":{"type":"user"},"message":{"content":"x"}})", QString()}})
@@ -128,7 +130,9 @@ private Q_SLOTS:
         QVERIFY(m_now - appeared < 5s);
 
         QVERIFY(QFile::remove(path));
-        put(titleLine("moved"));
+        QCOMPARE(update().title, u"t"_s); // as long as there is no other
+        m_now -= 1h;                      // the clock is set back
+        m_home->write(u"projects/third/id.jsonl"_s, titleLine("moved"));
         QCOMPARE(update().title, u"moved"_s);
     }
 

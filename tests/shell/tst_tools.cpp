@@ -60,6 +60,30 @@ private Q_SLOTS:
         }
     }
 
+    void anAddonSaysWhatItLacks()
+    {
+        const TemporaryHome folder;
+        const Home home = folder.home();
+        const Defaults defaults(folder.path(u"preferences.conf"_s));
+        const auto lack = [&](Addon addon) { return missing(addon, home, defaults).value_or(QString()); };
+        const QString script = home.file(u".quib-live/quib-live.mjs"_s);
+        for (const auto &[addon, tool, sentence, then] :
+             {std::tuple(Addon::Ask, u"claude"_s, u"Needs Claude Code (the `claude` command)."_s, QString()),
+              {Addon::Search, u"yarnbin"_s, u"Needs yarnbin (the `yarnbin` command)."_s, QString()},
+              {Addon::Notes, u"node"_s, u"Needs Node.js."_s,
+               QString(u"Needs the recorder script at "_s + script + u'.')}}) {
+            if (!Tools::find(tool, home)) // this machine may have it
+                QCOMPARE(lack(addon), sentence);
+            folder.writeScript(u".local/bin/"_s + tool, "#!/bin/sh\n");
+            QCOMPARE(lack(addon), then);
+        }
+        folder.write(u".quib-live/quib-live.mjs"_s, {});
+        QCOMPARE(lack(Addon::Notes), QString());
+        QCOMPARE(lack(Addon::Quenwick), u"Needs the Quenwick app, opened at least once."_s);
+        QVERIFY(QDir().mkpath(quenwickFolder(home)));
+        QCOMPARE(lack(Addon::Quenwick), QString());
+    }
+
 private:
     void install(const TemporaryHome &home, const QString &tool) const
     {

@@ -1,5 +1,6 @@
 #include <QElapsedTimer>
 #include <QTest>
+#include <QTimer>
 
 #include <memory>
 
@@ -60,6 +61,27 @@ private Q_SLOTS:
         addAnswer(u"c_0"_s, 30, 0min);
         QCOMPARE(afterRefresh(), u"20");
         QCOMPARE(afterRefresh(true), u"30");
+    }
+
+    void aClockSetBackMakesNothingOldAndTrustsNothing()
+    {
+        addAnswer(u"a_0"_s, 10, 0min);
+        start();
+        addAnswer(u"b_0"_s, 20, -1min);
+        m_clock.advance(-1h);
+        QCOMPARE(afterRefresh(), u"20");
+    }
+
+    void itReadsByItselfEveryTenSeconds()
+    {
+        addAnswer(u"a_0"_s, 42, 1min);
+        start();
+        addAnswer(u"a_0"_s, 43, 0min);
+        auto *timer = m_monitor->findChild<QTimer *>();
+        QCOMPARE(timer->intervalAsDuration(), 10s);
+        QVERIFY(timer->isActive());
+        timer->setInterval(1ms);
+        QTRY_COMPARE(shown(), u"43");
     }
 
     void aMonitorCanGoInTheMiddleOfARead()

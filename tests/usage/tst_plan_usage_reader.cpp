@@ -83,8 +83,6 @@ private Q_SLOTS:
         QCOMPARE(printed(readerOf(cache).read({cache.nativePath(u"gone_0"_s), known})), "10");
         QFile::resize(QFile::decodeName(known), 600'000);
         QCOMPARE(printed(readerOf(cache).read({known})), "20: b_0");
-        QFile::remove(QFile::decodeName(known));
-        QCOMPARE(printed(readerOf(cache).read({known})), "20: b_0");
     }
 
     void whatIsNoFileOfAnEntrysSizeIsPassedOver()
