@@ -13,6 +13,8 @@
 #include "Usage/CacheEntry.h"
 #include "Usage/UsageJson.h"
 
+using namespace Qt::StringLiterals;
+
 namespace nubble {
 
 namespace {
@@ -105,6 +107,15 @@ std::optional<Reading> PlanUsageReader::newestReading(
     return std::nullopt;
 }
 
+// Empty when zstd writes nothing or is ended. Its exit status means nothing: it complains about whatever
+// follows the first frame, after it has written that frame out.
+QByteArray PlanUsageReader::decompressed(
+    QByteArrayView body, const QString &zstd, const std::stop_token &stop) const
+{
+    const CommandEnd end = runCommand({zstd, {u"-dc"_s}}, body.toByteArray(), m_pace.decompression, stop);
+    return end.cause == CommandEnd::Cause::Itself ? end.output : QByteArray();
+}
+
 std::optional<Reading> PlanUsageReader::readingOf(
     const QByteArray &entry, const QString &zstd, const std::stop_token &stop) const
 {
@@ -116,8 +127,7 @@ std::optional<Reading> PlanUsageReader::readingOf(
     const auto body = bytes ? CacheEntry::compressedBodyOf(*bytes) : std::nullopt;
     if (!body || !CacheEntry::isUsageKey(*key, m_domain))
         return std::nullopt;
-    const auto json = decompress(zstd, *body, m_pace.decompression, stop);
-    const auto windows = json ? parseUsageJson(*json) : std::nullopt;
+    const auto windows = parseUsageJson(decompressed(*body, zstd, stop));
     if (!windows)
         return std::nullopt;
     const auto capturedAt = QDateTime::fromMSecsSinceEpoch(file->modifiedNsecs() / 1'000'000, Qt::UTC);
