@@ -1,12 +1,12 @@
 #include "Sessions/ProcessActivator.h"
 
-#include <QProcess>
+#include <QCoreApplication>
 
 #include <algorithm>
-#include <chrono>
 
 #include "Platform/MainThread.h"
 #include "Platform/Workspace.h"
+#include "Shell/Command.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -16,7 +16,7 @@ namespace nubble {
 namespace {
 
 constexpr int mostAncestors = 24;
-constexpr std::chrono::milliseconds longestLookup = 2s;
+constexpr CommandLimits lookupLimits{.output = 100, .time = 2s};
 
 } // namespace
 
@@ -62,16 +62,10 @@ Activation ProcessActivator::activateClaudeDesktop()
 
 std::optional<pid_t> ProcessActivator::parentPid(pid_t pid)
 {
-    QProcess ps;
-    ps.setStandardInputFile(QProcess::nullDevice());
-    ps.start(u"/bin/ps"_s, {u"-o"_s, u"ppid="_s, u"-p"_s, QString::number(pid)});
-    if (!ps.waitForFinished(static_cast<int>(longestLookup.count()))) {
-        ps.kill();
-        ps.waitForFinished(static_cast<int>(longestLookup.count()));
-        return std::nullopt;
-    }
+    const Command ps{u"/bin/ps"_s, {u"-o"_s, u"ppid="_s, u"-p"_s, QString::number(pid)}};
+    const CommandEnd end = runCommand(ps, {}, lookupLimits);
     bool isNumber = false;
-    const pid_t parent = QString::fromUtf8(ps.readAllStandardOutput()).trimmed().toInt(&isNumber);
+    const pid_t parent = end.output.trimmed().toInt(&isNumber);
     return isNumber ? std::optional(parent) : std::nullopt;
 }
 

@@ -14,6 +14,8 @@
 #include "Usage/CacheEntry.h"
 #include "Usage/UsageJson.h"
 
+using namespace Qt::StringLiterals;
+
 namespace nubble {
 
 namespace {
@@ -108,6 +110,15 @@ std::optional<Reading> PlanUsageReader::newestReading(
     return std::nullopt;
 }
 
+// Empty when zstd writes nothing or is ended. Its exit status means nothing: it complains about whatever
+// follows the first frame, after it has written that frame out.
+QByteArray PlanUsageReader::decompressed(
+    QByteArrayView body, const QString &zstd, const std::stop_token &stop) const
+{
+    const CommandEnd end = runCommand({zstd, {u"-dc"_s}}, body.toByteArray(), m_pace.decompression, stop);
+    return end.cause == CommandEnd::Cause::Itself ? end.output : QByteArray();
+}
+
 std::optional<Reading> PlanUsageReader::readingOf(
     const QByteArray &entry, const QString &zstd, const std::stop_token &stop)
 {
@@ -123,10 +134,10 @@ std::optional<Reading> PlanUsageReader::readingOf(
     const auto body = bytes ? CacheEntry::compressedBodyOf(*bytes) : std::nullopt;
     if (!body || !CacheEntry::isUsageKey(*key, m_domain))
         return refused("holds no compressed usage answer");
-    const auto json = decompress(zstd, *body, m_pace.decompression, stop);
-    if (!json)
+    const QByteArray json = decompressed(*body, zstd, stop);
+    if (json.isEmpty())
         return refused("cannot be decompressed");
-    const auto windows = parseUsageJson(*json);
+    const auto windows = parseUsageJson(json);
     if (!windows)
         return refused("tells of no plan window");
     note(entry, nullptr);

@@ -8,8 +8,8 @@
 #include <stop_token>
 #include <variant>
 
+#include "Shell/Command.h"
 #include "Usage/CacheScan.h"
-#include "Usage/Decompressor.h"
 #include "Usage/Reading.h"
 
 namespace nubble {
@@ -20,7 +20,7 @@ struct ReadOutcome {
 };
 
 struct ReaderPace {
-    DecompressionLimits decompression;
+    CommandLimits decompression{.output = 16'777'216, .time = std::chrono::seconds(10)};
     std::chrono::milliseconds secondLook{150}; // an entry being written is whole again by then
 };
 
@@ -43,6 +43,7 @@ private:
         const QList<QByteArray> &entries, const QString &zstd, const std::stop_token &stop);
     std::optional<Reading> readingOf(
         const QByteArray &entry, const QString &zstd, const std::stop_token &stop);
+    QByteArray decompressed(QByteArrayView body, const QString &zstd, const std::stop_token &stop) const;
     void note(const QByteArray &what, const char *obstacle);
     bool missesLast(const ReadOutcome &outcome) const;
 

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QObject>
+
+#include <csignal>
+#include <memory>
+#include <sys/types.h>
+
+#include "Shell/Command.h"
+
+namespace nubble {
+
+// A running outside command: the one way in which the program runs any. It leads a process group of its own
+// and inherits nothing of us but what Command says: no descriptor, no blocked or ignored signal. Bytes are
+// given as they are; a chunk may end inside a character. Nothing here blocks. One thread, the one that made
+// it: the main thread, since runCommand serves the others.
+class ChildProcess : public QObject {
+    Q_OBJECT
+
+public:
+    enum class Delivery { Chunks, Whole };
+    // Whether the child, and what it has started, ends with this object or the program (even with one that
+    // crashes), or goes on alone.
+    enum class Lifetime { Ours, ItsOwn };
+
+    explicit ChildProcess(
+        Command command, CommandLimits limits = {}, Delivery delivery = Delivery::Chunks,
+        Lifetime lifetime = Lifetime::Ours, QObject *parent = nullptr);
+    ~ChildProcess() override; // ends it as end() does, without waiting for it; see Lifetime
+
+    void start(); // once
+
+    // Kept until the child reads it, however much it is; dropped when it does not want it any more.
+    void write(const QByteArray &bytes);
+    void closeInput(); // after what is pending
+
+    // Asks the whole group with `signal` to end, and kills it after the grace.
+    void end(int signal = SIGTERM);
+    bool signal(int number) const; // to the child alone; false when it has ended
+
+    [[nodiscard]] bool isRunning() const { return m_running; }
+    [[nodiscard]] pid_t pid() const; // 0 when it does not run
+
+Q_SIGNALS:
+    // At most what a pipe holds. The next chunk is read when this one has been dealt with, so a slow receiver
+    // slows the child down; it must not run an event loop of its own.
+    void output(const QByteArray &chunk);
+
+    // Once, after the last output, never from within start(). A process that the child has left behind does
+    // not hold it up: it is killed first, unless the child's lifetime is its own.
+    void ended(const nubble::CommandEnd &end);
+
+private:
+    friend CommandEnd runCommand(
+        const Command &command, const QByteArray &input, CommandLimits limits, const std::stop_token &stop);
+    class Handle;
+
+    void readOutput();
+    void readErrors();
+    void conclude(CommandEnd::Kind kind, int code);
+    void endBecause(CommandEnd::Cause cause, int signal);
+
+    const CommandLimits m_limits;
+    const Delivery m_delivery;
+    bool m_running = false;
+    qint64 m_outputSize = 0;
+    CommandEnd m_end;
+    std::unique_ptr<Handle> m_handle;
+};
+
+} // namespace nubble
