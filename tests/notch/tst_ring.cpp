@@ -103,23 +103,28 @@ private Q_SLOTS:
         }
     }
 
-    void itsColorTellsWhatTheSessionsDo()
+    void itTellsWhatTheSessionsDo()
     {
         PanelWorld world;
         PanelUnderTest panel(world);
-        const auto picture = [&](const QString &status) {
+        const auto picture = [&](const QString &status, const QString &said) {
             world.addSession(11, u"one"_s, status, 0s);
             world.monitor.refresh();
+            if (panel.ring()->accessibleName() != u"Claude sessions: "_s + said)
+                qFatal("the ring says %s", qPrintable(panel.ring()->accessibleName()));
             return RingPicture(world, panel);
         };
-        QVERIFY(picture(u"idle"_s).badge() != Palette::badge);
-        const RingPicture working = picture(u"busy"_s); // motion is reduced: the arc stands still
+        QVERIFY(picture(u"idle"_s, u"idle"_s).badge() != Palette::badge);
+        const RingPicture working =
+            picture(u"busy"_s, u"working"_s); // motion is reduced: the arc stands still
         QCOMPARE(working.at(0.12), Palette::bronze);
         QVERIFY(working.at(0.6) != Palette::bronze);
-        const RingPicture completed = picture(u"idle"_s);
+        const RingPicture completed = picture(u"idle"_s, u"just finished"_s);
         for (const double turn : {0.1, 0.35, 0.6, 0.85})
             QCOMPARE(completed.at(turn), Palette::ample);
-        QCOMPARE(picture(u"waiting"_s).badge(), Palette::badge);
+        world.clock.advance(2min);
+        (void)picture(u"idle"_s, u"idle"_s);
+        QCOMPARE(picture(u"waiting"_s, u"a session waits for you"_s).badge(), Palette::badge);
     }
 };
 
