@@ -85,10 +85,11 @@ bool PlainFloatingSurface::hasKeyboard() const
 void PlainFloatingSurface::followKeyboard(QWindow *focused)
 {
     const bool has = isOwn(focused);
-    if (has && focused != m_window.windowHandle())
+    if (has && focused->type() == Qt::Dialog)
         connect(
             focused, &QWindow::visibleChanged, this, &PlainFloatingSurface::takeKeyboardBack,
-            Qt::UniqueConnection);
+            static_cast<Qt::ConnectionType>(
+                Qt::QueuedConnection | Qt::UniqueConnection)); // it is hidden then
     if (m_hadKeyboard == has || (!has && m_takingBack.isActive()))
         return;
     m_hadKeyboard = has;

@@ -25,9 +25,13 @@ constexpr std::chrono::milliseconds patience{250}; // with a window manager that
 X11FloatingSurface::X11FloatingSurface(QWidget &window, std::shared_ptr<const X11Connection> x11)
     : PlainFloatingSurface(window), m_x11(std::move(x11)), m_compositor(m_x11, X11Atom::CompositingManager)
 {
-    m_insistence.setSingleShot(true);
-    m_insistence.setInterval(patience);
-    connect(&m_insistence, &QTimer::timeout, this, &X11FloatingSurface::insist);
+    m_settling.setSingleShot(true);
+    m_settling.setInterval(patience);
+    connect(&m_settling, &QTimer::timeout, this, [this] {
+        settle();
+        if (!m_keyboardCame)
+            takeKeyboard();
+    });
     connect(&m_compositor, &X11SelectionWatch::changed, this, [this] {
         applyOutline();
         m_x11->flush();
@@ -48,20 +52,21 @@ void X11FloatingSurface::place(const QRect &frame)
     m_frame = frame;
     PlainFloatingSurface::place(frame);
     if (window().isVisible())
-        correctPosition();
+        settle();
 }
 
 void X11FloatingSurface::orderFront()
 {
     window().show();
     window().raise();
+    m_keyboardCame = hasKeyboard();
     askForKeyboard();
-    m_insistence.start();
+    m_settling.start();
 }
 
 void X11FloatingSurface::orderOut()
 {
-    m_insistence.stop();
+    m_settling.stop();
     PlainFloatingSurface::orderOut();
     m_x11->flush();
 }
@@ -87,14 +92,12 @@ bool X11FloatingSurface::eventFilter(QObject *watched, QEvent *event)
             describe();
             applyOutline();
             break;
-        case QEvent::Move:
-            if (m_insistence.isActive())
-                correctPosition();
-            break;
         case QEvent::WindowActivate:
-            if (m_insistence.isActive())
-                correctPosition();
-            m_insistence.stop();
+            m_keyboardCame = true;
+            [[fallthrough]];
+        case QEvent::Move:
+            if (m_settling.isActive())
+                settle();
             break;
         case QEvent::Resize:
         case QEvent::ScreenChangeInternal:
@@ -145,20 +148,26 @@ void X11FloatingSurface::askForKeyboard() const
     m_x11->flush();
 }
 
-// Where no window manager does it, or none is there.
-void X11FloatingSurface::insist()
+// Window managers that reckon with a frame of theirs shift the window when it appears, and cut their own
+// window to an outline that is shifted as well. What moves it later is the user.
+void X11FloatingSurface::settle() const
 {
     correctPosition();
+    applyOutline();
+    m_x11->flush();
+}
+
+// Where no window manager gives it, or none is there.
+void X11FloatingSurface::takeKeyboard() const
+{
     const auto native = nativeWindow();
-    if (!native || hasKeyboard())
+    if (!native)
         return;
     m_x11->ignoreErrors(
         xcb_set_input_focus_checked(m_x11->get(), XCB_INPUT_FOCUS_POINTER_ROOT, native, XCB_CURRENT_TIME));
     m_x11->flush();
 }
 
-// Window managers that reckon with a frame of theirs shift the window when it appears. What moves it later is
-// the user.
 void X11FloatingSurface::correctPosition() const
 {
     const auto native = nativeWindow();
@@ -176,7 +185,6 @@ void X11FloatingSurface::correctPosition() const
         static_cast<uint32_t>(wanted.x()), static_cast<uint32_t>(wanted.y())};
     m_x11->ignoreErrors(xcb_configure_window_checked(
         m_x11->get(), native, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, values.data()));
-    m_x11->flush();
 }
 
 void X11FloatingSurface::applyOutline() const

@@ -13,7 +13,7 @@ class X11Connection;
 
 // A floating window that the window manager manages, for only such a one is focused and dragged everywhere.
 // What the window manager must know stands on the window before it is mapped, and what it does differently
-// is asked for again once.
+// is asked for again.
 class X11FloatingSurface : public PlainFloatingSurface, private QAbstractNativeEventFilter {
     Q_OBJECT
 
@@ -34,14 +34,16 @@ private:
     [[nodiscard]] uint32_t nativeWindow() const; // 0 while there is none
     void describe() const;
     void askForKeyboard() const;
-    void insist();
+    void takeKeyboard() const;
+    void settle() const;
     void correctPosition() const;
     void applyOutline() const;
 
     std::shared_ptr<const X11Connection> m_x11;
     X11SelectionWatch m_compositor;
-    QTimer m_insistence;
-    QRect m_frame; // empty once the user has dragged the window
+    QTimer m_settling;           // runs while the window manager may still be busy with an opening
+    bool m_keyboardCame = false; // since the last opening
+    QRect m_frame;               // empty once the user has dragged the window
     QPainterPath m_outline;
 };
 
