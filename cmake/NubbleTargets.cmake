@@ -31,11 +31,13 @@ function(nubble_library name)
     target_link_libraries(${name} PUBLIC nubble_options ${ARG_LINK})
 endfunction()
 
-# nubble_display_test(NAME PROGRAM [NAME=VALUE…]): runs it on a display and a session bus of its own.
+# nubble_display_test(NAME PROGRAM [WINDOW_MANAGER name] [NAME=VALUE…]): runs it on a display and a session bus of its own.
 function(nubble_display_test name program)
+    cmake_parse_arguments(ARG "" "WINDOW_MANAGER" "" ${ARGN})
     add_test(NAME ${name}
-        COMMAND ${CMAKE_SOURCE_DIR}/scripts/on-private-desktop QT_QPA_PLATFORM=xcb ${ARGN} $<TARGET_FILE:${program}>)
-    set_tests_properties(${name} PROPERTIES LABELS display TIMEOUT 120)
+        COMMAND ${CMAKE_SOURCE_DIR}/scripts/on-private-desktop QT_QPA_PLATFORM=xcb ${ARG_UNPARSED_ARGUMENTS} $<TARGET_FILE:${program}>)
+    set_tests_properties(${name} PROPERTIES LABELS display TIMEOUT 120
+        ENVIRONMENT "NUBBLE_WINDOW_MANAGER=${ARG_WINDOW_MANAGER}")
 endfunction()
 
 # nubble_test(NAME [DISPLAY] SOURCES file… LINK library… [VIA command…]): one Qt Test program. Without DISPLAY it never

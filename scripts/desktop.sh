@@ -53,7 +53,24 @@ await() {
 }
 
 is_managed() {
-    xprop -root _NET_CLIENT_LIST | grep -q 'window id'
+    xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'
+}
+
+# The one that NUBBLE_WINDOW_MANAGER names: openbox, i3 or xfwm4.
+start_window_manager() {
+    case ${NUBBLE_WINDOW_MANAGER:-openbox} in
+    openbox) start openbox --sm-disable ;;
+    xfwm4) start xfwm4 --compositor=off ;;
+    i3)
+        echo '# i3 config file (v4)' >"$private_folder/i3"
+        start i3 -c "$private_folder/i3"
+        ;;
+    *)
+        echo "No such window manager is known: $NUBBLE_WINDOW_MANAGER" >&2
+        return 1
+        ;;
+    esac
+    await is_managed
 }
 
 # Sets DISPLAY, DBUS_SESSION_BUS_ADDRESS and XDG_RUNTIME_DIR, and keeps the surrounding desktop's settings out.
@@ -76,6 +93,5 @@ start_private_desktop() {
     start dbus-daemon --session --nofork --print-address=3
     DBUS_SESSION_BUS_ADDRESS=$(announced_line)
     export DBUS_SESSION_BUS_ADDRESS
-    start openbox --sm-disable
-    await is_managed
+    start_window_manager
 }

@@ -10,7 +10,7 @@ build_packages=(
 run_packages=(zstd procps fonts-inter)
 display_packages=(xvfb openbox picom xdotool x11-utils imagemagick dbus-daemon)
 test_packages=(
-    wmctrl xterm trayer x11-xserver-utils strace at-spi2-core libglib2.0-bin
+    i3-wm wmctrl xterm trayer x11-xserver-utils strace at-spi2-core libglib2.0-bin
     python3 python3-gi python3-pyatspi python3-xlib
     dpkg-dev file lintian desktop-file-utils appstream librsvg2-bin hicolor-icon-theme mandoc zsh fish
 )

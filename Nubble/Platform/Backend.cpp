@@ -8,7 +8,9 @@
 #include "Platform/Freedesktop/SessionBusNotifications.h"
 #include "Platform/Freedesktop/StatusNotifierWatch.h"
 #include "Platform/Logging.h"
+#include "Platform/PlainFloatingSurface.h"
 #include "Platform/X11/X11Connection.h"
+#include "Platform/X11/X11FloatingSurface.h"
 #include "Platform/X11/X11MouseMonitor.h"
 #include "Platform/X11/X11PanelSurface.h"
 #include "Platform/X11/X11Tray.h"
@@ -57,6 +59,9 @@ Backend makePlainBackend()
     backend.workspace = std::make_unique<PlainWorkspace>();
     backend.mouseMonitor = std::make_unique<MouseMonitor>();
     backend.makePanelSurface = [](QWidget &window) { return std::make_unique<PlainPanelSurface>(window); };
+    backend.makeFloatingSurface = [](QWidget &window) {
+        return std::make_unique<PlainFloatingSurface>(window);
+    };
     return backend;
 }
 
@@ -67,6 +72,9 @@ Backend makeX11Backend(const std::shared_ptr<const X11Connection> &x11)
     backend.mouseMonitor = std::make_unique<X11MouseMonitor>(x11);
     backend.makePanelSurface = [x11](QWidget &window) {
         return std::make_unique<X11PanelSurface>(window, x11);
+    };
+    backend.makeFloatingSurface = [x11](QWidget &window) {
+        return std::make_unique<X11FloatingSurface>(window, x11);
     };
     return backend;
 }

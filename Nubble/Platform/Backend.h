@@ -8,6 +8,7 @@
 
 #include "Platform/DesktopPreferences.h"
 #include "Platform/DistributedNotifications.h"
+#include "Platform/FloatingSurface.h"
 #include "Platform/MouseMonitor.h"
 #include "Platform/PanelSurface.h"
 #include "Platform/StatusHost.h"
@@ -25,6 +26,7 @@ struct Backend {
     std::unique_ptr<StatusHost> statusHost;
     std::unique_ptr<DistributedNotifications> notifications;
     std::function<std::unique_ptr<PanelSurface>(QWidget &)> makePanelSurface;
+    std::function<std::unique_ptr<FloatingSurface>(QWidget &)> makeFloatingSurface;
 };
 
 // The platform plugin that Qt is to be started with: X11 wherever there is an X server, unless the user has

@@ -5,15 +5,13 @@
 
 #include "Placement/Layout.h"
 #include "Placement/PanelShapes.h"
-#include "Widgets/Palette.h"
-#include "Widgets/SoftShadow.h"
+#include "Widgets/CardFrame.h"
 
 namespace nubble {
 
 namespace {
 
 constexpr int tailLength = 14;
-constexpr double shadowReach = 11;
 
 } // namespace
 
@@ -58,27 +56,28 @@ QRect TooltipShell::cardRect() const
     return rect().marginsRemoved(margins());
 }
 
-QPainterPath TooltipShell::localOutline() const
+CardFrame TooltipShell::frame() const
 {
-    return cardOutline(m_edge, cardRect(), tailLength, m_tailAlong);
+    const auto outline = [this](double tail) { return cardOutline(m_edge, cardRect(), tail, m_tailAlong); };
+    return {outline(tailLength), outline(0)};
 }
 
 QPainterPath TooltipShell::outline() const
 {
-    return localOutline().translated(pos());
+    return frame().outline.translated(pos());
 }
 
 void TooltipShell::setTranslucent(bool translucent)
 {
     m_translucent = translucent;
-    m_frame = {};
+    m_drawn = {};
     update();
 }
 
 void TooltipShell::setTailAlong(double along)
 {
     m_tailAlong = along;
-    m_frame = {};
+    m_drawn = {};
     update();
 }
 
@@ -92,42 +91,14 @@ bool TooltipShell::event(QEvent *event)
 void TooltipShell::resizeEvent(QResizeEvent *)
 {
     m_content->setGeometry(cardRect());
-    m_frame = {};
-}
-
-QPixmap TooltipShell::drawn() const
-{
-    const QPainterPath outline = localOutline();
-    QPixmap frame(size() * devicePixelRatioF());
-    frame.setDevicePixelRatio(devicePixelRatioF());
-    frame.fill(Qt::transparent);
-    QPainter painter(&frame);
-    QColor fill = Palette::card;
-    if (m_translucent) {
-        painter.setRenderHint(QPainter::Antialiasing);
-        drawSoftShadow(painter, cardOutline(m_edge, cardRect(), 0, m_tailAlong), shadowReach);
-    } else {
-        // The window is cut along the outline: fill beyond it, so that no pixel on the way is left unpainted.
-        fill.setAlpha(255);
-        painter.fillRect(rect(), fill);
-    }
-    painter.setCompositionMode(QPainter::CompositionMode_Source); // no shadow below the tail
-    painter.fillPath(outline, fill);
-    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-
-    // The line runs inside the outline: half of a stroke of twice its width.
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setClipPath(outline);
-    painter.setPen(QPen(Palette::cardLine, 2));
-    painter.drawPath(outline);
-    return frame;
+    m_drawn = {};
 }
 
 void TooltipShell::paintEvent(QPaintEvent *)
 {
-    if (m_frame.isNull() || m_frame.devicePixelRatio() != devicePixelRatioF())
-        m_frame = drawn();
-    QPainter(this).drawPixmap(0, 0, m_frame);
+    if (m_drawn.isNull() || m_drawn.devicePixelRatio() != devicePixelRatioF())
+        m_drawn = frame().drawn(size(), devicePixelRatioF(), m_translucent);
+    QPainter(this).drawPixmap(0, 0, m_drawn);
 }
 
 } // namespace nubble

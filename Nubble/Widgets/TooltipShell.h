@@ -1,10 +1,9 @@
 #pragma once
 
-#include <QPainterPath>
-#include <QPixmap>
 #include <QWidget>
 
 #include "Placement/NotchEdge.h"
+#include "Widgets/CardFrame.h"
 
 namespace nubble {
 
@@ -32,14 +31,13 @@ protected:
 
 private:
     [[nodiscard]] QMargins margins() const;
-    [[nodiscard]] QPainterPath localOutline() const;
-    [[nodiscard]] QPixmap drawn() const;
+    [[nodiscard]] CardFrame frame() const;
 
     QWidget *m_content;
     NotchEdge m_edge;
     bool m_translucent;
     double m_tailAlong = 0;
-    QPixmap m_frame; // what paintEvent shows, drawn once per size
+    QPixmap m_drawn; // what paintEvent shows, drawn once per size
 };
 
 } // namespace nubble

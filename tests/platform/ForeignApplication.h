@@ -29,14 +29,13 @@ public:
     [[nodiscard]] std::vector<uint32_t> numbers(xcb_window_t window, const char *property) const;
     void focus(xcb_window_t window);
 
+    [[nodiscard]] xcb_atom_t atom(const char *name) const;
     [[nodiscard]] int presses() const { return m_presses; } // of mouse buttons on its windows so far
     [[nodiscard]] xcb_window_t focusedWindow() const;
     [[nodiscard]] QRect onScreen(xcb_window_t window) const; // in pixels
     [[nodiscard]] xcb_window_t root() const { return m_x11->root(); }
 
 private:
-    [[nodiscard]] xcb_atom_t atom(const char *name) const;
-
     std::shared_ptr<const X11Connection> m_x11 = X11Connection::ofThisProgram();
     int m_presses = 0;
     std::vector<std::unique_ptr<QWidget>> m_windows;

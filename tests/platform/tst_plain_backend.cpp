@@ -33,6 +33,28 @@ private Q_SLOTS:
         surface->orderOut();
         QVERIFY(!window.isVisible());
     }
+
+    void aFloatingWindowHasTheKeyboardAndIsMovedByHand()
+    {
+        const TemporaryHome home;
+        const Backend backend = makeBackend(home.home());
+        QWidget window;
+        const auto surface = backend.makeFloatingSurface(window);
+        surface->place({10, 20, 300, 200});
+        surface->orderFront();
+        QTRY_VERIFY(surface->hasKeyboard());
+
+        QTest::mousePress(&window, Qt::LeftButton, {}, {40, 30});
+        QCursor::setPos(window.mapToGlobal(QPoint(40, 30)));
+        surface->startMove();
+        QTest::mouseMove(&window, {60, 70});
+        QTRY_COMPARE(window.pos(), QPoint(30, 60));
+        QTest::mouseRelease(&window, Qt::LeftButton, {}, {40, 30});
+        QTest::mouseMove(&window, {90, 90});
+        QCOMPARE(window.pos(), QPoint(30, 60));
+        surface->orderOut();
+        QVERIFY(!window.isVisible());
+    }
 };
 
 QTEST_MAIN(TestPlainBackend)

@@ -12,7 +12,8 @@ namespace {
 constexpr std::array<const char *, static_cast<size_t>(X11Atom::Count)> atomNames{
     "_NET_ACTIVE_WINDOW", "_NET_CLIENT_LIST", "_NET_CLIENT_LIST_STACKING", "_NET_CURRENT_DESKTOP",
     "_NET_RESTACK_WINDOW", "_NET_SUPPORTED", "_NET_WM_DESKTOP", "_NET_WM_PID", "_NET_WM_STATE",
-    "_NET_WM_STATE_HIDDEN", "_NET_SYSTEM_TRAY_COLORS",
+    "_NET_WM_STATE_HIDDEN", "_NET_WM_STATE_ABOVE", "_NET_WM_STATE_STICKY", "_NET_WM_STATE_SKIP_TASKBAR",
+    "_NET_WM_STATE_SKIP_PAGER", "_NET_SYSTEM_TRAY_COLORS",
     // followed by the screen's number
     "_NET_WM_CM_S", "_NET_SYSTEM_TRAY_S"};
 

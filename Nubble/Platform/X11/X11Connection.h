@@ -29,6 +29,10 @@ enum class X11Atom {
     NetWmPid,
     NetWmState,
     NetWmStateHidden,
+    NetWmStateAbove,
+    NetWmStateSticky,
+    NetWmStateSkipTaskbar,
+    NetWmStateSkipPager,
     NetSystemTrayColors,
     CompositingManager, // the selection that one owns on this screen
     SystemTray,         // likewise

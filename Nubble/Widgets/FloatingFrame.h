@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QPixmap>
+#include <QWidget>
+
+#include <optional>
+
+namespace nubble {
+
+struct CardFrame;
+
+// The top-level widget of a floating window: a card with its content, and the shadow around it. Says when it
+// is dragged by what is no control, and when the user wants it gone.
+class FloatingFrame : public QWidget {
+    Q_OBJECT
+
+public:
+    // As large as the card and the margin for its shadow.
+    FloatingFrame(QWidget *content, const QSize &card);
+
+    [[nodiscard]] CardFrame frame() const;
+    void setTranslucent(bool translucent);
+
+Q_SIGNALS:
+    void dragged(); // once for each press
+    void dismissed();
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+
+private:
+    [[nodiscard]] bool isBackground(const QPoint &position) const;
+
+    bool m_translucent = true;
+    QPixmap m_drawn; // what paintEvent shows; none while hidden
+    std::optional<QPoint> m_pressed;
+};
+
+} // namespace nubble

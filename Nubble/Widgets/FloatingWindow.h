@@ -1,0 +1,70 @@
+#pragma once
+
+#include <QObject>
+#include <QSize>
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+class QWidget;
+
+namespace nubble {
+
+class FloatingFrame;
+class FloatingSurface;
+
+// A window that is called up over one's work: opens with the keyboard in it, is dragged by its background,
+// and closes on Escape or when the keyboard goes to another window. Nothing of it exists before it is first
+// opened; after that it is kept. Lengths are device-independent pixels. Main thread only.
+class FloatingWindow : public QObject {
+    Q_OBJECT
+
+public:
+    // The content's focus proxy gets the keyboard on each opening.
+    using ContentFactory = std::function<QWidget *()>;
+    using SurfaceFactory = std::function<std::unique_ptr<FloatingSurface>(QWidget &)>;
+
+    // `title` is its accessible name; `size` is the content's, without the shadow around it.
+    FloatingWindow(
+        QString title, const QSize &size, ContentFactory makeContent, SurfaceFactory makeSurface,
+        QObject *parent = nullptr);
+    ~FloatingWindow() override;
+
+    // With the content's top left corner there, in screen coordinates. An open one is moved.
+    void openAt(const QPoint &topLeft);
+    void open(); // brings an open one forward; otherwise where it was
+    void close();
+
+    [[nodiscard]] bool isOpen() const { return m_open; }
+    [[nodiscard]] QSize size() const { return m_size; }
+
+    // While somebody holds this, losing the keyboard does not close the window. A loss that has not been made
+    // good by then closes it afterwards.
+    using Hold = std::shared_ptr<void>;
+    [[nodiscard]] Hold holdOpen();
+
+Q_SIGNALS:
+    void closed();
+
+private:
+    void make();
+    void followTranslucency();
+    void keyboardTaken();
+    void keyboardLost();
+    void holdReleased();
+
+    const QString m_title;
+    const QSize m_size;
+    ContentFactory m_makeContent;
+    SurfaceFactory m_makeSurface;
+    std::unique_ptr<FloatingFrame> m_frame; // outlives the surface
+    std::unique_ptr<FloatingSurface> m_surface;
+    QWidget *m_content = nullptr;
+    std::weak_ptr<void> m_hold;
+    bool m_open = false;
+    bool m_keyboardAskedFor = false; // and not come yet
+    bool m_lostWhileHeld = false;
+};
+
+} // namespace nubble
