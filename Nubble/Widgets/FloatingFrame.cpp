@@ -70,7 +70,7 @@ void FloatingFrame::keyPressEvent(QKeyEvent *event)
 bool FloatingFrame::isBackground(const QPoint &position) const
 {
     const QWidget *at = childAt(position);
-    while (at && at->isEnabled() && at->focusPolicy() == Qt::NoFocus)
+    while (at && at->focusPolicy() == Qt::NoFocus)
         at = at == this ? nullptr : at->parentWidget();
     return !at;
 }

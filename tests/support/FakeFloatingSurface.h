@@ -40,7 +40,7 @@ public:
     int ordersFront = 0;
     int moves = 0;
     bool keyboard = false;
-    bool translucent = true;
+    bool translucent = false;
 };
 
 } // namespace nubble

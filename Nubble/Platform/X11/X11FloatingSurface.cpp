@@ -92,10 +92,8 @@ bool X11FloatingSurface::eventFilter(QObject *watched, QEvent *event)
             describe();
             applyOutline();
             break;
-        case QEvent::WindowActivate:
-            m_keyboardCame = true;
-            [[fallthrough]];
         case QEvent::Move:
+        case QEvent::WindowActivate:
             if (m_settling.isActive())
                 settle();
             break;
@@ -110,16 +108,18 @@ bool X11FloatingSurface::eventFilter(QObject *watched, QEvent *event)
     return PlainFloatingSurface::eventFilter(watched, event);
 }
 
-// Hot keys and menus that grab the keys for a while do not take the keyboard away: Qt would say so.
+// Hot keys and menus that grab the keys for a while do not take the keyboard away, as Qt would say.
 bool X11FloatingSurface::nativeEventFilter(const QByteArray &type, void *message, qintptr *)
 {
     if (type != "xcb_generic_event_t")
         return false;
-    const auto *event = static_cast<const xcb_generic_event_t *>(message);
-    if ((event->response_type & 0x7f) != XCB_FOCUS_OUT)
+    const auto *focus = static_cast<const xcb_focus_in_event_t *>(message); // or out
+    const int kind = focus->response_type & 0x7f;
+    if ((kind != XCB_FOCUS_IN && kind != XCB_FOCUS_OUT) || focus->event != nativeWindow())
         return false;
-    const auto *focus = static_cast<const xcb_focus_out_event_t *>(message);
-    return focus->mode == XCB_NOTIFY_MODE_GRAB && focus->event == nativeWindow();
+    if (kind == XCB_FOCUS_IN && focus->detail != XCB_NOTIFY_DETAIL_POINTER)
+        m_keyboardCame = true;
+    return kind == XCB_FOCUS_OUT && focus->mode == XCB_NOTIFY_MODE_GRAB;
 }
 
 // Window managers remove this when the window is taken off the screen. Qt adds to the states when it maps
