@@ -8,54 +8,33 @@ using namespace Qt::StringLiterals;
 namespace nubble {
 
 SessionDetails::SessionDetails(QString projectsFolder, const Clock &clock, QObject *parent)
-    : QObject(parent), m_clock(clock), m_transcripts(std::move(projectsFolder))
+    : QObject(parent), m_clock(clock), m_transcripts(std::move(projectsFolder)), m_worker(u"SessionDetails"_s)
 {
-    m_queue.setObjectName(u"SessionDetails"_s);
-    m_queue.setMaxThreadCount(1);
-}
-
-SessionDetails::~SessionDetails()
-{
-    m_stop.request_stop();
-    m_queue.waitForDone();
 }
 
 void SessionDetails::update(const QList<ClaudeSession> &sessions, bool force)
 {
     assertMainThread("Nubble/Sessions/SessionDetails");
-    const QMutexLocker lock(&m_mutex);
-    const bool queued = m_request.has_value();
-    m_request = {sessions, force || (queued && m_request->force), m_clock.msecsSinceEpoch()};
-    if (!queued)
-        m_queue.start([this] { work(); });
+    m_force =
+        force || (m_force && m_worker.hasLatestWaiting()); // what is replaced may have been to look at all
+    m_worker.addLatest(
+        [this, sessions, all = m_force, now = m_clock.msecsSinceEpoch()](const std::stop_token &stop) {
+            return m_transcripts.update(sessions, all, now, stop);
+        },
+        [this](const QHash<QString, SessionDetail> &details) { publish(details); });
 }
 
 void SessionDetails::waitForDone()
 {
-    m_queue.waitForDone();
-    publish();
+    m_worker.waitForDone();
 }
 
-void SessionDetails::work()
-{
-    QMutexLocker lock(&m_mutex);
-    const Request request = *std::exchange(m_request, std::nullopt);
-    lock.unlock();
-    auto details = m_transcripts.update(request.sessions, request.force, request.now, m_stop.get_token());
-    lock.relock();
-    m_result = std::move(details);
-    QMetaObject::invokeMethod(this, &SessionDetails::publish, Qt::QueuedConnection);
-}
-
-void SessionDetails::publish()
+void SessionDetails::publish(const QHash<QString, SessionDetail> &details)
 {
     assertMainThread("Nubble/Sessions/SessionDetails");
-    QMutexLocker lock(&m_mutex);
-    const auto result = std::exchange(m_result, std::nullopt);
-    lock.unlock();
-    if (!result || *result == m_byId)
+    if (details == m_byId)
         return;
-    m_byId = *result;
+    m_byId = details;
     Q_EMIT byIdChanged();
 }
 

@@ -2,30 +2,25 @@
 
 #include <QHash>
 #include <QList>
-#include <QMutex>
 #include <QObject>
-#include <QThreadPool>
-
-#include <optional>
-#include <stop_token>
 
 #include "Sessions/ClaudeSession.h"
 #include "Sessions/SessionDetail.h"
 #include "Sessions/Transcripts.h"
+#include "Shell/SerialWorker.h"
 
 namespace nubble {
 
 class Clock;
 
-// What the transcripts tell about the live sessions. Main thread only; the files are read on a serial queue,
-// so no caller is ever blocked but the one that asks for it. Failures are silent and looked at again at the
+// What the transcripts tell about the live sessions. Main thread only; the files are read on a worker, so no
+// caller is ever blocked but the one that asks for it. Failures are silent and looked at again at the
 // next update.
 class SessionDetails : public QObject {
     Q_OBJECT
 
 public:
     SessionDetails(QString projectsFolder, const Clock &clock, QObject *parent = nullptr);
-    ~SessionDetails() override;
 
     [[nodiscard]] const QHash<QString, SessionDetail> &byId() const { return m_byId; }
 
@@ -39,23 +34,13 @@ Q_SIGNALS:
     void byIdChanged();
 
 private:
-    struct Request {
-        QList<ClaudeSession> sessions;
-        bool force;
-        qint64 now; // milliseconds since 1970
-    };
-
-    void work();
-    void publish();
+    void publish(const QHash<QString, SessionDetail> &details);
 
     const Clock &m_clock;
     QHash<QString, SessionDetail> m_byId;
-    Transcripts m_transcripts;        // the queue's alone
-    QMutex m_mutex;                   // guards the two below
-    std::optional<Request> m_request; // a newer one takes the place of one that was not begun
-    std::optional<QHash<QString, SessionDetail>> m_result;
-    std::stop_source m_stop;
-    QThreadPool m_queue;
+    bool m_force = false;      // of the newest request
+    Transcripts m_transcripts; // the worker's alone
+    SerialWorker m_worker;
 };
 
 } // namespace nubble

@@ -19,6 +19,8 @@ namespace {
 constexpr qint64 entriesTrustedFor = 180'000;
 constexpr qint64 freshFor = 1'800'000;
 
+constexpr int politeness = 10; // niceness of the worker and of what it runs
+
 PlanUsageReader readerIn(const Home &home, const QString &domain)
 {
     return PlanUsageReader(home.applicationSupport(u"Claude"_s) + u"/Cache/Cache_Data", domain, [home] {
@@ -37,10 +39,9 @@ PlanUsageMonitor::PlanUsageMonitor(
 }
 
 PlanUsageMonitor::PlanUsageMonitor(PlanUsageReader reader, const Clock &clock, QObject *parent)
-    : QObject(parent), m_clock(clock), m_reader(std::move(reader))
+    : QObject(parent), m_clock(clock), m_reader(std::move(reader)),
+      m_worker(u"PlanUsageMonitor"_s, politeness)
 {
-    m_worker.setMaxThreadCount(1);
-    m_worker.setThreadPriority(QThread::LowPriority);
     refresh(false);
     auto *timer = new QTimer(this);
     timer->callOnTimeout(this, [this] { refresh(false); });
@@ -52,12 +53,6 @@ QString PlanUsageMonitor::domainIn(const Defaults &defaults)
     return defaults.string(u"planUsage.domain"_s).value_or(defaultDomain);
 }
 
-PlanUsageMonitor::~PlanUsageMonitor()
-{
-    m_stop.request_stop();
-    m_worker.waitForDone();
-}
-
 void PlanUsageMonitor::refresh(bool rescan)
 {
     if (rescan)
@@ -65,11 +60,11 @@ void PlanUsageMonitor::refresh(bool rescan)
     if (m_working)
         return;
     m_working = true;
-    m_worker.start([this, known = trustsEntries() ? m_entries : QList<QByteArray>()] {
-        QMetaObject::invokeMethod(
-            this, [this, outcome = m_reader.read(known, m_stop.get_token())] { accept(outcome); },
-            Qt::QueuedConnection);
-    });
+    m_worker.add(
+        [this, known = trustsEntries() ? m_entries : QList<QByteArray>()](const std::stop_token &stop) {
+            return m_reader.read(known, stop);
+        },
+        [this](const ReadOutcome &outcome) { accept(outcome); });
     Q_EMIT refreshingChanged();
 }
 

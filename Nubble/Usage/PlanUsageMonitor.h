@@ -1,8 +1,8 @@
 #pragma once
 
 #include <QObject>
-#include <QThreadPool>
 
+#include "Shell/SerialWorker.h"
 #include "Usage/PlanUsageReader.h"
 
 namespace nubble {
@@ -21,7 +21,6 @@ public:
     // `domain` is the service that the desktop application asks; see defaultDomain.
     PlanUsageMonitor(const Home &home, const Clock &clock, const QString &domain, QObject *parent = nullptr);
     PlanUsageMonitor(PlanUsageReader reader, const Clock &clock, QObject *parent = nullptr);
-    ~PlanUsageMonitor() override;
 
     static const QString defaultDomain;
     [[nodiscard]] static QString domainIn(const Defaults &defaults); // as the user prefers
@@ -61,8 +60,7 @@ private:
     std::optional<qint64> m_scannedAt; // when the folder was last listed
     bool m_working = false;
     PlanUsageReader m_reader; // the worker's, while m_working
-    std::stop_source m_stop;
-    QThreadPool m_worker;
+    SerialWorker m_worker;
 };
 
 } // namespace nubble
