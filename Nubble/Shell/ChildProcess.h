@@ -30,7 +30,8 @@ public:
 
     void start(); // once
 
-    // Kept until the child reads it, however much it is; dropped when it does not want it any more.
+    // Once started. Kept until the child reads it, however much it is; dropped when it does not want it any
+    // more.
     void write(const QByteArray &bytes);
     void closeInput(); // after what is pending
 

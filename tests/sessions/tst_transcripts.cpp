@@ -176,6 +176,22 @@ private Q_SLOTS:
         QCOMPARE(details.byId().size(), 0);
     }
 
+    void aLookAtAllIsNotLostToANewerUpdateWhileItWaits()
+    {
+        QList<ClaudeSession> many;
+        for (int i = 0; i < 3000; ++i)
+            many.append(sessionOf(QString::number(i)));
+        SessionDetails details(m_home->path(u"projects"_s), m_clock);
+        details.update({m_session}, false);
+        details.waitForDone();
+        m_home->write(u"projects/other/id.jsonl"_s, titleLine("t")); // not to be looked for again so soon
+        details.update(many, false);
+        details.update({m_session}, true);
+        details.update({m_session}, false);
+        details.waitForDone();
+        QCOMPARE(details.byId().value(u"id"_s).title, u"t"_s);
+    }
+
     void goesAwayWhileItIsReading()
     {
         QList<ClaudeSession> sessions;

@@ -63,10 +63,11 @@ private Q_SLOTS:
                 return 0;
             },
             publish);
-        worker->add([&](const std::stop_token &) { return begun.available(); }, publish);
+        bool isLate = false;
+        worker->add([&](const std::stop_token &) { return isLate = true; }, publish);
         begun.acquire();
         worker.reset();
-        QVERIFY(isStopped);
+        QVERIFY(isStopped && !isLate);
         QCoreApplication::processEvents();
         QCOMPARE(published, 0);
     }
