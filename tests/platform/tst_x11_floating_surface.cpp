@@ -183,6 +183,7 @@ private Q_SLOTS:
         QTRY_COMPARE(QGuiApplication::focusWindow(), dialog.windowHandle());
         QVERIFY(m_surface->hasKeyboard());
         dialog.close();
+        QTRY_COMPARE(QGuiApplication::focusWindow(), m_window->windowHandle());
         QTRY_COMPARE(m_others->focusedWindow(), native());
         QCOMPARE(lost.count(), 0);
         m_others->focus(m_work);
