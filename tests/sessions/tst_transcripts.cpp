@@ -205,7 +205,7 @@ private:
     std::unique_ptr<TemporaryHome> m_home;
     std::unique_ptr<Transcripts> m_transcripts;
     qint64 m_now = 0;
-    const ManualClock m_clock;
+    const ManualClock m_clock{};
 };
 
 QTEST_GUILESS_MAIN(TranscriptTest)
