@@ -20,13 +20,13 @@ AppDelegate::AppDelegate(const Home &home, InstanceBus &bus, Relaunch relaunch)
     : m_home(home), m_bus(bus), m_relaunch(std::move(relaunch)), m_processes(System::processTable()),
       m_defaults(Defaults::fileOf(u"com.brevandel.nubble"_s, home.configFolder())), m_addons(m_defaults),
       m_backend(makeBackend(home)),
-      m_layout(Typography::percentLineHeight(), false, static_cast<int>(m_addons.actions().size())),
+      m_actions(notchActions(
+          m_addons, m_panelState, m_notifications, [this](PanelMode mode) { m_panel.view().open(mode); })),
+      m_layout(Typography::percentLineHeight(), false, static_cast<int>(m_actions.size())),
       m_placement(m_defaults, m_layout),
       m_sessionMonitor(
           home.file(u".claude/sessions"_s), home.file(u".claude/projects"_s), *m_processes, m_clock),
       m_planUsage(home, m_clock, PlanUsageMonitor::domainIn(m_defaults)), m_activator(*m_backend.workspace),
-      m_actions(notchActions(
-          m_addons, m_panelState, m_notifications, [this](PanelMode mode) { m_panel.view().open(mode); })),
       m_panel(
           {
               .state = m_panelState,

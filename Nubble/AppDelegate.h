@@ -55,15 +55,15 @@ private:
     Defaults m_defaults;
     ActiveAddons m_addons;
     Backend m_backend;
-    Layout m_layout;
-    MainScreen m_mainScreen;
-    NotchPlacement m_placement;
     PanelState m_panelState;
     NotificationCenter m_notifications;
+    std::vector<std::unique_ptr<NotchAction>> m_actions;
+    Layout m_layout; // has room for them
+    MainScreen m_mainScreen;
+    NotchPlacement m_placement;
     SessionMonitor m_sessionMonitor;
     PlanUsageMonitor m_planUsage;
     ProcessActivator m_activator;
-    std::vector<std::unique_ptr<NotchAction>> m_actions;
     PanelWindow m_panel;
     AppCommands m_commands;
     StatusItem m_statusItem;

@@ -33,10 +33,10 @@ void AppCommands::toggleVisible()
     m_placement.toggleVisible();
 }
 
-void AppCommands::openSessions()
+void AppCommands::openCard(PanelMode mode)
 {
     show();
-    m_panel.openForKeyboard(PanelMode::sessions());
+    m_panel.openForKeyboard(mode);
 }
 
 void AppCommands::toggleLocked()

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Commands/AddonRequest.h"
+#include "Notch/PanelState.h"
 #include "Placement/NotchEdge.h"
 #include "Platform/Outcome.h"
 #include "Shell/Addon.h"
@@ -32,7 +33,7 @@ public:
     void show();
     void hide();
     void toggleVisible();
-    void openSessions(); // with the keyboard in the card
+    void openCard(PanelMode mode); // with the keyboard in it; a hidden panel is shown
     void toggleLocked();
     void moveToEdge(NotchEdge edge);
     void centerOnEdge();

@@ -43,7 +43,7 @@ void ControlAdaptor::Toggle()
 
 void ControlAdaptor::OpenSessions()
 {
-    m_commands->openSessions();
+    m_commands->openCard(PanelMode::sessions());
 }
 
 void ControlAdaptor::Ask(const QString &question)

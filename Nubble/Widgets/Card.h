@@ -19,7 +19,8 @@ struct CardRoom {
 struct Card {
     QLatin1String name;
     std::function<QWidget *(const CardRoom &room)> makeContent; // the panel's own from then on
-    std::function<void()> refresh;                              // brings up to date what it shows; may be none
+    std::function<void()>
+        refresh; // of what it shows, when it is opened, but not by mere pointing; may be none
 };
 
 } // namespace nubble

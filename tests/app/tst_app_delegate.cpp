@@ -106,7 +106,7 @@ private Q_SLOTS:
         QCOMPARE(
             commands.status().keys(),
             QStringList({u"activity"_s, u"panel"_s, u"sessions"_s, u"source"_s, u"usage"_s}));
-        commands.openSessions();
+        commands.openCard(PanelMode::sessions());
         QCOMPARE(
             commands.status()[u"panel"_s].toObject(),
             (QJsonObject{
@@ -115,7 +115,7 @@ private Q_SLOTS:
                 {u"offset"_s, 0},
                 {u"locked"_s, false},
                 {u"visible"_s, true}}));
-        commands.openSessions(); // does not close it
+        commands.openCard(PanelMode::sessions()); // does not close it
         QCOMPARE(commands.status()[u"panel"_s][u"mode"_s].toString(), u"sessions"_s);
     }
 
@@ -126,7 +126,7 @@ private Q_SLOTS:
         const auto usage = [&commands]() -> QJsonValue { return commands.status()[u"usage"_s]; };
         QTRY_VERIFY(usage()[u"problem"_s].isString()); // the first read has found nothing
         program.home.write(u".config/Claude/Cache/Cache_Data/a_0"_s, UsageCache::usageEntry(42));
-        commands.openSessions();
+        commands.openCard(PanelMode::sessions());
         QTRY_COMPARE_WITH_TIMEOUT(
             usage()[u"session"_s][u"fraction"_s].toDouble(), 0.42, 9000); // before its timer
     }
