@@ -1,8 +1,6 @@
 #pragma once
 
-#include <QFile>
-#include <QJsonDocument>
-#include <QJsonObject>
+#include <QByteArray>
 
 #include "Sessions/ClaudeSession.h"
 
@@ -11,16 +9,11 @@ namespace nubble {
 // A session record as its process writes it; a status that is null is left out.
 inline QByteArray recordJson(qint32 pid, const QString &id, const QString &status, double updatedAt = 2000)
 {
-    using namespace Qt::StringLiterals;
-    QJsonObject record{
-        {u"pid"_s, pid},
-        {u"sessionId"_s, id},
-        {u"cwd"_s, u"/tmp/my.app"_s},
-        {u"startedAt"_s, 1000},
-        {u"updatedAt"_s, updatedAt}};
-    if (!status.isNull())
-        record.insert(u"status"_s, status);
-    return QJsonDocument(record).toJson(QJsonDocument::Compact);
+    const QString word = status.isNull() ? QString() : QStringLiteral(R"(,"status":"%1")").arg(status);
+    return QStringLiteral(
+               R"({"pid":%1,"sessionId":"%2","cwd":"/tmp/my.app","startedAt":1000,"updatedAt":%3%4})")
+        .arg(QString::number(pid), id, QString::number(updatedAt), word)
+        .toUtf8();
 }
 
 inline ClaudeSession sessionOf(const QString &id, const QString &cwd = QStringLiteral("/tmp/my.app"))
@@ -32,26 +25,19 @@ inline ClaudeSession sessionOf(const QString &id, const QString &cwd = QStringLi
     return session;
 }
 
-inline void append(const QString &path, const QByteArray &bytes)
+inline QByteArray titleLine(const QByteArray &text)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::Append) || file.write(bytes) != bytes.size())
-        qFatal("cannot append to %s", qPrintable(path));
+    return R"({"type":"ai-title","aiTitle":")" + text + "\"}\n";
 }
 
-inline QByteArray titleLine(const QByteArray &title)
+inline QByteArray lastPromptLine(const QByteArray &text)
 {
-    return R"({"type":"ai-title","aiTitle":")" + title + "\"}\n";
+    return R"({"type":"last-prompt","lastPrompt":")" + text + "\"}\n";
 }
 
-inline QByteArray lastPromptLine(const QByteArray &prompt)
+inline QByteArray typedLine(const QByteArray &text)
 {
-    return R"({"type":"last-prompt","lastPrompt":")" + prompt + "\"}\n";
-}
-
-inline QByteArray typedLine(const QByteArray &prompt)
-{
-    return R"({"type":"user","message":{"role":"user","content":")" + prompt + "\"}}\n";
+    return R"({"type":"user","message":{"role":"user","content":")" + text + "\"}}\n";
 }
 
 } // namespace nubble

@@ -24,11 +24,8 @@ private Q_SLOTS:
         const auto bare = decodeSession(required + '}');
         QVERIFY(bare && !bare->status);
         QCOMPARE(bare->lastActivity(), 1000.0);
-        QCOMPARE(
-            decodeSession(
-                required
-                + R"(,"name":null,"status":null,"updatedAt":null,"entrypoint":null,"nameSource":null})"),
-            bare);
+        const QByteArray nulls = R"(,"name":null,"status":null,"updatedAt":null,"entrypoint":null})";
+        QCOMPARE(decodeSession(required + nulls), bare);
     }
 
     void rejectsWhatIsNoRecord()
@@ -42,27 +39,29 @@ private Q_SLOTS:
         QVERIFY(!decodeSession(recordJson(7, u"a"_s, u"idle"_s) + "y\"}")); // the old end behind new text
     }
 
-    void namesARow()
+    void aRowHasANameAndASymbol()
     {
-        using Text = std::optional<QString>;
-        using Row = std::tuple<Text, Text, Text, QString, QString>;
-        const Text none, name = u"Name"_s, user = u"user"_s, derived = u"derived"_s, title = u"Title"_s;
-        for (const auto &[given, source, transcript, cwd, expected] : {
-                 Row(name, user, title, u"/p/q"_s, u"Name"_s),
-                 Row(name, derived, title, u"/p/q"_s, u"Title"_s),
-                 Row(name, none, title, u"/p/q"_s, u"Title"_s),
-                 Row(name, derived, none, u"/p/q"_s, u"Name"_s),
-                 Row(u""_s, user, none, u"/p/q r/"_s, u"q r"_s),
-                 Row(none, none, none, u"/"_s, u"/"_s),
+        using Row = std::tuple<QString, QString, QString, QString, QString>; // null: absent
+        for (const auto &[name, source, title, cwd, expected] : {
+                 Row(u"Name"_s, u"user"_s, u"Title"_s, u"/p/q"_s, u"Name"_s),
+                 Row(u"Name"_s, u"derived"_s, u"Title"_s, u"/p/q"_s, u"Title"_s),
+                 Row(u"Name"_s, {}, u"Title"_s, u"/p/q"_s, u"Title"_s),
+                 Row(u"Name"_s, u"derived"_s, {}, u"/p/q"_s, u"Name"_s),
+                 Row(u""_s, u"user"_s, {}, u"/p/q r/"_s, u"q r"_s),
+                 Row({}, {}, {}, u"/"_s, u"/"_s),
              }) {
+            const auto given = [](const QString &text) {
+                return text.isNull() ? std::nullopt : std::optional(text);
+            };
             ClaudeSession session = sessionOf(u"a"_s, cwd);
-            session.name = given;
-            session.nameSource = source;
-            QCOMPARE(rowTitle(session, {transcript, std::nullopt}), expected);
-            QCOMPARE(rowSymbol(session), u"terminal"_s);
-            session.entrypoint = u"claude-desktop"_s;
-            QCOMPARE(rowSymbol(session), u"macwindow"_s);
+            session.name = given(name);
+            session.nameSource = given(source);
+            QCOMPARE(rowTitle(session, {given(title), std::nullopt}), expected);
         }
+        ClaudeSession session = sessionOf(u"a"_s);
+        QCOMPARE(rowSymbol(session), u"terminal"_s);
+        session.entrypoint = u"claude-desktop"_s;
+        QCOMPARE(rowSymbol(session), u"macwindow"_s);
     }
 
     void saysHowLongAgo()

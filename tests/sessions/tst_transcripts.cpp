@@ -28,7 +28,7 @@ private Q_SLOTS:
         using Row = std::tuple<QByteArray, QString, QString>;
         const QByteArray wrongType = R"({"type":"ai-title","aiTitle":7})";
         for (const auto &[lines, title, prompt] :
-             {Row(titleLine("old") + lastPromptLine("p") + titleLine("new"), u"new"_s, u"p"_s),
+             {Row(titleLine("old") + titleLine("new") + lastPromptLine("p"), u"new"_s, u"p"_s),
               Row(titleLine("old") + titleLine(R"( \n\t)") + wrongType + '\n', u"old"_s, QString()),
               Row(titleLine("no UTF-8: caf\xe9"), u"no UTF-8: café"_s, QString()),
               Row(typedLine("stands in") + titleLine("t"), u"t"_s, u"stands in"_s),
@@ -50,15 +50,16 @@ private Q_SLOTS:
              {std::pair(user(R"(" fix\nit ")"), u"fix it"_s),
               {user(R"([{"type":"image"},{"type":"text","text":"see"}])"), u"see"_s},
               {user('"' + QByteArray(199, 'x') + "😀\""), QString(199, u'x')}, // no half of a character
-              {user(R"("x")", R"(,"isMeta":true)"), QString()},
-              {user(R"("x")", R"(,"isSidechain":true)"), QString()},
-              {user(R"("x")", R"(,"isCompactSummary":true)"), QString()},
-              {user(R"("x")", R"(,"toolUseResult":{})"), QString()},
               {user(R"([{"type":"tool_result","content":"x"},{"type":"text","text":"x"}])"), QString()},
-              {user(R"("<command-name>/clear</command-name>")"), QString()},
               {user(R"([{"type":"text","text":"[Request interrupted by user]"}])"), QString()},
               {R"({"type":"x","m":{"type":"user"},"message":{"content":"x"}})", QString()}})
             QVERIFY2(typedPrompt(line).value_or(QString()) == prompt, line);
+        for (const auto *key : {"isMeta", "isSidechain", "isCompactSummary", "toolUseResult"})
+            QVERIFY2(!typedPrompt(user(R"("x")", QByteArray(",\"") + key + "\":true")), key);
+        for (const auto *wrapper :
+             {"command-name", "local-command-stdout", "bash-input", "task-notification", "system-reminder",
+              "ide_selection"})
+            QVERIFY2(!typedPrompt(user(QByteArray("\" <") + wrapper + ">x\"")), wrapper);
     }
 
     void readsOnlyTheEndOfALongTranscript()
@@ -95,9 +96,8 @@ private Q_SLOTS:
         append(path, titleLine("newest").sliced(20));
         QCOMPARE(update(), (SessionDetail{u"newest"_s, u"p"_s}));
         // Nothing twice but the lines that were cut.
-        QCOMPARE(
-            m_transcripts->costs().bytes - before,
-            line.size() - 1 + more.size() + 20 + titleLine("newest").size());
+        const qint64 expected = line.size() - 1 + more.size() + 20 + titleLine("newest").size();
+        QCOMPARE(m_transcripts->costs().bytes - before, expected);
 
         put(titleLine("short")); // and starts again
         QCOMPARE(update(), (SessionDetail{u"short"_s, std::nullopt}));
@@ -139,9 +139,9 @@ private Q_SLOTS:
     void staysWithinTheProjectsFolder()
     {
         put(titleLine("t"));
-        for (const QString &reachable : {u"secret.jsonl"_s, u"projects/secret.jsonl"_s, u"projects/.jsonl"_s})
-            m_home->write(reachable, titleLine("secret"));
-        m_home->write(u"projects/-tmp-my-app/secret.jsonl"_s, titleLine("secret"));
+        for (const QString &reachable :
+             {u"secret"_s, u"projects/secret"_s, u"projects/"_s, u"projects/-tmp-my-app/secret"_s})
+            m_home->write(reachable + u".jsonl", titleLine("secret"));
         for (const QString &id :
              {u"../../secret"_s, u"../secret"_s, u"a/../../../secret"_s, u""_s, u"."_s, u".."_s,
               u"secret.jsonl\0"_s, QString(5000, u'x')})
@@ -152,15 +152,23 @@ private Q_SLOTS:
 
     void survivesWhatIsNoTranscript()
     {
-        QVERIFY(QDir().mkpath(m_home->path(u"projects/-tmp-my-app"_s)));
-        const QByteArray path = QFile::encodeName(m_home->path(u"projects/-tmp-my-app/id.jsonl"_s));
-        QCOMPARE(::mkfifo(path, 0600), 0);
+        const QString path = put({});
+        QVERIFY(QFile::remove(path));
+        QCOMPARE(::mkfifo(QFile::encodeName(path), 0600), 0);
         QCOMPARE(update(), SessionDetail());
-        QVERIFY(QFile::remove(QFile::decodeName(path)));
+        QVERIFY(QFile::remove(path));
 
         put(QByteArray("\0\xff{[\"type\":", 12).repeated(30'000) + "\n" + titleLine(QByteArray(100'000, 'x'))
             + R"({"type":"ai-title",)" + QByteArray(5000, '[') + "\n");
         QCOMPARE(update().title, QString(4096, u'x'));
+    }
+
+    void keepsTheTextWholeWhereTheEndBeginsWithinACharacter()
+    {
+        const QByteArray end = "\n" + titleLine("café") + lastPromptLine("p");
+        // The tail begins with the second byte of the last "é".
+        put(QByteArray("é").repeated(1000) + QByteArray(256 * 1024 - 1 - end.size(), 'x') + end);
+        QCOMPARE(update(), (SessionDetail{u"café"_s, u"p"_s}));
     }
 
     void readsInTheBackgroundWhatItIsWaitedFor()
@@ -191,19 +199,16 @@ private Q_SLOTS:
         QCoreApplication::processEvents();
     }
 
-    void keepsTheTextWholeWhereTheEndBeginsWithinACharacter()
-    {
-        const QByteArray end = "\n" + titleLine("café") + lastPromptLine("p");
-        // The tail begins with the second byte of the last "é".
-        put(QByteArray("é").repeated(1000) + QByteArray(256 * 1024 - 1 - end.size(), 'x') + end);
-        QCOMPARE(update(), (SessionDetail{u"café"_s, u"p"_s}));
-    }
-
 private:
     SessionDetail update() { return m_transcripts->update({m_session}, false, m_now).value(u"id"_s); }
     QString put(const QByteArray &bytes) const
     {
         return m_home->write(u"projects/-tmp-my-app/id.jsonl"_s, bytes);
+    }
+    static void append(const QString &path, const QByteArray &bytes)
+    {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::Append) && file.write(bytes) == bytes.size());
     }
 
     const ClaudeSession m_session = sessionOf(u"id"_s);
