@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QFileInfo>
 #include <QProcess>
 #include <QtEndian>
 
@@ -41,9 +40,8 @@ public:
     }
     static QByteArray usageEntry(int sessionPercent)
     {
-        return entry(
-            usageKey(),
-            compressed("{\"five_hour\":{\"utilization\":" + QByteArray::number(sessionPercent) + "}}"));
+        const QByteArray percent = QByteArray::number(sessionPercent);
+        return entry(usageKey(), compressed("{\"five_hour\":{\"utilization\":" + percent + "}}"));
     }
 
     [[nodiscard]] QString folder() const { return path(QStringLiteral(".config/Claude/Cache/Cache_Data")); }
@@ -54,13 +52,9 @@ public:
 
     QByteArray add(const QString &name, const QByteArray &bytes, TimePoint modified) const
     {
-        QDir().mkpath(folder());
-        QFile file(folder() + u'/' + name);
-        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush())
-            qFatal("cannot write %s", qPrintable(name));
-        if (!file.setFileTime(
-                QDateTime::fromMSecsSinceEpoch(modified.time_since_epoch().count()),
-                QFileDevice::FileModificationTime))
+        QFile file(write(QStringLiteral(".config/Claude/Cache/Cache_Data/") + name, bytes));
+        const auto date = QDateTime::fromMSecsSinceEpoch(modified.time_since_epoch().count());
+        if (!file.open(QIODevice::ReadWrite) || !file.setFileTime(date, QFileDevice::FileModificationTime))
             qFatal("cannot date %s", qPrintable(name));
         return nativePath(name);
     }

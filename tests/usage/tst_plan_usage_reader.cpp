@@ -25,15 +25,12 @@ QByteArray printed(const ReadOutcome &outcome)
         {ReadProblem::NoCache, "no cache"},
         {ReadProblem::NoZstd, "no zstd"},
         {ReadProblem::Unreadable, "unreadable"}};
-    QByteArray text;
-    if (const ReadProblem *problem = std::get_if<ReadProblem>(&outcome.result))
-        text = problems.value(*problem);
-    else
-        text = QByteArray::number(qRound(std::get<Reading>(outcome.result).windows.session->fraction * 100));
-    if (!outcome.entries)
-        return text;
-    text += ':';
-    for (const QByteArray &each : *outcome.entries)
+    const Reading *reading = std::get_if<Reading>(&outcome.result);
+    QByteArray text = reading ? QByteArray::number(qRound(reading->windows.session->fraction * 100))
+                              : problems.value(std::get<ReadProblem>(outcome.result));
+    if (outcome.entries)
+        text += ':';
+    for (const QByteArray &each : outcome.entries.value_or(QList<QByteArray>()))
         text += ' ' + each.mid(each.lastIndexOf('/') + 1);
     return text;
 }
@@ -63,15 +60,13 @@ private Q_SLOTS:
         QCOMPARE(printed(readerOf(cache).read({})), "no cache:");
         cache.add(u"a_0"_s, UsageCache::entry(UsageCache::keyFor("/"), "body"), noon);
         QCOMPARE(printed(readerOf(cache).read({})), "no cache:");
-        TimePoint modified = noon;
         for (const QByteArray &body :
              {QByteArray("plain"), QByteArray("\x28\xb5\x2f\xfdnoise"), UsageCache::compressed("{}")}) {
-            const QString name = u"%1_0"_s.arg((modified -= 1ms).time_since_epoch().count());
-            cache.add(name, UsageCache::entry(UsageCache::usageKey(), body), modified);
-            QVERIFY(printed(readerOf(cache).read({})).startsWith("unreadable: "));
+            cache.add(u"b_0"_s, UsageCache::entry(UsageCache::usageKey(), body), noon);
+            QCOMPARE(printed(readerOf(cache).read({})), "unreadable: b_0");
         }
-        cache.add(u"e_0"_s, UsageCache::usageEntry(10), noon - 9ms);
-        QVERIFY(printed(readerOf(cache).read({})).startsWith("10: "));
+        cache.add(u"c_0"_s, UsageCache::usageEntry(10), noon - 9ms);
+        QCOMPARE(printed(readerOf(cache).read({})), "10: b_0 c_0");
         QCOMPARE(printed(readerOf(cache, std::nullopt).read({})), "no zstd");
     }
 
@@ -95,10 +90,8 @@ private Q_SLOTS:
         QDir(cache.folder()).mkdir(u"folder_0"_s);
         QFile::link(u"loop_0"_s, cache.folder() + u"/loop_0");
         QCOMPARE(::mkfifo(cache.nativePath(u"pipe_0"_s).constData(), 0600), 0);
-        QCOMPARE(printed(readerOf(cache).read({})), "20: largest_0");
-        QCOMPARE(
-            printed(readerOf(cache).read({cache.nativePath(u"pipe_0"_s), cache.nativePath(u"folder_0"_s)})),
-            "20: largest_0");
+        const QList<QByteArray> known{cache.nativePath(u"pipe_0"_s), cache.nativePath(u"folder_0"_s)};
+        QCOMPARE(printed(readerOf(cache).read(known)), "20: largest_0");
     }
 
     void theSixHundredNewestOfTwentyThousandAreLookedInto()
@@ -108,9 +101,8 @@ private Q_SLOTS:
         for (qint64 i = 0; i < 19'998; ++i)
             cache.add(u"%1_0"_s.arg(i, 16, 16, QChar(u'0')), other, noon + i * 1s);
         cache.add(u"young_0"_s, UsageCache::usageEntry(10), noon + 19'997'500ms);
-        cache.add(
-            u"old_0"_s, UsageCache::usageEntry(20),
-            noon + 19'399'500ms); // 598 others and the young one are newer
+        // 598 others and the young one are newer.
+        cache.add(u"old_0"_s, UsageCache::usageEntry(20), noon + 19'399'500ms);
         QCOMPARE(printed(readerOf(cache).read({})), "10: young_0 old_0");
         cache.add(u"old_0"_s, UsageCache::usageEntry(20), noon + 19'398'500ms);
         QCOMPARE(printed(readerOf(cache).read({})), "10: young_0");
@@ -120,14 +112,12 @@ private Q_SLOTS:
     {
         const UsageCache cache;
         const QByteArray usage = UsageCache::usageEntry(10);
+        const QByteArray other(usage.size(), 'x');
         PlanUsageReader reader = readerOf(cache);
-        for (const auto &[bytes, expected] :
-             {std::pair(QByteArray(usage.size(), 'x'), "no cache:"),
-              {usage, "10: a_0"},
-              {QByteArray(usage.size(), 'x'), "no cache:"}}) {
+        for (const QByteArray &bytes : {other, usage, other}) {
             cache.add(u"a_0"_s, bytes, noon);
-            QCOMPARE(printed(reader.read({})), expected);
-            QCOMPARE(printed(reader.read({})), expected);
+            for (int look = 0; look < 2; ++look)
+                QCOMPARE(printed(reader.read({})), bytes == usage ? "10: a_0" : "no cache:");
         }
     }
 

@@ -13,80 +13,68 @@ using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 using namespace nubble;
 
-namespace {
-
-// The card over a cache that a test fills.
-struct UsageCardUnderTest {
-    explicit UsageCardUnderTest(const UsageCache &cache)
-        : planUsage(cache.home(), clock, PlanUsageMonitor::defaultDomain), card(planUsage, clock, preferences)
-    {
-        card.show();
-    }
-
-    [[nodiscard]] QStringList rows() const
-    {
-        QStringList names;
-        for (const auto *row : card.findChildren<LimitRow *>())
-            names.append(row->accessibleName());
-        return names;
-    }
-
-    [[nodiscard]] QString problem() const
-    {
-        const auto *label = card.findChild<QLabel *>();
-        return label->isVisible() ? label->text() : QString();
-    }
-
-    ManualClock clock;
-    FakeDesktopPreferences preferences;
-    PlanUsageMonitor planUsage;
-    UsageCardContent card;
-};
-
-void addEntry(const UsageCache &cache, const ManualClock &clock, const QByteArray &json)
-{
-    cache.add(u"a_0"_s, UsageCache::entry(UsageCache::usageKey(), UsageCache::compressed(json)), clock.now());
-}
-
-} // namespace
-
 class TestUsageCard : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void init() { m_cache.emplace(); }
+    void cleanup() { m_card.reset(); }
+
     void theRowsSayHowMuchIsUsedAndWhenItStartsAnew()
     {
-        const UsageCache cache;
-        const ManualClock clock;
-        const QDateTime reset =
-            QDateTime::fromMSecsSinceEpoch((clock.now() + 59min).time_since_epoch().count());
-        addEntry(
-            cache, clock,
+        const auto reset = QDateTime::fromMSecsSinceEpoch((m_clock.now() + 59min).time_since_epoch().count());
+        addAnswer(
             R"({"five_hour":{"utilization":42,"resets_at":")" + reset.toUTC().toString(Qt::ISODate).toUtf8()
-                + R"("},"seven_day":{"utilization":150}})");
-        UsageCardUnderTest usage(cache);
-        QTRY_COMPARE(
-            usage.rows(),
-            QStringList({u"Current session, 42% Used, Resets in 59 min"_s, u"All models, 100% Used"_s}));
-        QCOMPARE(usage.problem(), QString());
-        usage.clock.advance(1min);
-        QTRY_COMPARE(usage.rows().first(), u"Current session, 42% Used, Resets in 58 min"_s);
+            + R"("},"seven_day":{"utilization":150}})");
+        open();
+        QTRY_COMPARE(shown(), u"Current session, 42% Used, Resets in 59 min; All models, 100% Used"_s);
+        m_clock.advance(1min);
+        QTRY_COMPARE(shown(), u"Current session, 42% Used, Resets in 58 min; All models, 100% Used"_s);
     }
 
     void theButtonReadsAtOnceWhatWasNotKnown()
     {
-        const UsageCache cache;
-        UsageCardUnderTest usage(cache);
-        QTRY_COMPARE(usage.problem(), u"Open the Claude app to load plan usage"_s);
-        QCOMPARE(usage.rows(), QStringList({u"Current session, not known"_s, u"All models, not known"_s}));
-        QTRY_VERIFY(!usage.planUsage.isRefreshing());
-        addEntry(cache, usage.clock, R"({"seven_day":{"utilization":7}})");
-        auto *button = usage.card.findChild<QAbstractButton *>();
+        open();
+        QTRY_COMPARE(
+            shown(),
+            u"Current session, not known; All models, not known; Open the Claude app to load plan usage"_s);
+        QTRY_VERIFY(!m_usage->isRefreshing());
+        addAnswer(R"({"seven_day":{"utilization":7}})");
+        auto *button = m_card->findChild<QAbstractButton *>();
         QCOMPARE(button->accessibleName(), u"Refresh now"_s);
         button->click();
-        QVERIFY(usage.planUsage.isRefreshing());
-        QTRY_COMPARE(usage.rows().last(), u"All models, 7% Used"_s);
+        QVERIFY(m_usage->isRefreshing());
+        QTRY_COMPARE(shown(), u"Current session, not known; All models, 7% Used"_s);
     }
+
+private:
+    void addAnswer(const QByteArray &json) const
+    {
+        const QByteArray body = UsageCache::compressed(json);
+        m_cache->add(u"a_0"_s, UsageCache::entry(UsageCache::usageKey(), body), m_clock.now());
+    }
+    void open()
+    {
+        m_usage.emplace(m_cache->home(), m_clock, PlanUsageMonitor::defaultDomain);
+        m_card.emplace(*m_usage, m_clock, m_preferences);
+        m_card->show();
+    }
+    // The rows, and the problem if there is one.
+    QString shown() const
+    {
+        QStringList texts;
+        for (const auto *row : m_card->findChildren<LimitRow *>())
+            texts.append(row->accessibleName());
+        if (const auto *label = m_card->findChild<QLabel *>(); label->isVisible())
+            texts.append(label->text());
+        return texts.join(u"; "_s);
+    }
+
+    std::optional<UsageCache> m_cache;
+    ManualClock m_clock;
+    FakeDesktopPreferences m_preferences;
+    std::optional<PlanUsageMonitor> m_usage;
+    std::optional<UsageCardContent> m_card;
 };
 
 QTEST_MAIN(TestUsageCard)

@@ -34,7 +34,7 @@ private Q_SLOTS:
               {"/api/organizations/x/api/organizations/abc/usage", false},
               {"/api/bootstrap/abc/usage", false}})
             QVERIFY2(CacheEntry::isUsageKey(UsageCache::keyFor(path), "claude.ai") == usage, path);
-        QVERIFY(!CacheEntry::isUsageKey("https://example.org/api/organizations/abc/usage", "claude.ai"));
+        QVERIFY(!CacheEntry::isUsageKey(UsageCache::usageKey(), "example.org"));
     }
 
     void anEntryCutAnywhereGivesAnAnswerOrNone()
@@ -107,7 +107,8 @@ private Q_SLOTS:
     {
         using Row = std::tuple<double, QString, UsageLevel>;
         for (const auto &[fraction, text, level] :
-             {Row(-0.2, u"0% Used"_s, UsageLevel::Ample), Row(49 / 100.0, u"49% Used"_s, UsageLevel::Ample),
+             {Row(-0.2, u"0% Used"_s, UsageLevel::Ample), Row(29 / 100.0, u"29% Used"_s, UsageLevel::Ample),
+              Row(49 / 100.0, u"49% Used"_s, UsageLevel::Ample),
               Row(50 / 100.0, u"50% Used"_s, UsageLevel::Watch),
               Row(70 / 100.0, u"70% Used"_s, UsageLevel::Critical),
               Row(1e300, u"100% Used"_s, UsageLevel::Critical)}) {
