@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "Shell/ChildProcess.h"
+#include "Shell/Relaunch.h"
 #include "support/TemporaryHome.h"
 
 using namespace nubble;
@@ -22,16 +23,10 @@ Command sh(const QByteArray &script)
 
 QByteArray printed(const CommandEnd &end)
 {
-    static const QMap<CommandEnd::Cause, QByteArray> causes{
-        {CommandEnd::Cause::Itself, ""},
-        {CommandEnd::Cause::OutputLimit, " for its output"},
-        {CommandEnd::Cause::TimeLimit, " for its time"},
-        {CommandEnd::Cause::Request, " as asked"}};
-    const QByteArray kind = end.kind == CommandEnd::Kind::NotStarted ? "not started"
-        : end.kind == CommandEnd::Kind::Exited                       ? "exited"
-                                                                     : "signalled";
-    return kind + ' ' + QByteArray::number(end.code) + causes.value(end.cause) + ": " + end.output + '|'
-        + end.errors;
+    static const std::array<QByteArray, 3> kinds{"not started ", "exited ", "signalled "};
+    static const std::array<QByteArray, 4> causes{"", " for its output", " for its time", " as asked"};
+    return kinds.at(static_cast<size_t>(end.kind)) + QByteArray::number(end.code)
+        + causes.at(static_cast<size_t>(end.cause)) + ": " + end.output + '|' + end.errors;
 }
 
 // A process that has ended has no command line, even while nobody has taken note of its end.
@@ -60,52 +55,34 @@ struct Watch {
     QObject context;
 };
 
-void exitWithTheWrongCode(int /*signal*/)
-{
-    ::_exit(77);
-}
-
 } // namespace
 
 class ChildProcessTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void aRunGivesTheOutputAndHowItEnded_data()
-    {
-        QTest::addColumn<QByteArray>("script");
-        QTest::addColumn<QByteArray>("end");
-        const auto row = [](const QByteArray &script, const QByteArray &end) {
-            QTest::newRow(script) << script << end;
-        };
-        row("wc -c; echo bad >&2; exit 3", "exited 3: 3000000\n|bad\n");
-        row("cat | tail -c 3", "exited 0: xxx|"); // more goes in and comes out than a pipe holds
-        row("echo unread", "exited 0: unread\n|");
-        row("kill -QUIT $$", "signalled 3: |");
-        row("exec yes", "signalled 9 for its output: " + QByteArray("y\n").repeated(1000) + '|');
-        row("echo half; exec sleep 60", "signalled 9 for its time: half\n|");
-        row("head -c 9999999 /dev/zero >&2; printf 123456 >&2", "exited 0: |56");
-        row("sleep 60 & echo $! > pid; echo all", "exited 0: all\n|");
-        row("yes '' >&2 & echo $! > pid; sleep 0.2; exit 1", "exited 1: |\n\n");
-    }
     void aRunGivesTheOutputAndHowItEnded()
     {
-        QFETCH(const QByteArray, script);
-        QFETCH(const QByteArray, end);
-        const QByteArray inFolder = "cd " + QFile::encodeName(m_home.path(u"."_s)) + "; " + script;
-        const qint64 errors = end.endsWith("|bad\n") ? 9 : 2;
-        const auto time = end.contains("time") ? 300ms : 20'000ms;
-        QElapsedTimer timer;
-        timer.start();
-        QCOMPARE(
-            printed(runCommand(
-                sh(inFolder), QByteArray(3'000'000, 'x'), {.output = 2000, .errors = errors, .time = time})),
-            end);
-        QVERIFY(timer.elapsed() < 20'000);
-        QFile pid(m_home.path(u"pid"_s));
-        if (pid.open(QIODevice::ReadOnly))
-            QTRY_VERIFY(isGone(pid.readAll()));
-        pid.remove();
+        for (const auto &[script, end] :
+             {std::pair<QByteArray, QByteArray>("wc -c; echo bad >&2; exit 3", "exited 3: 3000000\n|d\n"),
+              {"cat | tail -c 3", "exited 0: xxx|"}, // more goes in and comes out than a pipe holds
+              {"echo unread", "exited 0: unread\n|"},
+              {"kill -QUIT $$", "signalled 3: |"},
+              {"exec yes", "signalled 9 for its output: " + QByteArray("y\n").repeated(1000) + '|'},
+              {"echo half; exec sleep 60", "signalled 9 for its time: half\n|"},
+              {"head -c 9999999 /dev/zero >&2; printf 123456 >&2", "exited 0: |56"},
+              {"sleep 60 & echo $! > pid; echo all", "exited 0: all\n|"},
+              {"yes '' >&2 & echo $! > pid; sleep 0.2; exit 1", "exited 1: |\n\n"}}) {
+            Command command = sh(script);
+            command.folder = m_home.path(u"."_s);
+            const CommandLimits limits{
+                .output = 2000, .errors = 2, .time = end.contains("time") ? 300ms : 20'000ms};
+            QElapsedTimer timer;
+            timer.start();
+            QCOMPARE(printed(runCommand(command, QByteArray(3'000'000, 'x'), limits)), end);
+            QVERIFY2(timer.elapsed() < 20'000, script);
+            QTRY_VERIFY2(isGone(m_home.read(u"pid"_s)), script);
+        }
     }
 
     void whatCannotBeRunIsSaid()
@@ -177,7 +154,7 @@ private Q_SLOTS:
 
     void endingIsAskedForAndThenEnforced()
     {
-        ::signal(SIGTERM, exitWithTheWrongCode); // ours must not run in a child that is not itself yet
+        ::signal(SIGTERM, [](int) { ::_exit(77); }); // ours must not run in a child that is not itself yet
         for (int i = 0; i < 20; ++i) {
             ChildProcess child(sh("exec sleep 60"));
             Watch watch(child);
@@ -208,10 +185,9 @@ private Q_SLOTS:
     {
         const QByteArray file = QFile::encodeName(m_home.path(u"all"_s));
         for (const auto lifetime : {ChildProcess::Lifetime::Ours, ChildProcess::Lifetime::ItsOwn}) {
-            const CommandLimits limits{.grace = 100ms};
             auto *child = new ChildProcess(
-                sh("trap '' TERM; echo $$; cat; sleep 0.3; head -c 999999 /dev/zero; echo > " + file), limits,
-                ChildProcess::Delivery::Chunks, lifetime);
+                sh("trap '' TERM; echo $$; cat; sleep 0.3; head -c 999999 /dev/zero; echo > " + file),
+                {.grace = 100ms}, ChildProcess::Delivery::Chunks, lifetime);
             QByteArray pid;
             connect(child, &ChildProcess::output, this, [&](const QByteArray &chunk) {
                 pid = chunk;
@@ -238,15 +214,30 @@ private Q_SLOTS:
         }
     }
 
+    void theProgramStartsAgainWithItsArgumentsUnharmed()
+    {
+        const QString program = m_home.writeScript(
+            u"a folder/pro\"gram's $HOME.sh"_s,
+            "#!/bin/sh\nout=$1; shift\nprintf '%s|' \"$(pwd)\" \"$(readlink /proc/$$/fd/7)\" $# \"$@\" > "
+            "\"$out.part\"\nmv \"$out.part\" \"$out\"\n");
+        const QStringList arguments{
+            u"--home"_s, u"/a b/c"_s, u"it's \"quoted\""_s, u"$(touch x) `y` $HOME *"_s, {}, u"日本"_s};
+        const QString told = u"|6|"_s + arguments.join(u'|') + u'|';
+        Relaunch{program, QStringList{m_home.path(u"out put"_s)} + arguments}.now();
+        QTRY_COMPARE(QString::fromUtf8(m_home.read(u"out put"_s)), QDir::currentPath() + u'|' + told);
+
+        QCOMPARE(::dup2(1, 7), 7); // which a detached process does not share with its starter
+        QVERIFY((Relaunch{program, QStringList{m_home.path(u"at once"_s)} + arguments}.startDetached()));
+        QTRY_COMPARE(QString::fromUtf8(m_home.read(u"at once"_s)), u"/|"_s + told);
+    }
+
 private:
     TemporaryHome m_home;
 };
 
 // A program that starts a child, says which, and ends at once.
-static int runAndEnd(int argc, char **argv)
+static int runAndEnd(QCoreApplication &application, bool crashes)
 {
-    QCoreApplication application(argc, argv);
-    const bool crashes = argv[1] == QByteArray("crash");
     ChildProcess child(sh(crashes ? "echo $$; exec sleep 60" : "trap '' TERM; echo $$; sleep 60"));
     QObject::connect(&child, &ChildProcess::output, &application, [crashes](const QByteArray &pid) {
         if (::write(STDOUT_FILENO, pid.constData(), static_cast<size_t>(pid.size())) < 0 || crashes)
@@ -259,9 +250,10 @@ static int runAndEnd(int argc, char **argv)
 
 int main(int argc, char **argv)
 {
-    if (argc == 2 && (argv[1] == QByteArray("crash") || argv[1] == QByteArray("quit")))
-        return runAndEnd(argc, argv);
     QCoreApplication application(argc, argv);
+    const QByteArray how = argc == 2 ? argv[1] : "";
+    if (how == "crash" || how == "quit")
+        return runAndEnd(application, how == "crash");
     ChildProcessTest test;
     return QTest::qExec(&test, argc, argv);
 }

@@ -25,14 +25,21 @@ private Q_SLOTS:
               {u"-.local/bin -a b"_s, u"a:b"_s, u"b"_s},
               {u"a/ b"_s, u"a:b"_s, u"b"_s}}) {
             const TemporaryHome home;
-            for (const QString &tool : tools.split(u' '))
-                install(home, tool);
+            for (const QString &each : tools.split(u' ')) {
+                const QString tool = each.sliced(each.startsWith(u'-')) + u"/nubble-test-tool";
+                if (each.endsWith(u'/'))
+                    QDir().mkpath(home.path(tool));
+                else if (each.startsWith(u'-'))
+                    home.write(tool, "#!/bin/sh\n");
+                else
+                    home.writeScript(tool, "#!/bin/sh\n");
+            }
             QStringList folders;
             for (const QString &folder : path.split(u':'))
                 folders.append(folder.isEmpty() ? folder : home.path(folder));
             QCOMPARE(
-                Tools::find(m_tool, home.home(), folders.join(u':')).value_or(QString()),
-                found.isEmpty() ? QString() : home.path(found + u'/' + m_tool));
+                Tools::find(u"nubble-test-tool"_s, home.home(), folders.join(u':')).value_or(QString()),
+                found.isEmpty() ? QString() : home.path(found + u"/nubble-test-tool"));
         }
     }
 
@@ -60,7 +67,7 @@ private Q_SLOTS:
         }
     }
 
-    void anAddonSaysWhatItLacks()
+    void anAddonSaysWhatItLacksAndOfItsKeys()
     {
         const TemporaryHome folder;
         const Home home = folder.home();
@@ -72,30 +79,18 @@ private Q_SLOTS:
               {Addon::Search, u"yarnbin"_s, u"Needs yarnbin (the `yarnbin` command)."_s, QString()},
               {Addon::Notes, u"node"_s, u"Needs Node.js."_s,
                QString(u"Needs the recorder script at "_s + script + u'.')}}) {
-            if (!Tools::find(tool, home)) // this machine may have it
-                QCOMPARE(lack(addon), sentence);
+            QCOMPARE(lack(addon), Tools::find(tool, home) ? then : sentence); // this machine may have it
             folder.writeScript(u".local/bin/"_s + tool, "#!/bin/sh\n");
             QCOMPARE(lack(addon), then);
         }
+        QVERIFY(description(Addon::Ask).startsWith(u"Ctrl+Alt+A "));
+        QVERIFY(description(Addon::Search).startsWith(u"Ctrl+Alt+Space "));
         folder.write(u".quib-live/quib-live.mjs"_s, {});
         QCOMPARE(lack(Addon::Notes), QString());
         QCOMPARE(lack(Addon::Quenwick), u"Needs the Quenwick app, opened at least once."_s);
         QVERIFY(QDir().mkpath(quenwickFolder(home)));
         QCOMPARE(lack(Addon::Quenwick), QString());
     }
-
-private:
-    void install(const TemporaryHome &home, const QString &tool) const
-    {
-        if (tool.endsWith(u'/'))
-            QDir().mkpath(home.path(tool + m_tool));
-        else if (tool.startsWith(u'-'))
-            home.write(tool.sliced(1) + u'/' + m_tool, "#!/bin/sh\n");
-        else
-            home.writeScript(tool + u'/' + m_tool, "#!/bin/sh\n");
-    }
-
-    const QString m_tool = u"nubble-test-tool"_s; // installed on no machine
 };
 
 QTEST_GUILESS_MAIN(TestTools)

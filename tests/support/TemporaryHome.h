@@ -34,6 +34,13 @@ public:
         return absolute;
     }
 
+    // Nothing when there is no such file.
+    QByteArray read(const QString &relative) const
+    {
+        QFile file(path(relative));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
 private:
     QTemporaryDir m_folder;
 };
