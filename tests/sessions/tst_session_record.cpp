@@ -41,27 +41,21 @@ private Q_SLOTS:
 
     void aRowHasANameAndASymbol()
     {
-        using Row = std::tuple<QString, QString, QString, QString, QString>; // null: absent
-        for (const auto &[name, source, title, cwd, expected] : {
-                 Row(u"Name"_s, u"user"_s, u"Title"_s, u"/p/q"_s, u"Name"_s),
-                 Row(u"Name"_s, u"derived"_s, u"Title"_s, u"/p/q"_s, u"Title"_s),
-                 Row(u"Name"_s, {}, u"Title"_s, u"/p/q"_s, u"Title"_s),
-                 Row(u"Name"_s, u"derived"_s, {}, u"/p/q"_s, u"Name"_s),
-                 Row(u""_s, u"user"_s, {}, u"/p/q r/"_s, u"q r"_s),
-                 Row({}, {}, {}, u"/"_s, u"/"_s),
-             }) {
-            const auto given = [](const QString &text) {
-                return text.isNull() ? std::nullopt : std::optional(text);
-            };
-            ClaudeSession session = sessionOf(u"a"_s, cwd);
-            session.name = given(name);
-            session.nameSource = given(source);
-            QCOMPARE(rowTitle(session, {given(title), std::nullopt}), expected);
+        for (const auto &[keys, title, expected] :
+             {std::tuple(R"("cwd":"/p/q","name":"Name","nameSource":"user")", "Title", u"Name"_s),
+              {R"("cwd":"/p/q","name":"Name","nameSource":"derived")", "Title", u"Title"_s},
+              {R"("cwd":"/p/q","name":"Name")", "Title", u"Title"_s},
+              {R"("cwd":"/p/q","name":"Name","nameSource":"derived")", nullptr, u"Name"_s},
+              {R"("cwd":"/p/q r/","name":"","nameSource":"user")", nullptr, u"q r"_s},
+              {R"("cwd":"/")", nullptr, u"/"_s}}) {
+            auto session =
+                decodeSession(R"({"pid":7,"sessionId":"a","startedAt":1,)" + QByteArray(keys) + '}');
+            const auto known = title ? std::optional(QString::fromUtf8(title)) : std::nullopt;
+            QCOMPARE(rowTitle(*session, {known, std::nullopt}), expected);
+            QCOMPARE(rowSymbol(*session), u"terminal"_s);
+            session->entrypoint = u"claude-desktop"_s;
+            QCOMPARE(rowSymbol(*session), u"macwindow"_s);
         }
-        ClaudeSession session = sessionOf(u"a"_s);
-        QCOMPARE(rowSymbol(session), u"terminal"_s);
-        session.entrypoint = u"claude-desktop"_s;
-        QCOMPARE(rowSymbol(session), u"macwindow"_s);
     }
 
     void saysHowLongAgo()
