@@ -16,18 +16,12 @@ private Q_SLOTS:
     void valuesEditedByHandCountOnlyWhenTheyAreOfTheRightKind()
     {
         using Row = std::array<const char *, 4>; // as text, as a number, as a flag
-        for (const auto &[written, text, number, boolean] : {
-                 Row{"true", "true", "none", "true"},
-                 Row{"false", "false", "none", "false"},
-                 Row{"1", "1", "1", "none"},
-                 Row{"-12.5", "-12.5", "-12.5", "none"},
-                 Row{"1e999", "1e999", "none", "none"},
-                 Row{"-inf", "-inf", "none", "none"},
-                 Row{"12px", "12px", "none", "none"},
-                 Row{"12, 5", "none", "none", "none"},
-                 Row{"", "", "none", "none"},
-                 Row{"\"quoted, text\"", "quoted, text", "none", "none"},
-             }) {
+        for (const auto &[written, text, number, boolean] :
+             {Row{"true", "true", "none", "true"}, Row{"false", "false", "none", "false"},
+              Row{"1", "1", "1", "none"}, Row{"-12.5", "-12.5", "-12.5", "none"},
+              Row{"1e999", "1e999", "none", "none"}, Row{"-inf", "-inf", "none", "none"},
+              Row{"12px", "12px", "none", "none"}, Row{"12, 5", "none", "none", "none"},
+              Row{"", "", "none", "none"}, Row{"\"quoted, text\"", "quoted, text", "none", "none"}}) {
             const Defaults defaults(m_home->write(u"a.conf"_s, QByteArray("[General]\na.key=") + written));
             const auto shown = [](const auto &value) {
                 return value ? QVariant(*value).toString().toUtf8() : "none";
