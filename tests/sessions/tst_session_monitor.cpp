@@ -85,16 +85,11 @@ private Q_SLOTS:
     void saysHowLongAgo()
     {
         constexpr double now = 1'790'000'000'000;
+        using Row = std::pair<double, QString>;
         for (const auto &[seconds, text] :
-             {std::pair(-1e300, u"just now"_s),
-              {59.999, u"just now"_s},
-              {60.0, u"1m ago"_s},
-              {3599.0, u"59m ago"_s},
-              {3600.0, u"1h ago"_s},
-              {86399.0, u"23h ago"_s},
-              {86400.0, u"1d ago"_s},
-              {1e300, u"11594791d ago"_s}, // as far as it is believed
-              {qQNaN(), u"just now"_s}})
+             {Row(-1e300, u"just now"_s), Row(59.999, u"just now"_s), Row(60, u"1m ago"_s),
+              Row(3599, u"59m ago"_s), Row(3600, u"1h ago"_s), Row(86399, u"23h ago"_s),
+              Row(86400, u"1d ago"_s), Row(1e300, u"11594791d ago"_s), Row(qQNaN(), u"just now"_s)})
             QCOMPARE(elapsedText(timePointOf(now - seconds * 1000), timePointOf(now)), text);
     }
 
