@@ -2,7 +2,6 @@
 
 #include "Sessions/SessionDetails.h"
 #include "Sessions/Transcripts.h"
-#include "sessions/SessionFixtures.h"
 #include "support/ManualClock.h"
 #include "support/TemporaryHome.h"
 
@@ -179,6 +178,25 @@ private Q_SLOTS:
     }
 
 private:
+    static QByteArray titleLine(const QByteArray &text)
+    {
+        return "{\"type\":\"ai-title\",\"aiTitle\":\"" + text + "\"}\n";
+    }
+    static QByteArray lastPromptLine(const QByteArray &text)
+    {
+        return "{\"type\":\"last-prompt\",\"lastPrompt\":\"" + text + "\"}\n";
+    }
+    static QByteArray typedLine(const QByteArray &text)
+    {
+        return "{\"type\":\"user\",\"message\":{\"content\":\"" + text + "\"}}\n";
+    }
+    static ClaudeSession sessionOf(const QString &id)
+    {
+        ClaudeSession session;
+        session.sessionId = id;
+        session.cwd = u"/tmp/my.app"_s;
+        return session;
+    }
     // "title|prompt"
     QString update()
     {

@@ -9,17 +9,32 @@
 #include <unistd.h>
 
 #include "Platform/Linux/LinuxProcessTable.h"
+#include "Sessions/ProcessActivator.h"
 #include "Sessions/SessionMonitor.h"
 #include "Sessions/SessionParsing.h"
 #include "Sessions/SessionTexts.h"
-#include "sessions/SessionFixtures.h"
 #include "support/FakeProcessTable.h"
+#include "support/FakeWorkspace.h"
 #include "support/ManualClock.h"
 #include "support/TemporaryHome.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 using namespace nubble;
+
+namespace {
+
+// A session record as its process writes it; a status that is null is left out.
+QByteArray recordJson(qint32 pid, const QString &id, const QString &status, double updatedAt = 2000)
+{
+    const QString word = status.isNull() ? QString() : QStringLiteral(R"(,"status":"%1")").arg(status);
+    return QStringLiteral(
+               R"({"pid":%1,"sessionId":"%2","cwd":"/tmp/my.app","startedAt":1000,"updatedAt":%3%4})")
+        .arg(QString::number(pid), id, QString::number(updatedAt), word)
+        .toUtf8();
+}
+
+} // namespace
 
 class SessionsTest : public QObject {
     Q_OBJECT
@@ -231,10 +246,10 @@ private Q_SLOTS:
         put(9, recordJson(9, u"new"_s, u"idle"_s));
         m_processes.alive.remove(8);
         static QMutex mutex; // transcripts are read on another thread
-        static QStringList told;
-        const auto before = qInstallMessageHandler([](auto, const auto &context, const QString &text) {
+        static QString told;
+        const auto before = qInstallMessageHandler([](auto, const auto &, const QString &text) {
             const QMutexLocker lock(&mutex);
-            told.append(QString::fromUtf8(context.category) + u": " + text);
+            told += text + u'\n';
         });
         for (const QString &rules : {u""_s, u"nubble.sessions=true"_s}) {
             QVERIFY(told.isEmpty());
@@ -247,13 +262,58 @@ private Q_SLOTS:
         QLoggingCategory::setFilterRules({});
         qInstallMessageHandler(before);
         QCOMPARE(
-            told.join(u'\n'),
-            u"nubble.sessions: 7.json is no record\n"
-            "nubble.sessions: session \"ended\" has no process 8\n"
-            "nubble.sessions: session \"new\" has no transcript yet"_s);
+            told,
+            u"7.json is no record\nsession \"ended\" has no process 8\n"
+            "session \"new\" has no transcript yet\n"_s);
+    }
+
+    void bringsTheNearestAncestorForwardThatIsAnApplicationAskingOnce()
+    {
+        m_workspace.applications = {
+            {1, u"Init"_s, u"init"_s}, {50, u"Desktop"_s, u"desktop"_s}, {60, u"XTerm"_s, u"xterm"_s}};
+        m_parents = {{90, 80}, {80, 70}, {70, 60}, {60, 50}, {6, 1}, {5, 5}, {4, 3}, {3, 4}};
+        for (const pid_t pid : {90, 60})
+            QCOMPARE(activatedFor(pid), QList<pid_t>{60});
+        QCOMPARE(m_workspace.lookups, 2);
+        for (const pid_t pid : {6, 5, 4, 2}) // the root, loops, an end
+            QCOMPARE(activatedFor(pid), QList<pid_t>{});
+    }
+
+    void looksAtTwentyFourAncestorsAtMost()
+    {
+        for (pid_t pid = 101; pid < 200; ++pid)
+            m_parents.insert(pid, pid - 1);
+        m_workspace.applications = {{100, u"XTerm"_s, u"xterm"_s}};
+        QCOMPARE(activatedFor(124), QList<pid_t>{100});
+        QCOMPARE(activatedFor(125), QList<pid_t>{});
+    }
+
+    void fallsBackToClaudesOwnApplicationIfTheDesktopCanActivate()
+    {
+        m_workspace.applications = {
+            {40, u"XTerm"_s, u"xterm"_s},
+            {::getpid(), u"claude-notch"_s, u"Claude"_s},
+            {41, u"Editor"_s, u"claude"_s},
+            {42, u"com.Claude.desktop"_s, u"main"_s},
+            {43, u"other"_s, u"Claude"_s}};
+        QCOMPARE(activatedFor(90), QList<pid_t>{42});
+        m_workspace.applications.removeAt(3);
+        QCOMPARE(activatedFor(90), QList<pid_t>{43});
+        m_workspace.allowed = false;
+        QVERIFY(!ProcessActivator(m_workspace).canActivate());
+        QCOMPARE(ProcessActivator(m_workspace).activate(::getpid()), Activation::Impossible);
     }
 
 private:
+    QList<pid_t> activatedFor(pid_t pid)
+    {
+        m_workspace.activated.clear();
+        ProcessActivator activator(m_workspace, [this](pid_t child) {
+            return m_parents.contains(child) ? std::optional(m_parents.value(child)) : std::nullopt;
+        });
+        (void)activator.activate(pid);
+        return m_workspace.activated;
+    }
     std::unique_ptr<SessionMonitor> monitor(const ProcessTable &processes) const
     {
         return std::make_unique<SessionMonitor>(
@@ -291,7 +351,9 @@ private:
     FakeProcessTable m_processes;
     ManualClock m_clock;
     std::unique_ptr<SessionMonitor> m_monitor;
+    FakeWorkspace m_workspace;
+    QHash<pid_t, pid_t> m_parents;
 };
 
 QTEST_GUILESS_MAIN(SessionsTest)
-#include "tst_session_monitor.moc"
+#include "tst_sessions.moc"
