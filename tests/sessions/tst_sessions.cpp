@@ -22,20 +22,6 @@ using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 using namespace nubble;
 
-namespace {
-
-// A session record as its process writes it; a status that is null is left out.
-QByteArray recordJson(qint32 pid, const QString &id, const QString &status, double updatedAt = 2000)
-{
-    const QString word = status.isNull() ? QString() : QStringLiteral(R"(,"status":"%1")").arg(status);
-    return QStringLiteral(
-               R"({"pid":%1,"sessionId":"%2","cwd":"/tmp/my.app","startedAt":1000,"updatedAt":%3%4})")
-        .arg(QString::number(pid), id, QString::number(updatedAt), word)
-        .toUtf8();
-}
-
-} // namespace
-
 class SessionsTest : public QObject {
     Q_OBJECT
 
@@ -200,10 +186,9 @@ private Q_SLOTS:
         put(4, recordJson(::getpid(), u"self"_s, u"busy"_s));
         m_home->write(u"elsewhere"_s, recordJson(::getpid(), u"linked"_s, u"busy"_s, 3000));
         QVERIFY(QFile::link(m_home->path(u"elsewhere"_s), folder + u"link.json"));
-        const LinuxProcessTable processes;
+        static const LinuxProcessTable processes;
         m_monitor = monitor(processes);
         QCOMPARE(ids(), QStringList({u"linked"_s, u"self"_s}));
-        m_monitor.reset();
     }
 
     void doesNotFlickerWhileARecordIsRewritten()
@@ -305,6 +290,16 @@ private Q_SLOTS:
     }
 
 private:
+    // A session record as its process writes it; a status that is null is left out.
+    static QByteArray recordJson(
+        qint32 pid, const QString &id, const QString &status, double updatedAt = 2000)
+    {
+        const QString word = status.isNull() ? QString() : QStringLiteral(R"(,"status":"%1")").arg(status);
+        return QStringLiteral(
+                   R"({"pid":%1,"sessionId":"%2","cwd":"/tmp/my.app","startedAt":1000,"updatedAt":%3%4})")
+            .arg(QString::number(pid), id, QString::number(updatedAt), word)
+            .toUtf8();
+    }
     QList<pid_t> activatedFor(pid_t pid)
     {
         m_workspace.activated.clear();

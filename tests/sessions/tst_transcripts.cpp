@@ -155,14 +155,6 @@ private Q_SLOTS:
         QCOMPARE(update(), QString(4096, u'x') + u'|');
     }
 
-    void keepsTheTextWholeWhereTheEndBeginsWithinACharacter()
-    {
-        const QByteArray end = "\n" + titleLine("café") + lastPromptLine("p");
-        // The tail begins with the second byte of the last "é".
-        put(QByteArray("é").repeated(1000) + QByteArray(256 * 1024 - 1 - end.size(), 'x') + end);
-        QCOMPARE(update(), u"café|p"_s);
-    }
-
     void readsInTheBackgroundWhatItIsWaitedFor()
     {
         put(typedLine("x").repeated(100'000) + titleLine("t"));

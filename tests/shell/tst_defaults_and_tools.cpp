@@ -82,14 +82,12 @@ private Q_SLOTS:
     // folder of that name) and says from which of them, in a PATH of such folders, it is taken.
     void theFirstToolThatIsAnExecutableFileIsFound()
     {
+        using Row = std::array<QString, 3>;
         for (const auto &[tools, path, found] :
-             {std::tuple(u"c"_s, u"a:b"_s, u""_s),
-              {u".local/bin .claude/local a"_s, u"a"_s, u".local/bin"_s},
-              {u".claude/local a"_s, u"a"_s, u".claude/local"_s},
-              {u"a b c"_s, u"c:a:b"_s, u"c"_s},
-              {u"b"_s, u"::b:"_s, u"b"_s},
-              {u"-.local/bin -a b"_s, u"a:b"_s, u"b"_s},
-              {u"a/ b"_s, u"a:b"_s, u"b"_s}}) {
+             {Row{u"c"_s, u"a:b"_s, u""_s}, Row{u".local/bin .claude/local a"_s, u"a"_s, u".local/bin"_s},
+              Row{u".claude/local a"_s, u"a"_s, u".claude/local"_s}, Row{u"a b c"_s, u"c:a:b"_s, u"c"_s},
+              Row{u"b"_s, u"::b:"_s, u"b"_s}, Row{u"-.local/bin -a b"_s, u"a:b"_s, u"b"_s},
+              Row{u"a/ b"_s, u"a:b"_s, u"b"_s}}) {
             init();
             for (QString tool : tools.split(u' ')) {
                 tool += u"/nubble-test-tool";
@@ -122,8 +120,7 @@ private Q_SLOTS:
     {
         const QString home = m_home->home().path();
         for (const auto &[line, script] :
-             {std::pair(QByteArray(), QString(home + u"/.quib-live/quib-live.mjs")),
-              {"meetingNotes.script=", home + u"/.quib-live/quib-live.mjs"},
+             {std::pair<QByteArray, QString>("meetingNotes.script=", home + u"/.quib-live/quib-live.mjs"),
               {"meetingNotes.script=~/a b.mjs", home + u"/a b.mjs"},
               {"meetingNotes.script=~ann/a.mjs", u"~ann/a.mjs"_s},
               {"meetingNotes.script=/a/b.mjs", u"/a/b.mjs"_s}})
