@@ -170,13 +170,14 @@ private Q_SLOTS:
     }
 
 private:
-    static QByteArray titleLine(const QByteArray &text)
+    static QByteArray line(const char *type, const char *key, const QByteArray &text)
     {
-        return "{\"type\":\"ai-title\",\"aiTitle\":\"" + text + "\"}\n";
+        return QByteArray("{\"type\":\"") + type + "\",\"" + key + "\":\"" + text + "\"}\n";
     }
+    static QByteArray titleLine(const QByteArray &text) { return line("ai-title", "aiTitle", text); }
     static QByteArray lastPromptLine(const QByteArray &text)
     {
-        return "{\"type\":\"last-prompt\",\"lastPrompt\":\"" + text + "\"}\n";
+        return line("last-prompt", "lastPrompt", text);
     }
     static QByteArray typedLine(const QByteArray &text)
     {

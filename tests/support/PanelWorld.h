@@ -62,7 +62,6 @@ struct PanelWorld {
         const QRectF screen = *mainScreen.frame();
         return panelGeometry(layout, placement.edge(), placement.clamp(placement.offset(), screen), screen);
     }
-    // As a record writes it.
     static qint64 msecs(TimePoint time) { return time.time_since_epoch().count(); }
 
     TemporaryHome home;
