@@ -27,11 +27,11 @@ private Q_SLOTS:
         const QByteArray wrongType = R"({"type":"ai-title","aiTitle":7})";
         for (const auto &[lines, shown] :
              {std::pair<QByteArray, QString>(
-                  lastPromptLine("p") + titleLine("old") + titleLine("new"), u"new|p"_s),
+                  promptLine("p") + titleLine("old") + titleLine("new"), u"new|p"_s),
               {titleLine("old") + titleLine(R"( \n\t)") + wrongType + '\n', u"old|"_s},
               {titleLine("no UTF-8: caf\xe9"), u"no UTF-8: café|"_s},
               {typedLine("stands in") + titleLine("t"), u"t|stands in"_s},
-              {lastPromptLine("loses") + lastPromptLine("wins") + typedLine("typed"), u"|wins"_s}}) {
+              {promptLine("loses") + promptLine("wins") + typedLine("typed"), u"|wins"_s}}) {
             init(); // or it would be the same transcript, grown
             put(lines);
             QCOMPARE(update(), shown);
@@ -62,7 +62,7 @@ private Q_SLOTS:
     void readsOnlyTheEndOfALongTranscript()
     {
         QVERIFY(QFile::resize(put({}), 500'000'000));
-        append("\n" + titleLine("t") + lastPromptLine("p"));
+        append("\n" + titleLine("t") + promptLine("p"));
         QCOMPARE(update(), u"t|p"_s);
         QCOMPARE(m_transcripts->costs().bytes, 256 * 1024);
     }
@@ -75,8 +75,7 @@ private Q_SLOTS:
         // Nothing twice but the line that each shorter tail cut.
         QCOMPARE(m_transcripts->costs().bytes, 8 * 1024 * 1024 + 2 * filler.size());
 
-        put(lastPromptLine("old") + titleLine("t") + filler.repeated(1024) + lastPromptLine("p")
-            + "unfinished");
+        put(promptLine("old") + titleLine("t") + filler.repeated(1024) + promptLine("p") + "unfinished");
         QCOMPARE(update(), u"t|p"_s);
     }
 
@@ -86,7 +85,7 @@ private Q_SLOTS:
         put(titleLine("a longer old title") + typedLine("typed") + line.chopped(1));
         QCOMPARE(update(), u"a longer old title|typed"_s);
         const qint64 before = m_transcripts->costs().bytes;
-        const QByteArray more = '\n' + lastPromptLine("p") + typedLine("typed later");
+        const QByteArray more = '\n' + promptLine("p") + typedLine("typed later");
         append(more + line.first(20));
         QCOMPARE(update(), u"new|p"_s);
         append(titleLine("newest").sliced(20));
@@ -118,10 +117,10 @@ private Q_SLOTS:
         QVERIFY(m_transcripts->costs().listings <= 4);
 
         const QString path = m_home->write(u"projects/elsewhere/id.jsonl"_s, titleLine("t"));
-        const TimePoint appeared = m_now;
-        while (update() == u"|" && m_now < appeared + 5s)
+        int seconds = 0;
+        for (; update() == u"|" && seconds < 5; ++seconds)
             m_now += 1s;
-        QVERIFY(m_now < appeared + 5s);
+        QVERIFY(seconds < 5);
 
         QVERIFY(QFile::remove(path));
         QCOMPARE(update(), u"t|"_s); // as long as there is no other
@@ -175,10 +174,7 @@ private:
         return QByteArray("{\"type\":\"") + type + "\",\"" + key + "\":\"" + text + "\"}\n";
     }
     static QByteArray titleLine(const QByteArray &text) { return line("ai-title", "aiTitle", text); }
-    static QByteArray lastPromptLine(const QByteArray &text)
-    {
-        return line("last-prompt", "lastPrompt", text);
-    }
+    static QByteArray promptLine(const QByteArray &text) { return line("last-prompt", "lastPrompt", text); }
     static QByteArray typedLine(const QByteArray &text)
     {
         return "{\"type\":\"user\",\"message\":{\"content\":\"" + text + "\"}}\n";

@@ -22,8 +22,7 @@
 
 namespace nubble {
 
-// Everything that the panel and its menus stand on, in a home of its own. Needs a QGuiApplication and the
-// libraries of the sessions and the panel.
+// Everything that the panel and its menus stand on, in a home of its own. Needs a QGuiApplication.
 struct PanelWorld {
     explicit PanelWorld(const QByteArray &stored = {})
         : defaults(home.write(QStringLiteral("preferences.conf"), "[General]\n" + stored)), addons(defaults),

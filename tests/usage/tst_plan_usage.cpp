@@ -214,11 +214,8 @@ private Q_SLOTS:
 
     void theCardSaysHowMuchIsUsedAndWhenItStartsAnew()
     {
-        const QDateTime reset =
-            QDateTime::fromMSecsSinceEpoch((m_clock.now() + 59min).time_since_epoch().count(), Qt::UTC);
-        addAnswer(
-            R"({"five_hour":{"utilization":42,"resets_at":")" + reset.toString(Qt::ISODate).toUtf8()
-            + R"("},"seven_day":{"utilization":150}})");
+        addAnswer(R"({"five_hour":{"utilization":42,"resets_at":"2026-09-21T15:12:20Z"},)"
+                  R"("seven_day":{"utilization":150}})");
         openCard();
         QTRY_COMPARE(onCard(), u"Current session, 42% Used, Resets in 59 min; All models, 100% Used"_s);
         m_clock.advance(1min);

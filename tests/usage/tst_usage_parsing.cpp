@@ -49,24 +49,23 @@ private Q_SLOTS:
     void windowsAreReadInBothShapes()
     {
         using Row = std::array<const char *, 3>;
-        for (
-            const auto &[json, session, weekly] :
-            {Row{R"({"limits":[{"kind":"session","percent":42,"resets_at":"2026-09-21T10:00:00.123456+00:00"},)"
-                 R"({"kind":"weekly_all","percent":7.5,"resets_at":"2026-09-21T10:00:00+02:00"},)"
-                 R"({"kind":"weekly_other","percent":99}]})",
-                 "0.42 2026-09-21T10:00:00.123Z", "0.075 2026-09-21T08:00:00.000Z"},
-             Row{R"({"five_hour":{"utilization":150,"resets_at":null},)"
-                 R"("seven_day":{"utilization":0,"resets_at":"2026-09-21T10:00:00"}})",
-                 "1.5 undated", "0 undated"},
-             // Limits go first, window by window.
-             Row{R"({"limits":[{"kind":"session","percent":1}],"five_hour":{"utilization":2},)"
-                 R"("seven_day":{"utilization":3}})",
-                 "0.01 undated", "0.03 undated"},
-             Row{R"({"limits":[null,1,[],{"kind":{},"percent":1},{"kind":"session","percent":true}],)"
-                 R"("five_hour":{"utilization":2},"seven_day":{"utilization":-3,"resets_at":5}})",
-                 "0.02 undated", "-0.03 undated"},
-             Row{R"({"limits":[{"kind":"weekly_all","percent":1}],"five_hour":[1]})", "none",
-                 "0.01 undated"}}) {
+        for (const auto &[json, session, weekly] :
+             {Row{R"({"limits":[{"kind":"weekly_other","percent":99},{"kind":"session","percent":42,)"
+                  R"("resets_at":"2026-09-21T10:00:00.123456+00:00"},{"kind":"weekly_all","percent":7.5,)"
+                  R"("resets_at":"2026-09-21T10:00:00+02:00"}]})",
+                  "0.42 2026-09-21T10:00:00.123Z", "0.075 2026-09-21T08:00:00.000Z"},
+              Row{R"({"five_hour":{"utilization":150,"resets_at":null},)"
+                  R"("seven_day":{"utilization":0,"resets_at":"2026-09-21T10:00:00"}})",
+                  "1.5 undated", "0 undated"},
+              // Limits go first, window by window.
+              Row{R"({"limits":[{"kind":"session","percent":1}],"five_hour":{"utilization":2},)"
+                  R"("seven_day":{"utilization":3}})",
+                  "0.01 undated", "0.03 undated"},
+              Row{R"({"limits":[null,1,[],{"kind":{},"percent":1},{"kind":"session","percent":true}],)"
+                  R"("five_hour":{"utilization":2},"seven_day":{"utilization":-3,"resets_at":5}})",
+                  "0.02 undated", "-0.03 undated"},
+              Row{R"({"limits":[{"kind":"weekly_all","percent":1}],"five_hour":[1]})", "none",
+                  "0.01 undated"}}) {
             const auto windows = parseUsageJson(json);
             QVERIFY2(windows, json);
             QCOMPARE(printed(windows->session), session);
