@@ -50,9 +50,9 @@ private Q_SLOTS:
     {
         using Row = std::array<const char *, 3>;
         for (const auto &[json, session, weekly] :
-             {Row{R"({"limits":[{"kind":"weekly_other","percent":99},{"kind":"session","percent":42,)"
+             {Row{R"({"limits":[{"kind":"session","percent":42,)"
                   R"("resets_at":"2026-09-21T10:00:00.123456+00:00"},{"kind":"weekly_all","percent":7.5,)"
-                  R"("resets_at":"2026-09-21T10:00:00+02:00"}]})",
+                  R"("resets_at":"2026-09-21T10:00:00+02:00"},{"kind":"weekly_other","percent":99}]})",
                   "0.42 2026-09-21T10:00:00.123Z", "0.075 2026-09-21T08:00:00.000Z"},
               Row{R"({"five_hour":{"utilization":150,"resets_at":null},)"
                   R"("seven_day":{"utilization":0,"resets_at":"2026-09-21T10:00:00"}})",
