@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <fcntl.h>
-#include <memory>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -144,7 +143,9 @@ private Q_SLOTS:
             QVERIFY(!child.signal(SIGINT));
         }
         ::signal(SIGTERM, SIG_DFL);
-        const Child stubborn(sh("trap '' TERM; echo; sleep 60 & wait"), {.time = 1ms, .grace = 500ms});
+        Child stubborn(sh("trap '' TERM; echo; sleep 60 & wait"), {.time = 100ms, .grace = 500ms});
+        QTest::qWait(200); // by then its time is over
+        stubborn.end();
         QTRY_VERIFY(stubborn.said.startsWith("signalled ") && stubborn.said.contains(" for its time"));
     }
 

@@ -34,8 +34,7 @@ public:
         return absolute;
     }
 
-    // Nothing when there is no such file.
-    QByteArray read(const QString &relative) const
+    QByteArray read(const QString &relative) const // nothing when there is no such file
     {
         QFile file(path(relative));
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
