@@ -15,16 +15,14 @@ public:
     }
     [[nodiscard]] Activation activateNearest(const QList<pid_t> &chain) override
     {
-        if (!allowed)
-            return Activation::Impossible;
         ++lookups;
         for (const pid_t pid : chain)
             for (const RunningApplication &each : applications)
-                if (each.pid == pid) {
+                if (allowed && each.pid == pid) {
                     activated.append(pid);
                     return Activation::Requested;
                 }
-        return Activation::NotFound;
+        return allowed ? Activation::NotFound : Activation::Impossible;
     }
 
     bool allowed = true;

@@ -22,8 +22,7 @@
 
 namespace nubble {
 
-// Everything that the panel and its menus stand on, in a home of its own. Needs a QGuiApplication and the
-// libraries of the sessions and the panel.
+// Everything that the panel and its menus stand on, in a home of its own. Needs a QGuiApplication.
 struct PanelWorld {
     explicit PanelWorld(const QByteArray &stored = {})
         : defaults(home.write(QStringLiteral("preferences.conf"), "[General]\n" + stored)), addons(defaults),
@@ -36,36 +35,33 @@ struct PanelWorld {
     {
     }
 
-    // A session whose activity `age` ago was the last; `more` are further keys of its record.
+    // A session whose activity `age` ago was the last; `more` are other keys of its record.
     void addSession(
         pid_t pid, const QString &name, const QString &status, std::chrono::milliseconds age,
-        QJsonObject more = {})
+        const QJsonObject &more = {})
     {
-        more.insert(QStringLiteral("pid"), pid);
-        more.insert(QStringLiteral("name"), name);
-        more.insert(QStringLiteral("status"), status);
-        const auto defaultTo = [&more](const QString &key, const QJsonValue &value) {
-            if (!more.contains(key))
-                more.insert(key, value);
-        };
-        defaultTo(QStringLiteral("sessionId"), QStringLiteral("session-%1").arg(pid));
-        defaultTo(QStringLiteral("cwd"), QStringLiteral("/home/ada/project"));
-        defaultTo(QStringLiteral("nameSource"), QStringLiteral("user"));
-        defaultTo(QStringLiteral("startedAt"), msecs(clock.now() - std::chrono::hours(24)));
-        defaultTo(QStringLiteral("updatedAt"), msecs(clock.now() - age));
+        using namespace Qt::StringLiterals;
+        QVariantMap record{
+            {u"pid"_s, pid},
+            {u"name"_s, name},
+            {u"status"_s, status},
+            {u"sessionId"_s, u"session-%1"_s.arg(pid)},
+            {u"cwd"_s, u"/home/ada/project"_s},
+            {u"nameSource"_s, u"user"_s},
+            {u"startedAt"_s, msecs(clock.now() - std::chrono::hours(24))},
+            {u"updatedAt"_s, msecs(clock.now() - age)}};
+        record.insert(more.toVariantMap());
         processes.alive.insert(pid);
-        home.write(QStringLiteral(".claude/sessions/%1.json").arg(pid), QJsonDocument(more).toJson());
+        home.write(u".claude/sessions/%1.json"_s.arg(pid), QJsonDocument::fromVariant(record).toJson());
     }
+    void endSession(pid_t pid) { processes.alive.remove(pid); }
 
     [[nodiscard]] PanelGeometry geometry() const
     {
         const QRectF screen = *mainScreen.frame();
         return panelGeometry(layout, placement.edge(), placement.clamp(placement.offset(), screen), screen);
     }
-    // As a record writes it.
     static qint64 msecs(TimePoint time) { return time.time_since_epoch().count(); }
-
-    void endSession(pid_t pid) { processes.alive.remove(pid); }
 
     TemporaryHome home;
     ManualClock clock;

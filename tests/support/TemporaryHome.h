@@ -34,6 +34,12 @@ public:
         return absolute;
     }
 
+    QByteArray read(const QString &relative) const // nothing when there is no such file
+    {
+        QFile file(path(relative));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
 private:
     QTemporaryDir m_folder;
 };

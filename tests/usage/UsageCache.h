@@ -1,7 +1,5 @@
 #pragma once
 
-#include <QFileInfo>
-#include <QProcess>
 #include <QtEndian>
 
 #include "Platform/Clock.h"
@@ -18,15 +16,12 @@ public:
     }
     static QByteArray usageKey() { return keyFor("/api/organizations/abc/usage"); }
 
+    // By zstd's format, though nothing is made shorter: one frame of one block that is stored as it is.
     static QByteArray compressed(const QByteArray &plain)
     {
-        QProcess zstd;
-        zstd.start(QStringLiteral("zstd"), {QStringLiteral("-c")});
-        zstd.write(plain);
-        zstd.closeWriteChannel();
-        if (!zstd.waitForFinished())
-            qFatal("zstd does not run");
-        return zstd.readAllStandardOutput();
+        QByteArray block(4, '\0');
+        qToLittleEndian(static_cast<quint32>(plain.size()) * 8 + 1, block.data());
+        return QByteArray("\x28\xb5\x2f\xfd\0\x58", 6) + block.first(3) + plain;
     }
 
     // Header, key, body, then an end record, the response headers and another end record.
@@ -42,9 +37,8 @@ public:
     }
     static QByteArray usageEntry(int sessionPercent)
     {
-        return entry(
-            usageKey(),
-            compressed("{\"five_hour\":{\"utilization\":" + QByteArray::number(sessionPercent) + "}}"));
+        const QByteArray percent = QByteArray::number(sessionPercent);
+        return entry(usageKey(), compressed("{\"five_hour\":{\"utilization\":" + percent + "}}"));
     }
 
     [[nodiscard]] QString folder() const { return path(QStringLiteral(".config/Claude/Cache/Cache_Data")); }
@@ -55,13 +49,9 @@ public:
 
     QByteArray add(const QString &name, const QByteArray &bytes, TimePoint modified) const
     {
-        QDir().mkpath(folder());
-        QFile file(folder() + u'/' + name);
-        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush())
-            qFatal("cannot write %s", qPrintable(name));
-        if (!file.setFileTime(
-                QDateTime::fromMSecsSinceEpoch(modified.time_since_epoch().count()),
-                QFileDevice::FileModificationTime))
+        QFile file(write(QStringLiteral(".config/Claude/Cache/Cache_Data/") + name, bytes));
+        const auto date = QDateTime::fromMSecsSinceEpoch(modified.time_since_epoch().count());
+        if (!file.open(QIODevice::ReadWrite) || !file.setFileTime(date, QFileDevice::FileModificationTime))
             qFatal("cannot date %s", qPrintable(name));
         return nativePath(name);
     }

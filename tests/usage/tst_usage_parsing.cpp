@@ -8,54 +8,36 @@
 using namespace nubble;
 using namespace Qt::StringLiterals;
 
-namespace {
-
-QByteArray printed(const std::optional<PlanWindow> &window)
-{
-    if (!window)
-        return "none";
-    const QString date = window->resetsAt ? window->resetsAt->toString(Qt::ISODateWithMs) : u"undated"_s;
-    return QByteArray::number(window->fraction) + ' ' + date.toUtf8();
-}
-
-} // namespace
-
 class UsageParsingTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
     void aUsageKeyIsOneOfAnOrganisationsUsage()
     {
+        using Row = std::pair<const char *, bool>;
         for (const auto &[path, usage] :
-             {std::pair("/api/organizations/abc/usage", true),
-              {"/api/organizations/abc/usage?window=all", true},
-              {"/api/organizations//abc//usage/", true},
-              {"/api/organizations/abc/usage/daily", false},
-              {"/api/organizations/x/api/organizations/abc/usage", false},
-              {"/api/bootstrap/abc/usage", false}})
+             {Row("/api/organizations/abc/usage", true), Row("/api/organizations/abc/usage?window=all", true),
+              Row("/api/organizations//abc//usage/", true), Row("/api/organizations/abc/usage/daily", false),
+              Row("/api/organizations/x/api/organizations/abc/usage", false),
+              Row("/api/bootstrap/abc/usage", false)})
             QVERIFY2(CacheEntry::isUsageKey(UsageCache::keyFor(path), "claude.ai") == usage, path);
-        QVERIFY(!CacheEntry::isUsageKey("https://example.org/api/organizations/abc/usage", "claude.ai"));
+        QVERIFY(!CacheEntry::isUsageKey(UsageCache::usageKey(), "example.org"));
     }
 
-    void anEntryCutAnywhereGivesAnAnswerOrNone()
+    void anEntryCutAnywhereOrFalseGivesAnAnswerOrNone()
     {
         const QByteArray key = UsageCache::usageKey();
-        const QByteArray body = UsageCache::compressed("{}");
-        const QByteArray whole = UsageCache::entry(key, body);
+        const QByteArray whole = UsageCache::entry(key, UsageCache::compressed("{}"));
         for (qsizetype length = 0; length <= whole.size(); ++length) {
             const QByteArray cut = whole.first(length);
             QCOMPARE(CacheEntry::keyOf(cut).has_value(), length >= 24 + key.size());
             QCOMPARE(CacheEntry::compressedBodyOf(cut).has_value(), length >= 24 + key.size() + 4);
         }
         QCOMPARE(CacheEntry::keyOf(whole)->toByteArray(), key);
-        QVERIFY(CacheEntry::compressedBodyOf(whole)->startsWith(body));
-    }
+        QVERIFY(CacheEntry::compressedBodyOf(whole)->startsWith(UsageCache::compressed("{}")));
 
-    void aFalseEntryHasNoKeyOrNoBody()
-    {
         QByteArray entry = UsageCache::entry("key", "plain");
-        QVERIFY(CacheEntry::keyOf(entry));
-        QVERIFY(!CacheEntry::compressedBodyOf(entry));
+        QVERIFY(CacheEntry::keyOf(entry) && !CacheEntry::compressedBodyOf(entry));
         QVERIFY(!CacheEntry::keyOf(UsageCache::entry("", UsageCache::compressed("{}"))));
         QVERIFY(!CacheEntry::keyOf(UsageCache::entry("\xff\xfe", "")));
         for (const quint32 length : {0xffff'ffffu, 0x8000'0000u, 0x7fff'ffffu, 0xffff'ffe8u}) {
@@ -67,25 +49,23 @@ private Q_SLOTS:
     void windowsAreReadInBothShapes()
     {
         using Row = std::array<const char *, 3>;
-        for (
-            const auto &[json, session, weekly] : {
-                Row{R"({"limits":[{"kind":"session","percent":42,"resets_at":"2026-09-21T10:00:00.123456+00:00"},)"
-                    R"({"kind":"weekly_all","percent":7.5,"resets_at":"2026-09-21T10:00:00+02:00"},)"
-                    R"({"kind":"weekly_other","percent":99}]})",
-                    "0.42 2026-09-21T10:00:00.123Z", "0.075 2026-09-21T08:00:00.000Z"},
-                Row{R"({"five_hour":{"utilization":150,"resets_at":null},)"
-                    R"("seven_day":{"utilization":0,"resets_at":"2026-09-21T10:00:00"}})",
-                    "1.5 undated", "0 undated"},
-                // Limits go first, window by window.
-                Row{R"({"limits":[{"kind":"session","percent":1}],"five_hour":{"utilization":2},)"
-                    R"("seven_day":{"utilization":3}})",
-                    "0.01 undated", "0.03 undated"},
-                Row{R"({"limits":[{"kind":"session","percent":"42"}],"five_hour":{"utilization":2}})",
-                    "0.02 undated", "none"},
-                Row{R"({"limits":[null,1,[],{"kind":{},"percent":1},{"kind":"session","percent":true}],)"
-                    R"("five_hour":[1],"seven_day":{"utilization":-3,"resets_at":5}})",
-                    "none", "-0.03 undated"},
-            }) {
+        for (const auto &[json, session, weekly] :
+             {Row{R"({"limits":[{"kind":"session","percent":42,)"
+                  R"("resets_at":"2026-09-21T10:00:00.123456+00:00"},{"kind":"weekly_all","percent":7.5,)"
+                  R"("resets_at":"2026-09-21T10:00:00+02:00"},{"kind":"weekly_other","percent":99}]})",
+                  "0.42 2026-09-21T10:00:00.123Z", "0.075 2026-09-21T08:00:00.000Z"},
+              Row{R"({"five_hour":{"utilization":150,"resets_at":null},)"
+                  R"("seven_day":{"utilization":0,"resets_at":"2026-09-21T10:00:00"}})",
+                  "1.5 undated", "0 undated"},
+              // Limits go first, window by window.
+              Row{R"({"limits":[{"kind":"session","percent":1}],"five_hour":{"utilization":2},)"
+                  R"("seven_day":{"utilization":3}})",
+                  "0.01 undated", "0.03 undated"},
+              Row{R"({"limits":[null,1,[],{"kind":{},"percent":1},{"kind":"session","percent":true}],)"
+                  R"("five_hour":{"utilization":2},"seven_day":{"utilization":-3,"resets_at":5}})",
+                  "0.02 undated", "-0.03 undated"},
+              Row{R"({"limits":[{"kind":"weekly_all","percent":1}],"five_hour":[1]})", "none",
+                  "0.01 undated"}}) {
             const auto windows = parseUsageJson(json);
             QVERIFY2(windows, json);
             QCOMPARE(printed(windows->session), session);
@@ -107,7 +87,8 @@ private Q_SLOTS:
     {
         using Row = std::tuple<double, QString, UsageLevel>;
         for (const auto &[fraction, text, level] :
-             {Row(-0.2, u"0% Used"_s, UsageLevel::Ample), Row(49 / 100.0, u"49% Used"_s, UsageLevel::Ample),
+             {Row(-0.2, u"0% Used"_s, UsageLevel::Ample), Row(29 / 100.0, u"29% Used"_s, UsageLevel::Ample),
+              Row(49 / 100.0, u"49% Used"_s, UsageLevel::Ample),
               Row(50 / 100.0, u"50% Used"_s, UsageLevel::Watch),
               Row(70 / 100.0, u"70% Used"_s, UsageLevel::Critical),
               Row(1e300, u"100% Used"_s, UsageLevel::Critical)}) {
@@ -119,14 +100,21 @@ private Q_SLOTS:
     void aResetIsToldByItsDistance()
     {
         const QDateTime now(QDate(2026, 9, 21), QTime(9, 5)); // a Monday
+        using Row = std::pair<int, QString>;
         for (const auto &[seconds, text] :
-             {std::pair(-90, u"Resets in 0 min"_s),
-              {59 * 60 + 59, u"Resets in 59 min"_s},
-              {60 * 60, u"Resets in 1 hr 0 min"_s},
-              {1440 * 60 - 1, u"Resets in 23 hr 59 min"_s},
-              {1440 * 60, u"Resets Tue 9:05 AM"_s},
-              {28 * 3600, u"Resets Tue 1:05 PM"_s}})
+             {Row(-90, u"Resets in 0 min"_s), Row(59 * 60 + 59, u"Resets in 59 min"_s),
+              Row(60 * 60, u"Resets in 1 hr 0 min"_s), Row(1440 * 60 - 1, u"Resets in 23 hr 59 min"_s),
+              Row(1440 * 60, u"Resets Tue 9:05 AM"_s), Row(28 * 3600, u"Resets Tue 1:05 PM"_s)})
             QCOMPARE(resetText(now.addSecs(seconds).toUTC(), now), text);
+    }
+
+private:
+    static QByteArray printed(const std::optional<PlanWindow> &window)
+    {
+        if (!window)
+            return "none";
+        const QString date = window->resetsAt ? window->resetsAt->toString(Qt::ISODateWithMs) : u"undated"_s;
+        return QByteArray::number(window->fraction) + ' ' + date.toUtf8();
     }
 };
 

@@ -1,0 +1,350 @@
+#include <QLoggingCategory>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+
+#include "Platform/Linux/LinuxProcessTable.h"
+#include "Sessions/ProcessActivator.h"
+#include "Sessions/SessionMonitor.h"
+#include "Sessions/SessionParsing.h"
+#include "Sessions/SessionTexts.h"
+#include "support/FakeProcessTable.h"
+#include "support/FakeWorkspace.h"
+#include "support/ManualClock.h"
+#include "support/TemporaryHome.h"
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using namespace nubble;
+
+class SessionsTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_home = std::make_unique<TemporaryHome>();
+        m_processes.alive = {7, 8, 9};
+        m_monitor = monitor(m_processes);
+    }
+
+    void keepsAllNineFieldsOfWhichFiveMayBeAbsentOrNull()
+    {
+        const auto session =
+            decodeSession(R"({"pid":7,"sessionId":"a","cwd":"/p","startedAt":1.5,"name":"n","status":"busy",
+            "updatedAt":2500,"entrypoint":"cli","nameSource":"user","kind":{"unknown":[]}})");
+        const ClaudeSession expected{7, u"a"_s, u"/p"_s, 1.5, u"n"_s, u"busy"_s, 2500.0, u"cli"_s, u"user"_s};
+        QCOMPARE(session, std::optional(expected));
+        QCOMPARE(session->lastActivity(), 2500.0);
+
+        const QByteArray required = R"({"pid":7,"sessionId":"a","cwd":"/p","startedAt":1000)";
+        const auto bare = decodeSession(required + '}');
+        QVERIFY(bare && !bare->status);
+        QCOMPARE(bare->lastActivity(), 1000.0);
+        const QByteArray nulls = R"(,"name":null,"status":null,"updatedAt":null,"entrypoint":null})";
+        QCOMPARE(decodeSession(required + nulls), bare);
+    }
+
+    void rejectsWhatIsNoRecord()
+    {
+        for (const QByteArray wrong :
+             {R"("pid":7.5)", R"("pid":"7")", R"("pid":2147483648)", R"("pid":1e999)", R"("pid":7,"name":[])",
+              R"("pid":7,"updatedAt":"1")", "\"pid\":7,\"name\":\"no UTF-8 \xff\""})
+            QVERIFY2(!decodeSession(R"({"sessionId":"a","startedAt":1,"cwd":"/",)" + wrong + '}'), wrong);
+        QVERIFY(!decodeSession(R"({"pid":7,"sessionId":"without cwd","startedAt":1})"));
+        QVERIFY(!decodeSession(recordJson(7, u"a"_s, u"idle"_s) + "y\"}")); // the old end behind new text
+    }
+
+    void aRowHasANameAndASymbol()
+    {
+        for (const auto &[keys, title, expected] :
+             {std::tuple(R"("cwd":"/p/q","name":"Name","nameSource":"user")", "Title", u"Name"_s),
+              {R"("cwd":"/p/q","name":"Name","nameSource":"derived")", "Title", u"Title"_s},
+              {R"("cwd":"/p/q","name":"Name")", "Title", u"Title"_s},
+              {R"("cwd":"/p/q","name":"Name","nameSource":"derived")", nullptr, u"Name"_s},
+              {R"("cwd":"/p/q r/","name":"","nameSource":"user")", nullptr, u"q r"_s},
+              {R"("cwd":"/")", nullptr, u"/"_s}}) {
+            auto session =
+                decodeSession(R"({"pid":7,"sessionId":"a","startedAt":1,)" + QByteArray(keys) + '}');
+            const auto known = title ? std::optional(QString::fromUtf8(title)) : std::nullopt;
+            QCOMPARE(rowTitle(*session, {known, std::nullopt}), expected);
+            QCOMPARE(rowSymbol(*session), u"terminal"_s);
+            session->entrypoint = u"claude-desktop"_s;
+            QCOMPARE(rowSymbol(*session), u"macwindow"_s);
+        }
+    }
+
+    void saysHowLongAgo()
+    {
+        constexpr double now = 1'790'000'000'000;
+        using Row = std::pair<double, QString>;
+        for (const auto &[seconds, text] :
+             {Row(-1e300, u"just now"_s), Row(59.999, u"just now"_s), Row(60, u"1m ago"_s),
+              Row(3599, u"59m ago"_s), Row(3600, u"1h ago"_s), Row(86399, u"23h ago"_s),
+              Row(86400, u"1d ago"_s), Row(1e300, u"11594791d ago"_s), Row(qQNaN(), u"just now"_s)})
+            QCOMPARE(elapsedText(timePointOf(now - seconds * 1000), timePointOf(now)), text);
+    }
+
+    void seesARewriteOfTheSameSizeWithinOneTick()
+    {
+        QCOMPARE(after(7, u"a"_s, u"busy"_s), u"working"_s);
+        const QByteArray path = QFile::encodeName(fileOf(7));
+        struct stat before { };
+        QCOMPARE(::stat(path, &before), 0);
+        put(7, recordJson(7, u"a"_s, u"idle"_s));
+        const timespec times[]{before.st_atim, before.st_mtim};
+        QCOMPARE(::utimensat(AT_FDCWD, path, times, 0), 0);
+        QCOMPARE(refreshed(), u"completed: a"_s);
+    }
+
+    void emptiesWithTheFolderAndFillsAgainByItself()
+    {
+        QCOMPARE(after(7, u"a"_s, u"busy"_s), u"working"_s);
+        QVERIFY(QDir(m_home->path(u"sessions"_s)).removeRecursively());
+        QCOMPARE(refreshed(), u"idle"_s);
+        put(7, recordJson(7, u"a"_s, u"busy"_s));
+        QTRY_COMPARE(ids(), QStringList{u"a"_s});
+    }
+
+    void showsACompletionForTwoMinutes()
+    {
+        QSignalSpy changed(m_monitor.get(), &SessionMonitor::recentlyCompletedChanged);
+        QCOMPARE(after(7, u"a"_s, u"busy"_s), u"working"_s);
+        QCOMPARE(after(7, u"a"_s, QString()), u"completed: a"_s);
+        m_clock.advance(119999ms);
+        QCOMPARE(after(7, u"a"_s, u"busy"_s), u"working: a"_s);
+        m_clock.advance(1ms);
+        QCOMPARE(refreshed(), u"working"_s);
+        QCOMPARE(changed.count(), 2);
+    }
+
+    void waitsAsLongAsASessionDoesWhateverTheOthersDo()
+    {
+        QCOMPARE(after(7, u"a"_s, u"busy"_s), u"working"_s);
+        QCOMPARE(after(7, u"a"_s, u"waiting"_s), u"completed and waiting: a"_s);
+        QCOMPARE(m_monitor->runState(m_monitor->sessions().first()), RunState::Waiting);
+        QCOMPARE(after(8, u"b"_s, u"busy"_s), u"working and waiting: a"_s);
+        QCOMPARE(after(7, u"a"_s, u"Waiting"_s), u"working: a"_s); // no word that is known
+    }
+
+    void aNewCompletionReplacesOneFromBeforeTheClockWasSetBack()
+    {
+        for (const auto back : {0h, 1h}) {
+            m_clock.advance(-back);
+            QCOMPARE(after(7, u"a"_s, u"busy"_s), back > 0h ? u"working: a"_s : u"working"_s);
+            QCOMPARE(after(7, u"a"_s, u"idle"_s), u"completed: a"_s);
+        }
+        m_clock.advance(2min);
+        QCOMPARE(refreshed(), u"idle"_s);
+    }
+
+    void completesOnlyWhatWasSeenBusy()
+    {
+        QCOMPARE(after(7, u"idle from the start"_s, u"idle"_s), u"idle"_s);
+        QCOMPARE(after(8, u"dies"_s, u"busy"_s), u"working"_s);
+        QCOMPARE(after(9, u"is cleared"_s, u"busy"_s), u"working"_s);
+        m_processes.alive.remove(8);
+        QCOMPARE(after(9, u"new conversation"_s, u"idle"_s), u"idle"_s);
+        m_processes.alive.insert(8);
+        QCOMPARE(after(8, u"dies"_s, u"idle"_s), u"idle"_s);
+        QCOMPARE(m_monitor->sessions().size(), 3);
+    }
+
+    void tellsTwoTerminalsOfOneConversationApart()
+    {
+        const QSignalSpy changed(m_monitor.get(), &SessionMonitor::sessionsChanged);
+        for (int poll = 0; poll < 3; ++poll) {
+            QCOMPARE(after(7, u"a"_s, u"busy"_s), u"working"_s);
+            QCOMPARE(after(8, u"a"_s, u"idle"_s), u"working"_s);
+        }
+        QCOMPARE(changed.count(), 2);
+        QCOMPARE(ids(), QStringList({u"a"_s, u"a"_s}));
+        QCOMPARE(after(7, u"a"_s, u"idle"_s), u"completed: a"_s);
+    }
+
+    void leavesOutWhatIsNoRecord()
+    {
+        const QString folder = m_home->path(u"sessions/"_s);
+        QVERIFY(QDir().mkpath(folder + u"folder.json"));
+        QCOMPARE(::mkfifo(qPrintable(folder + u"fifo.json"), 0600), 0);
+        QVERIFY(QFile::link(folder + u"circle.json", folder + u"circle.json"));
+        QVERIFY(QFile::link(folder + u"fifo.json", folder + u"to-fifo.json"));
+        put(1, recordJson(::getpid(), u"huge"_s, u"idle"_s));
+        QVERIFY(QFile::resize(fileOf(1), 100'000'000));
+        put(2, recordJson(::getpid(), u"padded"_s, u"idle"_s) + QByteArray(1024 * 1024, ' '));
+        put(3, recordJson(0, u"group"_s, u"busy"_s));
+        put(4, recordJson(::getpid(), u"self"_s, u"busy"_s));
+        m_home->write(u"elsewhere"_s, recordJson(::getpid(), u"linked"_s, u"busy"_s, 3000));
+        QVERIFY(QFile::link(m_home->path(u"elsewhere"_s), folder + u"link.json"));
+        static const LinuxProcessTable processes;
+        m_monitor = monitor(processes);
+        QCOMPARE(ids(), QStringList({u"linked"_s, u"self"_s}));
+    }
+
+    void doesNotFlickerWhileARecordIsRewritten()
+    {
+        qsizetype seen = 0;
+        for (int round = 0; round < 20; ++round) {
+            const QByteArray text = recordJson(7, u"a"_s, u"busy"_s);
+            put(7, text + "y\"}"); // a writer cuts the end of the old text last
+            std::thread writer([&] {
+                std::this_thread::sleep_for(300us);
+                QFile::resize(fileOf(7), text.size());
+            });
+            m_monitor->refresh();
+            seen += ids().size();
+            writer.join();
+            QCOMPARE(refreshed(), u"working"_s);
+        }
+        QVERIFY2(seen > 10, "that many writers are not stopped for longer than a poll waits");
+    }
+
+    void skipsABrokenRecordWithoutWaitingForItAgain()
+    {
+        put(7, "{\"pid\":7,");
+        put(8, recordJson(8, u"a"_s, u"idle"_s));
+        const auto timesAsleep = [] {
+            rusage used{};
+            ::getrusage(RUSAGE_THREAD, &used);
+            return used.ru_nvcsw;
+        };
+        const long before = timesAsleep();
+        for (int poll = 0; poll < 1000; ++poll)
+            m_monitor->refresh();
+        QVERIFY(timesAsleep() - before < 500); // waiting would make it a thousand at least
+        QCOMPARE(ids(), QStringList{u"a"_s});
+        put(7, recordJson(7, u"b"_s, u"idle"_s, 3000));
+        m_monitor->refresh();
+        QCOMPARE(ids(), QStringList({u"b"_s, u"a"_s}));
+    }
+
+    void tellsWhyItLeavesSomethingOutOnceAndOnlyWhenAsked()
+    {
+        put(7, "{\"pid\":7,");
+        put(8, recordJson(8, u"ended"_s, u"idle"_s));
+        put(9, recordJson(9, u"new"_s, u"idle"_s));
+        m_processes.alive.remove(8);
+        static QString told;
+        const auto before = qInstallMessageHandler([](auto, const auto &, const QString &text) {
+            told += text + u'\n'; // also by the worker, while it is waited for
+        });
+        for (const QString &rules : {u""_s, u"nubble.sessions=true"_s}) {
+            QVERIFY(told.isEmpty());
+            QLoggingCategory::setFilterRules(rules);
+            m_monitor = monitor(m_processes);
+            m_monitor->waitForDetails();
+            m_monitor->refresh();
+            m_monitor->waitForDetails();
+        }
+        QLoggingCategory::setFilterRules({});
+        qInstallMessageHandler(before);
+        QCOMPARE(
+            told,
+            u"7.json is no record\nsession \"ended\" has no process 8\n"
+            "session \"new\" has no transcript yet\n"_s);
+    }
+
+    void bringsTheNearestAncestorForwardThatIsAnApplicationAskingOnce()
+    {
+        m_workspace.applications = {
+            {1, u"Init"_s, u"init"_s}, {50, u"Desktop"_s, u"desktop"_s}, {60, u"XTerm"_s, u"xterm"_s}};
+        m_parents = {{90, 80}, {80, 70}, {70, 60}, {60, 50}, {6, 1}, {5, 5}, {4, 3}, {3, 4}};
+        for (const pid_t pid : {90, 60})
+            QCOMPARE(activatedFor(pid), QList<pid_t>{60});
+        QCOMPARE(m_workspace.lookups, 2);
+        for (const pid_t pid : {6, 5, 4, 2}) // the root, loops, an end
+            QCOMPARE(activatedFor(pid), QList<pid_t>{});
+    }
+
+    void looksAtTwentyFourAncestorsAtMost()
+    {
+        for (pid_t pid = 101; pid < 200; ++pid)
+            m_parents.insert(pid, pid - 1);
+        m_workspace.applications = {{100, u"XTerm"_s, u"xterm"_s}};
+        QCOMPARE(activatedFor(124), QList<pid_t>{100});
+        QCOMPARE(activatedFor(125), QList<pid_t>{});
+    }
+
+    void fallsBackToClaudesOwnApplicationIfTheDesktopCanActivate()
+    {
+        m_workspace.applications = {
+            {::getpid(), u"claude-notch"_s, u"Claude"_s},
+            {41, u"Editor"_s, u"claude"_s},
+            {42, u"com.Claude.desktop"_s, u"main"_s},
+            {43, u"other"_s, u"Claude"_s}};
+        QCOMPARE(activatedFor(90), QList<pid_t>{42});
+        m_workspace.applications.removeAt(2);
+        QCOMPARE(activatedFor(90), QList<pid_t>{43});
+        m_workspace.allowed = false;
+        QVERIFY(!ProcessActivator(m_workspace).canActivate());
+        QCOMPARE(ProcessActivator(m_workspace).activate(::getpid()), Activation::Impossible);
+    }
+
+private:
+    // A session record as its process writes it; a status that is null is left out.
+    static QByteArray recordJson(
+        qint32 pid, const QString &id, const QString &status, double updatedAt = 2000)
+    {
+        const QString word = status.isNull() ? QString() : QStringLiteral(R"(,"status":"%1")").arg(status);
+        return QStringLiteral(
+                   R"({"pid":%1,"sessionId":"%2","cwd":"/tmp/my.app","startedAt":1000,"updatedAt":%3%4})")
+            .arg(QString::number(pid), id, QString::number(updatedAt), word)
+            .toUtf8();
+    }
+    QList<pid_t> activatedFor(pid_t pid)
+    {
+        m_workspace.activated.clear();
+        ProcessActivator activator(m_workspace, [this](pid_t child) {
+            return m_parents.contains(child) ? std::optional(m_parents.value(child)) : std::nullopt;
+        });
+        (void)activator.activate(pid);
+        return m_workspace.activated;
+    }
+    std::unique_ptr<SessionMonitor> monitor(const ProcessTable &processes) const
+    {
+        return std::make_unique<SessionMonitor>(
+            m_home->path(u"sessions"_s), m_home->path(u"projects"_s), processes, m_clock);
+    }
+    QString fileOf(int number) const { return m_home->path(u"sessions/%1.json"_s.arg(number)); }
+    void put(int number, const QByteArray &bytes) const
+    {
+        m_home->write(u"sessions/%1.json"_s.arg(number), bytes);
+    }
+
+    // What is shown then: the work of all, whether one waits, and whose work has been completed.
+    QString refreshed()
+    {
+        m_monitor->refresh();
+        const Activity activity = m_monitor->activity();
+        const QStringList completed = m_monitor->recentlyCompleted().values();
+        return stateName(activity.overall) + (activity.waiting ? u" and waiting"_s : QString())
+            + (completed.isEmpty() ? QString() : u": "_s + completed.join(u' '));
+    }
+    QString after(qint32 pid, const QString &id, const QString &status)
+    {
+        put(pid, recordJson(pid, id, status));
+        return refreshed();
+    }
+    QStringList ids() const
+    {
+        QStringList ids;
+        for (const ClaudeSession &session : m_monitor->sessions())
+            ids.append(session.sessionId);
+        return ids;
+    }
+
+    std::unique_ptr<TemporaryHome> m_home;
+    FakeProcessTable m_processes;
+    ManualClock m_clock;
+    std::unique_ptr<SessionMonitor> m_monitor;
+    FakeWorkspace m_workspace;
+    QHash<pid_t, pid_t> m_parents;
+};
+
+QTEST_GUILESS_MAIN(SessionsTest)
+#include "tst_sessions.moc"
