@@ -1,10 +1,10 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QSignalSpy>
 #include <QTest>
 
+#include <filesystem>
 #include <unistd.h>
 
 #include "AppDelegate.h"
@@ -77,26 +77,33 @@ private Q_SLOTS:
         QCOMPARE(refused.count(), 1);
     }
 
-    void refreshingReadsSessionsTranscriptsAndUsageAgain()
+    void refreshingReadsSessionsAndTheirTranscriptsAgain()
     {
         Program program;
         AppCommands &commands = program.delegate->commands();
         QCOMPARE(commands.status()[u"sessions"_s].toArray(), QJsonArray());
         program.home.write(
             u".claude/sessions/1.json"_s,
-            QJsonDocument(QJsonObject{
-                              {u"pid"_s, ::getpid()},
-                              {u"sessionId"_s, u"one"_s},
-                              {u"cwd"_s, u"/work"_s},
-                              {u"startedAt"_s, 0}})
-                .toJson());
-        const QString transcript = u".claude/projects/-work/one.jsonl"_s;
-        program.home.write(transcript, "{\"type\":\"ai-title\",\"aiTitle\":\"A title\"}\n");
-        commands.refreshAll();
+            R"({"sessionId":"one","cwd":"/work","startedAt":0,"pid":)" + QByteArray::number(::getpid())
+                + '}');
+        const auto writeTitle = [&program](const QByteArray &title) {
+            return program.home
+                .write(
+                    u".claude/projects/-work/one.jsonl"_s,
+                    R"({"type":"ai-title","aiTitle":")" + title + "\"}\n")
+                .toStdString();
+        };
         const auto title = [&commands] { return commands.status()[u"sessions"_s][0][u"title"_s].toString(); };
+        const std::string transcript = writeTitle("A title");
+        commands.refreshAll();
         QCOMPARE(commands.status()[u"sessions"_s].toArray().size(), 1); // without waiting for the next poll
         QTRY_COMPARE(title(), u"A title"_s);
-        QVERIFY(!commands.status()[u"usage"_s][u"problem"_s].toString().isEmpty());
+
+        const auto date = std::filesystem::last_write_time(transcript);
+        writeTitle("Another");
+        std::filesystem::last_write_time(transcript, date);
+        commands.refreshAll(); // even of what seems not to have changed
+        QTRY_COMPARE(title(), u"Another"_s);
     }
 
     void theStatusTellsOfEveryPart()
@@ -119,16 +126,19 @@ private Q_SLOTS:
         QCOMPARE(commands.status()[u"panel"_s][u"mode"_s].toString(), u"sessions"_s);
     }
 
-    void openingTheSessionsCardReadsThePlansUsage()
+    void openingTheSessionsCardReadsThePlansUsageAndRefreshingListsTheCacheAgain()
     {
         Program program;
         AppCommands &commands = program.delegate->commands();
         const auto usage = [&commands]() -> QJsonValue { return commands.status()[u"usage"_s]; };
+        const auto percent = [&usage] { return 100 * usage()[u"session"_s][u"fraction"_s].toDouble(); };
         QTRY_VERIFY(usage()[u"problem"_s].isString()); // the first read has found nothing
         program.home.write(u".config/Claude/Cache/Cache_Data/a_0"_s, UsageCache::usageEntry(42));
         commands.openSessions();
-        QTRY_COMPARE_WITH_TIMEOUT(
-            usage()[u"session"_s][u"fraction"_s].toDouble(), 0.42, 9000); // before its timer
+        QTRY_COMPARE_WITH_TIMEOUT(percent(), 42, 9000); // before its timer
+        program.home.write(u".config/Claude/Cache/Cache_Data/b_0"_s, UsageCache::usageEntry(43));
+        commands.refreshAll();
+        QTRY_COMPARE(percent(), 43);
     }
 
     void aRestartGivesTheNameUpOnce()

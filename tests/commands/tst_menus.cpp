@@ -2,6 +2,7 @@
 #include <QTest>
 
 #include "Commands/AppCommands.h"
+#include "Commands/ControlObject.h"
 #include "Commands/Menus.h"
 #include "notch/PanelUnderTest.h"
 
@@ -17,8 +18,6 @@ QString shown(const QList<MenuEntry> &entries)
     QStringList lines;
     for (const MenuEntry &entry : entries) {
         QString text = entry.title.isEmpty() ? u"-"_s : entry.title;
-        if (!entry.detail.isEmpty())
-            text += u" / "_s + entry.detail;
         if (!entry.shortcut.isEmpty())
             text += u' ' + entry.shortcut.toString();
         if (!entry.entries.isEmpty())
@@ -30,22 +29,23 @@ QString shown(const QList<MenuEntry> &entries)
     return lines.join(u", "_s);
 }
 
-const MenuEntry *find(const QList<MenuEntry> &entries, const QString &title)
+// None if there is no such entry.
+MenuEntry find(const QList<MenuEntry> &entries, const QString &title)
 {
     for (const MenuEntry &entry : entries) {
         if (entry.title == title)
-            return &entry;
-        if (const MenuEntry *below = find(entry.entries, title))
+            return entry;
+        if (const MenuEntry below = find(entry.entries, title); !below.title.isEmpty())
             return below;
     }
-    return nullptr;
+    return {};
 }
 
 void choose(const QList<MenuEntry> &entries, const QString &title)
 {
-    const MenuEntry *entry = find(entries, title);
-    QVERIFY2(entry && entry->action && entry->enabled, qPrintable(title));
-    entry->action();
+    const MenuEntry entry = find(entries, title);
+    QVERIFY2(entry.action && entry.enabled, qPrintable(title));
+    entry.action();
 }
 
 // The menus as they open in that world.
@@ -54,11 +54,8 @@ struct OpenMenus {
         : panel(world),
           commands(panel.window, world.placement, world.mainScreen, world.defaults, world.addons),
           state{
-              .edge = world.placement.edge(),
-              .locked = world.placement.isLocked(),
-              .visible = world.placement.isVisible(),
-              .addons = world.addons,
-              .missing = missing}
+              world.placement.edge(), world.placement.isLocked(), world.placement.isVisible(), world.addons,
+              missing}
     {
     }
 
@@ -100,13 +97,15 @@ private Q_SLOTS:
             PanelWorld world(stored + "placement.visible=false\n");
             return shown(OpenMenus(world).ofIcon()).section(u", -, [ ] Lock"_s, 0, 0);
         };
-        const auto search = u"Search Chats… Ctrl+Alt+Space"_s;
-        const auto ask = u"Ask Claude About Screen… Ctrl+Alt+A"_s;
-        QCOMPARE(
-            start("addon.search=true\naddon.ask=true\n"), search + u", "_s + ask + u", -, [ ] Show Notch"_s);
-        QCOMPARE(start("addon.ask=true\n"), ask + u", -, [ ] Show Notch"_s);
+        const auto ask = u"Ask Claude About Screen… Ctrl+Alt+A, -, [ ] Show Notch"_s;
+        QCOMPARE(start("addon.search=true\naddon.ask=true\n"), u"Search Chats… Ctrl+Alt+Space, "_s + ask);
+        QCOMPARE(start("addon.ask=true\n"), ask);
         QCOMPARE(start("addon.notes=true\naddon.quenwick=true\n"), u"[ ] Show Notch"_s);
+    }
 
+    void anAddonIsAskedByTheMenuAndOverTheBus()
+    {
+        using Action = AddonRequest::Action;
         PanelWorld world("addon.search=true\naddon.ask=true\n");
         OpenMenus menus(world);
         QList<AddonRequest> requests;
@@ -117,43 +116,20 @@ private Q_SLOTS:
             });
         choose(menus.ofIcon(), u"Search Chats…"_s);
         choose(menus.ofIcon(), u"Ask Claude About Screen…"_s);
+        ControlObject control;
+        control.serve(menus.commands);
+        for (const QString &question : {u"Why?"_s, QString()})
+            control.findChild<ControlAdaptor *>()->Ask(question);
         QCOMPARE(
             requests,
-            (QList<AddonRequest>{{AddonRequest::Action::SearchChats}, {AddonRequest::Action::AskClaude}}));
+            (QList<AddonRequest>{
+                {Action::SearchChats},
+                {Action::AskClaude},
+                {Action::AskClaude, u"Why?"_s},
+                {Action::AskClaude}}));
     }
 
-    void anAddonThatLacksSomethingSaysSoAndCanBeSwitchedNonetheless()
-    {
-        PanelWorld world;
-        OpenMenus menus(world, {{Addon::Notes, u"Needs Node.js."_s}});
-        for (const auto &entries : {menus.ofIcon(), menus.ofPanel()})
-            QVERIFY(
-                shown(entries).contains(u" Quenwick, "_s)
-                && shown(entries).contains(u"[ ] Meeting Recorder / Needs Node.js."_s));
-        const QSignalSpy restarts(&menus.commands, &AppCommands::restartRequested);
-        choose(menus.ofIcon(), u"Meeting Recorder"_s);
-        QCOMPARE(restarts.count(), 1);
-    }
-
-    void aLockedPanelIsNotMovedButUnlocked()
-    {
-        PanelWorld world("placement.locked=true\nplacement.edge=top\n");
-        OpenMenus menus(world);
-        QVERIFY(
-            shown(menus.ofIcon())
-                .contains(
-                    u"[x] Lock Position, Move to Edge {([ ] Right), ([ ] Left), ([x] Top), ([ ] Bottom)}, "
-                    "(Center on Edge), "_s));
-        QVERIFY(shown(menus.ofPanel())
-                    .startsWith(u"Unlock Position, Move to Edge {([ ] Right), ([ ] Left), ([x] Top), "
-                                "([ ] Bottom)}, (Center on Edge), "_s));
-        choose(menus.ofPanel(), u"Unlock Position"_s);
-        QVERIFY(!world.placement.isLocked());
-        choose(menus.ofIcon(), u"Lock Position"_s);
-        QVERIFY(world.placement.isLocked());
-    }
-
-    void theyChangeThePlacement()
+    void theyChangeThePlacementUnlessItIsLocked()
     {
         PanelWorld world("placement.offset=40\n");
         OpenMenus menus(world);
@@ -163,21 +139,35 @@ private Q_SLOTS:
         QCOMPARE(world.placement.edge(), NotchEdge::Left);
         QCOMPARE(world.placement.offset(), 0);
         QVERIFY(!world.placement.isVisible());
+        choose(menus.ofIcon(), u"Lock Position"_s);
+        QVERIFY(world.placement.isLocked());
+
+        OpenMenus locked(world);
+        const auto placement =
+            u"Move to Edge {([ ] Right), ([x] Left), ([ ] Top), ([ ] Bottom)}, (Center on Edge), "_s;
+        QVERIFY(shown(locked.ofIcon()).contains(u"[x] Lock Position, "_s + placement));
+        QVERIFY(shown(locked.ofPanel()).startsWith(u"Unlock Position, "_s + placement));
+        choose(locked.ofPanel(), u"Unlock Position"_s);
+        QVERIFY(!world.placement.isLocked());
     }
 
+    // It says what it is for and lacks, and can be switched nonetheless.
     void anAddonIsSwitchedAgainstWhatTheRunStartedWithAndSavedBeforeTheRestart()
     {
         for (const bool before : {false, true}) {
             PanelWorld world(before ? "addon.notes=true\n" : "");
             world.defaults.set(u"addon.notes"_s, !before); // meanwhile, from outside: without effect
-            OpenMenus menus(world);
+            OpenMenus menus(world, {{Addon::Notes, u"Needs Node.js."_s}});
             QByteArray onDisk;
             connect(&menus.commands, &AppCommands::restartRequested, this, [&] {
-                QFile file(world.home.path(u"preferences.conf"_s));
-                if (file.open(QIODevice::ReadOnly))
+                if (QFile file(world.home.path(u"preferences.conf"_s)); file.open(QIODevice::ReadOnly))
                     onDisk = file.readAll();
             });
-            choose(menus.ofPanel(), u"Meeting Recorder"_s);
+            const QList<MenuEntry> menu = before ? menus.ofPanel() : menus.ofIcon();
+            const MenuEntry notes = find(menu, u"Meeting Recorder"_s);
+            QCOMPARE(notes.toolTip + u' ' + notes.detail, description(Addon::Notes) + u" Needs Node.js."_s);
+            QVERIFY(find(menu, u"Quenwick"_s).detail.isEmpty());
+            choose(menu, notes.title);
             QVERIFY2(onDisk.contains(before ? "addon.notes=false\n" : "addon.notes=true\n"), onDisk);
         }
     }
@@ -185,10 +175,9 @@ private Q_SLOTS:
     void whatOtherProgramsBroadcastBecomesARequest()
     {
         using Action = AddonRequest::Action;
-        const auto question = u"question"_s;
         const auto action = u"action"_s;
-        QCOMPARE(
-            requestFrom(u"ask"_s, {{question, u"Why?"_s}}), (AddonRequest{Action::AskClaude, u"Why?"_s}));
+        const AddonRequest asked{Action::AskClaude, u"Why?"_s};
+        QCOMPARE(requestFrom(u"ask"_s, {{u"question"_s, u"Why?"_s}}), asked);
         QCOMPARE(requestFrom(u"ask"_s, {{action, u"stop"_s}}), AddonRequest{Action::AskClaude});
         QCOMPARE(requestFrom(u"notes"_s, {{action, u"stop"_s}}), AddonRequest{Action::StopNotes});
         QCOMPARE(requestFrom(u"notes"_s, {{action, u"Stop"_s}}), AddonRequest{Action::StartNotes});
