@@ -126,7 +126,7 @@ void compare(
     const std::function<void()> &settle = [] {})
 {
     double spent = 0, spentBare = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         const double once = seconds(work);
         spent += once;
         settle();
@@ -211,7 +211,7 @@ void incrementalRead(benchmark::State &state)
     const QByteArray line = QByteArray(1023, 'x') + '\n';
     const int writer = ::open(path.constData(), O_WRONLY | O_APPEND | O_CLOEXEC);
     double spent = 0, spentBare = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         if (::write(writer, line.constData(), static_cast<size_t>(line.size())) != line.size())
             qFatal("cannot append");
         const double once = seconds([&] { transcripts.update(sample.sessions(), true, TimePoint()); });

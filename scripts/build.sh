@@ -1,13 +1,16 @@
 # shellcheck shell=bash
 # Building a preset. To be sourced from the top folder.
 
-# build PRESET [target…]: configures only the first time and after the presets have changed; Ninja sees to the rest.
-build() {
-    local preset=$1
-    shift
-    if [[ ! build/$preset/build.ninja -nt CMakePresets.json ]]; then
-        cmake --preset "$preset" >&2
-        touch "build/$preset/build.ninja"
+# configure PRESET: the first time, and after the presets have changed.
+configure() {
+    if [[ ! build/$1/build.ninja -nt CMakePresets.json ]]; then
+        cmake --preset "$1" >&2
+        touch "build/$1/build.ninja"
     fi
-    cmake --build --preset "$preset" ${1:+--target "$@"} >&2
+}
+
+# build PRESET [target…]: Ninja sees to what has to be done.
+build() {
+    configure "$1"
+    cmake --build --preset "$1" ${2:+--target "${@:2}"} >&2
 }

@@ -13,7 +13,9 @@ test_packages=(
     i3-wm wmctrl xterm trayer x11-xserver-utils strace at-spi2-core libglib2.0-bin
     python3 python3-gi python3-pyatspi python3-xlib
     dpkg-dev file lintian desktop-file-utils appstream librsvg2-bin hicolor-icon-theme mandoc zsh fish
+    libbenchmark-dev
 )
+lint_packages=(clang-format clang-tidy shellcheck pyflakes3 git)
 fuzz_packages=(clang libclang-rt-dev)
 bench_packages=(libbenchmark-dev strace python3 python3-xlib)
 

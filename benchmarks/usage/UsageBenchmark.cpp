@@ -36,7 +36,7 @@ private:
 void bareListingAndStat(benchmark::State &state)
 {
     const Cache cache(state.range(0));
-    for (auto run : state) {
+    while (state.KeepRunning()) {
         DIR *folder = ::opendir(cache.nativeFolder().constData());
         while (const dirent *each = ::readdir(folder)) {
             struct stat info { };
@@ -50,7 +50,7 @@ BENCHMARK(bareListingAndStat)->Arg(1000)->Arg(20'000)->Unit(benchmark::kMillisec
 void firstScan(benchmark::State &state)
 {
     const Cache cache(state.range(0));
-    for (auto run : state) {
+    while (state.KeepRunning()) {
         if (CacheScan(cache.nativeFolder(), "claude.ai").usageEntries().size() != 2)
             state.SkipWithError("the usage entries are not found");
     }
@@ -62,7 +62,7 @@ void laterScan(benchmark::State &state)
     const Cache cache(state.range(0));
     CacheScan scan(cache.nativeFolder(), "claude.ai");
     benchmark::DoNotOptimize(scan.usageEntries());
-    for (auto run : state) {
+    while (state.KeepRunning()) {
         if (scan.usageEntries().size() != 2)
             state.SkipWithError("the usage entries are not found");
     }
@@ -74,7 +74,7 @@ void refreshOfKnownEntries(benchmark::State &state)
     const Cache cache(state.range(0));
     const auto entries = CacheScan(cache.nativeFolder(), "claude.ai").usageEntries();
     PlanUsageReader reader(cache.folder(), u"claude.ai"_s, [] { return u"/usr/bin/zstd"_s; });
-    for (auto run : state) {
+    while (state.KeepRunning()) {
         if (!std::holds_alternative<Reading>(reader.read(entries).result))
             state.SkipWithError("the usage is not read");
     }

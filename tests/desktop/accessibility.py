@@ -44,5 +44,7 @@ class Accessible:
         box = control.queryComponent().getExtents(self._atspi.DESKTOP_COORDS)
         return (box.x + box.width / 2, box.y + box.height / 2)
 
-    def is_focused(self, control):
-        return control.getState().contains(self._atspi.STATE_FOCUSED)
+    def focused(self, role):
+        """The name of the control that has the keyboard, if it is one of that role."""
+        controls = (each for each in self.find_all(role) if each.getState().contains(self._atspi.STATE_FOCUSED))
+        return next((each.name for each in controls), "")

@@ -227,6 +227,20 @@ class Desktop:
         own = [geometry for _, parent, geometry in self.nubble_windows() if parent == self.root]
         return sorted(own, key=lambda geometry: geometry.height)[:-1]
 
+    def _is_keyboard_held(self):
+        """Whether some client has grabbed it. While this is tried nobody else can be served."""
+        self.display.grab_server()
+        answer = self.root.grab_keyboard(False, X.GrabModeAsync, X.GrabModeAsync, X.CurrentTime)
+        self.display.ungrab_keyboard(X.CurrentTime)
+        self.display.ungrab_server()
+        self.display.sync()
+        return answer == X.AlreadyGrabbed
+
+    def until_menu(self):
+        """The rectangle of the menu, once keys reach it: it is on the screen before it holds the keyboard."""
+        eventually(lambda: self.menus() and self._is_keyboard_held(), "the menu is open")
+        return self.menus()[0]
+
     def current_desktop(self):
         return self._property(self.root, "_NET_CURRENT_DESKTOP")[0]
 

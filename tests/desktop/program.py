@@ -108,6 +108,15 @@ class Nubble:
         self.desktop.click(*self.ring())
         self.until_panel(mode="sessions")
 
+    def wait(self):
+        """Until it has ended, for its exit status."""
+        return self.process.wait(PATIENCE)
+
+    def processor_time(self):
+        """Seconds, whatever else the machine does."""
+        fields = pathlib.Path(f"/proc/{self.process.pid}/stat").read_text().rpartition(")")[2].split()
+        return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+
     def quit(self):
         return end(self.process)
 

@@ -56,7 +56,7 @@ class TheCommands(CommandTest):
         self.nubble.start()
         self.check("hide")
         self.check("restart")
-        self.assertEqual(self.nubble.process.wait(10), DONE)
+        self.assertEqual(self.nubble.wait(), DONE)
         self.assertFalse(self.nubble.panel()["visible"])  # the successor is there, and is as it was left
         self.check("start")
         self.assertEqual((len(self.nubble.instances()), self.nubble.panel()["visible"]), (1, False))

@@ -18,7 +18,7 @@ class TheContextMenu(DesktopTest):
         x, y = nubble.ring()
         self.below_ring = 10 - self.below_ring  # not where the last press was: two would be a double click
         self.desktop.click(x, y + self.below_ring, button=3)
-        return eventually(self.desktop.menus, "the menu is open")[0]
+        return self.desktop.until_menu()
 
     def choose(self, nubble, entry, *keys):
         menu = self.open_menu(nubble)
@@ -76,8 +76,8 @@ class TheContextMenu(DesktopTest):
         nubble = self.start_nubble()
         nubble.offset = -90
         self.choose(nubble, "Restart Nubble")
-        self.assertEqual(nubble.process.wait(10), 0)
-        eventually(nubble.is_running, "the successor answers", patience=3)
+        self.assertEqual(nubble.wait(), 0)
+        eventually(nubble.is_running, "the successor answers")
         successors = nubble.instances()
         self.assertEqual(len(successors), 1)
         self.assertNotEqual(successors, [nubble.process.pid])

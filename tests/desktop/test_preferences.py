@@ -56,7 +56,7 @@ class Preferences(DesktopTest):
 
     def restart(self):
         self.assertEqual(self.nubble.run("restart").returncode, 0)
-        self.assertEqual(self.nubble.process.wait(10), 0)
+        self.assertEqual(self.nubble.wait(), 0)
 
     def test_of_the_wrong_kind_count_as_absent(self):
         for values in WRONG:

@@ -75,12 +75,12 @@ class TheInstance(DesktopTest):
         flags = Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION
         bus = Gio.DBusConnection.new_for_address_sync(
             self.desktop.env["DBUS_SESSION_BUS_ADDRESS"], flags, None, None)
+        asking, answering = time.process_time(), nubble.processor_time()
         for _ in range(10_000):
             bus.emit_signal(None, "/", "com.brevandel.nubble", "ask", question)
-        before = time.monotonic()
-        nubble.run("hide")
+        self.assertEqual(nubble.run("hide").returncode, 0)
         nubble.until_panel(visible=False)
-        self.assertLess(time.monotonic() - before, 2)
+        self.assertLess(nubble.processor_time() - answering, 10 * (time.process_time() - asking))
         bus.close_sync(None)
 
     def test_of_another_home_is_another_one(self):
@@ -95,7 +95,7 @@ class TheInstance(DesktopTest):
         for number in (signal.SIGTERM, signal.SIGINT):
             nubble = self.start_nubble()
             nubble.process.send_signal(number)
-            self.assertEqual(nubble.process.wait(10), 0)
+            self.assertEqual(nubble.wait(), 0)
             self.assertEqual(nubble.status()["source"], "read")
 
 

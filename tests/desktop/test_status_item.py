@@ -89,7 +89,7 @@ class OnADesktopThatDrawsIt(DesktopTest):
         self.start_nubble()
         eventually(lambda: host.items, "the item is there")
         host.ask_for_menu()
-        eventually(self.desktop.menus, "the menu is open")
+        self.desktop.until_menu()
         self.desktop.key("Escape")
         eventually(lambda: not self.desktop.menus(), "the menu is closed")
 
@@ -100,8 +100,8 @@ class OnADesktopThatDrawsIt(DesktopTest):
         menu = host.open_menu()
         notes = next(each for each in menu[6][2] if each[1]["label"].startswith("Meeting Recorder"))
         host.choose(notes[0], times=2)
-        self.assertEqual(nubble.process.wait(10), 0)
-        eventually(lambda: len(host.items) == 2, "the successor's item is there", patience=3)
+        self.assertEqual(nubble.wait(), 0)
+        eventually(lambda: len(host.items) == 2, "the successor's item is there")
         self.assertEqual(len(nubble.instances()), 1)
         menu = host.open_menu()
         self.assertIn("[x] Meeting Recorder", shown(menu[6]))
@@ -158,7 +158,7 @@ class InAnX11Tray(DesktopTest):
         nubble = self.start_nubble()
         icon = self.icon()
         self.desktop.click(*centre(icon), button=3)
-        menu = eventually(self.desktop.menus, "the menu is open")[0]
+        menu = self.desktop.until_menu()
         self.assertGreaterEqual(menu.x, 0)
         self.assertLessEqual(menu.y + menu.height, SCREEN[1])
         for key in ("Down", "Down", "Return"):  # "Hide Notch", "Lock Position"
@@ -166,7 +166,7 @@ class InAnX11Tray(DesktopTest):
         nubble.until_panel(locked=True)
         eventually(lambda: not self.desktop.menus(), "the menu is closed")
         self.desktop.click(icon[0] + 3, icon[1] + 3, button=3)  # elsewhere, for it is no double click
-        eventually(self.desktop.menus, "the menu is open")
+        self.desktop.until_menu()
         self.desktop.key("Control_L", "q")
         eventually(lambda: not nubble.instances(), "the program has quit")
 

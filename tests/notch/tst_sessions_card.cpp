@@ -1,5 +1,6 @@
-#include <QElapsedTimer>
 #include <QScrollArea>
+
+#include <ctime>
 
 #include "Widgets/CardMetrics.h"
 #include "Widgets/Palette.h"
@@ -114,10 +115,9 @@ private Q_SLOTS:
         world.addSession(30, u"plain"_s, u"idle"_s, 50s);
         PanelUnderTest panel(world);
         panel.clickRing();
-        QElapsedTimer timer;
-        timer.start();
+        const std::clock_t before = std::clock(); // the process's own time, whatever else the machine does
         QVERIFY(!panel.view().grab().isNull());
-        QVERIFY2(timer.elapsed() < 2000, "drawing takes too long");
+        QVERIFY2(std::clock() - before < 2 * CLOCKS_PER_SEC, "drawing takes too long");
         const QList<ProjectRow *> rows = panel.rows();
         QCOMPARE(rows.size(), titles.size() + 1);
         for (int i = 0; i < titles.size(); ++i) {
@@ -137,14 +137,13 @@ private Q_SLOTS:
         for (int pid = 1; pid <= 300; ++pid)
             world.addSession(pid, u"session %1"_s.arg(pid), pid % 7 == 0 ? u"busy"_s : u"idle"_s, pid * 1s);
         PanelUnderTest panel(world);
-        QElapsedTimer timer;
-        timer.start();
+        const std::clock_t before = std::clock();
         panel.clickRing();
         QVERIFY(!panel.view().grab().isNull());
         world.addSession(300, u"session 300"_s, u"busy"_s, 0ms); // from the end to the top
         world.monitor.refresh();
         QTRY_VERIFY(panel.rows().constFirst()->accessibleName().startsWith(u"session 300,"_s));
-        QVERIFY2(timer.elapsed() < 5000, "the card takes too long");
+        QVERIFY2(std::clock() - before < 5 * CLOCKS_PER_SEC, "the card takes too long");
         QCOMPARE(panel.rows().size(), 300);
 
         auto *scroll = panel.view().findChild<QScrollArea *>();

@@ -62,20 +62,24 @@ private Q_SLOTS:
 
     void aDragGoesToTheNearestEdge()
     {
-        using Row = std::tuple<QRectF, QPointF, QString>;
-        for (const auto &[screen, point, placement] : {
-                 Row(wide, {1530, 400}, u"right -100"_s),
-                 Row(wide, {110, 600}, u"left 100"_s),
-                 Row(wide, {900, 60}, u"top 80"_s),
-                 Row(wide, {700, 940}, u"bottom -120"_s),
-                 Row(wide, {2000, 510}, u"right 10"_s),   // beyond the screen
-                 Row(square, {100, 100}, u"left -300"_s), // as near to two of them, or to all
-                 Row(square, {650, 150}, u"right -250"_s),
-                 Row(square, {400, 400}, u"left 0"_s),
+        struct Row {
+            QRectF screen;
+            QPointF point;
+            QString placement;
+        };
+        for (const auto &row : {
+                 Row{wide, {1530, 400}, u"right -100"_s},
+                 Row{wide, {110, 600}, u"left 100"_s},
+                 Row{wide, {900, 60}, u"top 80"_s},
+                 Row{wide, {700, 940}, u"bottom -120"_s},
+                 Row{wide, {2000, 510}, u"right 10"_s},   // beyond the screen
+                 Row{square, {100, 100}, u"left -300"_s}, // as near to two of them, or to all
+                 Row{square, {650, 150}, u"right -250"_s},
+                 Row{square, {400, 400}, u"left 0"_s},
              }) {
             withPlacement([&](NotchPlacement &dragged) {
-                dragged.moveTo(point, screen);
-                QCOMPARE(shown(dragged), placement);
+                dragged.moveTo(row.point, row.screen);
+                QCOMPARE(shown(dragged), row.placement);
             });
         }
     }

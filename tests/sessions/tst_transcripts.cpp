@@ -226,7 +226,7 @@ private:
     std::unique_ptr<TemporaryHome> m_home;
     std::unique_ptr<Transcripts> m_transcripts;
     TimePoint m_now;
-    const ManualClock m_clock;
+    const ManualClock m_clock{};
 };
 
 QTEST_GUILESS_MAIN(TranscriptTest)

@@ -18,7 +18,7 @@ public:
     // Creates or replaces a file, and the folders on the way to it.
     QString write(const QString &relative, const QByteArray &bytes) const
     {
-        const QString absolute = path(relative);
+        QString absolute = path(relative);
         QDir().mkpath(QFileInfo(absolute).path());
         QFile file(absolute);
         if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
@@ -29,7 +29,7 @@ public:
     // The same, with leave to be run.
     QString writeScript(const QString &relative, const QByteArray &bytes) const
     {
-        const QString absolute = write(relative, bytes);
+        QString absolute = write(relative, bytes);
         QFile::setPermissions(absolute, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         return absolute;
     }

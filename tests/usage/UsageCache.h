@@ -37,7 +37,8 @@ public:
         qToLittleEndian<quint32>(5, header.data() + 8);
         qToLittleEndian<quint32>(static_cast<quint32>(key.size()), header.data() + 12);
         const QByteArray endRecord = QByteArray::fromHex("d8410d97456ffaf4") + QByteArray(16, '\1');
-        return header + key + body + endRecord + "HTTP/1.1 200\0content-encoding: zstd\0" + endRecord;
+        return header + key + body + endRecord + QByteArrayLiteral("HTTP/1.1 200\0content-encoding: zstd\0")
+            + endRecord;
     }
     static QByteArray usageEntry(int sessionPercent)
     {

@@ -60,6 +60,7 @@ std::vector<pid_t> X11Workspace::owners(const std::vector<xcb_window_t> &windows
             X11Property(*m_x11, window, XCB_ATOM_WM_CLIENT_MACHINE));
     const QByteArray host = thisHost();
     std::vector<pid_t> result;
+    result.reserve(asked.size());
     for (auto &[pid, machine] : asked)
         result.push_back(isThisHost(machine.text(), host) ? processId(pid.numbers()) : 0);
     return result;
