@@ -118,7 +118,7 @@ private Q_SLOTS:
 
     void anAnswerOfAnotherShapeIsNoSessions()
     {
-        for (const QJsonValue sessions : {QJsonValue(QJsonValue::Undefined), QJsonValue(3)})
+        for (const QJsonValue &sessions : {QJsonValue(QJsonValue::Undefined), QJsonValue(3)})
             QCOMPARE(tableOf(sessions), u"No sessions running\n"_s);
         QCOMPARE(tableOf(QJsonArray{1, QJsonArray(), QJsonValue()}).count(u'\n'), 4);
     }

@@ -1,18 +1,16 @@
 """The Debian package of this build: judged by lintian, installed into an empty root and started from there."""
 
 import configparser
-import json
 import os
 import pathlib
 import shlex
 import subprocess
 import sys
-import tempfile
 import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "desktop"))
-from desktop import end, eventually  # noqa: E402  (it lies in another folder)
-from program import DesktopTest, run_nubble  # noqa: E402  (it lies in another folder)
+from desktop import end  # noqa: E402  (it lies in another folder)
+from program import DesktopTest, Nubble  # noqa: E402
 
 ICONS = pathlib.Path("usr/share/icons/hicolor")
 
@@ -41,28 +39,25 @@ def install(package, root):
         PATH=os.environ["PATH"] + ":/usr/sbin:/sbin")
 
 
+def read(file):
+    found = configparser.ConfigParser(interpolation=None, strict=False)
+    found.read(file)
+    return found
+
+
 class ThePackage(DesktopTest):
     @classmethod
     def setUpClass(cls):
         super().setUpClass()
-        folder = pathlib.Path(tempfile.mkdtemp(dir=cls.desktop.folder))
-        cls.package = build(folder)
-        cls.root = folder / "root"
+        cls.package = build(cls.desktop.folder)
+        cls.root = cls.desktop.folder / "root"
         install(cls.package, cls.root)
         cls.desktop.env["PATH"] = f"{cls.root}/usr/bin:{cls.desktop.env['PATH']}"
         cls.desktop.env["XDG_DATA_DIRS"] = f"{cls.root}/usr/share:/usr/share"
-        cls.entry = configparser.ConfigParser(interpolation=None)
-        cls.entry.read(cls.root / "usr/share/applications/com.brevandel.nubble.desktop")
+        cls.entry = read(cls.root / "usr/share/applications/com.brevandel.nubble.desktop")
 
     def start(self, section):
-        command = shlex.split(self.entry[section]["Exec"])
-        return subprocess.Popen(command, stdin=subprocess.DEVNULL, env=self.desktop.env)
-
-    def status(self):
-        return json.loads(run_nubble("status", "--json", env=self.desktop.env).stdout)
-
-    def until_panel(self, **wanted):
-        eventually(lambda: wanted.items() <= self.status().get("panel", {}).items(), f"panel {wanted}")
+        return self.desktop.start(*shlex.split(self.entry[section]["Exec"]))
 
     def test_is_one_that_lintian_finds_no_fault_with(self):
         run("lintian", "--fail-on", "error,warning", self.package)
@@ -74,22 +69,21 @@ class ThePackage(DesktopTest):
             run("dpkg-parsechangelog", "--show-field", "Version", "--file", changelog))
 
     def test_starts_from_its_desktop_entry_whose_actions_reach_it(self):
+        nubble = Nubble(self.desktop, self.home)
+        nubble.home = []  # the user's own, as the entry starts it
         program = self.start("Desktop Entry")
         self.addCleanup(end, program)
-        eventually(lambda: self.status()["source"] == "running", "the program answers")
+        nubble.until_panel(visible=True)
         self.assertEqual(os.readlink(f"/proc/{program.pid}/exe"), str(self.root / "usr/bin/nubble"))
-        self.until_panel(visible=True)
-        for visible in (False, True):
-            self.assertEqual(self.start("Desktop Action toggle").wait(20), 0)
-            self.until_panel(visible=visible)
-        self.assertEqual(self.start("Desktop Action sessions").wait(20), 0)
-        self.until_panel(mode="sessions")
+        toggle, sessions = self.entry.sections()[1:]
+        for action, mode, visible in (
+                (toggle, "collapsed", False), (toggle, "collapsed", True), (sessions, "sessions", True)):
+            self.assertEqual(self.start(action).wait(20), 0)
+            nubble.until_panel(mode=mode, visible=visible)
         self.assertEqual(end(program), 0)
 
     def test_has_its_icons_where_the_theme_looks_for_them(self):
-        theme = configparser.ConfigParser(interpolation=None, strict=False)
-        theme.read("/" / ICONS / "index.theme")
-        folders = theme["Icon Theme"]["Directories"].split(",")
+        folders = read("/" / ICONS / "index.theme")["Icon Theme"]["Directories"].split(",")
         top = self.root / ICONS
         icons = {icon.stem: str(icon.parent.relative_to(top)) for icon in top.glob("**/*.svg")}
         name = self.entry["Desktop Entry"]["Icon"]
