@@ -84,23 +84,20 @@ private Q_SLOTS:
         QCOMPARE(commands.status()[u"sessions"_s].toArray(), QJsonArray());
         program.home.write(
             u".claude/sessions/1.json"_s,
-            R"({"sessionId":"one","cwd":"/work","startedAt":0,"pid":)" + QByteArray::number(::getpid())
-                + '}');
-        const auto writeTitle = [&program](const QByteArray &title) {
-            return program.home
-                .write(
-                    u".claude/projects/-work/one.jsonl"_s,
-                    R"({"type":"ai-title","aiTitle":")" + title + "\"}\n")
-                .toStdString();
+            "{\"sessionId\":\"one\",\"cwd\":\"/work\",\"pid\":" + QByteArray::number(::getpid())
+                + ",\"startedAt\":0}");
+        const auto write = [&program](char end) {
+            const QByteArray title = "{\"type\":\"ai-title\",\"aiTitle\":\"";
+            const QByteArray text = title + "A title\"}\n" + title + "Another\"}" + end;
+            return program.home.write(u".claude/projects/-work/one.jsonl"_s, text).toStdString();
         };
         const auto title = [&commands] { return commands.status()[u"sessions"_s][0][u"title"_s].toString(); };
-        const std::string transcript = writeTitle("A title");
+        const std::string transcript = write(' ');
+        const auto date = std::filesystem::last_write_time(transcript);
         commands.refreshAll();
         QCOMPARE(commands.status()[u"sessions"_s].toArray().size(), 1); // without waiting for the next poll
         QTRY_COMPARE(title(), u"A title"_s);
-
-        const auto date = std::filesystem::last_write_time(transcript);
-        writeTitle("Another");
+        write('\n');
         std::filesystem::last_write_time(transcript, date);
         commands.refreshAll(); // even of what seems not to have changed
         QTRY_COMPARE(title(), u"Another"_s);

@@ -1,5 +1,6 @@
 """The program as tests run it: in a home of its own, on the class's desktop."""
 
+import contextlib
 import json
 import os
 import pathlib
@@ -9,7 +10,7 @@ import tempfile
 import time
 import unittest
 
-from desktop import PATIENCE, SCREEN, Desktop, descendants, end, eventually
+from desktop import PATIENCE, SCREEN, Desktop, Window, descendants, end, eventually
 
 PROGRAM = os.environ.get("NUBBLE_PROGRAM", "")
 
@@ -35,14 +36,12 @@ class Home:
         whole.write_text(json.dumps(record))
         whole.rename(whole.with_suffix(""))
 
-    def transcript(self, session, title, prompt, cwd="/tmp/garden"):
-        folder = self.path / ".claude/projects" / cwd.replace("/", "-")
-        folder.mkdir(parents=True, exist_ok=True)
-        lines = [
-            {"type": "ai-title", "aiTitle": title, "sessionId": session},
-            {"type": "last-prompt", "lastPrompt": prompt, "sessionId": session}]
-        text = "".join(json.dumps(line, separators=(",", ":")) + "\n" for line in lines)
-        (folder / f"{session}.jsonl").write_text(text)
+    def transcript(self, session, title, prompt):
+        file = self.path / f".claude/projects/-tmp-garden/{session}.jsonl"
+        file.parent.mkdir(parents=True, exist_ok=True)
+        file.write_text(
+            f'{{"type":"ai-title","aiTitle":"{title}","sessionId":"{session}"}}\n'
+            f'{{"type":"last-prompt","lastPrompt":"{prompt}","sessionId":"{session}"}}\n')
 
     def preferences(self, **values):
         text = "[General]\n" + "".join(f"{key}={value}\n" for key, value in values.items())
@@ -91,13 +90,10 @@ class Nubble:
         """The process ids of this home's instances, however they were started."""
         found = []
         for pid in descendants(os.getpid()):
-            try:
-                arguments = pathlib.Path(f"/proc/{pid}/cmdline").read_bytes().split(b"\0")[:-1]
-            except OSError:
-                continue
-            command = [each.decode() for each in arguments]
-            if command[:3] == [PROGRAM, *self.home] and command[3:] in ([], ["start"]):
-                found.append(pid)
+            with contextlib.suppress(OSError):
+                command = pathlib.Path(f"/proc/{pid}/cmdline").read_text(errors="replace").split("\0")[:-1]
+                if command[:3] == [PROGRAM, *self.home] and command[3:] in ([], ["start"]):
+                    found.append(pid)
         return found
 
     def ring(self):
@@ -106,6 +102,11 @@ class Nubble:
 
     def open_card(self):
         self.desktop.click(*self.ring())
+        self.until_panel(mode="sessions")
+
+    def open_for_keyboard(self):
+        if self.run("sessions").returncode != 0:
+            raise AssertionError("the command fails")
         self.until_panel(mode="sessions")
 
     def wait(self):
@@ -142,18 +143,39 @@ class DesktopTest(unittest.TestCase):
         self.desktop.move_pointer(400, 700)
         self.desktop.backdrop.clicks()
 
-    def start_nubble(self, **env):
+    def nubble(self):
+        """This home's program, which does not run yet."""
         nubble = Nubble(self.desktop, self.home)
         self.addCleanup(nubble.end_all)
+        return nubble
+
+    def start_nubble(self, **env):
+        nubble = self.nubble()
         nubble.start(**env)
         return nubble
 
     def start_terminal(self):
-        """An xterm whose shell runs a sleeping process. Returns the xterm and that process's id."""
+        """An xterm whose shell runs a sleeping process. Returns its window and that process's id."""
         note = pathlib.Path(tempfile.mkdtemp(dir=self.desktop.folder)) / "pid"
         terminal = self.desktop.start(
             "xterm", "-geometry", "60x12+40+40", "-e", "sh", "-c",
             f"sleep 1000 & echo $! > {note}.new; mv {note}.new {note}; wait")
         self.addCleanup(end, terminal)
         eventually(note.exists, "the process in the terminal runs")
-        return terminal, int(note.read_text())
+        return self.desktop.window_of(terminal), int(note.read_text())
+
+
+class TerminalTest(DesktopTest):
+    """Each test has a terminal with a process, and another window that is the active one."""
+
+    def setUp(self):
+        super().setUp()
+        self.terminal, self.pid = self.start_terminal()
+        window = Window(self.desktop, 60, 420, 300, 200, managed=True)
+        self.addCleanup(window.close)
+        self.other = window.window.id
+        self.activate(self.other)
+
+    def activate(self, window):
+        self.desktop.run("wmctrl", "-i", "-a", hex(window))
+        self.desktop.until_active(window)
