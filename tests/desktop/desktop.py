@@ -27,16 +27,14 @@ BACKDROP = (48, 96, 160)
 ctypes.CDLL(None).prctl(36, 1)  # PR_SET_CHILD_SUBREAPER
 
 
-def eventually(condition, what, patience=PATIENCE, pause=0.02):
+def eventually(condition, what):
     """The first true value that `condition` returns."""
-    deadline = time.monotonic() + patience
-    while True:
-        value = condition()
-        if value:
-            return value
+    deadline = time.monotonic() + PATIENCE
+    while not (value := condition()):
         if time.monotonic() > deadline:
-            raise AssertionError(f"not within {patience:g} s: {what() if callable(what) else what}")
-        time.sleep(pause)
+            raise AssertionError(f"not within {PATIENCE:g} s: {what() if callable(what) else what}")
+        time.sleep(0.02)
+    return value
 
 
 def descendants(pid):
@@ -161,21 +159,10 @@ class Desktop:
 
     # Windows
 
-    def property(self, name, window=None):
-        """A list of numbers, of the root window unless another is given."""
-        answer = (window or self.root).get_full_property(self.display.intern_atom(name), X.AnyPropertyType)
+    def property(self, name):
+        """The numbers that the window manager tells on the root window."""
+        answer = self.root.get_full_property(self.display.intern_atom(name), X.AnyPropertyType)
         return list(answer.value) if answer else []
-
-    def window_of(self, process):
-        """The managed window of a process, once it is there."""
-        def find():
-            for identifier in self.property("_NET_CLIENT_LIST"):
-                window = self.display.create_resource_object("window", identifier)
-                if self.property("_NET_WM_PID", window) == [process.pid]:
-                    return identifier
-            return None
-
-        return eventually(find, f"the window of {process.args}")
 
     def until_active(self, window):
         eventually(lambda: self.property("_NET_ACTIVE_WINDOW") == [window], "the window is the active one")

@@ -110,7 +110,6 @@ class Nubble:
         self.until_panel(mode="sessions")
 
     def wait(self):
-        """Until it has ended, for its exit status."""
         return self.process.wait(PATIENCE)
 
     def processor_time(self):
@@ -159,10 +158,12 @@ class DesktopTest(unittest.TestCase):
         note = pathlib.Path(tempfile.mkdtemp(dir=self.desktop.folder)) / "pid"
         terminal = self.desktop.start(
             "xterm", "-geometry", "60x12+40+40", "-e", "sh", "-c",
-            f"sleep 1000 & echo $! > {note}.new; mv {note}.new {note}; wait")
+            f"sleep 1000 & echo $WINDOWID $! > {note}.new; mv {note}.new {note}; wait")
         self.addCleanup(end, terminal)
         eventually(note.exists, "the process in the terminal runs")
-        return self.desktop.window_of(terminal), int(note.read_text())
+        window, pid = map(int, note.read_text().split())
+        eventually(lambda: window in self.desktop.property("_NET_CLIENT_LIST"), "its window is there")
+        return window, pid
 
 
 class TerminalTest(DesktopTest):

@@ -7,7 +7,6 @@ import signal
 import subprocess
 import tempfile
 import time
-import unittest
 
 from gi.repository import GLib
 
@@ -188,7 +187,3 @@ class Autostart(CommandTest):
         self.entry.parent.write_text("")
         for switch in ("on", "off"):
             self.check_fails(self.program.run("autostart", switch), "autostart")
-
-
-if __name__ == "__main__":
-    unittest.main()

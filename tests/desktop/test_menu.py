@@ -1,7 +1,5 @@
 """The panel's context menu, opened by the right button and used by keyboard and mouse."""
 
-import unittest
-
 from desktop import SCREEN, eventually
 from program import DesktopTest
 
@@ -76,7 +74,3 @@ class TheContextMenu(DesktopTest):
         self.assertNotEqual(nubble.instances(), [nubble.process.pid])
         self.choose(nubble, "Quit Nubble")
         eventually(lambda: not nubble.instances(), "the successor has quit")
-
-
-if __name__ == "__main__":
-    unittest.main()

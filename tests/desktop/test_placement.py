@@ -127,7 +127,3 @@ class ThePanel(DesktopTest):
             end(compositor)
             self.until_dark(WIDTH - 1, HEIGHT / 2)
             self.until_backdrop(WIDTH - BODY_DEPTH + 2, HEIGHT / 2 - BODY_BEFORE_RING + 2)
-
-
-if __name__ == "__main__":
-    unittest.main()

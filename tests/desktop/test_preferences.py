@@ -2,7 +2,6 @@
 
 import os
 import random
-import unittest
 
 from desktop import SCREEN, eventually
 from program import DesktopTest
@@ -42,10 +41,6 @@ class Preferences(DesktopTest):
             lambda: any(max(row[0]) < 32 for row in self.desktop.pixels(SCREEN[0] - 1, 0, 1, SCREEN[1])) == seen,
             "the body is on the screen" if seen else "the body is gone")
 
-    def hide(self):
-        self.assertEqual(self.program.run("hide").returncode, 0)
-        self.until_body_is_seen(False)
-
     def quit(self, errors):
         self.program.end_all()
         self.assertEqual(errors.read_text(), "")
@@ -61,13 +56,6 @@ class Preferences(DesktopTest):
             self.quit(errors)
             self.file.rmdir() if self.file.is_dir() else self.file.unlink()
 
-    def test_far_off_the_screen_leave_the_panel_on_it(self):
-        for offset in ("1e300", "-1e300"):
-            self.home.preferences(placement_offset=offset)
-            errors = self.start()
-            self.hide()
-            self.quit(errors)
-
     def test_that_cannot_be_written_last_until_the_program_ends(self):
         def no_folder():
             self.folder.rmdir()
@@ -77,14 +65,10 @@ class Preferences(DesktopTest):
             self.file.unlink(missing_ok=True)
             forbid()
             errors = self.start()
-            self.hide()
-            self.assertEqual(self.program.run("show").returncode, 0)
-            self.until_body_is_seen()
+            for command in ("hide", "show"):
+                self.assertEqual(self.program.run(command).returncode, 0)
+                self.until_body_is_seen(command == "show")
             self.assertEqual(self.program.run("restart").returncode, 0)
             self.assertEqual(self.program.wait(), 0)
             self.program.until_panel(**MIDDLE)
             self.quit(errors)
-
-
-if __name__ == "__main__":
-    unittest.main()

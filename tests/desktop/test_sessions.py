@@ -2,7 +2,6 @@
 
 import os
 import signal
-import unittest
 
 from desktop import SCREEN, eventually
 from program import TerminalTest
@@ -53,7 +52,3 @@ class ASessionInATerminal(TerminalTest):
             self.desktop.click(CARD_MIDDLE, ONLY_ROW)
             self.desktop.until_active(self.terminal)
         self.assertEqual(self.desktop.property("_NET_CURRENT_DESKTOP"), [1])
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -3,7 +3,6 @@
 import contextlib
 import os
 import pathlib
-import unittest
 
 from Xlib import X
 from Xlib.error import BadWindow
@@ -149,7 +148,3 @@ class InAnX11Tray(DesktopTest):
         self.desktop.until_menu()
         self.desktop.key("Control_L", "q")
         eventually(lambda: not nubble.instances(), "the program has quit")
-
-
-if __name__ == "__main__":
-    unittest.main()

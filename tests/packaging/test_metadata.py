@@ -84,7 +84,3 @@ class TheIcons(unittest.TestCase):
                 self.alpha(f"symbolic/apps/com.brevandel.{name}-symbolic.svg", self.MARK + self.EYES),
                 [opacity] * len(self.MARK) + [0] * len(self.EYES))
         self.assertEqual(self.alpha("scalable/apps/com.brevandel.nubble.svg", ((0, 0), (0.5, 0.5))), [0, 100])
-
-
-if __name__ == "__main__":
-    unittest.main()
