@@ -17,24 +17,25 @@ using namespace nubble;
 
 namespace {
 
-// The whole program but for its window, which is a plain one, in a home of its own on a session bus of its
-// own.
+// The whole program but for its window, which is a plain one, in a home and on a session bus of its own.
 struct Program {
     explicit Program(const QByteArray &preferences = {})
+        : file(home.write(u".config/com.brevandel.nubble.conf"_s, "[General]\n" + preferences)),
+          delegate(home.home(), bus, Relaunch{u"/bin/true"_s, {}})
     {
-        home.write(u".config/com.brevandel.nubble.conf"_s, "[General]\n" + preferences);
-        delegate.emplace(home.home(), bus, Relaunch{u"/bin/true"_s, {}});
         for (const Addon addon : allAddons)
-            delegate->commands().setHandler(addon, [this](const AddonRequest &request) {
+            commands.setHandler(addon, [this](const AddonRequest &request) {
                 requests.append(request);
                 return Outcome::failed(u"Tried"_s);
             });
     }
 
     TemporaryHome home;
+    QString file;
     FakeInstanceBus bus;
     QList<AddonRequest> requests;
-    std::optional<AppDelegate> delegate;
+    AppDelegate delegate;
+    AppCommands &commands = delegate.commands();
 };
 
 void broadcast(const QString &name, const QVariantMap &userInfo)
@@ -66,21 +67,16 @@ private Q_SLOTS:
         QTRY_VERIFY(!program.requests.isEmpty());
         QCOMPARE(program.requests, QList<AddonRequest>{{Action::StopNotes}});
 
-        AppCommands &commands = program.delegate->commands();
-        QVERIFY(
-            commands.performFromOutside({Action::SearchChats}).why().contains(u"\"Search Chats\" is off"_s));
-        QCOMPARE(commands.performFromOutside({Action::StartNotes}).why(), u"Tried"_s);
+        const QSignalSpy refused(&program.commands, &AppCommands::refused);
+        program.commands.request({Action::SearchChats}); // the program's own are not asked who they are
         QCOMPARE(program.requests.size(), 2);
-        const QSignalSpy refused(&commands, &AppCommands::refused);
-        commands.request({Action::SearchChats}); // the program's own are not asked who they are
-        QCOMPARE(program.requests.size(), 3);
         QCOMPARE(refused.count(), 1);
     }
 
     void refreshingReadsSessionsAndTheirTranscriptsAgain()
     {
         Program program;
-        AppCommands &commands = program.delegate->commands();
+        AppCommands &commands = program.commands;
         QCOMPARE(commands.status()[u"sessions"_s].toArray(), QJsonArray());
         program.home.write(
             u".claude/sessions/1.json"_s,
@@ -103,46 +99,29 @@ private Q_SLOTS:
         QTRY_COMPARE(title(), u"Another"_s);
     }
 
-    void theStatusTellsOfEveryPart()
-    {
-        Program program("placement.edge=top\nplacement.visible=false\n");
-        AppCommands &commands = program.delegate->commands();
-        QCOMPARE(
-            commands.status().keys(),
-            QStringList({u"activity"_s, u"panel"_s, u"sessions"_s, u"source"_s, u"usage"_s}));
-        commands.openSessions();
-        QCOMPARE(
-            commands.status()[u"panel"_s].toObject(),
-            (QJsonObject{
-                {u"mode"_s, u"sessions"_s},
-                {u"edge"_s, u"top"_s},
-                {u"offset"_s, 0},
-                {u"locked"_s, false},
-                {u"visible"_s, true}}));
-        commands.openSessions(); // does not close it
-        QCOMPARE(commands.status()[u"panel"_s][u"mode"_s].toString(), u"sessions"_s);
-    }
-
     void openingTheSessionsCardReadsThePlansUsageAndRefreshingListsTheCacheAgain()
     {
         Program program;
-        AppCommands &commands = program.delegate->commands();
-        const auto usage = [&commands]() -> QJsonValue { return commands.status()[u"usage"_s]; };
-        const auto percent = [&usage] { return 100 * usage()[u"session"_s][u"fraction"_s].toDouble(); };
-        QTRY_VERIFY(usage()[u"problem"_s].isString()); // the first read has found nothing
+        const auto status = [&program](const QString &part) -> QJsonValue {
+            return program.commands.status()[part];
+        };
+        const auto percent = [&] { return 100 * status(u"usage"_s)[u"session"_s][u"fraction"_s].toDouble(); };
+        QTRY_VERIFY(status(u"usage"_s)[u"problem"_s].isString()); // the first read has found nothing
         program.home.write(u".config/Claude/Cache/Cache_Data/a_0"_s, UsageCache::usageEntry(42));
-        commands.openSessions();
+        program.commands.openSessions();
         QTRY_COMPARE_WITH_TIMEOUT(percent(), 42, 9000); // before its timer
         program.home.write(u".config/Claude/Cache/Cache_Data/b_0"_s, UsageCache::usageEntry(43));
-        commands.refreshAll();
+        program.commands.refreshAll();
         QTRY_COMPARE(percent(), 43);
+        program.commands.openSessions(); // does not close it
+        QCOMPARE(status(u"panel"_s)[u"mode"_s].toString(), u"sessions"_s);
     }
 
     void aRestartGivesTheNameUpOnce()
     {
         Program program;
-        program.delegate->commands().toggleAddon(Addon::Search);
-        program.delegate->commands().restart();
+        program.commands.toggleAddon(Addon::Search);
+        program.commands.restart();
         QCOMPARE(program.bus.releases, 1);
     }
 };

@@ -95,7 +95,6 @@ class Desktop:
 
     def __init__(self):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="nubble-desktop-"))
-        self.folder.chmod(0o700)
         self.env = {
             "PATH": os.environ["PATH"], "LANG": "C.UTF-8", "HOME": str(self.folder),
             "XDG_RUNTIME_DIR": str(self.folder), "NO_AT_BRIDGE": "1", "QT_QPA_PLATFORM": "xcb"}
@@ -145,10 +144,7 @@ class Desktop:
         with os.fdopen(reading) as announcement:
             return announcement.readline().strip()
 
-    # What is on the screen
-
     def pixels(self, x, y, width, height):
-        """Rows of colours."""
         raw = self.root.get_image(x, y, width, height, X.ZPixmap, 0xFFFFFFFF).data
         return [
             [(raw[at + 2], raw[at + 1], raw[at]) for at in range(row * width * 4, (row + 1) * width * 4, 4)]
@@ -157,10 +153,7 @@ class Desktop:
     def pixel(self, x, y):
         return self.pixels(int(x), int(y), 1, 1)[0][0]
 
-    # Windows
-
     def property(self, name):
-        """The numbers that the window manager tells on the root window."""
         answer = self.root.get_full_property(self.display.intern_atom(name), X.AnyPropertyType)
         return list(answer.value) if answer else []
 
@@ -202,8 +195,6 @@ class Desktop:
     def until_no_menu(self):
         eventually(lambda: not self.menus(), "the menu is closed")
 
-    # What a user does
-
     def _fake(self, event, detail=0, **position):
         xtest.fake_input(self.display, event, detail, **position)
         self.display.sync()
@@ -224,7 +215,6 @@ class Desktop:
     def key(self, *names):
         """The last key, while the ones before it are held."""
         codes = [self.display.keysym_to_keycode(XK.string_to_keysym(name)) for name in names]
-        for code in codes:
-            self._fake(X.KeyPress, code)
-        for code in reversed(codes):
-            self._fake(X.KeyRelease, code)
+        for event, order in ((X.KeyPress, codes), (X.KeyRelease, reversed(codes))):
+            for code in order:
+                self._fake(event, code)

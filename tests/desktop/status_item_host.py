@@ -84,8 +84,6 @@ class StatusItemHost:
         self._thread.join()
         self.bus.close_sync(None)
 
-    # The item
-
     def property(self, name):
         return self._call_item("org.freedesktop.DBus.Properties", "Get", "(ss)", ITEM, name)[0]
 
@@ -93,14 +91,11 @@ class StatusItemHost:
         return self.property("ToolTip")[2]
 
     def opacities(self):
-        """The greatest alpha in the icon by its size."""
         return {width: max(data[::4]) for width, _, data in self.property("IconPixmap")}
 
     def click(self, method="Activate"):
         """With ContextMenu as a desktop asks for the menu that draws none."""
         self._call_item(ITEM, method, "(ii)", 0, 0)
-
-    # Its menu
 
     def read_menu(self):
         """The entries as (id, what the desktop shows, entries below)."""

@@ -1,8 +1,8 @@
 """The program as a process: its commands and their exit statuses, one instance per home, and its end."""
 
+import functools
 import json
 import os
-import pathlib
 import signal
 import subprocess
 import tempfile
@@ -11,7 +11,7 @@ import time
 from gi.repository import GLib
 
 from desktop import eventually
-from program import PROGRAM, DesktopTest, Home, run_nubble
+from program import PROGRAM, DesktopTest, Home
 from status_item_host import connect
 
 DONE, FAILED, WRONG_USAGE, NOT_RUNNING = range(4)
@@ -77,7 +77,7 @@ class TheRunningInstance(CommandTest):
         env = self.desktop.env | {"DBUS_SESSION_BUS_ADDRESS": ""}
         self.program.process = subprocess.Popen([PROGRAM, *self.program.home], stdin=subprocess.DEVNULL, env=env)
         eventually(self.desktop.nubble_windows, "its panel is there")
-        self.check_fails(run_nubble(*self.program.home, env=env), "Nubble runs already")
+        self.check_fails(self.program.run(env=env), "Nubble runs already")
         self.assertEqual(self.program.instances(), [self.program.process.pid])
 
     def test_answers_while_other_programs_flood_it_with_requests(self):
@@ -115,9 +115,7 @@ class WithoutAnInstance(CommandTest):
 
     def test_the_rest_works_or_is_refused_in_one_line_without_a_display_or_a_bus(self):
         bare = {key: value for key, value in self.desktop.env.items() if key == "PATH" or key.endswith("SAN_OPTIONS")}
-
-        def run(*arguments, env=bare):
-            return run_nubble(*self.program.home, *arguments, env=env)
+        run = functools.partial(self.program.run, env=bare)
 
         for option in ("--help", "--version"):
             self.assertRegex(run(option).stdout, "[Nn]ubble")
@@ -133,23 +131,20 @@ class WithoutAnInstance(CommandTest):
         for missing in ("DISPLAY", "DBUS_SESSION_BUS_ADDRESS"):
             env = self.desktop.env | {missing: ""}
             del env["QT_QPA_PLATFORM"]
-            self.check_fails(run("show", env=env), "there is no ")
+            self.check_fails(self.program.run("show", env=env), "there is no ")
         self.assertEqual(self.program.instances(), [])
 
     def test_those_that_start_one_leave_it_sharing_nothing_with_the_caller(self):
         for command, mode, before in [
                 ("show", "collapsed", "false"), ("toggle", "collapsed", "true"), ("sessions", "sessions", "false")]:
-            with self.subTest(command=command):
-                self.home.preferences(placement_visible=before)
-                # Ends only when nobody holds the other ends of its pipes.
-                self.check(command)
-                [pid] = self.program.instances()
-                process = pathlib.Path("/proc", str(pid))
-                self.assertEqual({os.readlink(process / "fd" / each) for each in "012"}, {"/dev/null"})
-                self.assertEqual(os.getsid(pid), os.getpgid(pid))
-                self.assertNotEqual(os.getsid(pid), os.getsid(0))
-                self.program.until_panel(visible=True, mode=mode)
-                self.program.end_all()
+            self.home.preferences(placement_visible=before)
+            self.check(command)  # which ends only when nobody holds the other ends of its pipes
+            [pid] = self.program.instances()
+            self.assertEqual({os.readlink(f"/proc/{pid}/fd/{each}") for each in range(3)}, {"/dev/null"})
+            self.assertEqual(os.getsid(pid), os.getpgid(pid))
+            self.assertNotEqual(os.getsid(pid), os.getsid(0))
+            self.program.until_panel(visible=True, mode=mode)
+            self.program.end_all()
 
     def test_those_of_add_ons_start_one_and_ask_it_afterwards(self):
         for command in ("ask", "search"):
