@@ -41,30 +41,32 @@ MenuEntry find(const QList<MenuEntry> &entries, const QString &title)
     return {};
 }
 
-void choose(const QList<MenuEntry> &entries, const QString &title)
+void choose(const QList<MenuEntry> &entries, const QStringList &titles)
 {
-    const MenuEntry entry = find(entries, title);
-    QVERIFY2(entry.action && entry.enabled, qPrintable(title));
-    entry.action();
+    for (const QString &title : titles) {
+        const MenuEntry entry = find(entries, title);
+        QVERIFY2(entry.action && entry.enabled, qPrintable(title));
+        entry.action();
+    }
 }
 
 // The menus as they open in that world.
 struct OpenMenus {
     explicit OpenMenus(PanelWorld &world, const QMap<Addon, QString> &missing = {})
         : panel(world),
-          commands(panel.window, world.placement, world.mainScreen, world.defaults, world.addons),
-          state{
-              world.placement.edge(), world.placement.isLocked(), world.placement.isVisible(), world.addons,
-              missing}
+          commands(panel.window, world.placement, world.mainScreen, world.defaults, world.addons)
     {
+        const NotchPlacement &placement = world.placement;
+        const MenuState state{
+            placement.edge(), placement.isLocked(), placement.isVisible(), world.addons, missing};
+        ofIcon = statusMenu(state, commands);
+        ofPanel = notchMenu(state, commands);
     }
-
-    [[nodiscard]] QList<MenuEntry> ofIcon() { return statusMenu(state, commands); }
-    [[nodiscard]] QList<MenuEntry> ofPanel() { return notchMenu(state, commands); }
 
     PanelUnderTest panel;
     AppCommands commands;
-    MenuState state;
+    QList<MenuEntry> ofIcon;
+    QList<MenuEntry> ofPanel;
 };
 
 } // namespace
@@ -78,14 +80,14 @@ private Q_SLOTS:
         PanelWorld world;
         OpenMenus menus(world);
         QCOMPARE(
-            shown(menus.ofIcon()),
+            shown(menus.ofIcon),
             u"[x] Hide Notch, -, [ ] Lock Position, "
             "Move to Edge {[x] Right, [ ] Left, [ ] Top, [ ] Bottom}, Center on Edge, -, "
             "Add-ons {[ ] Quenwick, [ ] Ask Claude About Screen, [ ] Search Chats, [ ] Meeting Recorder, -, "
             "(Nubble restarts to add or remove one.)}, -, "
             "Refresh Everything Ctrl+R, Restart Nubble, -, Quit Nubble Ctrl+Q"_s);
         QCOMPARE(
-            shown(menus.ofPanel()),
+            shown(menus.ofPanel),
             u"Lock Position, Move to Edge {[x] Right, [ ] Left, [ ] Top, [ ] Bottom}, Center on Edge, "
             "Add-ons {[ ] Ask Claude About Screen, [ ] Search Chats, [ ] Quenwick, [ ] Meeting Recorder}, "
             "Refresh Everything, Restart Nubble, Hide Notch, Quit Nubble"_s);
@@ -95,7 +97,7 @@ private Q_SLOTS:
     {
         const auto start = [](const QByteArray &stored) {
             PanelWorld world(stored + "placement.visible=false\n");
-            return shown(OpenMenus(world).ofIcon()).section(u", -, [ ] Lock"_s, 0, 0);
+            return shown(OpenMenus(world).ofIcon).section(u", -, [ ] Lock"_s, 0, 0);
         };
         const auto ask = u"Ask Claude About Screen… Ctrl+Alt+A, -, [ ] Show Notch"_s;
         QCOMPARE(start("addon.search=true\naddon.ask=true\n"), u"Search Chats… Ctrl+Alt+Space, "_s + ask);
@@ -114,8 +116,7 @@ private Q_SLOTS:
                 requests.append(request);
                 return Outcome::done();
             });
-        choose(menus.ofIcon(), u"Search Chats…"_s);
-        choose(menus.ofIcon(), u"Ask Claude About Screen…"_s);
+        choose(menus.ofIcon, {u"Search Chats…"_s, u"Ask Claude About Screen…"_s});
         ControlObject control;
         control.serve(menus.commands);
         for (const QString &question : {u"Why?"_s, QString()})
@@ -133,21 +134,19 @@ private Q_SLOTS:
     {
         PanelWorld world("placement.offset=40\n");
         OpenMenus menus(world);
-        choose(menus.ofIcon(), u"Left"_s);
-        choose(menus.ofPanel(), u"Center on Edge"_s);
-        choose(menus.ofIcon(), u"Hide Notch"_s);
+        choose(menus.ofIcon, {u"Left"_s, u"Lock Position"_s});
+        choose(menus.ofPanel, {u"Center on Edge"_s, u"Hide Notch"_s});
         QCOMPARE(world.placement.edge(), NotchEdge::Left);
         QCOMPARE(world.placement.offset(), 0);
         QVERIFY(!world.placement.isVisible());
-        choose(menus.ofIcon(), u"Lock Position"_s);
         QVERIFY(world.placement.isLocked());
 
         OpenMenus locked(world);
         const auto placement =
             u"Move to Edge {([ ] Right), ([x] Left), ([ ] Top), ([ ] Bottom)}, (Center on Edge), "_s;
-        QVERIFY(shown(locked.ofIcon()).contains(u"[x] Lock Position, "_s + placement));
-        QVERIFY(shown(locked.ofPanel()).startsWith(u"Unlock Position, "_s + placement));
-        choose(locked.ofPanel(), u"Unlock Position"_s);
+        QVERIFY(shown(locked.ofIcon).contains(u"[x] Lock Position, "_s + placement));
+        QVERIFY(shown(locked.ofPanel).startsWith(u"Unlock Position, "_s + placement));
+        choose(locked.ofPanel, {u"Unlock Position"_s});
         QVERIFY(!world.placement.isLocked());
     }
 
@@ -163,11 +162,11 @@ private Q_SLOTS:
                 if (QFile file(world.home.path(u"preferences.conf"_s)); file.open(QIODevice::ReadOnly))
                     onDisk = file.readAll();
             });
-            const QList<MenuEntry> menu = before ? menus.ofPanel() : menus.ofIcon();
+            const QList<MenuEntry> menu = before ? menus.ofPanel : menus.ofIcon;
             const MenuEntry notes = find(menu, u"Meeting Recorder"_s);
             QCOMPARE(notes.toolTip + u' ' + notes.detail, description(Addon::Notes) + u" Needs Node.js."_s);
             QVERIFY(find(menu, u"Quenwick"_s).detail.isEmpty());
-            choose(menu, notes.title);
+            choose(menu, {notes.title});
             QVERIFY2(onDisk.contains(before ? "addon.notes=false\n" : "addon.notes=true\n"), onDisk);
         }
     }
@@ -175,13 +174,11 @@ private Q_SLOTS:
     void whatOtherProgramsBroadcastBecomesARequest()
     {
         using Action = AddonRequest::Action;
-        const auto action = u"action"_s;
-        const AddonRequest asked{Action::AskClaude, u"Why?"_s};
-        QCOMPARE(requestFrom(u"ask"_s, {{u"question"_s, u"Why?"_s}}), asked);
-        QCOMPARE(requestFrom(u"ask"_s, {{action, u"stop"_s}}), AddonRequest{Action::AskClaude});
-        QCOMPARE(requestFrom(u"notes"_s, {{action, u"stop"_s}}), AddonRequest{Action::StopNotes});
-        QCOMPARE(requestFrom(u"notes"_s, {{action, u"Stop"_s}}), AddonRequest{Action::StartNotes});
-        QCOMPARE(requestFrom(u"notes"_s, {}), AddonRequest{Action::StartNotes});
+        const QMap<QString, QString> stop{{u"action"_s, u"stop"_s}};
+        QCOMPARE(requestFrom(u"ask"_s, {{u"question"_s, u"Why?"_s}})->question, u"Why?"_s);
+        QCOMPARE(requestFrom(u"ask"_s, stop), AddonRequest{Action::AskClaude});
+        QCOMPARE(requestFrom(u"notes"_s, stop), AddonRequest{Action::StopNotes});
+        QCOMPARE(requestFrom(u"notes"_s, {{u"action"_s, u"Stop"_s}}), AddonRequest{Action::StartNotes});
         QCOMPARE(requestFrom(u"search"_s, {}), std::nullopt);
     }
 };

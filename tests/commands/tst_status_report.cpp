@@ -13,11 +13,7 @@ namespace {
 
 QJsonObject sessionOf(const QString &title, const QString &lastPrompt)
 {
-    return {
-        {u"word"_s, u"working"_s},
-        {u"elapsed"_s, u"just now"_s},
-        {u"title"_s, title},
-        {u"lastPrompt"_s, lastPrompt}};
+    return {{u"word"_s, u"working"_s}, {u"title"_s, title}, {u"lastPrompt"_s, lastPrompt}};
 }
 
 QString tableOf(const QJsonValue &sessions, qsizetype width = 80)
@@ -43,24 +39,16 @@ private Q_SLOTS:
 
         QJsonObject report;
         reportSessions(world.monitor, world.clock, report);
-        QCOMPARE(report.keys(), QStringList({u"activity"_s, u"sessions"_s}));
         QCOMPARE(report[u"activity"_s].toString(), u"working"_s);
         const QJsonArray sessions = report[u"sessions"_s].toArray();
         QCOMPARE(sessions.size(), 3);
         QCOMPARE(
-            sessions[0].toObject(),
-            (QJsonObject{
-                {u"sessionId"_s, u"session-12"_s},
-                {u"pid"_s, 12},
-                {u"cwd"_s, u"/home/ada/project"_s},
-                {u"title"_s, u"busy one"_s},
-                {u"lastPrompt"_s, QJsonValue()},
-                {u"state"_s, u"working"_s},
-                {u"word"_s, u"working"_s},
-                {u"elapsed"_s, u"just now"_s},
-                {u"startedAt"_s, PanelWorld::msecs(started)},
-                {u"updatedAt"_s, PanelWorld::msecs(started + 24h - 1s)},
-            }));
+            QString::fromUtf8(QJsonDocument(sessions[0].toObject()).toJson(QJsonDocument::Compact)),
+            QString(u"{\"cwd\":\"/home/ada/project\",\"elapsed\":\"just now\",\"lastPrompt\":null,\"pid\":12,"
+                    "\"sessionId\":\"session-12\",\"startedAt\":%1,\"state\":\"working\","
+                    "\"title\":\"busy one\",\"updatedAt\":%2,\"word\":\"working\"}"_s)
+                .arg(PanelWorld::msecs(started))
+                .arg(PanelWorld::msecs(started + 24h - 1s)));
         QCOMPARE(sessions[1][u"word"_s].toString(), u"waiting"_s);
         QCOMPARE(sessions[1][u"state"_s].toString(), u"idle"_s);
         QCOMPARE(sessions[2][u"elapsed"_s].toString(), u"1d ago"_s);

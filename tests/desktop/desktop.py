@@ -1,9 +1,5 @@
-"""A desktop of the test's own: X server, window manager, session bus.
-
-Everything is started here and ended by its process id; what a started program leaves behind becomes a child of the
-test (it is a subreaper) and is ended with it. Nothing waits for a fixed time: `eventually` looks until a condition
-holds.
-"""
+"""A desktop of the test's own: X server, window manager, session bus. What has been started here ends by its process id;
+what it leaves behind becomes a child of the test (it is a subreaper) and ends with it. Nothing waits for a fixed time."""
 
 import contextlib
 import ctypes
@@ -111,6 +107,7 @@ class Desktop:
         if COMPOSITED:
             self.services.append(self.start_compositor())
         self.backdrop = Window(self, 0, 0, *SCREEN, managed=False)
+        self.backdrop.window.configure(stack_mode=X.Below)  # of trays too
 
     def close(self):
         self.display.close()

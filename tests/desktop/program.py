@@ -79,8 +79,7 @@ class Nubble:
         return self.status().get("panel", {})
 
     def until_panel(self, **wanted):
-        eventually(
-            lambda: wanted.items() <= self.panel().items(), lambda: f"panel {wanted}, it is {self.panel()}")
+        eventually(lambda: wanted.items() <= self.panel().items(), lambda: f"panel {wanted}, it is {self.panel()}")
 
     def instances(self):
         """The process ids of this home's instances, however they were started."""

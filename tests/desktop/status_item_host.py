@@ -17,10 +17,8 @@ INTERFACES = Gio.DBusNodeInfo.new_for_xml(f"""
   <property name="ProtocolVersion" type="i" access="read"/>
 </interface><interface name="{MESSAGES}">
   <method name="Notify">
-    <arg type="s" direction="in"/><arg type="u" direction="in"/><arg type="s" direction="in"/>
-    <arg type="s" direction="in"/><arg type="s" direction="in"/><arg type="as" direction="in"/>
-    <arg type="a{{sv}}" direction="in"/><arg type="i" direction="in"/><arg type="u" direction="out"/>
-  </method>
+    {"".join(f'<arg type="{each}" direction="in"/>' for each in ("s", "u", "s", "s", "s", "as", "a{sv}", "i"))}
+    <arg type="u" direction="out"/></method>
 </interface></node>""").interfaces
 
 

@@ -2,62 +2,21 @@
 
 import os
 
+from gi.repository import GLib
 from Xlib import X
 
 from desktop import eventually
 from program import TerminalTest
 
 
-class Accessible:
-    """The accessible tree of the programs on a desktop. One per test process, for the library connects once."""
-
-    def __init__(self, desktop):
-        os.environ.update({key: desktop.env[key] for key in ("DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR")})
-        import pyatspi  # reads the environment
-        from gi.repository import GLib
-
-        self._atspi = pyatspi
-        self._gone = GLib.Error
-
-    def _walk(self, parent):
-        parent.clearCache()  # which only the library's own event loop would keep up to date
-        for child in parent:
-            if child is not None:
-                child.clearCache()
-                yield child
-                yield from self._walk(child)
-
-    def find_all(self, role, starts_with=""):
-        """The controls on the screen; none while they change."""
-        found = []
-        try:
-            for each in self._walk(self._atspi.Registry.getDesktop(0)):
-                showing = each.getState().contains(self._atspi.STATE_SHOWING)
-                if showing and each.getRoleName() == role and each.name.startswith(starts_with):
-                    found.append(each)
-        except self._gone:
-            return []
-        return found
-
-    def find(self, role, starts_with):
-        return eventually(
-            lambda: self.find_all(role, starts_with), f"a {role} named {starts_with!r} is on the screen")[0]
-
-    def center(self, control):
-        box = control.queryComponent().getExtents(self._atspi.DESKTOP_COORDS)
-        return (box.x + box.width / 2, box.y + box.height / 2)
-
-    def focused(self, role):
-        """The name of the control that has the keyboard, if it is one of that role."""
-        controls = (each for each in self.find_all(role) if each.getState().contains(self._atspi.STATE_FOCUSED))
-        return next((each.name for each in controls), "")
-
-
 class ThePanelWithoutAMouse(TerminalTest):
     @classmethod
     def setUpClass(cls):
         super().setUpClass()
-        cls.accessible = Accessible(cls.desktop)
+        os.environ.update(
+            {key: cls.desktop.env[key] for key in ("DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR")})
+        import pyatspi  # reads the environment, and connects once
+        cls.atspi = pyatspi
 
     def setUp(self):
         super().setUp()
@@ -66,8 +25,31 @@ class ThePanelWithoutAMouse(TerminalTest):
     def start_nubble(self, **env):
         return super().start_nubble(QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", **env)
 
+    def walk(self, parent):
+        parent.clearCache()  # which only the library's own event loop would keep up to date
+        for child in parent:
+            if child is not None:
+                child.clearCache()
+                yield child
+                yield from self.walk(child)
+
+    def controls(self, role, state):
+        """None while they change."""
+        try:
+            return [each for each in self.walk(self.atspi.Registry.getDesktop(0))
+                    if each.getState().contains(state) and each.getRoleName() == role]
+        except GLib.Error:
+            return []
+
+    def find(self, role, name):
+        def shown():
+            controls = self.controls(role, self.atspi.STATE_SHOWING)
+            return next((each for each in controls if each.name.startswith(name)), None)
+
+        return eventually(shown, f"a {role} named {name!r} is on the screen")
+
     def press(self, name):
-        self.accessible.find("push button", name).queryAction().doAction(0)
+        self.find("push button", name).queryAction().doAction(0)
 
     def focused(self):
         return self.desktop.display.get_input_focus().focus.id
@@ -78,13 +60,14 @@ class ThePanelWithoutAMouse(TerminalTest):
     def test_has_a_button_for_the_ring_for_each_row_and_to_close(self):
         nubble = self.start_nubble()
         nubble.open_for_keyboard()
-        self.accessible.find("label", "No sessions running")
+        self.find("label", "No sessions running")
         self.press("Close")
         nubble.until_panel(mode="collapsed")
         self.home.record(self.pid, name="Row one", nameSource="user", status="waiting")
-        ring = self.accessible.find("push button", "Claude sessions: a session waits for you")
-        for found, expected in zip(self.accessible.center(ring), nubble.ring()):
-            self.assertAlmostEqual(found, expected, delta=16)
+        ring = self.find("push button", "Claude sessions: a session waits for you")
+        box = ring.queryComponent().getExtents(self.atspi.DESKTOP_COORDS)
+        for start, length, expected in zip((box.x, box.y), (box.width, box.height), nubble.ring()):
+            self.assertAlmostEqual(start + length / 2, expected, delta=16)
         self.press("Claude sessions")
         nubble.until_panel(mode="sessions")
         self.press("Row one, waiting, just now")
@@ -115,7 +98,7 @@ class ThePanelWithoutAMouse(TerminalTest):
         self.start_nubble().open_for_keyboard()
 
         def focus():
-            return self.accessible.focused("push button")
+            return next((each.name for each in self.controls("push button", self.atspi.STATE_FOCUSED)), "")
 
         name = focus()
         for _ in range(6):  # each Tab is waited for, that none is under way when the row has been reached

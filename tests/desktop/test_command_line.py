@@ -161,24 +161,19 @@ class WithoutAnInstance(CommandTest):
 
 
 class Autostart(CommandTest):
-    def setUp(self):
-        super().setUp()
+    def test_writes_an_entry_that_starts_this_program_and_removes_it_or_says_why_it_cannot(self):
         self.home = Home(self.home.path / ODD_NAME)
         self.program = self.nubble()
-        self.entry = self.home.path / ".config/autostart/com.brevandel.nubble.desktop"
-
-    def test_writes_an_entry_that_starts_this_program_and_removes_it(self):
+        entry = self.home.path / ".config/autostart/com.brevandel.nubble.desktop"
         for _ in range(2):
             self.check("autostart", "on")
-        self.desktop.run("desktop-file-validate", str(self.entry))
-        self.assertEqual([each.name for each in self.entry.parent.iterdir()], [self.entry.name])
-        self.desktop.run("gio", "launch", str(self.entry))
+        self.desktop.run("desktop-file-validate", str(entry))
+        self.assertEqual(list(entry.parent.iterdir()), [entry])
+        self.desktop.run("gio", "launch", str(entry))
         eventually(self.program.is_running, "the program answers")
         for _ in range(2):
             self.check("autostart", "off")
-        self.assertEqual(list(self.entry.parent.iterdir()), [])
-
-    def test_says_in_one_line_why_it_cannot(self):
-        self.entry.parent.write_text("")
+        entry.parent.rmdir()
+        entry.parent.write_text("")
         for switch in ("on", "off"):
             self.check_fails(self.program.run("autostart", switch), "autostart")

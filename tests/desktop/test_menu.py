@@ -12,12 +12,6 @@ LEFT_EDGE = 1  # its place in the list of edges
 class TheContextMenu(DesktopTest):
     below_ring = 0
 
-    def start_nubble_at(self, offset):
-        self.home.preferences(placement_offset=str(offset))
-        nubble = self.start_nubble()
-        nubble.offset = offset
-        return nubble
-
     def open_menu(self, nubble):
         x, y = nubble.ring()
         self.below_ring = 10 - self.below_ring  # not where the last press was: two would be a double click
@@ -49,13 +43,10 @@ class TheContextMenu(DesktopTest):
         self.assertEqual(nubble.panel(), before)
 
     def test_changes_the_placement(self):
-        nubble = self.start_nubble_at(120)
+        nubble = self.start_nubble()
         for locked in (True, False):
             self.choose(nubble, "Lock Position")
             nubble.until_panel(locked=locked)
-        self.choose(nubble, "Center on Edge")
-        nubble.until_panel(offset=0)
-        nubble.offset = 0
         self.choose(nubble, "Hide Notch")
         nubble.until_panel(visible=False)
         eventually(lambda: max(self.desktop.pixel(SCREEN[0] - 1, SCREEN[1] / 2)) > 32, "the panel is gone")
@@ -66,7 +57,9 @@ class TheContextMenu(DesktopTest):
         eventually(lambda: max(self.desktop.pixel(0, SCREEN[1] / 2)) < 32, "the body is at the left edge")
 
     def test_restarts_and_quits_the_program(self):
-        nubble = self.start_nubble_at(-90)
+        self.home.preferences(placement_offset="-90")
+        nubble = self.start_nubble()
+        nubble.offset = -90
         self.choose(nubble, "Restart Nubble")
         self.assertEqual(nubble.wait(), 0)
         nubble.until_panel(edge="right", offset=-90)

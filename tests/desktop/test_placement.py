@@ -52,13 +52,6 @@ class ThePanel(DesktopTest):
         nubble.until_panel(edge="bottom", offset=offset)
         self.until_dark(*position)
 
-    def test_stays_when_it_is_locked_and_dragged_but_closes_its_card(self):
-        self.home.preferences(placement_locked="true")
-        nubble = self.start_nubble()
-        nubble.open_card()
-        self.desktop.drag(nubble.ring(), (4, 300))
-        nubble.until_panel(mode="collapsed", edge="right", offset=0)
-
     def test_covers_nothing_but_the_body_and_an_open_card(self):
         nubble = self.start_nubble()
         left, top, right, bottom = eventually(self.covered, "the body is on the screen")
@@ -80,7 +73,8 @@ class ThePanel(DesktopTest):
         else:
             self.assertEqual(set(outside), {BACKDROP})
 
-    def test_takes_clicks_on_its_body_and_card_only_and_closes_by_others(self):
+    def test_takes_clicks_on_its_body_and_card_only_and_closes_by_others_and_by_a_drag_while_locked(self):
+        self.home.preferences(placement_locked="true")
         nubble = self.start_nubble()
         beside = (WIDTH - 200, HEIGHT / 2)
         self.desktop.click(*beside)
@@ -96,6 +90,9 @@ class ThePanel(DesktopTest):
             nubble.open_card()
             self.desktop.click(300, 300, button)
             nubble.until_panel(mode="collapsed")
+        nubble.open_card()
+        self.desktop.drag(nubble.ring(), (4, 300))
+        nubble.until_panel(mode="collapsed", edge="right", offset=0)
 
     def test_lies_above_a_full_screen_window(self):
         self.start_nubble()

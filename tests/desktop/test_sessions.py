@@ -35,8 +35,7 @@ class ASessionInATerminal(TerminalTest):
         eventually(lambda: nubble.status()["activity"] == "completed", "the run is shown as completed")
         self.assertEqual(session()["word"], "done")
         self.assertIn("Plant the hedge", nubble.run("status").stdout)
-        eventually(
-            lambda: any(red < 80 < 200 < green for row in ring() for red, green, _ in row), "the ring is green")
+        eventually(lambda: any(red < 80 < 200 < green for row in ring() for red, green, _ in row), "the ring is green")
         os.kill(self.pid, signal.SIGTERM)
         eventually(lambda: not session(), "the session has left")
 

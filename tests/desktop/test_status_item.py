@@ -4,7 +4,6 @@ import contextlib
 import os
 import pathlib
 
-from Xlib import X
 from Xlib.error import BadWindow
 
 from desktop import SCREEN, eventually
@@ -25,13 +24,17 @@ class OnADesktopThatDrawsIt(DesktopTest):
         return nubble, host
 
     def test_is_as_bright_as_the_panel_is_visible_and_toggles_it(self):
-        nubble, host = self.start()
+        (self.home.path / "share").mkdir()
+        (self.home.path / "share/icons").symlink_to(ICONS)
+        nubble, host = self.start(XDG_DATA_DIRS=f"{self.home.path}/share:/usr/share")
         self.assertEqual((host.tool_tip(), host.property("Status")), ("Hide Nubble", "Active"))
+        self.assertEqual(host.property("IconName"), "com.brevandel.nubble-symbolic")  # which desktops colour themselves
         self.assertLessEqual({16: 255, 22: 255, 24: 255, 32: 255, 48: 255}.items(), host.opacities().items())
         host.click()
         nubble.until_panel(visible=False)
         eventually(lambda: host.tool_tip() == "Show Nubble", "the tool tip follows")
         self.assertEqual(host.opacities()[22], round(255 * 0.45))
+        self.assertEqual(host.property("IconName"), "com.brevandel.nubble-hidden-symbolic")
         nubble.run()  # shown from elsewhere
         eventually(lambda: host.tool_tip() == "Hide Nubble", "the item follows the panel")
         self.assertEqual(host.opacities()[22], 255)
@@ -48,12 +51,10 @@ class OnADesktopThatDrawsIt(DesktopTest):
             [shown(entry) for entry in menu[:6]],
             ["Search Chats… Control+Alt+Space", "-", "[x] Hide Notch", "-", "[ ] Lock Position",
              "Move to Edge {[x] Right, [ ] Left, [ ] Top, [ ] Bottom}"])
-        self.assertEqual(
-            shown(find(menu, "Quenwick")), "[ ] Quenwick — Needs the Quenwick app, opened at least once.")
+        self.assertEqual(shown(find(menu, "Quenwick")), "[ ] Quenwick — Needs the Quenwick app, opened at least once.")
         host.choose(menu, "Search Chats")
         eventually(lambda: host.messages, "the refusal is told")
-        self.assertEqual(
-            host.messages, [("Search Chats", 'This version has nothing to open for "Search Chats" yet.')])
+        self.assertEqual(host.messages, [("Search Chats", 'This version has nothing to open for "Search Chats" yet.')])
         host.choose(menu, "Lock Position")
         nubble.until_panel(locked=True)
         eventually(
@@ -63,15 +64,6 @@ class OnADesktopThatDrawsIt(DesktopTest):
         self.assertEqual(host.open_menu(), menu)  # the same entries while nothing has changed
         self.assertEqual(
             shown(find(menu, "Move to Edge")), "Move to Edge {([x] Right), ([ ] Left), ([ ] Top), ([ ] Bottom)}")
-
-    def test_names_the_installed_icons_which_desktops_colour_themselves(self):
-        (self.home.path / "share").mkdir()
-        (self.home.path / "share/icons").symlink_to(ICONS)
-        _, host = self.start(XDG_DATA_DIRS=f"{self.home.path}/share:/usr/share")
-        self.assertEqual(host.property("IconName"), "com.brevandel.nubble-symbolic")
-        host.click()
-        eventually(
-            lambda: host.property("IconName") == "com.brevandel.nubble-hidden-symbolic", "the dim icon is named")
 
     def test_switches_an_addon_by_a_restart_and_quits(self):
         nubble, host = self.start()
@@ -86,20 +78,12 @@ class OnADesktopThatDrawsIt(DesktopTest):
 
 
 class InAnX11Tray(DesktopTest):
-    @classmethod
-    def setUpClass(cls):
-        super().setUpClass()
-        cls.desktop.backdrop.window.configure(stack_mode=X.Below)
-
     def start_tray(self):
         tray = self.desktop.start(
             "trayer", "--edge", "bottom", "--align", "left", "--widthtype", "request", "--height", "32")
-        self.addCleanup(self.end_tray, tray)
+        self.addCleanup(tray.wait)
+        self.addCleanup(tray.kill)
         return tray
-
-    def end_tray(self, tray):
-        tray.kill()
-        tray.wait()
 
     def icon(self):
         """The rectangle of the icon on the screen, once it is embedded."""
@@ -121,7 +105,8 @@ class InAnX11Tray(DesktopTest):
         nubble = self.start_nubble()
         tray = self.start_tray()
         self.icon()
-        self.end_tray(tray)
+        tray.kill()
+        tray.wait()
         self.start_tray()
         x, y, width, height = icon = self.icon()
         contrast = eventually(lambda: self.contrast(icon), "the icon is drawn")
