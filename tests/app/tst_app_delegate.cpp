@@ -1,10 +1,10 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QSignalSpy>
 #include <QTest>
 
+#include <filesystem>
 #include <unistd.h>
 
 #include "AppDelegate.h"
@@ -17,24 +17,25 @@ using namespace nubble;
 
 namespace {
 
-// The whole program but for its window, which is a plain one, in a home of its own on a session bus of its
-// own.
+// The whole program but for its window, which is a plain one, in a home and on a session bus of its own.
 struct Program {
     explicit Program(const QByteArray &preferences = {})
+        : file(home.write(u".config/com.brevandel.nubble.conf"_s, "[General]\n" + preferences)),
+          delegate(home.home(), bus, Relaunch{u"/bin/true"_s, {}})
     {
-        home.write(u".config/com.brevandel.nubble.conf"_s, "[General]\n" + preferences);
-        delegate.emplace(home.home(), bus, Relaunch{u"/bin/true"_s, {}});
         for (const Addon addon : allAddons)
-            delegate->commands().setHandler(addon, [this](const AddonRequest &request) {
+            commands.setHandler(addon, [this](const AddonRequest &request) {
                 requests.append(request);
                 return Outcome::failed(u"Tried"_s);
             });
     }
 
     TemporaryHome home;
+    QString file;
     FakeInstanceBus bus;
     QList<AddonRequest> requests;
-    std::optional<AppDelegate> delegate;
+    AppDelegate delegate;
+    AppCommands &commands = delegate.commands();
 };
 
 void broadcast(const QString &name, const QVariantMap &userInfo)
@@ -53,89 +54,69 @@ private Q_SLOTS:
     void otherProgramsReachOnlyTheAddonsThatAreOn()
     {
         using Action = AddonRequest::Action;
-        {
-            Program program("addon.ask=true\naddon.search=true\n");
-            broadcast(u"notes"_s, {{u"action"_s, u"stop"_s}});
-            broadcast(u"ask"_s, {{u"question"_s, u"Why?"_s}}); // comes after the other
-            QTRY_VERIFY(!program.requests.isEmpty());
-            QCOMPARE(program.requests, (QList<AddonRequest>{{Action::AskClaude, u"Why?"_s}}));
-        }
         Program program("addon.notes=true\n");
         broadcast(u"ask"_s, {});
-        broadcast(u"notes"_s, {{u"action"_s, u"stop"_s}});
+        broadcast(u"notes"_s, {{u"action"_s, u"stop"_s}}); // comes after the other
         QTRY_VERIFY(!program.requests.isEmpty());
         QCOMPARE(program.requests, QList<AddonRequest>{{Action::StopNotes}});
-
-        AppCommands &commands = program.delegate->commands();
-        QVERIFY(
-            commands.performFromOutside({Action::SearchChats}).why().contains(u"\"Search Chats\" is off"_s));
-        QCOMPARE(commands.performFromOutside({Action::StartNotes}).why(), u"Tried"_s);
+        const QSignalSpy refused(&program.commands, &AppCommands::refused);
+        program.commands.request({Action::SearchChats}); // the program's own are not asked who they are
         QCOMPARE(program.requests.size(), 2);
-        const QSignalSpy refused(&commands, &AppCommands::refused);
-        commands.request({Action::SearchChats}); // the program's own are not asked who they are
-        QCOMPARE(program.requests.size(), 3);
         QCOMPARE(refused.count(), 1);
     }
 
-    void refreshingReadsSessionsTranscriptsAndUsageAgain()
+    void refreshingReadsSessionsAndTheirTranscriptsAgain()
     {
         Program program;
-        AppCommands &commands = program.delegate->commands();
+        AppCommands &commands = program.commands;
         QCOMPARE(commands.status()[u"sessions"_s].toArray(), QJsonArray());
         program.home.write(
             u".claude/sessions/1.json"_s,
-            QJsonDocument(QJsonObject{
-                              {u"pid"_s, ::getpid()},
-                              {u"sessionId"_s, u"one"_s},
-                              {u"cwd"_s, u"/work"_s},
-                              {u"startedAt"_s, 0}})
-                .toJson());
-        const QString transcript = u".claude/projects/-work/one.jsonl"_s;
-        program.home.write(transcript, "{\"type\":\"ai-title\",\"aiTitle\":\"A title\"}\n");
-        commands.refreshAll();
+            "{\"sessionId\":\"one\",\"cwd\":\"/work\",\"pid\":" + QByteArray::number(::getpid())
+                + ",\"startedAt\":0}");
+        const auto write = [&program](char end) {
+            const QByteArray title = "{\"type\":\"ai-title\",\"aiTitle\":\"";
+            const QByteArray text = title + "A title\"}\n" + title + "Another\"}" + end;
+            return program.home.write(u".claude/projects/-work/one.jsonl"_s, text).toStdString();
+        };
         const auto title = [&commands] { return commands.status()[u"sessions"_s][0][u"title"_s].toString(); };
+        const std::string transcript = write(' ');
+        const auto date = std::filesystem::last_write_time(transcript);
+        commands.refreshAll();
         QCOMPARE(commands.status()[u"sessions"_s].toArray().size(), 1); // without waiting for the next poll
         QTRY_COMPARE(title(), u"A title"_s);
-        QVERIFY(!commands.status()[u"usage"_s][u"problem"_s].toString().isEmpty());
+        write('\n');
+        std::filesystem::last_write_time(transcript, date);
+        commands.refreshAll(); // even of what seems not to have changed
+        QTRY_COMPARE(title(), u"Another"_s);
     }
 
-    void theStatusTellsOfEveryPart()
-    {
-        Program program("placement.edge=top\nplacement.visible=false\n");
-        AppCommands &commands = program.delegate->commands();
-        QCOMPARE(
-            commands.status().keys(),
-            QStringList({u"activity"_s, u"panel"_s, u"sessions"_s, u"source"_s, u"usage"_s}));
-        commands.openCard(PanelMode::sessions());
-        QCOMPARE(
-            commands.status()[u"panel"_s].toObject(),
-            (QJsonObject{
-                {u"mode"_s, u"sessions"_s},
-                {u"edge"_s, u"top"_s},
-                {u"offset"_s, 0},
-                {u"locked"_s, false},
-                {u"visible"_s, true}}));
-        commands.openCard(PanelMode::sessions()); // does not close it
-        QCOMPARE(commands.status()[u"panel"_s][u"mode"_s].toString(), u"sessions"_s);
-    }
-
-    void openingTheSessionsCardReadsThePlansUsage()
+    void openingTheSessionsCardReadsThePlansUsageAndRefreshingListsTheCacheAgain()
     {
         Program program;
-        AppCommands &commands = program.delegate->commands();
-        const auto usage = [&commands]() -> QJsonValue { return commands.status()[u"usage"_s]; };
-        QTRY_VERIFY(usage()[u"problem"_s].isString()); // the first read has found nothing
+        const auto status = [&program](const QString &part) -> QJsonValue {
+            return program.commands.status()[part];
+        };
+        const auto percent = [&] { return 100 * status(u"usage"_s)[u"session"_s][u"fraction"_s].toDouble(); };
+        QTRY_VERIFY(status(u"usage"_s)[u"problem"_s].isString()); // the first read has found nothing
         program.home.write(u".config/Claude/Cache/Cache_Data/a_0"_s, UsageCache::usageEntry(42));
-        commands.openCard(PanelMode::sessions());
-        QTRY_COMPARE_WITH_TIMEOUT(
-            usage()[u"session"_s][u"fraction"_s].toDouble(), 0.42, 9000); // before its timer
+        program.commands.openCard(PanelMode::sessions());
+        QTRY_COMPARE_WITH_TIMEOUT(percent(), 42, 9000); // before its timer
+        program.home.write(u".config/Claude/Cache/Cache_Data/b_0"_s, UsageCache::usageEntry(43));
+        program.commands.refreshAll();
+        QTRY_COMPARE(percent(), 43);
+        program.commands.openCard(PanelMode::sessions()); // does not close it
+        QCOMPARE(status(u"panel"_s)[u"mode"_s].toString(), u"sessions"_s);
+        QCOMPARE(
+            program.commands.status().keys(),
+            QStringList({u"activity"_s, u"panel"_s, u"sessions"_s, u"source"_s, u"usage"_s}));
     }
 
     void aRestartGivesTheNameUpOnce()
     {
         Program program;
-        program.delegate->commands().toggleAddon(Addon::Search);
-        program.delegate->commands().restart();
+        program.commands.toggleAddon(Addon::Search);
+        program.commands.restart();
         QCOMPARE(program.bus.releases, 1);
     }
 };

@@ -28,71 +28,49 @@ class TestCommandLine : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        m_home.write(u"sub/file"_s, "");
-        m_before = QDir::currentPath();
-        QVERIFY(QFile::link(m_home.path(u"sub"_s), m_home.path(u"link"_s)));
-        QVERIFY(QDir::setCurrent(m_home.path(QString())));
-    }
-    void cleanupTestCase() { QDir::setCurrent(m_before); }
-
-    // HOME stands for an absolute path; arguments are parted by a bar.
-    void itIsUnderstoodOrRefusedInOneLine_data()
-    {
-        QTest::addColumn<QString>("arguments");
-        QTest::addColumn<QString>("meaning");
-        const auto row = [](const char16_t *arguments, const char16_t *meaning) {
-            const QString text = QString::fromUtf16(arguments);
-            QTest::newRow(text.isEmpty() ? "nothing" : qPrintable(text))
-                << text << QString::fromUtf16(meaning);
-        };
-        row(u"", u"run");
-        row(u"notes|start", u"notes start");
-        row(u"autostart|off", u"autostart off");
-        row(u"status|--json", u"status json");
-        row(u"--json|status", u"status json");
-        row(u"--bogus|-h", u"help");
-        row(u"--version", u"version");
-
-        row(u"ask", u"ask");
-        row(u"ask||", u"ask");
-        row(u"ask|what is|this?", u"ask [what is this?]");
-        row(u"ask|hide", u"ask [hide]");
-        row(u"ask|--|--json|--|-h", u"ask [--json -- -h]");
-        row(u"--|show", u"show");
-
-        row(u"--home|HOME/./sub/../sub", u"run in HOME/sub");
-        row(u"--home|link", u"run in HOME/sub");
-        row(u"status|--home|sub|--json", u"status json in HOME/sub");
-        row(u"ask|--home=sub|why", u"ask [why] in HOME/sub");
-        row(u"--home", u"error: Missing value after '--home'. See nubble --help.");
-        row(u"--home|--json|status", u"error: --home needs an existing folder. See nubble --help.");
-        row(u"--home|sub/file", u"error: --home needs an existing folder. See nubble --help.");
-
-        row(u"--json", u"error: --json belongs to the command \"status\". See nubble --help.");
-        row(u"ask|-v", u"error: Unknown option 'v'. See nubble --help.");
-        row(u"-session|1", u"error: Unknown option 'session'. See nubble --help.");
-        row(u"Status", u"error: There is no command \"Status\". See nubble --help.");
-        row(u"status|sessions", u"error: There is no command \"status sessions\". See nubble --help.");
-        row(u"notes", u"error: \"notes\" needs \"start\" or \"stop\". See nubble --help.");
-        row(u"--home|sub|", u"error: There is no command \"\". See nubble --help.");
-    }
-
     void itIsUnderstoodOrRefusedInOneLine()
     {
-        QFETCH(QString, arguments);
-        QFETCH(QString, meaning);
-        const QString home = QDir::currentPath();
-        arguments.replace(u"HOME"_s, home);
-        meaning.replace(u"HOME"_s, home);
-        QCOMPARE(
-            shown(parseCommandLine(arguments.isEmpty() ? QStringList() : arguments.split(u'|'))), meaning);
+        const TemporaryHome home;
+        home.write(u"sub/file"_s, "");
+        QVERIFY(QFile::link(home.path(u"sub"_s), home.path(u"link"_s)));
+        QVERIFY(QDir::setCurrent(home.path({})));
+        // HOME stands for an absolute path; arguments are parted by a bar.
+        const std::pair<QString, QString> cases[]{
+            {u""_s, u"run"_s},
+            {u"notes|start"_s, u"notes start"_s},
+            {u"autostart|off"_s, u"autostart off"_s},
+            {u"status|--json"_s, u"status json"_s},
+            {u"--json|status"_s, u"status json"_s},
+            {u"--bogus|-h"_s, u"help"_s},
+            {u"--version"_s, u"version"_s},
+            {u"ask"_s, u"ask"_s},
+            {u"ask||"_s, u"ask"_s},
+            {u"ask|what is|this?"_s, u"ask [what is this?]"_s},
+            {u"ask|hide"_s, u"ask [hide]"_s},
+            {u"ask|--|--json|--|-h"_s, u"ask [--json -- -h]"_s},
+            {u"--|show"_s, u"show"_s},
+            {u"--home|HOME/./sub/../sub"_s, u"run in HOME/sub"_s},
+            {u"--home|link"_s, u"run in HOME/sub"_s},
+            {u"status|--home|sub|--json"_s, u"status json in HOME/sub"_s},
+            {u"ask|--home=sub|why"_s, u"ask [why] in HOME/sub"_s},
+            {u"--home"_s, u"error: Missing value after '--home'. See nubble --help."_s},
+            {u"--home|--json|status"_s, u"error: --home needs an existing folder. See nubble --help."_s},
+            {u"--home|sub/file"_s, u"error: --home needs an existing folder. See nubble --help."_s},
+            {u"--json"_s, u"error: --json belongs to the command \"status\". See nubble --help."_s},
+            {u"ask|-v"_s, u"error: Unknown option 'v'. See nubble --help."_s},
+            {u"-session|1"_s, u"error: Unknown option 'session'. See nubble --help."_s},
+            {u"Status"_s, u"error: There is no command \"Status\". See nubble --help."_s},
+            {u"status|sessions"_s, u"error: There is no command \"status sessions\". See nubble --help."_s},
+            {u"notes"_s, u"error: \"notes\" needs \"start\" or \"stop\". See nubble --help."_s},
+            {u"--home|sub|"_s, u"error: There is no command \"\". See nubble --help."_s},
+        };
+        for (auto [arguments, meaning] : cases) {
+            for (QString *text : {&arguments, &meaning})
+                text->replace(u"HOME"_s, QDir::currentPath());
+            const QStringList words = arguments.isEmpty() ? QStringList() : arguments.split(u'|');
+            QCOMPARE(arguments + u": "_s + shown(parseCommandLine(words)), arguments + u": "_s + meaning);
+        }
     }
-
-private:
-    TemporaryHome m_home;
-    QString m_before;
 };
 
 QTEST_GUILESS_MAIN(TestCommandLine)

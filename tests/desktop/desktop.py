@@ -1,10 +1,7 @@
-"""A desktop of the test's own: X server, window manager, session bus.
+"""A desktop of the test's own: X server, window manager, session bus. What has been started here ends by its process id;
+what it leaves behind becomes a child of the test (it is a subreaper) and ends with it. Nothing waits for a fixed time."""
 
-Everything is started here and ended by its process id; what a started program leaves behind becomes a child of the
-test (it is a subreaper) and is ended with it. Nothing waits for a fixed time: `eventually` looks until a condition
-holds.
-"""
-
+import contextlib
 import ctypes
 import os
 import pathlib
@@ -26,53 +23,38 @@ BACKDROP = (48, 96, 160)
 ctypes.CDLL(None).prctl(36, 1)  # PR_SET_CHILD_SUBREAPER
 
 
-def eventually(condition, what, patience=PATIENCE, pause=0.02):
+def eventually(condition, what):
     """The first true value that `condition` returns."""
-    deadline = time.monotonic() + patience
-    while True:
-        value = condition()
-        if value:
-            return value
+    deadline = time.monotonic() + PATIENCE
+    while not (value := condition()):
         if time.monotonic() > deadline:
-            raise AssertionError(f"not within {patience:g} s: {what() if callable(what) else what}")
-        time.sleep(pause)
+            raise AssertionError(f"not within {PATIENCE:g} s: {what() if callable(what) else what}")
+        time.sleep(0.02)
+    return value
 
 
 def descendants(pid):
-    children = {}
+    parents = {}
     for entry in pathlib.Path("/proc").glob("[0-9]*/stat"):
-        try:
-            fields = entry.read_text().rpartition(")")[2].split()
-        except OSError:
-            continue
-        children.setdefault(int(fields[1]), []).append(int(entry.parent.name))
-    found = []
-    waiting = [pid]
-    while waiting:
-        below = children.get(waiting.pop(), [])
-        found += below
-        waiting += below
-    return found
+        with contextlib.suppress(OSError):
+            parents[int(entry.parent.name)] = int(entry.read_text().rpartition(")")[2].split()[1])
+    found = [pid]
+    for each in found:
+        found += [child for child, parent in parents.items() if parent == each]
+    return found[1:]
 
 
 def end(process):
     process.terminate()
-    try:
-        return process.wait(PATIENCE)
-    except subprocess.TimeoutExpired:
-        process.kill()
-        process.wait()
-        raise
+    return process.wait(PATIENCE)
 
 
 def end_descendants():
     def none_left():
         for pid in descendants(os.getpid()):
-            try:
+            with contextlib.suppress(ProcessLookupError, ChildProcessError):
                 os.kill(pid, signal.SIGKILL)
                 os.waitpid(pid, os.WNOHANG)
-            except (ProcessLookupError, ChildProcessError):
-                pass
         return not descendants(os.getpid())
 
     eventually(none_left, "every started process has ended")
@@ -82,29 +64,26 @@ class Window:
     """A client window that notes the buttons pressed on it."""
 
     def __init__(self, desktop, x, y, width, height, *, managed):
-        self.desktop = desktop
-        screen = desktop.display.screen()
+        self.display = desktop.display
+        screen = self.display.screen()
         red, green, blue = BACKDROP
         self.window = screen.root.create_window(
             x, y, width, height, 0, screen.root_depth, background_pixel=red << 16 | green << 8 | blue,
             override_redirect=not managed, event_mask=X.ButtonPressMask)
-        self.window.set_wm_name("Test window")
         self.window.map()
-        desktop.display.sync()
+        self.display.sync()
 
     def clicks(self):
         """Where it has been clicked since the last call, on the screen."""
-        self.desktop.display.sync()
-        found = []
-        for _ in range(self.desktop.display.pending_events()):
-            event = self.desktop.display.next_event()
-            if event.type == X.ButtonPress and event.window == self.window:
-                found.append((event.root_x, event.root_y))
-        return found
+        self.display.sync()
+        events = [self.display.next_event() for _ in range(self.display.pending_events())]
+        return [
+            (event.root_x, event.root_y) for event in events
+            if event.type == X.ButtonPress and event.window == self.window]
 
     def close(self):
         self.window.destroy()
-        self.desktop.display.sync()
+        self.display.sync()
 
 
 class Desktop:
@@ -112,25 +91,23 @@ class Desktop:
 
     def __init__(self):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="nubble-desktop-"))
-        self.folder.chmod(0o700)
         self.env = {
             "PATH": os.environ["PATH"], "LANG": "C.UTF-8", "HOME": str(self.folder),
             "XDG_RUNTIME_DIR": str(self.folder), "NO_AT_BRIDGE": "1", "QT_QPA_PLATFORM": "xcb"}
         self.env |= {key: value for key, value in os.environ.items() if key.endswith("SAN_OPTIONS")}
         self.services = []
-        number = self._announced(
-            "Xvfb", "-displayfd", "3", "-screen", "0", "%dx%dx24" % SCREEN, "-dpi", "96", "-nolisten", "tcp",
-            "-noreset")
-        self.env["DISPLAY"] = ":" + number
+        self.env["DISPLAY"] = ":" + self._announced(
+            "Xvfb", "-displayfd", "FD", "-screen", "0", "%dx%dx24" % SCREEN, "-dpi", "96", "-noreset")
         self.env["DBUS_SESSION_BUS_ADDRESS"] = self._announced(
-            "dbus-daemon", "--session", "--nofork", "--print-address=3")
+            "dbus-daemon", "--session", "--nofork", "--print-address=FD")
         self.display = display.Display(self.env["DISPLAY"])
         self.root = self.display.screen().root
         self.services.append(self.start("openbox", "--sm-disable"))
-        eventually(lambda: self._property(self.root, "_NET_CLIENT_LIST") is not None, "openbox runs")
+        eventually(lambda: self.property("_NET_SUPPORTING_WM_CHECK"), "openbox runs")
         if COMPOSITED:
             self.services.append(self.start_compositor())
         self.backdrop = Window(self, 0, 0, *SCREEN, managed=False)
+        self.backdrop.window.configure(stack_mode=X.Below)  # of trays too
 
     def close(self):
         self.display.close()
@@ -143,9 +120,11 @@ class Desktop:
         shutil.rmtree(self.folder, ignore_errors=True)
 
     def start(self, *command, **options):
-        options.setdefault("stdout", subprocess.DEVNULL)
-        options.setdefault("stderr", subprocess.DEVNULL)
-        return subprocess.Popen(command, stdin=subprocess.DEVNULL, env=self.env, **options)
+        quiet = {"stdin": subprocess.DEVNULL, "stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL}
+        return subprocess.Popen(command, env=self.env, **(quiet | options))
+
+    def run(self, *command):
+        subprocess.run(command, env=self.env, check=True, timeout=PATIENCE, stdout=subprocess.DEVNULL)
 
     def start_compositor(self):
         compositor = self.start("picom", "--config", "/dev/null", "--backend", "xrender")
@@ -154,24 +133,15 @@ class Desktop:
         return compositor
 
     def _announced(self, *command):
-        """Starts a program that writes one line to descriptor 3."""
+        """Starts a program that writes one line to the descriptor that it is given for FD."""
         reading, writing = os.pipe()
-
-        def give_descriptor():
-            os.dup2(writing, 3)
-
-        os.set_inheritable(writing, True)
-        self.services.append(subprocess.Popen(
-            command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, env=self.env,
-            close_fds=False, preexec_fn=give_descriptor))
+        words = [word.replace("FD", str(writing)) for word in command]
+        self.services.append(self.start(*words, pass_fds=[writing]))
         os.close(writing)
         with os.fdopen(reading) as announcement:
             return announcement.readline().strip()
 
-    # What is on the screen
-
     def pixels(self, x, y, width, height):
-        """Rows of colours."""
         raw = self.root.get_image(x, y, width, height, X.ZPixmap, 0xFFFFFFFF).data
         return [
             [(raw[at + 2], raw[at + 1], raw[at]) for at in range(row * width * 4, (row + 1) * width * 4, 4)]
@@ -180,46 +150,24 @@ class Desktop:
     def pixel(self, x, y):
         return self.pixels(int(x), int(y), 1, 1)[0][0]
 
-    # Windows
+    def property(self, name):
+        answer = self.root.get_full_property(self.display.intern_atom(name), X.AnyPropertyType)
+        return list(answer.value) if answer else []
 
-    def _property(self, window, name):
-        answer = window.get_full_property(self.display.intern_atom(name), X.AnyPropertyType)
-        return answer.value if answer else None
-
-    def active_window(self):
-        value = self._property(self.root, "_NET_ACTIVE_WINDOW")
-        return value[0] if value is not None and len(value) else 0
-
-    def client_windows(self):
-        return list(self._property(self.root, "_NET_CLIENT_LIST") or [])
-
-    def window_of(self, process):
-        """The managed window of a process, once it is there."""
-        def find():
-            for identifier in self.client_windows():
-                pid = self._property(self.display.create_resource_object("window", identifier), "_NET_WM_PID")
-                if pid is not None and pid[0] == process.pid:
-                    return identifier
-            return None
-
-        return eventually(find, "the window of " + str(process.args))
+    def until_active(self, window):
+        eventually(lambda: self.property("_NET_ACTIVE_WINDOW") == [window], "the window is the active one")
 
     def nubble_windows(self, parent=None):
         """The program's windows that are shown, at the top or embedded in others, as (window, parent, geometry)."""
         parent = parent or self.root
         found = []
-        try:
-            children = parent.query_tree().children
-        except BadWindow:  # it has just gone
-            children = []
-        for window in children:
-            try:
-                shown = window.get_attributes().map_state == X.IsViewable
-                if shown and (window.get_wm_class() or [""])[0] == "nubble":
-                    found.append((window, parent, window.get_geometry()))
-            except (BadWindow, BadDrawable):
-                continue
-            found += self.nubble_windows(window)
+        with contextlib.suppress(BadWindow):  # it has just gone
+            for window in parent.query_tree().children:
+                with contextlib.suppress(BadWindow, BadDrawable):
+                    shown = window.get_attributes().map_state == X.IsViewable
+                    if shown and (window.get_wm_class() or [""])[0] == "nubble":
+                        found.append((window, parent, window.get_geometry()))
+                    found += self.nubble_windows(window)
         return found
 
     def menus(self):
@@ -241,43 +189,29 @@ class Desktop:
         eventually(lambda: self.menus() and self._is_keyboard_held(), "the menu is open")
         return self.menus()[0]
 
-    def current_desktop(self):
-        return self._property(self.root, "_NET_CURRENT_DESKTOP")[0]
+    def until_no_menu(self):
+        eventually(lambda: not self.menus(), "the menu is closed")
 
-    def run(self, *command):
-        subprocess.run(command, env=self.env, check=True, timeout=PATIENCE, stdout=subprocess.DEVNULL)
-
-    # What a user does
+    def _fake(self, event, detail=0, **position):
+        xtest.fake_input(self.display, event, detail, **position)
+        self.display.sync()
 
     def move_pointer(self, x, y):
-        xtest.fake_input(self.display, X.MotionNotify, x=round(x), y=round(y))
-        self.display.sync()
-
-    def press(self, button=1):
-        xtest.fake_input(self.display, X.ButtonPress, button)
-        self.display.sync()
-
-    def release(self, button=1):
-        xtest.fake_input(self.display, X.ButtonRelease, button)
-        self.display.sync()
+        self._fake(X.MotionNotify, x=round(x), y=round(y))
 
     def click(self, x, y, button=1):
-        self.move_pointer(x, y)
-        self.press(button)
-        self.release(button)
+        self.drag((x, y), (x, y), button, steps=0)
 
-    def drag(self, start, to):
+    def drag(self, start, to, button=1, steps=10):
         self.move_pointer(*start)
-        self.press()
-        for step in range(1, 11):
-            self.move_pointer(*(a + (b - a) * step / 10 for a, b in zip(start, to)))
-        self.release()
+        self._fake(X.ButtonPress, button)
+        for step in range(1, steps + 1):
+            self.move_pointer(*(a + (b - a) * step / steps for a, b in zip(start, to)))
+        self._fake(X.ButtonRelease, button)
 
     def key(self, *names):
         """The last key, while the ones before it are held."""
         codes = [self.display.keysym_to_keycode(XK.string_to_keysym(name)) for name in names]
-        for code in codes:
-            xtest.fake_input(self.display, X.KeyPress, code)
-        for code in reversed(codes):
-            xtest.fake_input(self.display, X.KeyRelease, code)
-        self.display.sync()
+        for event, order in ((X.KeyPress, codes), (X.KeyRelease, reversed(codes))):
+            for code in order:
+                self._fake(event, code)

@@ -1,5 +1,6 @@
 """The program as tests run it: in a home of its own, on the class's desktop."""
 
+import contextlib
 import json
 import os
 import pathlib
@@ -9,7 +10,7 @@ import tempfile
 import time
 import unittest
 
-from desktop import PATIENCE, SCREEN, Desktop, descendants, end, eventually
+from desktop import PATIENCE, SCREEN, Desktop, Window, descendants, end, eventually
 
 PROGRAM = os.environ.get("NUBBLE_PROGRAM", "")
 
@@ -35,25 +36,16 @@ class Home:
         whole.write_text(json.dumps(record))
         whole.rename(whole.with_suffix(""))
 
-    def transcript(self, session, title, prompt, cwd="/tmp/garden"):
-        folder = self.path / ".claude/projects" / cwd.replace("/", "-")
-        folder.mkdir(parents=True, exist_ok=True)
-        lines = [
-            {"type": "ai-title", "aiTitle": title, "sessionId": session},
-            {"type": "last-prompt", "lastPrompt": prompt, "sessionId": session}]
-        text = "".join(json.dumps(line, separators=(",", ":")) + "\n" for line in lines)
-        (folder / f"{session}.jsonl").write_text(text)
+    def transcript(self, session, title, prompt):
+        file = self.path / f".claude/projects/-tmp-garden/{session}.jsonl"
+        file.parent.mkdir(parents=True, exist_ok=True)
+        file.write_text(
+            f'{{"type":"ai-title","aiTitle":"{title}","sessionId":"{session}"}}\n'
+            f'{{"type":"last-prompt","lastPrompt":"{prompt}","sessionId":"{session}"}}\n')
 
     def preferences(self, **values):
         text = "[General]\n" + "".join(f"{key}={value}\n" for key, value in values.items())
         (self.path / ".config/com.brevandel.nubble.conf").write_text(text.replace("_", "."))
-
-
-def run_nubble(*arguments, env):
-    """One run of the program that ends by itself."""
-    return subprocess.run(
-        [PROGRAM, *arguments], stdin=subprocess.DEVNULL, env=env, capture_output=True, text=True, timeout=PATIENCE,
-        check=False)
 
 
 class Nubble:
@@ -71,8 +63,11 @@ class Nubble:
             [PROGRAM, *self.home], stdin=subprocess.DEVNULL, stderr=stderr, env=self.desktop.env | env)
         eventually(self.is_running, "the program answers")
 
-    def run(self, *arguments):
-        return run_nubble(*self.home, *arguments, env=self.desktop.env)
+    def run(self, *arguments, env=None):
+        """Another process, which ends by itself."""
+        return subprocess.run(
+            [PROGRAM, *self.home, *arguments], stdin=subprocess.DEVNULL, env=env or self.desktop.env,
+            capture_output=True, text=True, timeout=PATIENCE, check=False)
 
     def status(self):
         return json.loads(self.run("status", "--json").stdout)
@@ -84,20 +79,16 @@ class Nubble:
         return self.status().get("panel", {})
 
     def until_panel(self, **wanted):
-        eventually(
-            lambda: wanted.items() <= self.panel().items(), lambda: f"panel {wanted}, it is {self.panel()}")
+        eventually(lambda: wanted.items() <= self.panel().items(), lambda: f"panel {wanted}, it is {self.panel()}")
 
     def instances(self):
         """The process ids of this home's instances, however they were started."""
         found = []
         for pid in descendants(os.getpid()):
-            try:
-                arguments = pathlib.Path(f"/proc/{pid}/cmdline").read_bytes().split(b"\0")[:-1]
-            except OSError:
-                continue
-            command = [each.decode() for each in arguments]
-            if command[:3] == [PROGRAM, *self.home] and command[3:] in ([], ["start"]):
-                found.append(pid)
+            with contextlib.suppress(OSError):
+                command = pathlib.Path(f"/proc/{pid}/cmdline").read_text(errors="replace").split("\0")[:-1]
+                if command[:3] == [PROGRAM, *self.home] and command[3:] in ([], ["start"]):
+                    found.append(pid)
         return found
 
     def ring(self):
@@ -108,12 +99,14 @@ class Nubble:
         self.desktop.click(*self.ring())
         self.until_panel(mode="sessions")
 
+    def open_for_keyboard(self):
+        self.run("sessions")
+        self.until_panel(mode="sessions")
+
     def wait(self):
-        """Until it has ended, for its exit status."""
         return self.process.wait(PATIENCE)
 
     def processor_time(self):
-        """Seconds, whatever else the machine does."""
         fields = pathlib.Path(f"/proc/{self.process.pid}/stat").read_text().rpartition(")")[2].split()
         return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
 
@@ -121,7 +114,6 @@ class Nubble:
         return end(self.process)
 
     def end_all(self):
-        """Every instance, whoever has started it."""
         if self.process:
             self.quit()
         for pid in self.instances():
@@ -142,18 +134,41 @@ class DesktopTest(unittest.TestCase):
         self.desktop.move_pointer(400, 700)
         self.desktop.backdrop.clicks()
 
-    def start_nubble(self, **env):
+    def nubble(self):
+        """This home's program, which does not run yet."""
         nubble = Nubble(self.desktop, self.home)
         self.addCleanup(nubble.end_all)
+        return nubble
+
+    def start_nubble(self, **env):
+        nubble = self.nubble()
         nubble.start(**env)
         return nubble
 
     def start_terminal(self):
-        """An xterm whose shell runs a sleeping process. Returns the xterm and that process's id."""
+        """An xterm whose shell runs a sleeping process. Returns its window and that process's id."""
         note = pathlib.Path(tempfile.mkdtemp(dir=self.desktop.folder)) / "pid"
         terminal = self.desktop.start(
             "xterm", "-geometry", "60x12+40+40", "-e", "sh", "-c",
-            f"sleep 1000 & echo $! > {note}.new; mv {note}.new {note}; wait")
+            f"sleep 1000 & echo $WINDOWID $! > {note}.new; mv {note}.new {note}; wait")
         self.addCleanup(end, terminal)
         eventually(note.exists, "the process in the terminal runs")
-        return terminal, int(note.read_text())
+        window, pid = map(int, note.read_text().split())
+        eventually(lambda: window in self.desktop.property("_NET_CLIENT_LIST"), "its window is there")
+        return window, pid
+
+
+class TerminalTest(DesktopTest):
+    """Each test has a terminal with a process, and another window that is the active one."""
+
+    def setUp(self):
+        super().setUp()
+        self.terminal, self.pid = self.start_terminal()
+        window = Window(self.desktop, 60, 420, 300, 200, managed=True)
+        self.addCleanup(window.close)
+        self.other = window.window.id
+        self.activate(self.other)
+
+    def activate(self, window):
+        self.desktop.run("wmctrl", "-i", "-a", hex(window))
+        self.desktop.until_active(window)

@@ -7,17 +7,24 @@ from gi.repository import Gio, GLib
 WATCHER = "org.kde.StatusNotifierWatcher"
 ITEM = "org.kde.StatusNotifierItem"
 MENU = "com.canonical.dbusmenu"
+MESSAGES = "org.freedesktop.Notifications"
 
-INTERFACE = Gio.DBusNodeInfo.new_for_xml(f"""
+INTERFACES = Gio.DBusNodeInfo.new_for_xml(f"""
 <node><interface name="{WATCHER}">
   <method name="RegisterStatusNotifierItem"><arg type="s" direction="in"/></method>
-  <method name="RegisterStatusNotifierHost"><arg type="s" direction="in"/></method>
   <property name="RegisteredStatusNotifierItems" type="as" access="read"/>
   <property name="IsStatusNotifierHostRegistered" type="b" access="read"/>
   <property name="ProtocolVersion" type="i" access="read"/>
-  <signal name="StatusNotifierItemRegistered"><arg type="s"/></signal>
-  <signal name="StatusNotifierHostRegistered"/>
-</interface></node>""").interfaces[0]
+</interface><interface name="{MESSAGES}">
+  <method name="Notify">
+    {"".join(f'<arg type="{each}" direction="in"/>' for each in ("s", "u", "s", "s", "s", "as", "a{sv}", "i"))}
+    <arg type="u" direction="out"/></method>
+</interface></node>""").interfaces
+
+
+def connect(address):
+    flags = Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION
+    return Gio.DBusConnection.new_for_address_sync(address, flags, None, None)
 
 
 class StatusItemHost:
@@ -25,6 +32,7 @@ class StatusItemHost:
 
     def __init__(self, address):
         self.items = []  # bus names, in the order of their registration
+        self.messages = []  # title and text
         ready = threading.Event()
         self._context = GLib.MainContext()
         self._loop = GLib.MainLoop(self._context)
@@ -34,23 +42,23 @@ class StatusItemHost:
 
     def _serve(self, address, ready):
         self._context.push_thread_default()
-        flags = (
-            Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION)
-        self.bus = Gio.DBusConnection.new_for_address_sync(address, flags, None, None)
-        self.bus.register_object("/StatusNotifierWatcher", INTERFACE, self._on_call, self._on_get, None)
-        self._bus_call("RequestName", GLib.Variant("(su)", (WATCHER, 0)))
+        self.bus = connect(address)
+        for interface in INTERFACES:
+            path = "/StatusNotifierWatcher" if interface.name == WATCHER else "/org/freedesktop/Notifications"
+            self.bus.register_object(path, interface, self._on_call, self._on_get, None)
+            self._call(
+                "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName", "(su)",
+                interface.name, 0)
         ready.set()
         self._loop.run()
 
-    def _bus_call(self, method, arguments):
-        self.bus.call_sync(
-            "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method, arguments, None,
-            Gio.DBusCallFlags.NONE, 5000, None)
-
-    def _on_call(self, _bus, sender, _path, _interface, method, _arguments, invocation):
-        if method == "RegisterStatusNotifierItem":
+    def _on_call(self, _bus, sender, _path, _interface, method, arguments, invocation):
+        if method == "Notify":
+            self.messages.append(arguments.unpack()[3:5])
+            invocation.return_value(GLib.Variant("(u)", (1,)))
+        else:
             self.items.append(sender)
-        invocation.return_value(None)
+            invocation.return_value(None)
 
     def _on_get(self, _bus, _sender, _path, _interface, name):
         return {
@@ -58,54 +66,46 @@ class StatusItemHost:
             "IsStatusNotifierHostRegistered": GLib.Variant("b", True),
             "ProtocolVersion": GLib.Variant("i", 0)}[name]
 
+    def _call(self, service, path, interface, method, signature, *arguments):
+        return self.bus.call_sync(
+            service, path, interface, method, GLib.Variant(signature, arguments), None, Gio.DBusCallFlags.NONE, 5000,
+            None).unpack()
+
+    def _call_item(self, *arguments):
+        return self._call(self.items[-1], "/StatusNotifierItem", *arguments)
+
+    def _call_menu(self, *arguments):
+        return self._call(self.items[-1], self.property("Menu"), MENU, *arguments)
+
     def close(self):
         self._loop.quit()
         self._thread.join()
         self.bus.close_sync(None)
 
-    def _call(self, path, interface, method, arguments):
-        return self.bus.call_sync(
-            self.items[-1], path, interface, method, arguments, None, Gio.DBusCallFlags.NONE, 5000, None).unpack()
-
-    # The item
-
     def property(self, name):
-        return self._call(
-            "/StatusNotifierItem", "org.freedesktop.DBus.Properties", "Get", GLib.Variant("(ss)", (ITEM, name)))[0]
+        return self._call_item("org.freedesktop.DBus.Properties", "Get", "(ss)", ITEM, name)[0]
 
     def tool_tip(self):
         return self.property("ToolTip")[2]
 
-    def icon(self, size):
-        """The alpha of each pixel, row by row."""
-        for width, height, data in self.property("IconPixmap"):
-            if (width, height) == (size, size):
-                return [[data[4 * (row * size + column)] for column in range(size)] for row in range(size)]
-        return None
+    def opacities(self):
+        return {width: max(data[::4]) for width, _, data in self.property("IconPixmap")}
 
-    def click(self):
-        self._call("/StatusNotifierItem", ITEM, "Activate", GLib.Variant("(ii)", (0, 0)))
-
-    def ask_for_menu(self):
-        """As a desktop does that draws no menus."""
-        self._call("/StatusNotifierItem", ITEM, "ContextMenu", GLib.Variant("(ii)", (0, 0)))
-
-    # Its menu
+    def click(self, method="Activate"):
+        """With ContextMenu as a desktop asks for the menu that draws none."""
+        self._call_item(ITEM, method, "(ii)", 0, 0)
 
     def read_menu(self):
         """The entries as (id, what the desktop shows, entries below)."""
-        _, root = self._call(
-            self.property("Menu"), MENU, "GetLayout", GLib.Variant("(iias)", (0, -1, [])))
-        return root[2]
+        return self._call_menu("GetLayout", "(iias)", 0, -1, [])[1][2]
 
     def open_menu(self):
-        path = self.property("Menu")
-        self._call(path, MENU, "AboutToShow", GLib.Variant("(i)", (0,)))
-        self._send_event(path, 0, "opened")
+        self._call_menu("AboutToShow", "(i)", 0)
+        self._send_event(self.property("Menu"), 0, "opened")
         return self.read_menu()
 
-    def choose(self, identifier, times=1):
-        path = self.property("Menu")
+    def choose(self, menu, label, times=1):
+        path, identifier = self.property("Menu"), find(menu, label)[0]
         for _ in range(times):
             self._send_event(path, identifier, "clicked")
         self._send_event(path, 0, "closed")
@@ -119,26 +119,19 @@ class StatusItemHost:
 
 
 def shown(entry):
-    """One entry in a line: "[x]" is checked, "[ ]" could be, "(…)" is disabled, "-" a separator, keys behind it."""
+    """One entry in a line: "[x]" is checked, "[ ]" could be, "(…)" is disabled, keys behind it."""
     _, properties, below = entry
-    if properties.get("type") == "separator":
-        return "-"
-    text = properties["label"]
-    if properties.get("toggle-type"):
-        text = ("[x] " if properties.get("toggle-state") == 1 else "[ ] ") + text
-    for keys in properties.get("shortcut", []):
-        text += " " + "+".join(keys)
-    if below:
-        text += " {" + ", ".join(map(shown, below)) + "}"
+    mark = {0: "[ ] ", 1: "[x] "}[properties.get("toggle-state", 0)] if properties.get("toggle-type") else ""
+    keys = "".join(" " + "+".join(each) for each in properties.get("shortcut", []))
+    text = mark + properties.get("label", "-") + keys + (f" {{{', '.join(map(shown, below))}}}" if below else "")
     return text if properties.get("enabled", True) else f"({text})"
 
 
 def find(entries, label):
-    """The id of the entry of that label, wherever it is."""
-    for identifier, properties, below in entries:
-        if properties.get("label") == label:
-            return identifier
-        found = find(below, label)
-        if found is not None:
+    """The entry whose label begins so, wherever it is."""
+    for entry in entries:
+        if entry[1].get("label", "").startswith(label):
+            return entry
+        if found := find(entry[2], label):
             return found
     return None

@@ -1,149 +1,179 @@
-"""The commands: what they do to the running instance, starting one first, and their exit statuses."""
+"""The program as a process: its commands and their exit statuses, one instance per home, and its end."""
 
+import functools
+import json
 import os
-import pathlib
+import signal
 import subprocess
-import unittest
+import tempfile
+import time
+
+from gi.repository import GLib
 
 from desktop import eventually
-from program import PROGRAM, DesktopTest, Home, Nubble, run_nubble
+from program import PROGRAM, DesktopTest, Home
+from status_item_host import connect
 
 DONE, FAILED, WRONG_USAGE, NOT_RUNNING = range(4)
 ODD_NAME = "a 'b' \"c\" $HOME `d` \\e 100%f = ~ü\t\n"
 
 
 class CommandTest(DesktopTest):
-    """`nubble` is the program of this test's home, which does not run yet."""
+    """`program` is the one of this test's home, which does not run yet."""
 
     def setUp(self):
         super().setUp()
-        self.nubble = Nubble(self.desktop, self.home)
-        self.addCleanup(self.nubble.end_all)
+        self.program = self.nubble()
 
     def check(self, *arguments, status=DONE, error=""):
-        answer = self.nubble.run(*arguments)
+        answer = self.program.run(*arguments)
         self.assertEqual((answer.returncode, answer.stderr), (status, error), arguments)
         return answer.stdout
 
+    def check_fails(self, answer, why, status=FAILED):
+        self.assertEqual((answer.returncode, answer.stdout), (status, ""))
+        self.assertRegex(answer.stderr, rf"\Anubble: [^\n]*{why}[^\n]*\n\Z")
 
-class TheCommands(CommandTest):
-    def test_reach_the_running_instance(self):
-        self.nubble.start()
-        for command, visible in [("toggle", False), ("toggle", True), ("hide", False), ("hide", False), ("show", True)]:
-            self.check(command)
-            self.assertEqual(self.nubble.panel()["visible"], visible, command)
-        self.check("hide")
-        self.check("sessions")
-        self.assertEqual((self.nubble.panel()["visible"], self.nubble.panel()["mode"]), (True, "sessions"))
 
-    def test_pass_on_why_an_add_on_refuses(self):
-        self.nubble.start()
+class TheRunningInstance(CommandTest):
+    def test_is_reached_by_each_command_and_by_another_start(self):
+        self.program.start()
+        for command, visible in [
+                (["toggle"], False), (["toggle"], True), (["hide"], False), (["hide"], False), (["show"], True),
+                (["hide"], False), ([], True), (["hide"], False), (["sessions"], True)]:
+            self.check(*command)
+            self.program.until_panel(visible=visible)
+        self.assertEqual(self.program.panel()["mode"], "sessions")
+        self.assertEqual(self.program.instances(), [self.program.process.pid])
+
+    def test_tells_why_an_add_on_refuses_whatever_the_question(self):
+        self.program.start()
         for arguments, title in [
                 (["ask"], "Ask Claude About Screen"), (["search"], "Search Chats"),
                 (["notes", "start"], "Meeting Recorder"), (["notes", "stop"], "Meeting Recorder")]:
-            answer = self.nubble.run(*arguments)
-            self.assertEqual(answer.returncode, FAILED)
-            self.assertRegex(answer.stderr, rf'\Anubble: [^\n]*"{title}" is off[^\n]*\n\Z')
-
-    def test_take_any_question(self):
-        self.nubble.start()
+            self.check_fails(self.program.run(*arguments), f'"{title}" is off')
         for words in ([""], ["x" * 100_000], ["--", "--why", "-h"], ["ü\n\t\x1b"], [b"\xff\xfe\xed\xa0\x80"]):
-            answer = self.nubble.run("ask", *words)
-            self.assertEqual(answer.returncode, FAILED)
-            self.assertIn("is off", answer.stderr)
+            self.check_fails(self.program.run("ask", *words), "is off")
 
-    def test_restart_and_end_it(self):
-        self.nubble.start()
+    def test_restarts_and_ends(self):
+        self.program.start()
         self.check("hide")
         self.check("restart")
-        self.assertEqual(self.nubble.wait(), DONE)
-        self.assertFalse(self.nubble.panel()["visible"])  # the successor is there, and is as it was left
+        self.assertEqual(self.program.wait(), DONE)
+        self.assertFalse(self.program.panel()["visible"])  # the successor is there, and is as it was left
         self.check("start")
-        self.assertEqual((len(self.nubble.instances()), self.nubble.panel()["visible"]), (1, False))
+        self.assertEqual((len(self.program.instances()), self.program.panel()["visible"]), (1, False))
         self.check("quit")
-        eventually(lambda: not self.nubble.instances(), "it has ended")
+        eventually(lambda: not self.program.instances(), "it has ended")
 
-    def test_say_one_line_however_the_threads_are_scheduled(self):
+    def test_ends_as_by_quit_when_it_is_asked_to_by_a_signal(self):
+        for number in (signal.SIGTERM, signal.SIGINT):
+            self.program.start()
+            self.program.process.send_signal(number)
+            self.assertEqual(self.program.wait(), DONE)
+            self.assertEqual(self.program.status()["source"], "read")
+
+    def test_is_the_only_one_without_a_bus_too(self):
+        env = self.desktop.env | {"DBUS_SESSION_BUS_ADDRESS": ""}
+        self.program.process = subprocess.Popen([PROGRAM, *self.program.home], stdin=subprocess.DEVNULL, env=env)
+        eventually(self.desktop.nubble_windows, "its panel is there")
+        self.check_fails(self.program.run(env=env), "Nubble runs already")
+        self.assertEqual(self.program.instances(), [self.program.process.pid])
+
+    def test_answers_while_other_programs_flood_it_with_requests(self):
+        self.home.preferences(addon_ask="true")
+        self.program.start()
+        question = GLib.Variant("(a{sv})", ({"question": GLib.Variant("s", "x" * 1000)},))
+        bus = connect(self.desktop.env["DBUS_SESSION_BUS_ADDRESS"])
+        asking, answering = time.process_time(), self.program.processor_time()
+        for _ in range(10_000):
+            bus.emit_signal(None, "/", "com.brevandel.nubble", "ask", question)
+        self.check("hide")
+        self.program.until_panel(visible=False)
+        self.assertLess(self.program.processor_time() - answering, 10 * (time.process_time() - asking))
+        bus.close_sync(None)
+
+    def test_of_another_home_is_another_one(self):
+        self.program.start()
+        self.home = Home(tempfile.mkdtemp(dir=self.desktop.folder))
+        second = self.start_nubble()
+        self.home.record(os.getpid())
+        eventually(lambda: second.status()["sessions"], "the second sees its session")
+        self.assertEqual(self.program.status()["sessions"], [])
+
+
+class WithoutAnInstance(CommandTest):
+    def test_what_needs_one_says_in_one_line_that_there_is_none_however_its_threads_are_scheduled(self):
         before = os.sched_getaffinity(0)
         self.addCleanup(os.sched_setaffinity, 0, before)
         os.sched_setaffinity(0, {min(before)})
-        for _ in range(15):
-            self.check("hide", status=NOT_RUNNING, error="Nubble is not running.\n")
+        error = "Nubble is not running.\n"
+        for command in ["hide", "notes start", "notes stop", "restart", "quit"] * 3:
+            self.assertEqual(self.check(*command.split(), status=NOT_RUNNING, error=error), "")
+        self.assertIn('"source": "read"', self.check("status", "--json", status=NOT_RUNNING, error=error))
+        self.assertEqual(self.program.instances(), [])
 
-    def test_say_that_nubble_is_not_running(self):
-        for arguments in (["hide"], ["notes", "start"], ["notes", "stop"], ["restart"], ["quit"]):
-            self.assertEqual(self.check(*arguments, status=NOT_RUNNING, error="Nubble is not running.\n"), "")
-        self.assertIn(
-            '"source": "read"', self.check("status", "--json", status=NOT_RUNNING, error="Nubble is not running.\n"))
-        self.assertEqual(self.nubble.instances(), [])
+    def test_the_rest_works_or_is_refused_in_one_line_without_a_display_or_a_bus(self):
+        bare = {key: value for key, value in self.desktop.env.items() if key == "PATH" or key.endswith("SAN_OPTIONS")}
+        run = functools.partial(self.program.run, env=bare)
 
-
-class StartingFirst(CommandTest):
-    def test_leaves_an_instance_that_shares_nothing_with_the_caller(self):
-        for command, mode in [("show", "collapsed"), ("toggle", "collapsed"), ("sessions", "sessions")]:
-            with self.subTest(command=command):
-                self.home.preferences(placement_visible="false")
-                # Ends only when nobody holds the other ends of its pipes.
-                self.check(command)
-                [pid] = self.nubble.instances()
-                process = pathlib.Path("/proc", str(pid))
-                self.assertEqual({os.readlink(process / "fd" / each) for each in "012"}, {"/dev/null"})
-                self.assertEqual(os.getsid(pid), os.getpgid(pid))
-                self.assertNotEqual(os.getsid(pid), os.getsid(0))
-                self.nubble.until_panel(visible=True, mode=mode)
-                self.nubble.end_all()
-
-    def test_asks_the_add_on_afterwards(self):
-        for command in ("ask", "search"):
-            answer = self.nubble.run(command)
-            self.assertEqual(answer.returncode, FAILED)
-            self.assertIn("is off", answer.stderr)
-        self.assertEqual(len(self.nubble.instances()), 1)
-
-    def test_by_several_commands_at_once_leaves_one_instance(self):
-        commands = [
-            subprocess.Popen([PROGRAM, *self.nubble.home, command], env=self.desktop.env, stderr=subprocess.PIPE)
-            for command in ("toggle", "show", "toggle", "sessions")]
-        self.assertEqual([(each.communicate()[1], each.returncode) for each in commands], [(b"", DONE)] * 4)
-        eventually(lambda: len(self.nubble.instances()) == 1, "all but one have ended")
-        self.assertTrue(self.nubble.is_running())
-
-    def test_is_refused_at_once_without_a_display_or_a_bus(self):
+        for option in ("--help", "--version"):
+            self.assertRegex(run(option).stdout, "[Nn]ubble")
+        for arguments in (["--bogus"], ["dance"], ["--json"], ["--home", "/nowhere/at/all"]):
+            self.check_fails(run(*arguments), "", WRONG_USAGE)
+        self.home.record(os.getpid(), status="waiting", name="Rake the leaves", nameSource="user")
+        report = json.loads(run("status", "--json").stdout)
+        self.assertEqual(report.keys(), {"source", "activity", "sessions", "usage"})
+        self.assertEqual((report["source"], report["activity"]), ("read", "idle"))
+        self.assertEqual([each["word"] for each in report["sessions"]], ["waiting"])
+        self.assertIn("Rake the leaves", run("status").stdout)
+        self.check_fails(run(), "display")
         for missing in ("DISPLAY", "DBUS_SESSION_BUS_ADDRESS"):
             env = self.desktop.env | {missing: ""}
             del env["QT_QPA_PLATFORM"]
-            answer = run_nubble(*self.nubble.home, "show", env=env)
-            self.assertEqual(answer.returncode, FAILED)
-            self.assertRegex(answer.stderr, r"\Anubble: there is no [^\n]*\n\Z")
-        self.assertEqual(self.nubble.instances(), [])
+            self.check_fails(self.program.run("show", env=env), "there is no ")
+        self.assertEqual(self.program.instances(), [])
+
+    def test_those_that_start_one_leave_it_sharing_nothing_with_the_caller(self):
+        for command, mode, before in [
+                ("show", "collapsed", "false"), ("toggle", "collapsed", "true"), ("sessions", "sessions", "false")]:
+            self.home.preferences(placement_visible=before)
+            self.check(command)  # which ends only when nobody holds the other ends of its pipes
+            [pid] = self.program.instances()
+            self.assertEqual({os.readlink(f"/proc/{pid}/fd/{each}") for each in range(3)}, {"/dev/null"})
+            self.assertEqual(os.getsid(pid), os.getpgid(pid))
+            self.assertNotEqual(os.getsid(pid), os.getsid(0))
+            self.program.until_panel(visible=True, mode=mode)
+            self.program.end_all()
+
+    def test_those_of_add_ons_start_one_and_ask_it_afterwards(self):
+        for command in ("ask", "search"):
+            self.check_fails(self.program.run(command), "is off")
+        self.assertEqual(len(self.program.instances()), 1)
+
+    def test_several_at_once_leave_one_instance(self):
+        commands = [
+            subprocess.Popen([PROGRAM, *self.program.home, command], env=self.desktop.env, stderr=subprocess.PIPE)
+            for command in ("toggle", "show", "toggle", "sessions")]
+        self.assertEqual([(each.communicate()[1], each.returncode) for each in commands], [(b"", DONE)] * 4)
+        eventually(lambda: len(self.program.instances()) == 1, "all but one have ended")
+        self.assertTrue(self.program.is_running())
 
 
 class Autostart(CommandTest):
-    def setUp(self):
-        super().setUp()
+    def test_writes_an_entry_that_starts_this_program_and_removes_it_or_says_why_it_cannot(self):
         self.home = Home(self.home.path / ODD_NAME)
-        self.nubble = Nubble(self.desktop, self.home)
-        self.addCleanup(self.nubble.end_all)
-        self.entry = self.home.path / ".config/autostart/com.brevandel.nubble.desktop"
-
-    def test_writes_an_entry_that_starts_this_program_and_removes_it(self):
+        self.program = self.nubble()
+        entry = self.home.path / ".config/autostart/com.brevandel.nubble.desktop"
         for _ in range(2):
             self.check("autostart", "on")
-        self.desktop.run("desktop-file-validate", str(self.entry))
-        self.assertEqual([each.name for each in self.entry.parent.iterdir()], [self.entry.name])
-        self.desktop.run("gio", "launch", str(self.entry))
-        eventually(self.nubble.is_running, "the program answers")
+        self.desktop.run("desktop-file-validate", str(entry))
+        self.assertEqual(list(entry.parent.iterdir()), [entry])
+        self.desktop.run("gio", "launch", str(entry))
+        eventually(self.program.is_running, "the program answers")
         for _ in range(2):
             self.check("autostart", "off")
-        self.assertEqual(list(self.entry.parent.iterdir()), [])
-
-    def test_says_in_one_line_why_it_cannot(self):
-        self.entry.parent.write_text("")
+        entry.parent.rmdir()
+        entry.parent.write_text("")
         for switch in ("on", "off"):
-            answer = self.nubble.run("autostart", switch)
-            self.assertEqual(answer.returncode, FAILED)
-            self.assertRegex(answer.stderr, r"\Anubble: [^\n]*autostart[^\n]*\n\Z")
-
-
-if __name__ == "__main__":
-    unittest.main()
+            self.check_fails(self.program.run("autostart", switch), "autostart")

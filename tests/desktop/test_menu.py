@@ -1,7 +1,5 @@
 """The panel's context menu, opened by the right button and used by keyboard and mouse."""
 
-import unittest
-
 from desktop import SCREEN, eventually
 from program import DesktopTest
 
@@ -22,14 +20,14 @@ class TheContextMenu(DesktopTest):
 
     def choose(self, nubble, entry, *keys):
         menu = self.open_menu(nubble)
-        row = menu.height / len(ENTRIES)
+        place = (menu.x + 20, menu.y + menu.height / len(ENTRIES) * (ENTRIES.index(entry) + 0.5))
         if keys:
-            self.desktop.move_pointer(menu.x + 20, menu.y + row * (ENTRIES.index(entry) + 0.5))
+            self.desktop.move_pointer(*place)
         else:
-            self.desktop.click(menu.x + 20, menu.y + row * (ENTRIES.index(entry) + 0.5))
+            self.desktop.click(*place)
         for key in keys:
             self.desktop.key(key)
-        eventually(lambda: not self.desktop.menus(), "the menu is closed")
+        self.desktop.until_no_menu()
 
     def test_opens_within_the_screen_and_closes_without_effect(self):
         nubble = self.start_nubble()
@@ -38,38 +36,25 @@ class TheContextMenu(DesktopTest):
         self.assertGreater(menu.height, 8 * 16)
         before = nubble.panel()
         self.desktop.key("Escape")
-        eventually(lambda: not self.desktop.menus(), "the menu is closed")
+        self.desktop.until_no_menu()
         self.open_menu(nubble)
         self.desktop.click(300, 300)
-        eventually(lambda: not self.desktop.menus(), "the menu is closed by a click elsewhere")
+        self.desktop.until_no_menu()
         self.assertEqual(nubble.panel(), before)
 
-    def test_locks_and_unlocks_the_position(self):
+    def test_changes_the_placement(self):
         nubble = self.start_nubble()
-        menu = self.open_menu(nubble)
-        self.desktop.click(menu.x + 40, menu.y + 14)  # its first entry
-        nubble.until_panel(locked=True)
-        self.choose(nubble, "Lock Position")
-        nubble.until_panel(locked=False)
-
-    def test_moves_the_panel_along_its_edge_and_to_another(self):
-        self.home.preferences(placement_offset="120")
-        nubble = self.start_nubble()
-        nubble.offset = 120
-        self.choose(nubble, "Center on Edge")
-        nubble.until_panel(offset=0)
-        nubble.offset = 0
-        self.choose(nubble, "Move to Edge", "Right", *["Down"] * LEFT_EDGE, "Return")
-        nubble.until_panel(edge="left")
-        eventually(lambda: max(self.desktop.pixel(0, SCREEN[1] / 2)) < 32, "the body is at the left edge")
-
-    def test_hides_the_panel_until_the_program_is_started_again(self):
-        nubble = self.start_nubble()
+        for locked in (True, False):
+            self.choose(nubble, "Lock Position")
+            nubble.until_panel(locked=locked)
         self.choose(nubble, "Hide Notch")
         nubble.until_panel(visible=False)
         eventually(lambda: max(self.desktop.pixel(SCREEN[0] - 1, SCREEN[1] / 2)) > 32, "the panel is gone")
         self.assertEqual(nubble.run().returncode, 0)
         nubble.until_panel(visible=True)
+        self.choose(nubble, "Move to Edge", "Right", *["Down"] * LEFT_EDGE, "Return")
+        nubble.until_panel(edge="left")
+        eventually(lambda: max(self.desktop.pixel(0, SCREEN[1] / 2)) < 32, "the body is at the left edge")
 
     def test_restarts_and_quits_the_program(self):
         self.home.preferences(placement_offset="-90")
@@ -77,14 +62,8 @@ class TheContextMenu(DesktopTest):
         nubble.offset = -90
         self.choose(nubble, "Restart Nubble")
         self.assertEqual(nubble.wait(), 0)
-        eventually(nubble.is_running, "the successor answers")
-        successors = nubble.instances()
-        self.assertEqual(len(successors), 1)
-        self.assertNotEqual(successors, [nubble.process.pid])
         nubble.until_panel(edge="right", offset=-90)
+        self.assertEqual(len(nubble.instances()), 1)
+        self.assertNotEqual(nubble.instances(), [nubble.process.pid])
         self.choose(nubble, "Quit Nubble")
         eventually(lambda: not nubble.instances(), "the successor has quit")
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -2,27 +2,23 @@
 
 import os
 import random
-import unittest
 
 from desktop import SCREEN, eventually
-from program import DesktopTest, Nubble
+from program import DesktopTest
 
 MIDDLE = {"edge": "right", "offset": 0, "locked": False, "visible": True}
-WRONG = [  # edge, offset, locked, visible
-    ("middle", "inf", "yes", "0"),
-    ("LEFT", "nan", "TRUE", "no"),
-    ("left, right", "12, 5", "true, false", ","),
-    ("@Rect(1 2 3 4)", "@Variant(\\0\\0\\0\\x80\\0)", "@ByteArray(true)", "@Invalid()"),
-    ('"', "-1e999", "@Variant(\\0\\0\\0\\x7f\\xff\\xff\\xff\\xff\\x10)", "\\x"),
-    ("", "0x10", "1", "@DateTime(\\0)"),
-]
+WRONG = """[General]
+placement.edge={}
+placement.offset={}
+placement.locked={}
+placement.visible={}
+"""
 RUBBISH = [
     b"", b"\0" * 5000, b"[General", b"[General]\nplacement.edge", b"\xff\xfe[\0G\0", b"]=[\n%%%=%zz\n\\\n" * 9,
-    random.Random(4).randbytes(300_000)]
-
-
-def is_dark(colour):
-    return max(colour) < 32
+    random.Random(4).randbytes(300_000),
+    WRONG.format("left, right", "1e999", "yes", ",").encode(),
+    WRONG.format("@Rect(1 2 3 4)", r"@Variant(\0\0\0\x80\0)", "@ByteArray(true)", "@Invalid()").encode(),
+    WRONG.format('"', r"@Variant(\0\0\0\x7f\xff\xff\xff\xff\x10)", r"\x", r"@DateTime(\0)").encode()]
 
 
 class Preferences(DesktopTest):
@@ -30,60 +26,34 @@ class Preferences(DesktopTest):
         super().setUp()
         self.folder = self.home.path / ".config"
         self.file = self.folder / "com.brevandel.nubble.conf"
-        self.errors = self.home.path / "errors"
-        self.nubble = Nubble(self.desktop, self.home)
-        self.addCleanup(self.nubble.end_all)
+        self.program = self.nubble()
 
     def start(self):
-        with self.errors.open("w") as errors:
-            self.nubble.start(stderr=errors)
+        errors = self.home.path / "errors"
+        with errors.open("w") as file:
+            self.program.start(stderr=file)
+        self.until_body_is_seen()
+        return errors
 
     def until_body_is_seen(self, seen=True):
         """Somewhere at the right edge."""
         eventually(
-            lambda: any(is_dark(row[0]) for row in self.desktop.pixels(SCREEN[0] - 1, 0, 1, SCREEN[1])) == seen,
+            lambda: any(max(row[0]) < 32 for row in self.desktop.pixels(SCREEN[0] - 1, 0, 1, SCREEN[1])) == seen,
             "the body is on the screen" if seen else "the body is gone")
 
-    def quit(self):
-        self.nubble.end_all()
-        self.assertEqual(self.errors.read_text(), "")
-
-    def check_default(self):
-        self.start()
-        self.nubble.until_panel(**MIDDLE)
-        self.until_body_is_seen()
-        self.quit()
-
-    def restart(self):
-        self.assertEqual(self.nubble.run("restart").returncode, 0)
-        self.assertEqual(self.nubble.wait(), 0)
-
-    def test_of_the_wrong_kind_count_as_absent(self):
-        for values in WRONG:
-            with self.subTest(values=values):
-                self.home.preferences(**dict(zip(map("placement_{}".format, MIDDLE), values)))
-                self.check_default()
-
-    def test_far_off_the_screen_leave_the_panel_on_it(self):
-        for offset in ("1e300", "-1e300"):
-            self.home.preferences(placement_offset=offset)
-            self.start()
-            self.until_body_is_seen()
-            self.assertEqual(self.nubble.run("hide").returncode, 0)
-            self.until_body_is_seen(False)
-            self.quit()
+    def quit(self, errors):
+        self.program.end_all()
+        self.assertEqual(errors.read_text(), "")
 
     def test_that_are_none_count_as_absent(self):
-        for content in RUBBISH:
-            with self.subTest(content=content[:20]):
-                self.file.write_bytes(content)
-                self.check_default()
-
-    def test_may_have_something_else_in_the_place_of_their_file(self):
-        for make in (self.file.mkdir, lambda: os.mkfifo(self.file), lambda: self.file.symlink_to(self.file.name),
-                     lambda: self.file.symlink_to("/dev/zero"), lambda: self.file.symlink_to("/nowhere/at/all")):
+        links = [lambda target=target: self.file.symlink_to(target) for target in
+                 (self.file.name, "/dev/zero", "/nowhere/at/all")]
+        files = [lambda content=content: self.file.write_bytes(content) for content in RUBBISH]
+        for make in [self.file.mkdir, lambda: os.mkfifo(self.file)] + links + files:
             make()
-            self.check_default()
+            errors = self.start()
+            self.assertLessEqual(MIDDLE.items(), self.program.panel().items())
+            self.quit(errors)
             self.file.rmdir() if self.file.is_dir() else self.file.unlink()
 
     def test_that_cannot_be_written_last_until_the_program_ends(self):
@@ -94,16 +64,11 @@ class Preferences(DesktopTest):
         for forbid in (lambda: self.folder.chmod(0o500), lambda: os.mkfifo(self.file), no_folder):
             self.file.unlink(missing_ok=True)
             forbid()
-            self.start()
-            self.until_body_is_seen()
-            self.assertEqual(self.nubble.run("hide").returncode, 0)
-            self.until_body_is_seen(False)
-            self.assertEqual(self.nubble.run("show").returncode, 0)
-            self.until_body_is_seen()
-            self.restart()
-            self.nubble.until_panel(**MIDDLE)
-            self.quit()
-
-
-if __name__ == "__main__":
-    unittest.main()
+            errors = self.start()
+            for command in ("hide", "show"):
+                self.assertEqual(self.program.run(command).returncode, 0)
+                self.until_body_is_seen(command == "show")
+            self.assertEqual(self.program.run("restart").returncode, 0)
+            self.assertEqual(self.program.wait(), 0)
+            self.program.until_panel(**MIDDLE)
+            self.quit(errors)

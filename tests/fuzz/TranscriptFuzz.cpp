@@ -2,25 +2,15 @@
 
 using namespace nubble;
 
-namespace {
-
-void check(const std::optional<QString> &text)
-{
-    if (text && (text->isEmpty() || text->contains(u'\n') || text->trimmed() != *text))
-        qFatal("a text that is not one trimmed line");
-}
-
-} // namespace
-
 // Whatever a transcript holds, its texts are trimmed lines, or none.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     TranscriptValues values;
     findNewest(
         QByteArrayView(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size)), true, values);
-    check(values.title);
-    check(values.lastPrompt);
-    check(values.typedPrompt);
+    for (const auto &text : {values.title, values.lastPrompt, values.typedPrompt})
+        if (text && (text->isEmpty() || text->contains(u'\n') || text->trimmed() != *text))
+            qFatal("a text that is not one trimmed line");
     if (values.typedPrompt && values.typedPrompt->size() > 200)
         qFatal("a typed prompt that is too long");
     return 0;

@@ -11,14 +11,18 @@ using namespace nubble;
 namespace {
 
 // The colour at a point of the unit square whose origin is its lower left corner.
-QColor at(const QImage &image, double x, double y)
+QColor at(const QImage &image, const QPointF &point)
 {
-    return image.pixelColor(static_cast<int>(x * image.width()), static_cast<int>((1 - y) * image.height()));
+    const QPointF pixel = QPointF(point.x(), 1 - point.y()) * image.width();
+    return image.pixelColor(static_cast<int>(pixel.x()), static_cast<int>(pixel.y()));
 }
 
-int rowHeight(const Menu &menu, int row)
+MenuEntry entryOf(const QString &title, const std::function<void()> &action = {})
 {
-    return menu.actionGeometry(menu.actions().at(row)).height();
+    MenuEntry entry;
+    entry.title = title;
+    entry.action = action;
+    return entry;
 }
 
 } // namespace
@@ -32,36 +36,32 @@ private Q_SLOTS:
         for (const int size : {16, 22, 24, 32, 48, 128}) {
             const QImage image = Mark::icon(Qt::black, 0.45, {}).pixmap(QSize(size, size), 1.0).toImage();
             QCOMPARE(image.size(), QSize(size, size));
-            QCOMPARE(at(image, 0.5, 0.7), QColor(0, 0, 0, 115)); // where two circles overlap, too
-            QCOMPARE(at(image, 0.3, 0.2).alpha(), 115);
-            QCOMPARE(at(image, 0.40, 0.56).alpha(), 0); // the eyes
-            QCOMPARE(at(image, 0.68, 0.40).alpha(), 0);
-            QCOMPARE(at(image, 0.02, 0.98).alpha(), 0);
-            QCOMPARE(at(image, 0.95, 0.05).alpha(), 0);
+            for (const QPointF &body : {QPointF(0.5, 0.7), QPointF(0.3, 0.2)}) // where circles overlap, too
+                QCOMPARE(at(image, body), QColor(0, 0, 0, 115));
+            for (const QPointF &eyeOrCorner : {QPointF(0.4, 0.56), {0.68, 0.4}, {0.02, 0.98}, {0.95, 0.05}})
+                QCOMPARE(at(image, eyeOrCorner).alpha(), 0);
         }
     }
 
     void withoutAColourItStandsOutFromLightAndDarkGround()
     {
         const QImage image = Mark::icon(std::nullopt, 1.0).pixmap(QSize(64, 64), 1.0).toImage();
-        QCOMPARE(at(image, 0.5, 0.7), QColor(Qt::white));
-        QCOMPARE(at(image, 0.40, 0.56).alpha(), 0);
-        const QColor edge = at(image, 0.075, 0.56);
+        QCOMPARE(at(image, {0.5, 0.7}), QColor(Qt::white));
+        QCOMPARE(at(image, {0.4, 0.56}).alpha(), 0);
+        const QColor edge = at(image, {0.075, 0.56});
         QVERIFY(edge.alpha() > 100 && edge.lightness() < 30);
     }
 
     void aDetailIsASecondLineWhereTheMenuIsOurs()
     {
-        MenuEntry entry;
-        entry.title = u"Meeting Recorder"_s;
+        MenuEntry entry = entryOf(u"Meeting Recorder"_s);
         entry.detail = u"Needs Node.js, which is a longer text than the title."_s;
-        MenuEntry plain;
-        plain.title = entry.detail;
-
+        const MenuEntry plain = entryOf(entry.detail);
         Menu own;
         own.setEntries({entry, plain});
         own.ensurePolished();
-        QVERIFY(rowHeight(own, 0) > rowHeight(own, 1) + 8);
+        const auto height = [&own](int row) { return own.actionGeometry(own.actions().at(row)).height(); };
+        QVERIFY(height(0) > height(1) + 8);
         const int width = own.sizeHint().width();
         own.setEntries({plain});
         QVERIFY(width <= own.sizeHint().width()); // one below the other, and the second is smaller
@@ -80,10 +80,8 @@ private Q_SLOTS:
     void anEntryIsCheckedOnlyByWhatItStandsFor()
     {
         int chosen = 0;
-        MenuEntry entry;
-        entry.title = u"Right"_s;
+        MenuEntry entry = entryOf(u"Right"_s, [&chosen] { ++chosen; });
         entry.checked = true;
-        entry.action = [&chosen] { ++chosen; };
         Menu menu;
         menu.setEntries({entry});
         QAction *action = menu.actions().at(0);
@@ -100,27 +98,23 @@ private Q_SLOTS:
     void aShownKeyWorksWhileTheMenuIsOpen()
     {
         int refreshed = 0;
-        MenuEntry entry;
-        entry.title = u"Refresh"_s;
+        MenuEntry entry = entryOf(u"Refresh"_s, [&refreshed] { ++refreshed; });
         entry.shortcut = QKeyCombination(Qt::ControlModifier, Qt::Key_R);
-        entry.action = [&refreshed] { ++refreshed; };
         MenuEntry disabled = entry;
         disabled.enabled = false;
-        Menu menu;
-        MenuEntry below;
-        below.title = u"Below"_s;
+        MenuEntry below = entryOf(u"Below"_s);
         below.entries = {MenuEntry(disabled)};
+        Menu menu;
         menu.setEntries({disabled, MenuEntry::separator(), entry, below});
-        menu.popup({10, 10});
-        QTest::keyClick(menu.actions().at(3)->menu(), Qt::Key_R, Qt::ControlModifier);
-        QVERIFY(!menu.isVisible());
-        QCOMPARE(std::exchange(refreshed, 0), 1);
-        menu.popup({10, 10});
-        QTest::keyClick(&menu, Qt::Key_R);
-        QVERIFY(menu.isVisible());
-        QTest::keyClick(&menu, Qt::Key_R, Qt::ControlModifier);
-        QVERIFY(!menu.isVisible());
-        QCOMPARE(refreshed, 1);
+        int expected = 0;
+        for (QWidget *open : {menu.actions().at(3)->menu(), static_cast<QMenu *>(&menu)}) {
+            menu.popup({10, 10});
+            QTest::keyClick(open, Qt::Key_R);
+            QVERIFY(menu.isVisible());
+            QTest::keyClick(open, Qt::Key_R, Qt::ControlModifier);
+            QVERIFY(!menu.isVisible());
+            QCOMPARE(refreshed, ++expected);
+        }
     }
 };
 
