@@ -16,6 +16,16 @@
 
 namespace nubble {
 
+// What the widget draws, on black.
+inline QImage pictureOf(QWidget &widget, int scale)
+{
+    QImage picture(widget.size() * scale, QImage::Format_RGB32);
+    picture.setDevicePixelRatio(scale);
+    picture.fill(Qt::black);
+    widget.render(&picture, {}, {}, QWidget::DrawChildren);
+    return picture;
+}
+
 // The whole panel on a plain window. Its controls are found by the names that a screen reader says.
 class PanelUnderTest {
 public:

@@ -1,6 +1,7 @@
 #include <QElapsedTimer>
 #include <QScrollArea>
 
+#include "Widgets/CardHeader.h"
 #include "Widgets/CardMetrics.h"
 #include "Widgets/Palette.h"
 #include "notch/PanelUnderTest.h"
@@ -53,9 +54,15 @@ private Q_SLOTS:
         panel.clickRing();
         panel.click(u"two"_s);
         QCOMPARE(world.workspace.activated, QList<pid_t>{12});
-        panel.control(u"one"_s)->setFocus();
-        QTest::keyClick(panel.control(u"one"_s), Qt::Key_Space);
+        auto *one = panel.control(u"one"_s);
+        one->setFocus();
+        QTest::keyClick(one, Qt::Key_Space);
         QCOMPARE(world.workspace.activated, (QList<pid_t>{12, 11}));
+        QTest::keyClick(one, Qt::Key_Return);
+        QTRY_COMPARE(world.workspace.activated, (QList<pid_t>{12, 11, 11}));
+        QKeyEvent held(QEvent::KeyPress, Qt::Key_Return, {}, {}, true);
+        QCoreApplication::sendEvent(one, &held);
+        QVERIFY(!one->isDown());
     }
 
     void rowsPromiseNothingWhereNobodyBringsWindowsForward()
@@ -74,7 +81,7 @@ private Q_SLOTS:
         }
     }
 
-    void aRowTakesColourAndWordFromItsStateAndTheSymbolFromWhereItRuns()
+    void aRowTakesColourAndWordFromItsStateSymbolFromWhereItRunsAndTextsFromTheTranscript()
     {
         const QList<QColor> accents{Palette::badge, Palette::bronze, Palette::ample};
         PanelWorld world;
@@ -83,7 +90,15 @@ private Q_SLOTS:
         world.addSession(11, u"waits"_s, u"waiting"_s, 1s);
         world.addSession(12, u"works"_s, u"busy"_s, 2s);
         world.addSession(13, u"finishes"_s, u"idle"_s, 3s);
-        world.addSession(14, u"rests"_s, u"idle"_s, 4s, {{u"entrypoint"_s, u"claude-desktop"_s}});
+        world.addSession(
+            14, u"?"_s, u"idle"_s, 4s,
+            {{u"entrypoint"_s, u"claude-desktop"_s}, {u"nameSource"_s, u"derived"_s}});
+        world.home.write(
+            u".claude/projects/-home-ada-project/session-14.jsonl"_s,
+            R"({"type":"ai-title","aiTitle":"rests","sessionId":"session-14"})"
+            "\n"
+            R"({"type":"last-prompt","lastPrompt":"Why?","sessionId":"session-14"})"
+            "\n");
         PanelUnderTest panel(world);
         panel.clickRing();
         QTRY_COMPARE(
@@ -91,12 +106,18 @@ private Q_SLOTS:
             QStringList(
                 {u"waits, waiting, just now"_s, u"works, working, just now"_s, u"finishes, done, just now"_s,
                  u"rests, idle, just now"_s}));
+        QCOMPARE(panel.rows().at(3)->accessibleDescription().section(u'.', 0, 0), u"Why?"_s);
+        QCOMPARE(panel.view().findChild<CardHeader *>()->accessibleName(), u"Claude Projects, 4 running"_s);
         for (int row = 0; row < 4; ++row) {
             const QImage picture = pictureOf(*panel.rows().at(row), 4); // strokes wider than a pixel
             for (qsizetype accent = 0; accent < accents.size(); ++accent)
                 QCOMPARE(holds(picture, accents.at(accent)), accent == row);
             QCOMPARE(symbolOf(*panel.rows().at(row)) == symbolOf(*panel.rows().at(0)), row != 3);
         }
+        QVERIFY(!holds(pictureOf(*panel.rows().at(1), 4), Palette::focus));
+        QApplication::setActiveWindow(&panel.view());
+        panel.rows().at(1)->setFocus();
+        QVERIFY(holds(pictureOf(*panel.rows().at(1), 4), Palette::focus));
     }
 
     void oddTitlesAreShownInARowLikeAnyOther()
@@ -162,15 +183,6 @@ private Q_SLOTS:
     }
 
 private:
-    static QImage pictureOf(QWidget &widget, int scale)
-    {
-        QImage picture(widget.size() * scale, QImage::Format_RGB32);
-        picture.setDevicePixelRatio(scale);
-        picture.fill(Qt::black);
-        widget.render(&picture, {}, {}, QWidget::DrawChildren);
-        return picture;
-    }
-
     static bool holds(const QImage &picture, const QColor &color)
     {
         for (int y = 0; y < picture.height(); ++y)

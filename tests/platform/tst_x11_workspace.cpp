@@ -94,6 +94,22 @@ private Q_SLOTS:
         QTRY_COMPARE(m_terminal.focusedWindow(), above);
         QTRY_COMPARE(stacking(), (std::vector<uint32_t>{text, below, above}));
     }
+
+    void deiconifiesWhatLiesOnTheDesktopInViewBelowTheOthers()
+    {
+        const auto kept = m_terminal.open({0, 0, 300, 300}, Qt::red);
+        const auto here = m_terminal.open({50, 50, 300, 300}, Qt::red);
+        const auto elsewhere = m_terminal.open({50, 50, 300, 300}, Qt::red);
+        ForeignApplication::manage(elsewhere, QStringLiteral("-r"), QStringLiteral("-t 1"));
+        for (const auto window : {here, elsewhere}) {
+            ForeignApplication::manage(window, QStringLiteral("-r"), QStringLiteral("-b add,hidden"));
+            QTRY_VERIFY(m_terminal.hasState(window, "_NET_WM_STATE_HIDDEN"));
+        }
+        QCOMPARE(m_workspace.activateNearest({4242}), Activation::Requested);
+        QTRY_VERIFY(!m_terminal.hasState(here, "_NET_WM_STATE_HIDDEN"));
+        QTRY_COMPARE(m_terminal.focusedWindow(), kept);
+        QVERIFY(m_terminal.hasState(elsewhere, "_NET_WM_STATE_HIDDEN"));
+    }
 };
 
 QTEST_MAIN(TestX11Workspace)

@@ -1,13 +1,16 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 #include <QVBoxLayout>
 
+#include "Widgets/CappedScroll.h"
 #include "Widgets/FloatingWindow.h"
 #include "support/FakeFloatingSurface.h"
 
+using namespace Qt::StringLiterals;
 using namespace nubble;
 
 namespace {
@@ -25,11 +28,11 @@ public:
         setFocusProxy(field);
     }
 
-    QLabel *label = new QLabel(QStringLiteral("label"));
-    QLabel *selectable = new QLabel(QStringLiteral("text"));
+    QLabel *label = new QLabel(u"label"_s);
+    QLabel *selectable = new QLabel(u"text"_s);
     QLineEdit *field = new QLineEdit;
-    QPushButton *button = new QPushButton(QStringLiteral("button"));
-    QPushButton *switchedOff = new QPushButton(QStringLiteral("off"));
+    QPushButton *button = new QPushButton(u"button"_s);
+    QPushButton *switchedOff = new QPushButton(u"off"_s);
 
 protected:
     void keyPressEvent(QKeyEvent *event) override
@@ -41,7 +44,7 @@ protected:
 
 } // namespace
 
-class TestFloatingWindow : public QObject {
+class TestWidgets : public QObject {
     Q_OBJECT
 
 private:
@@ -50,39 +53,24 @@ private:
     FakeFloatingSurface *m_surface = nullptr;
     std::unique_ptr<FloatingWindow> m_window;
 
-    void step(const QString &name, FloatingWindow::Hold &hold)
-    {
-        if (name == QLatin1String("open"))
-            m_window->open();
-        else if (name == QLatin1String("taken") || name == QLatin1String("lost"))
-            m_surface->giveKeyboard(name == QLatin1String("taken"));
-        else if (name == QLatin1String("hold"))
-            hold = m_window->holdOpen();
-        else if (name == QLatin1String("release"))
-            hold.reset();
-        else
-            qFatal("no such step");
-    }
-
 private Q_SLOTS:
     void init()
     {
         m_made = 0;
-        m_window = std::make_unique<FloatingWindow>(
-            QStringLiteral("Title"), QSize(300, 200),
-            [this] {
-                ++m_made;
-                return m_content = new Content;
-            },
-            [this](QWidget &window) {
-                auto surface = std::make_unique<FakeFloatingSurface>(window);
-                m_surface = surface.get();
-                return surface;
-            });
+        const auto makeContent = [this] {
+            ++m_made;
+            return m_content = new Content;
+        };
+        const auto makeSurface = [this](QWidget &window) {
+            auto surface = std::make_unique<FakeFloatingSurface>(window);
+            m_surface = surface.get();
+            return surface;
+        };
+        m_window = std::make_unique<FloatingWindow>(u"Title"_s, QSize(300, 200), makeContent, makeSurface);
     }
     void cleanup() { m_window.reset(); }
 
-    void isMadeOnceWhenFirstOpenedAndKept()
+    void aFloatingWindowIsMadeOnceWhenFirstOpenedAndKept()
     {
         m_window->close();
         QCOMPARE(m_made, 0);
@@ -98,15 +86,15 @@ private Q_SLOTS:
             QVERIFY(!m_surface->window.isVisible());
         }
         QCOMPARE(m_made, 1);
-        QCOMPARE(m_surface->window.windowTitle(), QStringLiteral("Title"));
+        QCOMPARE(m_surface->window.windowTitle(), u"Title"_s);
     }
 
-    void closesWhenTheUserWantsItGone()
+    void itClosesWhenTheUserWantsItGone()
     {
         const QSignalSpy closed(m_window.get(), &FloatingWindow::closed);
         m_window->open();
         QVERIFY(QTest::qWaitForWindowActive(&m_surface->window));
-        QTest::keyClicks(m_content->field, QStringLiteral("x"));
+        QTest::keyClicks(m_content->field, u"x"_s);
         QTest::keyClick(m_content->field, Qt::Key_Escape);
         QVERIFY(m_window->isOpen()); // the content has used the key
         QTest::keyClick(m_content->field, Qt::Key_Escape);
@@ -117,42 +105,39 @@ private Q_SLOTS:
         QCOMPARE(closed.count(), 2);
     }
 
-    void closesWhenItLosesTheKeyboard_data()
+    void itClosesWhenItLosesTheKeyboardUnlessItIsHeldOpen()
     {
-        QTest::addColumn<bool>("open");
-        QTest::newRow("open taken lost") << false;
-        QTest::newRow("open lost") << true; // that was before it came
-        QTest::newRow("open taken hold lost") << true;
-        QTest::newRow("open taken hold lost release") << false;
-        QTest::newRow("open taken hold release") << true;
-        QTest::newRow("open taken hold release lost") << false;
-        QTest::newRow("open taken hold lost taken release") << true;
-        QTest::newRow("open taken hold lost open release") << true;
-        QTest::newRow("open taken hold lost open lost taken release lost") << false;
-    }
-    void closesWhenItLosesTheKeyboard()
-    {
-        FloatingWindow::Hold hold;
-        for (const QString &each : QString::fromLatin1(QTest::currentDataTag()).split(u' '))
-            step(each, hold);
-        QTEST(m_window->isOpen(), "open");
-        QCOMPARE(m_surface->window.isVisible(), m_window->isOpen());
-    }
-
-    void staysOpenUntilTheLastHoldIsReleasedWhichMayOutliveIt()
-    {
-        m_window->open();
-        m_surface->giveKeyboard(true);
-        FloatingWindow::Hold first = m_window->holdOpen();
-        FloatingWindow::Hold second = m_window->holdOpen();
-        m_surface->giveKeyboard(false);
-        first.reset();
-        QVERIFY(m_window->isOpen());
-        m_window.reset();
-        second.reset();
+        for (const auto &[steps, open] :
+             {std::pair(u"taken lost"_s, false),
+              {u"lost"_s, true}, // that was before it came
+              {u"taken hold lost"_s, true},
+              {u"taken hold lost release"_s, false},
+              {u"taken hold hold lost release"_s, true},
+              {u"taken hold release"_s, true},
+              {u"taken hold release lost"_s, false},
+              {u"taken hold lost taken release"_s, true},
+              {u"taken hold lost open release"_s, true},
+              {u"taken hold lost open lost taken release lost"_s, false}}) {
+            init();
+            m_window->open();
+            QList<FloatingWindow::Hold> holds;
+            for (const QString &step : steps.split(u' ')) {
+                if (step == u"open")
+                    m_window->open();
+                else if (step == u"hold")
+                    holds.append(m_window->holdOpen());
+                else if (step == u"release")
+                    holds.removeLast();
+                else
+                    m_surface->giveKeyboard(step == u"taken");
+            }
+            QVERIFY2(m_window->isOpen() == open, qPrintable(steps));
+            QCOMPARE(m_surface->window.isVisible(), open);
+            m_window.reset(); // which what holds it may outlive
+        }
     }
 
-    void isDraggedByItsBackgroundOnly()
+    void itIsDraggedByItsBackgroundOnly()
     {
         m_window->open();
         QVERIFY(QTest::qWaitForWindowActive(&m_surface->window));
@@ -173,7 +158,7 @@ private Q_SLOTS:
         }
     }
 
-    void isOpaqueAllOverWithoutTranslucencyAndFollowsIt()
+    void itIsOpaqueAllOverWithoutTranslucencyAndFollowsIt()
     {
         m_window->open();
         for (const bool translucent : {true, false, true}) {
@@ -186,7 +171,23 @@ private Q_SLOTS:
             QVERIFY(picture.pixelColor(6, 112).alpha() > 10); // the shadow
         }
     }
+
+    void aScrollAreaIsAsTallAsItsContentUpToTheLimit()
+    {
+        auto *content = new QWidget;
+        auto *block = new QWidget;
+        auto *layout = new QVBoxLayout(content);
+        layout->setContentsMargins({});
+        layout->addWidget(block);
+        CappedScroll scroll(content, 100);
+        scroll.show();
+        for (const auto &[asked, height] : {std::pair(100, 100), {0, 1}, {101, 100}, {20, 20}}) {
+            block->setFixedSize(200, asked);
+            QTRY_COMPARE(scroll.height(), height);
+            QTRY_COMPARE(scroll.verticalScrollBar()->isVisible(), asked > 100);
+        }
+    }
 };
 
-QTEST_MAIN(TestFloatingWindow)
-#include "tst_floating_window.moc"
+QTEST_MAIN(TestWidgets)
+#include "tst_widgets.moc"

@@ -1,17 +1,50 @@
+#include <QSignalSpy>
 #include <QTest>
 
 #include <cmath>
 
 #include "Placement/Layout.h"
+#include "Placement/NotchPlacement.h"
 #include "Placement/PanelGeometry.h"
 #include "Placement/PanelShapes.h"
+#include "Shell/Defaults.h"
+#include "support/TemporaryHome.h"
 
 using namespace Qt::StringLiterals;
 using namespace nubble;
 
 namespace {
 
+const QRectF wide(100, 50, 1440, 900);
+const QRectF square(0, 0, 800, 800);
 constexpr double hair = 2e-6;
+
+// A placement in a home of its own, where such settings are stored.
+struct Stored {
+    explicit Stored(const QByteArray &settings = {})
+        : defaults(home.write(u"preferences.conf"_s, "[General]\n" + settings))
+    {
+    }
+
+    [[nodiscard]] QString shown() const
+    {
+        const QString now = textOf(placement);
+        return textOf(NotchPlacement(defaults, layout)) == now ? now : u"not stored: "_s + now;
+    }
+
+    TemporaryHome home;
+    mutable Defaults defaults;
+    Layout layout{11, false, 0};
+    NotchPlacement placement{defaults, layout};
+
+private:
+    static QString textOf(const NotchPlacement &placement)
+    {
+        return rawValue(placement.edge()) + u' ' + QString::number(placement.offset())
+            + (placement.isLocked() ? u" locked"_s : QString())
+            + (placement.isVisible() ? QString() : u" hidden"_s);
+    }
+};
 
 bool holds(const QRectF &outer, const QRectF &inner)
 {
@@ -31,10 +64,96 @@ double sideOf(NotchEdge edge, const QRectF &rect)
 
 } // namespace
 
-class TestPanelGeometry : public QObject {
+class TestPlacement : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void storedSettingsAreReadAndWrongOnesCountAsAbsent()
+    {
+        for (const auto &[settings, shown] :
+             {std::pair(QByteArray(), u"right 0"_s),
+              {"edge=top\noffset=-12.5\nlocked=true\nvisible=false", u"top -12.5 locked hidden"_s},
+              {"edge=Top\noffset=inf\nlocked=1\nvisible=0", u"right 0"_s},
+              {"edge=left\noffset=\nlocked=TRUE\nvisible=false", u"left 0 hidden"_s}})
+            QCOMPARE(
+                Stored("placement." + QByteArray(settings).replace("\n", "\nplacement.")).shown(), shown);
+    }
+
+    void everyChangeIsPublishedOnceAndStored()
+    {
+        Stored stored;
+        NotchPlacement &placement = stored.placement;
+        const QSignalSpy changed(&placement, &NotchPlacement::changed);
+        placement.centerOnEdge(); // already there
+        placement.setVisible(true);
+        placement.setDragging(true);
+        QCOMPARE(changed.count(), 0);
+        placement.moveTo({600, 60}, wide);
+        placement.moveTo({600, 70}, wide); // nearer to no other edge
+        QCOMPARE(changed.count(), 1);
+        placement.toggleLocked();
+        placement.toggleVisible();
+        QCOMPARE(changed.count(), 3);
+        QCOMPARE(stored.shown(), u"top -220 locked hidden"_s);
+    }
+
+    void aDragGoesToTheNearestEdge()
+    {
+        using Row = std::tuple<QRectF, QPointF, QString>;
+        for (const auto &[screen, point, shown] : {
+                 Row(wide, {1530, 400}, u"right -100"_s),
+                 Row(wide, {110, 600}, u"left 100"_s),
+                 Row(wide, {900, 60}, u"top 80"_s),
+                 Row(wide, {700, 940}, u"bottom -120"_s),
+                 Row(wide, {2000, 510}, u"right 10"_s),   // beyond the screen
+                 Row(square, {100, 100}, u"left -300"_s), // as near to two of them, or to all
+                 Row(square, {650, 150}, u"right -250"_s),
+                 Row(square, {400, 400}, u"left 0"_s),
+             }) {
+            Stored stored;
+            stored.placement.moveTo(point, screen);
+            QCOMPARE(stored.shown(), shown);
+        }
+    }
+
+    void theOffsetKeepsThePanelOnTheScreen()
+    {
+        // Without companion and actions the body reaches 154/3 beyond the ring on horizontal edges.
+        Stored stored;
+        NotchPlacement &placement = stored.placement;
+        placement.moveToEdge(NotchEdge::Top, std::nullopt);
+        QCOMPARE(placement.clamp(10000, wide), 720 - 154.0 / 3);
+        QCOMPARE(placement.clamp(-10000, wide), -(720 - 154.0 / 3));
+        QCOMPARE(placement.clamp(-300, wide), -300);
+        for (const double offset : {-1e300, -1.0, 0.0, 5.0, 1e300})
+            QCOMPARE(placement.clamp(offset, {0, 0, 90, 90}), 0);
+        placement.moveTo({101, 51}, wide); // a corner
+        QCOMPARE(placement.edge(), NotchEdge::Left);
+        QCOMPARE(placement.offset(), placement.clamp(-10000, wide));
+    }
+
+    void anotherEdgeKeepsTheOffsetAsFarAsItFits()
+    {
+        Stored stored;
+        NotchPlacement &placement = stored.placement;
+        placement.moveTo({800, 51}, wide);
+        placement.moveTo({1400, 51}, wide);
+        QCOMPARE(stored.shown(), u"top 580"_s);
+        placement.moveToEdge(NotchEdge::Left, std::nullopt); // no screen to fit
+        QCOMPARE(stored.shown(), u"left 580"_s);
+        placement.moveToEdge(NotchEdge::Bottom, wide);
+        QCOMPARE(stored.shown(), u"bottom 580"_s);
+        placement.moveToEdge(NotchEdge::Right, wide);
+        QCOMPARE(placement.offset(), placement.clamp(10000, wide));
+        QVERIFY(placement.offset() < 450);
+        placement.centerOnEdge();
+        placement.toggleLocked();
+        placement.moveTo({110, 600}, wide); // a locked panel is not dragged
+        QCOMPARE(stored.shown(), u"right 0 locked"_s);
+        placement.moveToEdge(NotchEdge::Top, wide); // but moves when told
+        QCOMPARE(stored.shown(), u"top 0 locked"_s);
+    }
+
     void everyMeasureIsTheExactOne()
     {
         // For a line height of 11, worked out by hand from the base sizes.
@@ -76,7 +195,6 @@ private Q_SLOTS:
     void theBodyAndCardAreDrawnWithinTheirPlaces()
     {
         const QRectF rect(300, 200, 150, 130);
-
         const QRectF withTail[]{
             rect.adjusted(0, 0, 14, 0), rect.adjusted(-14, 0, 0, 0), rect.adjusted(0, -14, 0, 0),
             rect.adjusted(0, 0, 0, 14)};
@@ -92,6 +210,8 @@ private Q_SLOTS:
                 QVERIFY(holds(
                     rect.adjusted(-14, -14, 14, 14), cardOutline(edge, rect, 14, along).boundingRect()));
         }
+        const QPainterPath body = bodyOutline(NotchEdge::Top, rect); // its shoulders are a quarter circle
+        QVERIFY(!body.contains(QPointF(312, 210)) && body.contains(QPointF(315, 210)));
     }
 
 private:
@@ -127,5 +247,5 @@ private:
     }
 };
 
-QTEST_GUILESS_MAIN(TestPanelGeometry)
-#include "tst_panel_geometry.moc"
+QTEST_GUILESS_MAIN(TestPlacement)
+#include "tst_placement.moc"
