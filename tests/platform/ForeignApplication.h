@@ -5,6 +5,7 @@
 #include <QTest>
 #include <QWidget>
 
+#include <algorithm>
 #include <cstring>
 
 #include "Platform/X11/X11Connection.h"
@@ -19,25 +20,25 @@ inline void userPointsAt(const QPoint &pixel, const QString &then = {})
         qFatal("xdotool failed");
 }
 
-// Has one colour and counts the presses on it.
+// Has one colour and tells when it is pressed.
 class PlainWindow : public QWidget {
 public:
     explicit PlainWindow(const QColor &colour) : m_colour(colour) { }
 
     [[nodiscard]] xcb_window_t id() const { return static_cast<xcb_window_t>(windowHandle()->winId()); }
 
-    int presses = 0;
+    inline static const PlainWindow *pressed = nullptr; // the last
 
 protected:
     void paintEvent(QPaintEvent *) override { QPainter(this).fillRect(rect(), m_colour); }
-    void mousePressEvent(QMouseEvent *) override { ++presses; }
+    void mousePressEvent(QMouseEvent *) override { pressed = this; }
 
 private:
     QColor m_colour;
 };
 
-// Another application as the X server and the window manager see it: windows that claim to belong to a
-// process of the test's choice. Every request has been carried out when its call returns.
+// Another application as the window manager sees it: windows that claim to belong to a process of the test's
+// choice. Every request has been carried out when its call returns.
 class ForeignApplication {
 public:
     enum Kind { Managed, Dock, Unmanaged };
@@ -51,16 +52,14 @@ public:
         widget.setWindowFlags(kind == Unmanaged ? Qt::BypassWindowManagerHint : Qt::FramelessWindowHint);
         widget.setAttribute(Qt::WA_X11NetWmWindowTypeDock, kind == Dock);
         const qreal scale = widget.devicePixelRatio();
-        widget.setGeometry(
-            QRectF(QPointF(pixels.topLeft()) / scale, QSizeF(pixels.size()) / scale).toAlignedRect());
+        widget.setGeometry(QRect(pixels.topLeft() / scale, (QSizeF(pixels.size()) / scale).toSize()));
         widget.winId();
         const xcb_window_t window = widget.id();
         setNumbers(window, "_NET_WM_PID", {m_pid});
         setText(window, "WM_CLASS", QByteArray("terminal\0Terminal\0", 18));
         widget.show();
         const auto isListed = [&] {
-            const auto list = numbers(root(), "_NET_CLIENT_LIST");
-            return kind == Unmanaged || std::find(list.begin(), list.end(), window) != list.end();
+            return kind == Unmanaged || std::ranges::count(numbers(root(), "_NET_CLIENT_LIST"), window) > 0;
         };
         if (!QTest::qWaitForWindowExposed(&widget) || !QTest::qWaitFor(isListed))
             qFatal("a foreign window does not appear");
@@ -84,8 +83,7 @@ public:
     }
     [[nodiscard]] bool hasState(xcb_window_t window, const char *state) const
     {
-        const auto states = numbers(window, "_NET_WM_STATE");
-        return std::find(states.begin(), states.end(), atom(state)) != states.end();
+        return std::ranges::count(numbers(window, "_NET_WM_STATE"), atom(state)) > 0;
     }
 
     // By wmctrl, and what it is told to do with the window.
@@ -107,13 +105,12 @@ public:
             ->focus;
     }
 
-    [[nodiscard]] int presses() const // on its windows so far
+    void own(X11Atom selection, xcb_window_t owner) const
     {
-        int sum = 0;
-        for (const auto &each : m_windows)
-            sum += each->presses;
-        return sum;
+        xcb_set_selection_owner(m_x11->get(), owner, m_x11->atom(selection), XCB_CURRENT_TIME);
+        m_x11->flush();
     }
+
     [[nodiscard]] xcb_window_t root() const { return m_x11->root(); }
     [[nodiscard]] const X11Connection &x11() const { return *m_x11; }
 

@@ -2,13 +2,11 @@
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
-#include <QTest>
-#include <QWidget>
 
 #include "Platform/DesktopStatusHost.h"
 #include "Platform/Freedesktop/StatusNotifierWatch.h"
-#include "Platform/X11/X11Connection.h"
 #include "Platform/X11/X11Tray.h"
+#include "platform/ForeignApplication.h"
 
 using namespace Qt::StringLiterals;
 using namespace nubble;
@@ -16,31 +14,6 @@ using namespace nubble;
 namespace {
 
 using Kind = StatusHost::Kind;
-
-// The window that announces a tray.
-class Tray {
-public:
-    explicit Tray(const X11Connection &x11) : m_x11(x11)
-    {
-        const std::array<uint32_t, 12> colors{0x1000, 0x8080, 0xffff};
-        const auto window = static_cast<xcb_window_t>(m_window.winId());
-        xcb_change_property(
-            m_x11.get(), XCB_PROP_MODE_REPLACE, window, m_x11.atom(X11Atom::NetSystemTrayColors),
-            XCB_ATOM_CARDINAL, 32, colors.size(), colors.data());
-        own(window);
-    }
-    ~Tray() { own(XCB_WINDOW_NONE); }
-
-private:
-    void own(xcb_window_t owner)
-    {
-        xcb_set_selection_owner(m_x11.get(), owner, m_x11.atom(X11Atom::SystemTray), XCB_CURRENT_TIME);
-        m_x11.flush();
-    }
-
-    const X11Connection &m_x11;
-    QWidget m_window;
-};
 
 // The service with which hosts on the bus register. A silent one never says whether any has.
 class Announcement : public QDBusVirtualObject {
@@ -50,11 +23,7 @@ public:
         QVERIFY(m_bus.registerVirtualObject(m_path, this));
         QVERIFY(m_bus.registerService(m_name));
     }
-    ~Announcement() override
-    {
-        m_bus.unregisterService(m_name);
-        m_bus.unregisterObject(m_path);
-    }
+    ~Announcement() override { QDBusConnection::disconnectFromBus(m_bus.name()); }
 
     [[nodiscard]] QString introspect(const QString &) const override { return {}; }
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &) override
@@ -88,18 +57,27 @@ class TestDesktopStatusHost : public QObject {
     Q_OBJECT
 
 private:
-    std::shared_ptr<const X11Connection> m_x11 = X11Connection::ofThisProgram();
+    ForeignApplication m_tray;
 
     std::unique_ptr<DesktopStatusHost> makeHost(std::chrono::milliseconds patience = std::chrono::hours(1))
     {
         return std::make_unique<DesktopStatusHost>(
-            std::make_unique<StatusNotifierWatch>(), std::make_unique<X11Tray>(m_x11), patience);
+            std::make_unique<StatusNotifierWatch>(),
+            std::make_unique<X11Tray>(X11Connection::ofThisProgram()), patience);
     }
 
 private Q_SLOTS:
+    void init()
+    {
+        const auto window = m_tray.open({0, 0, 100, 100}, Qt::red, ForeignApplication::Unmanaged);
+        m_tray.setNumbers(
+            window, "_NET_SYSTEM_TRAY_COLORS", {0x1000, 0x8080, 0xffff, 0, 0, 0, 0, 0, 0, 0, 0, 0});
+        m_tray.own(X11Atom::SystemTray, window);
+    }
+    void cleanup() { m_tray.closeAll(); }
+
     void anAnnouncedHostIsPreferredToATrayForAWhile()
     {
-        const Tray tray(*m_x11);
         Announcement announcement;
         const auto patient = makeHost();
         const auto hasty = makeHost(std::chrono::milliseconds(1));
@@ -113,7 +91,6 @@ private Q_SLOTS:
 
     void anAnnouncementThatGoesLeavesTheTrayHoweverItHasAnswered()
     {
-        const Tray tray(*m_x11);
         for (const bool isSilent : {true, false}) {
             auto announcement = std::make_optional<Announcement>(isSilent);
             const auto host = makeHost(isSilent ? std::chrono::milliseconds(1) : std::chrono::hours(1));

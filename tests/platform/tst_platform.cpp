@@ -18,8 +18,7 @@ class TestPlatform : public QObject {
 private Q_SLOTS:
     void everyServiceIsThereWithoutADesktop()
     {
-        const TemporaryHome home;
-        Backend backend = makeBackend(home.home());
+        Backend backend = makeBackend(Home(u"/nonexistent"_s));
         QVERIFY(backend.mouseMonitor && backend.preferences);
         QCOMPARE(backend.workspace->runningApplications(), QList<RunningApplication>());
         QVERIFY(!backend.workspace->canActivate() && !backend.mouseMonitor->canWatch());
@@ -41,9 +40,8 @@ private Q_SLOTS:
 
     void aFloatingWindowHasTheKeyboardAndIsMovedByHand()
     {
-        const Backend backend = makeBackend(Home(u"/nonexistent"_s));
         QWidget window;
-        const auto surface = backend.makeFloatingSurface(window);
+        const auto surface = makeBackend(Home(u"/nonexistent"_s)).makeFloatingSurface(window);
         surface->place({10, 20, 300, 200});
         surface->orderFront();
         QTRY_VERIFY(surface->hasKeyboard());

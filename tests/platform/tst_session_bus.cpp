@@ -124,7 +124,6 @@ private Q_SLOTS:
              {Row(u"ask"_s, {QVariantMap{{question, texts[question]}, {u"n"_s, 3}}}, texts), // a{sv}
               Row(u"ask"_s, {QVariant::fromValue(texts)}, texts),                            // a{ss}
               Row(u"ask"_s, {QVariantMap{{question, QVariantMap{{u"a"_s, 1}}}}}, none),
-              Row(u"ask"_s, {QVariantMap{{question, QStringList{u"a"_s}}}}, none),
               Row(u"ask"_s, {texts[question]}, none),
               Row(u"ask"_s, {QVariantMap{{question, u"one"_s}}, 2}, none),
               Row(u"other"_s, {}, none), // which is nobody's

@@ -9,17 +9,12 @@
 using namespace Qt::StringLiterals;
 using namespace nubble;
 
-namespace {
-
-constexpr QRect frame{120, 90, 260, 180};
-
-} // namespace
-
 // Run with several window managers, at scales 1 and 2.
 class TestX11FloatingSurface : public SurfaceTest {
     Q_OBJECT
 
 private:
+    static constexpr QRect frame{120, 90, 260, 180};
     std::unique_ptr<FloatingSurface> m_surface;
 
     void openAt(const QRect &place)
@@ -32,25 +27,18 @@ private:
     }
     void claimToComposite(xcb_window_t owner)
     {
-        const X11Connection &x11 = m_others->x11();
-        xcb_set_selection_owner(x11.get(), owner, x11.atom(X11Atom::CompositingManager), XCB_CURRENT_TIME);
-        x11.flush();
+        m_others->own(X11Atom::CompositingManager, owner);
         QTRY_COMPARE(m_surface->isTranslucent(), owner != XCB_WINDOW_NONE);
     }
 
 private Q_SLOTS:
     void init()
     {
+        m_surface.reset();
         openWindows();
         m_surface = m_backend.makeFloatingSurface(*m_window);
         m_surface->setOutline(outlineOf({{}, frame.size()}));
     }
-    void cleanup()
-    {
-        m_surface.reset();
-        closeWindows();
-    }
-
     void takesTheKeyboardAndGivesItBackAtEachOpening()
     {
         m_others->setNumbers(m_work, "_NET_WM_USER_TIME", {0x7FFFFFFF}); // used later than this program
@@ -104,7 +92,7 @@ private Q_SLOTS:
         const QPoint before = onScreen().topLeft();
         const QPoint grip = pixelAt({30, 30});
         userPointsAt(grip, u"mousedown 1"_s);
-        QTRY_COMPARE(m_window->presses, 1);
+        QTRY_COMPARE(PlainWindow::pressed, &*m_window);
         m_surface->startMove();
         const auto movedFar = [&] { return (onScreen().topLeft() - before).manhattanLength() > 60; };
         QVERIFY(QTest::qWaitFor([&] { // the window manager takes the pointer at a time of its own

@@ -21,7 +21,7 @@ public:
     Content()
     {
         auto *layout = new QVBoxLayout(this);
-        for (QWidget *each : std::initializer_list<QWidget *>{label, selectable, field, button, switchedOff})
+        for (QWidget *each : std::initializer_list<QWidget *>{label, selectable, field, switchedOff})
             layout->addWidget(each);
         selectable->setTextInteractionFlags(Qt::TextSelectableByMouse);
         switchedOff->setEnabled(false);
@@ -31,7 +31,6 @@ public:
     QLabel *label = new QLabel(u"label"_s);
     QLabel *selectable = new QLabel(u"text"_s);
     QLineEdit *field = new QLineEdit;
-    QPushButton *button = new QPushButton(u"button"_s);
     QPushButton *switchedOff = new QPushButton(u"off"_s);
 
 protected:
@@ -48,7 +47,6 @@ class TestWidgets : public QObject {
     Q_OBJECT
 
 private:
-    int m_made = 0;
     Content *m_content = nullptr;
     FakeFloatingSurface *m_surface = nullptr;
     std::unique_ptr<FloatingWindow> m_window;
@@ -56,10 +54,9 @@ private:
 private Q_SLOTS:
     void init()
     {
-        m_made = 0;
+        m_content = nullptr;
         const auto makeContent = [this] {
-            ++m_made;
-            return m_content = new Content;
+            return m_content ? qFatal("made twice"), nullptr : m_content = new Content;
         };
         const auto makeSurface = [this](QWidget &window) {
             auto surface = std::make_unique<FakeFloatingSurface>(window);
@@ -73,7 +70,7 @@ private Q_SLOTS:
     void aFloatingWindowIsMadeOnceWhenFirstOpenedAndKept()
     {
         m_window->close();
-        QCOMPARE(m_made, 0);
+        QVERIFY(!m_content);
         for (const QPoint at : {QPoint(100, 90), QPoint(200, 30)}) {
             m_window->openAt(at);
             QVERIFY(QTest::qWaitForWindowActive(&m_surface->window));
@@ -81,11 +78,10 @@ private Q_SLOTS:
             QCOMPARE(m_content->size(), m_window->size());
             QCOMPARE(m_surface->outline.boundingRect(), QRectF(m_content->geometry()));
             QCOMPARE(m_surface->window.focusWidget(), m_content->field);
-            m_content->button->setFocus(); // which the next opening undoes
+            m_content->field->clearFocus(); // which the next opening undoes
             m_window->close();
             QVERIFY(!m_surface->window.isVisible());
         }
-        QCOMPARE(m_made, 1);
         QCOMPARE(m_surface->window.windowTitle(), u"Title"_s);
     }
 
@@ -142,8 +138,11 @@ private Q_SLOTS:
         m_window->open();
         QVERIFY(QTest::qWaitForWindowActive(&m_surface->window));
         const std::initializer_list<std::pair<QWidget *, int>> drags{
-            {m_content, 1},        {m_content->label, 1},  {m_content->selectable, 0},
-            {m_content->field, 0}, {m_content->button, 0}, {m_content->switchedOff, 0}};
+            {m_content, 1},
+            {m_content->label, 1},
+            {m_content->selectable, 0},
+            {m_content->field, 0},
+            {m_content->switchedOff, 0}};
         QWindow *window = m_surface->window.windowHandle();
         for (const auto &[widget, moves] : drags) {
             m_surface->moves = 0;
@@ -181,7 +180,7 @@ private Q_SLOTS:
         layout->addWidget(block);
         CappedScroll scroll(content, 100);
         scroll.show();
-        for (const auto &[asked, height] : {std::pair(100, 100), {0, 1}, {101, 100}, {20, 20}}) {
+        for (const auto &[asked, height] : {std::pair(100, 100), {0, 1}, {101, 100}}) {
             block->setFixedSize(200, asked);
             QTRY_COMPARE(scroll.height(), height);
             QTRY_COMPARE(scroll.verticalScrollBar()->isVisible(), asked > 100);
