@@ -3,8 +3,6 @@
 #include <QAbstractButton>
 #include <QTest>
 
-#include <memory>
-
 #include "Notch/NotchAction.h"
 #include "Notch/PanelWindow.h"
 #include "NotchWiring.h"

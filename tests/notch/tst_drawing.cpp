@@ -83,7 +83,6 @@ void settle(PanelUnderTest &panel)
     QVERIFY(QTest::qWaitForWindowExposed(&panel.view()));
     for (int quiet = 0; quiet < 3; ++quiet) {
         const PaintCounter counter;
-        QCoreApplication::sendPostedEvents();
         QCoreApplication::processEvents();
         if (!counter.painted.isEmpty())
             quiet = -1;
@@ -92,10 +91,7 @@ void settle(PanelUnderTest &panel)
 
 void showUsage(PanelWorld &world, PanelUnderTest &panel, int session)
 {
-    const QString json = u"{\"five_hour\":{\"utilization\":%1},\"seven_day\":{\"utilization\":95}}"_s;
-    world.home.write(
-        u".config/Claude/Cache/Cache_Data/a_0"_s,
-        UsageCache::entry(UsageCache::usageKey(), UsageCache::compressed(json.arg(session).toUtf8())));
+    world.home.write(u".config/Claude/Cache/Cache_Data/a_0"_s, UsageCache::usageEntry(session));
     QTRY_VERIFY(!world.planUsage.isRefreshing()); // which may have been too early
     world.planUsage.refresh(true);
     QTRY_VERIFY(panel.ring()->accessibleName().endsWith(u", %1 % of the plan used"_s.arg(session)));

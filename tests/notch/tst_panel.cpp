@@ -156,13 +156,13 @@ private Q_SLOTS:
             const auto *close = panel.control(u"Close"_s);
             cross = close->mapTo(&panel.view(), QPointF(close->rect().center()));
             QVERIFY(expected.cardArea.contains(cross) && outline.contains(cross));
-            const QRectF card = outline.toSubpathPolygons().last().boundingRect();
+            QRectF card; // which grows with its five rows
+            QTRY_VERIFY((card = outline.toSubpathPolygons().last().boundingRect()).height() > 250);
             const double clear = isVertical(edge) ? 7 : 0; // a level card is as wide as its area
             QVERIFY(expected.screen.marginsRemoved({clear, clear, clear, clear}).contains(card));
             const double sides[]{card.right() - 2, card.left() + 2, card.top() + 2, card.bottom() - 2};
             QPointF tip = expected.ringCenter;
-            isVertical(edge) ? tip.setX(sides[static_cast<int>(edge)])
-                             : tip.setY(sides[static_cast<int>(edge)]);
+            (isVertical(edge) ? tip.rx() : tip.ry()) = sides[static_cast<int>(edge)];
             QVERIFY(outline.contains(tip)); // the tail points at the ring
         }
         panel.clickRing();
@@ -175,13 +175,11 @@ private Q_SLOTS:
         const PanelGeometry expected = world.geometry();
         QCOMPARE(panel.surface->activeRects, QList{expected.body});
         QCOMPARE(panel.window.bodyOnScreen()->body, expected.body.translated(expected.frame.topLeft()));
-        QCOMPARE(panel.window.bodyOnScreen()->edge, expected.edge);
     }
 
     void theSurfaceTakesTheKeyboardOnRequestOnlyAndShowsToolTipsAndMenus()
     {
         PanelWorld world;
-        world.addSession(11, u"one"_s, u"idle"_s, 0ms);
         PanelUnderTest panel(world);
         panel.window.openForKeyboard(PanelMode::sessions());
         QVERIFY(panel.surface->hasKeyboard);

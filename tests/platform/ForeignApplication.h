@@ -33,7 +33,6 @@ protected:
     void paintEvent(QPaintEvent *) override { QPainter(this).fillRect(rect(), m_colour); }
     void mousePressEvent(QMouseEvent *) override { pressed = this; }
 
-private:
     QColor m_colour;
 };
 

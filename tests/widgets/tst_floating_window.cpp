@@ -1,12 +1,10 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 #include <QVBoxLayout>
 
-#include "Widgets/CappedScroll.h"
 #include "Widgets/FloatingWindow.h"
 #include "support/FakeFloatingSurface.h"
 
@@ -43,7 +41,7 @@ protected:
 
 } // namespace
 
-class TestWidgets : public QObject {
+class TestFloatingWindow : public QObject {
     Q_OBJECT
 
 private:
@@ -67,7 +65,7 @@ private Q_SLOTS:
     }
     void cleanup() { m_window.reset(); }
 
-    void aFloatingWindowIsMadeOnceWhenFirstOpenedAndKept()
+    void isMadeOnceWhenFirstOpenedAndKept()
     {
         m_window->close();
         QVERIFY(!m_content);
@@ -85,7 +83,7 @@ private Q_SLOTS:
         QCOMPARE(m_surface->window.windowTitle(), u"Title"_s);
     }
 
-    void itClosesWhenTheUserWantsItGone()
+    void closesWhenTheUserWantsItGone()
     {
         const QSignalSpy closed(m_window.get(), &FloatingWindow::closed);
         m_window->open();
@@ -101,7 +99,7 @@ private Q_SLOTS:
         QCOMPARE(closed.count(), 2);
     }
 
-    void itClosesWhenItLosesTheKeyboardUnlessItIsHeldOpen()
+    void closesWhenItLosesTheKeyboardUnlessItIsHeldOpen()
     {
         for (const auto &[steps, open] :
              {std::pair(u"taken lost"_s, false),
@@ -133,7 +131,7 @@ private Q_SLOTS:
         }
     }
 
-    void itIsDraggedByItsBackgroundOnly()
+    void isDraggedByItsBackgroundOnly()
     {
         m_window->open();
         QVERIFY(QTest::qWaitForWindowActive(&m_surface->window));
@@ -157,7 +155,7 @@ private Q_SLOTS:
         }
     }
 
-    void itIsOpaqueAllOverWithoutTranslucencyAndFollowsIt()
+    void isOpaqueAllOverWithoutTranslucencyAndFollowsIt()
     {
         m_window->open();
         for (const bool translucent : {true, false, true}) {
@@ -170,23 +168,7 @@ private Q_SLOTS:
             QVERIFY(picture.pixelColor(6, 112).alpha() > 10); // the shadow
         }
     }
-
-    void aScrollAreaIsAsTallAsItsContentUpToTheLimit()
-    {
-        auto *content = new QWidget;
-        auto *block = new QWidget;
-        auto *layout = new QVBoxLayout(content);
-        layout->setContentsMargins({});
-        layout->addWidget(block);
-        CappedScroll scroll(content, 100);
-        scroll.show();
-        for (const auto &[asked, height] : {std::pair(100, 100), {0, 1}, {101, 100}}) {
-            block->setFixedSize(200, asked);
-            QTRY_COMPARE(scroll.height(), height);
-            QTRY_COMPARE(scroll.verticalScrollBar()->isVisible(), asked > 100);
-        }
-    }
 };
 
-QTEST_MAIN(TestWidgets)
-#include "tst_widgets.moc"
+QTEST_MAIN(TestFloatingWindow)
+#include "tst_floating_window.moc"
