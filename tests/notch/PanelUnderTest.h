@@ -3,8 +3,6 @@
 #include <QAbstractButton>
 #include <QTest>
 
-#include <memory>
-
 #include "Notch/NotchAction.h"
 #include "Notch/PanelWindow.h"
 #include "NotchWiring.h"
@@ -16,6 +14,16 @@
 
 namespace nubble {
 
+// What the widget draws, on black.
+inline QImage pictureOf(QWidget &widget, int scale)
+{
+    QImage picture(widget.size() * scale, QImage::Format_RGB32);
+    picture.setDevicePixelRatio(scale);
+    picture.fill(Qt::black);
+    widget.render(&picture, {}, {}, QWidget::DrawChildren);
+    return picture;
+}
+
 // The whole panel on a plain window. Its controls are found by the names that a screen reader says.
 class PanelUnderTest {
 public:
@@ -24,13 +32,7 @@ public:
             world.addons, world.state, world.notifications,
             [this](PanelMode mode) { window.view().open(mode); })),
           window(
-              {
-                  .state = world.state,
-                  .placement = world.placement,
-                  .layout = world.layout,
-                  .mainScreen = world.mainScreen,
-                  .preferences = world.preferences,
-              },
+              {world.state, world.placement, world.layout, world.mainScreen, world.preferences},
               contents(world), [this](QWidget &widget) {
                   auto made = std::make_unique<FakePanelSurface>(widget);
                   surface = made.get();
@@ -59,10 +61,8 @@ public:
     // The rows of the open card from top to bottom.
     [[nodiscard]] QList<ProjectRow *> rows()
     {
-        QList<ProjectRow *> rows;
-        for (auto *row : view().findChildren<ProjectRow *>())
-            if (row->isVisible())
-                rows.append(row);
+        auto rows = view().findChildren<ProjectRow *>();
+        rows.removeIf([](const auto *each) { return !each->isVisible(); });
         std::sort(rows.begin(), rows.end(), [](const auto *a, const auto *b) { return a->y() < b->y(); });
         return rows;
     }
@@ -78,31 +78,22 @@ public:
     // Presses at `from` of the widget and drags by that much; the panel may move below the pointer meanwhile.
     static void drag(QWidget *widget, const QPoint &from, const QPoint &by)
     {
-        const QPoint start = widget->mapToGlobal(from);
-        send(widget, QEvent::MouseButtonPress, start, Qt::LeftButton);
-        send(widget, QEvent::MouseMove, start + by, Qt::LeftButton);
-        send(widget, QEvent::MouseButtonRelease, start + by, Qt::NoButton);
+        const QPoint end = widget->mapToGlobal(from) + by;
+        QTest::mousePress(widget, Qt::LeftButton, {}, from);
+        QTest::mouseMove(widget, widget->mapFromGlobal(end));
+        QTest::mouseRelease(widget, Qt::LeftButton, {}, widget->mapFromGlobal(end));
     }
 
 private:
     [[nodiscard]] NotchContents contents(PanelWorld &world) const
     {
-        NotchContents contents{
-            .cards =
-                {sessionsCard(world.monitor, world.activator, world.clock),
-                 usageCard(world.planUsage, world.clock, world.preferences)},
-            .actions = {}};
+        NotchContents contents;
+        contents.cards = {
+            sessionsCard(world.monitor, world.activator, world.clock),
+            usageCard(world.planUsage, world.clock, world.preferences)};
         for (const auto &action : actions)
             contents.actions.append(action.get());
         return contents;
-    }
-
-    static void send(QWidget *widget, QEvent::Type type, const QPoint &global, Qt::MouseButtons buttons)
-    {
-        const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
-        QMouseEvent event(
-            type, widget->mapFromGlobal(QPointF(global)), QPointF(global), button, buttons, Qt::NoModifier);
-        QCoreApplication::sendEvent(widget, &event);
     }
 
 public:

@@ -1,7 +1,9 @@
 #include <QScrollArea>
+#include <QScrollBar>
 
 #include <ctime>
 
+#include "Widgets/CardHeader.h"
 #include "Widgets/CardMetrics.h"
 #include "Widgets/Palette.h"
 #include "notch/PanelUnderTest.h"
@@ -25,7 +27,6 @@ private Q_SLOTS:
         QApplication::setActiveWindow(&panel.view());
         const QList<ProjectRow *> before = panel.rows(); // c, b, a
         before.at(2)->setFocus();
-        QVERIFY(before.at(2)->hasFocus());
 
         world.addSession(11, u"a"_s, u"busy"_s, 0ms);
         world.endSession(12);
@@ -44,28 +45,27 @@ private Q_SLOTS:
         }
     }
 
-    void aClickOrTheKeyboardBringsTheRowsOwnTerminalForward()
+    void aClickOrTheKeyboardBringsTheRowsOwnTerminalForwardWherePossible()
     {
         PanelWorld world;
-        world.addSession(11, u"one"_s, u"idle"_s, 1s, QJsonObject{{u"sessionId"_s, u"same"_s}});
-        world.addSession(12, u"two"_s, u"idle"_s, 2s, QJsonObject{{u"sessionId"_s, u"same"_s}});
+        world.addSession(11, u"one"_s, u"idle"_s, 1s, {{u"sessionId"_s, u"same"_s}});
+        world.addSession(12, u"two"_s, u"idle"_s, 2s, {{u"sessionId"_s, u"same"_s}});
         world.workspace.applications = {{11, u"XTerm"_s, u"xterm"_s}, {12, u"XTerm"_s, u"xterm"_s}};
         PanelUnderTest panel(world);
         panel.clickRing();
         panel.click(u"two"_s);
         QCOMPARE(world.workspace.activated, QList<pid_t>{12});
-        panel.control(u"one"_s)->setFocus();
-        QTest::keyClick(panel.control(u"one"_s), Qt::Key_Space);
-        QCOMPARE(world.workspace.activated, (QList<pid_t>{12, 11}));
-    }
-
-    void rowsPromiseNothingWhereNobodyBringsWindowsForward()
-    {
-        for (const bool possible : {true, false}) {
-            PanelWorld world;
+        auto *one = panel.control(u"one"_s);
+        one->setFocus();
+        for (const auto key : {Qt::Key_Space, Qt::Key_Return})
+            QTest::keyClick(one, key);
+        QTRY_COMPARE(world.workspace.activated, (QList<pid_t>{12, 11, 11}));
+        QKeyEvent held(QEvent::KeyPress, Qt::Key_Return, {}, {}, true);
+        QCoreApplication::sendEvent(one, &held);
+        QVERIFY(!one->isDown());
+        for (const bool possible : {true, false}) { // no row promises what nobody does
             world.workspace.allowed = possible;
-            world.addSession(11, u"one"_s, u"idle"_s, 0s);
-            PanelUnderTest panel(world);
+            panel.clickRing();
             panel.clickRing();
             const ProjectRow *row = panel.rows().constFirst();
             QCOMPARE(row->isEnabled(), possible);
@@ -75,7 +75,7 @@ private Q_SLOTS:
         }
     }
 
-    void aRowTakesColourAndWordFromItsStateAndTheSymbolFromWhereItRuns()
+    void aRowTakesColourAndWordFromItsStateSymbolFromWhereItRunsAndTextsFromTheTranscript()
     {
         const QList<QColor> accents{Palette::badge, Palette::bronze, Palette::ample};
         PanelWorld world;
@@ -84,7 +84,14 @@ private Q_SLOTS:
         world.addSession(11, u"waits"_s, u"waiting"_s, 1s);
         world.addSession(12, u"works"_s, u"busy"_s, 2s);
         world.addSession(13, u"finishes"_s, u"idle"_s, 3s);
-        world.addSession(14, u"rests"_s, u"idle"_s, 4s, {{u"entrypoint"_s, u"claude-desktop"_s}});
+        world.addSession(
+            14, u"?"_s, u"idle"_s, 4s,
+            {{u"entrypoint"_s, u"claude-desktop"_s}, {u"nameSource"_s, u"derived"_s}});
+        world.home.write(
+            u".claude/projects/-home-ada-project/session-14.jsonl"_s,
+            R"({"type":"ai-title","aiTitle":"rests","sessionId":"session-14"}
+{"type":"last-prompt","lastPrompt":"Why?","sessionId":"session-14"}
+)");
         PanelUnderTest panel(world);
         panel.clickRing();
         QTRY_COMPARE(
@@ -92,15 +99,25 @@ private Q_SLOTS:
             QStringList(
                 {u"waits, waiting, just now"_s, u"works, working, just now"_s, u"finishes, done, just now"_s,
                  u"rests, idle, just now"_s}));
+        QCOMPARE(panel.rows().at(3)->accessibleDescription().section(u'.', 0, 0), u"Why?"_s);
+        QCOMPARE(panel.view().findChild<CardHeader *>()->accessibleName(), u"Claude Projects, 4 running"_s);
+        const QList<ProjectRow *> rows = panel.rows();
+        const auto symbolOf = [&](int row) {
+            return pictureOf(*rows.at(row), 1).copy(CardMetrics::rowPadding, 0, 16, rows.at(row)->height());
+        };
         for (int row = 0; row < 4; ++row) {
-            const QImage picture = pictureOf(*panel.rows().at(row), 4); // strokes wider than a pixel
+            const QImage picture = pictureOf(*rows.at(row), 4); // strokes wider than a pixel
             for (qsizetype accent = 0; accent < accents.size(); ++accent)
                 QCOMPARE(holds(picture, accents.at(accent)), accent == row);
-            QCOMPARE(symbolOf(*panel.rows().at(row)) == symbolOf(*panel.rows().at(0)), row != 3);
+            QCOMPARE(symbolOf(row) == symbolOf(0), row != 3);
+            QVERIFY(!holds(picture, Palette::focus));
         }
+        QApplication::setActiveWindow(&panel.view());
+        rows.at(1)->setFocus();
+        QVERIFY(holds(pictureOf(*rows.at(1), 4), Palette::focus));
     }
 
-    void oddTitlesAreShownInARowLikeAnyOther()
+    void hundredsOfSessionsStayUsableAndOddTitlesAreShownLikeAnyOther()
     {
         const QStringList titles{
             u"שלום עולם — مرحبا بالعالم"_s,    u"👩‍👩‍👧‍👦🏳️‍🌈"_s.repeated(100),
@@ -108,38 +125,22 @@ private Q_SLOTS:
             u"long title "_s.repeated(10'000), QString(100'000, u'x'),
             QString(QChar(0xd83d)) + u"x"_s};
         PanelWorld world;
-        for (int i = 0; i < titles.size(); ++i)
-            world.addSession(
-                11 + i, titles.at(i), u"idle"_s, i * 1s,
-                QJsonObject{{u"cwd"_s, QString(u"/"_s + titles.at(i))}});
-        world.addSession(30, u"plain"_s, u"idle"_s, 50s);
+        for (int pid = 1; pid <= 300; ++pid) {
+            const QString name = titles.value(pid - 1, u"session %1"_s.arg(pid));
+            world.addSession(pid, name, u"idle"_s, pid * 1s, {{u"cwd"_s, QString(u"/"_s + name)}});
+        }
         PanelUnderTest panel(world);
-        panel.clickRing();
         const std::clock_t before = std::clock(); // the process's own time, whatever else the machine does
-        QVERIFY(!panel.view().grab().isNull());
-        QVERIFY2(std::clock() - before < 2 * CLOCKS_PER_SEC, "drawing takes too long");
+        panel.clickRing();
+        (void)panel.view().grab();
         const QList<ProjectRow *> rows = panel.rows();
-        QCOMPARE(rows.size(), titles.size() + 1);
         for (int i = 0; i < titles.size(); ++i) {
             QCOMPARE(rows.at(i)->size(), rows.last()->size());
             QVERIFY(rows.at(i)->toolTip().size() < 10'000);
             QVERIFY(!rows.at(i)->toolTip().contains(u"<img"_s));
-            if (!titles.at(i).front().isHighSurrogate() || titles.at(i).isValidUtf16())
+            if (titles.at(i).isValidUtf16())
                 QVERIFY(rows.at(i)->accessibleName().startsWith(titles.at(i)));
         }
-        QVERIFY(
-            panel.view().rect().contains(rows.at(0)->mapTo(&panel.view(), rows.at(0)->rect().bottomRight())));
-    }
-
-    void hundredsOfSessionsStayUsable()
-    {
-        PanelWorld world;
-        for (int pid = 1; pid <= 300; ++pid)
-            world.addSession(pid, u"session %1"_s.arg(pid), pid % 7 == 0 ? u"busy"_s : u"idle"_s, pid * 1s);
-        PanelUnderTest panel(world);
-        const std::clock_t before = std::clock();
-        panel.clickRing();
-        QVERIFY(!panel.view().grab().isNull());
         world.addSession(300, u"session 300"_s, u"busy"_s, 0ms); // from the end to the top
         world.monitor.refresh();
         QTRY_VERIFY(panel.rows().constFirst()->accessibleName().startsWith(u"session 300,"_s));
@@ -158,30 +159,19 @@ private Q_SLOTS:
         QCOMPARE(QApplication::focusWidget(), focused);
         QTRY_VERIFY(scroll->viewport()->rect().contains( // scrolled into sight
             QRect(focused->mapTo(scroll->viewport(), QPoint()), focused->size())));
+        QVERIFY(scroll->verticalScrollBar()->isVisible());
+        for (int pid = 3; pid <= 300; ++pid)
+            world.endSession(pid);
+        world.monitor.refresh();
+        QTRY_COMPARE(scroll->height(), 2 * panel.rows().constFirst()->height() + 1);
+        QVERIFY(!scroll->verticalScrollBar()->isVisible());
     }
 
 private:
-    static QImage pictureOf(QWidget &widget, int scale)
-    {
-        QImage picture(widget.size() * scale, QImage::Format_RGB32);
-        picture.setDevicePixelRatio(scale);
-        picture.fill(Qt::black);
-        widget.render(&picture, {}, {}, QWidget::DrawChildren);
-        return picture;
-    }
-
     static bool holds(const QImage &picture, const QColor &color)
     {
-        for (int y = 0; y < picture.height(); ++y)
-            for (int x = 0; x < picture.width(); ++x)
-                if (picture.pixel(x, y) == color.rgb())
-                    return true;
-        return false;
-    }
-
-    static QImage symbolOf(QWidget &row)
-    {
-        return pictureOf(row, 1).copy(CardMetrics::rowPadding, 0, 16, row.height());
+        const auto *pixels = reinterpret_cast<const QRgb *>(picture.constBits());
+        return std::count(pixels, pixels + picture.width() * picture.height(), color.rgb()) > 0;
     }
 };
 

@@ -1,0 +1,243 @@
+#include <QRegularExpression>
+#include <QSignalSpy>
+
+#include <cmath>
+#include <numbers>
+
+#include "Sessions/ProjectsCardContent.h"
+#include "Widgets/Palette.h"
+#include "notch/PanelUnderTest.h"
+#include "usage/UsageCache.h"
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using namespace nubble;
+
+namespace {
+
+// What the panel shows around its ring.
+class RingPicture {
+public:
+    RingPicture(const PanelWorld &world, PanelUnderTest &panel)
+        : m_center(world.geometry().ringCenter), m_image(pictureOf(panel.view(), scale))
+    {
+    }
+
+    // The colour on the ring's stroke, `turn` of the way round from the top, clockwise.
+    [[nodiscard]] QColor at(double turn) const
+    {
+        constexpr double radius = (Layout::ringDiameter - 2.75) / 2;
+        const double angle = (turn - 0.25) * 2 * std::numbers::pi;
+        return pixel(radius * QPointF(std::cos(angle), std::sin(angle)));
+    }
+    [[nodiscard]] QColor badge() const { return pixel({8.2, -8.2}); }
+    [[nodiscard]] bool hasTextAt(double below) const
+    {
+        for (int x = -12; x <= 12; ++x)
+            if (pixel(QPointF(x, below)).lightness() > 100)
+                return true;
+        return false;
+    }
+
+private:
+    static constexpr int scale = 2;
+
+    [[nodiscard]] QColor pixel(const QPointF &fromCenter) const
+    {
+        const QPoint at = ((m_center + fromCenter) * scale).toPoint();
+        return m_image.valid(at) ? m_image.pixelColor(at) : QColor();
+    }
+
+    QPointF m_center;
+    QImage m_image;
+};
+
+// Counts what is painted in all windows for as long as it lives.
+class PaintCounter : public QObject {
+public:
+    PaintCounter() { qApp->installEventFilter(this); }
+
+    [[nodiscard]] qsizetype paintsOf(const QString &name) const
+    {
+        return painted.filter(QRegularExpression(u'^' + name)).size();
+    }
+
+    QStringList painted; // by their accessible names
+    int frames = 0;      // timers that wake the program as an animation does
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        const auto *widget = qobject_cast<QWidget *>(watched);
+        if (event->type() == QEvent::Paint && widget)
+            painted.append(widget->accessibleName());
+        const auto *timer = event->type() == QEvent::Timer ? qobject_cast<QTimer *>(watched) : nullptr;
+        frames += timer && timer->interval() < 20;
+        return false;
+    }
+};
+
+// Until everything has been painted that was asked for.
+void settle(PanelUnderTest &panel)
+{
+    QVERIFY(QTest::qWaitForWindowExposed(&panel.view()));
+    for (int quiet = 0; quiet < 3; ++quiet) {
+        const PaintCounter counter;
+        QCoreApplication::processEvents();
+        if (!counter.painted.isEmpty())
+            quiet = -1;
+    }
+}
+
+void showUsage(PanelWorld &world, PanelUnderTest &panel, int session)
+{
+    world.home.write(u".config/Claude/Cache/Cache_Data/a_0"_s, UsageCache::usageEntry(session));
+    QTRY_VERIFY(!world.planUsage.isRefreshing()); // which may have been too early
+    world.planUsage.refresh(true);
+    QTRY_VERIFY(panel.ring()->accessibleName().endsWith(u", %1 % of the plan used"_s.arg(session)));
+}
+
+} // namespace
+
+class TestDrawing : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theRingsArcIsTheSessionWindowsPartClockwiseFromTheTop()
+    {
+        PanelWorld world;
+        PanelUnderTest panel(world);
+        for (const auto &[percent, color] :
+             {std::pair(25, Palette::ample), {55, Palette::watch}, {70, Palette::critical}}) {
+            showUsage(world, panel, percent);
+            const RingPicture picture(world, panel);
+            const double used = percent / 100.0;
+            for (const double turn : {0.02, used / 2, used - 0.02})
+                QCOMPARE(picture.at(turn), color);
+            for (const double turn : {used + 0.07, (1 + used) / 2, 0.93})
+                QVERIFY(picture.at(turn).saturation() == 0 && picture.at(turn).value() < 80); // the track
+        }
+        constexpr double distance = 13 + 3.5 + 5.5; // of the number
+        for (const NotchEdge edge : allEdges) {
+            world.placement.moveToEdge(edge, world.mainScreen.frame());
+            const RingPicture picture(world, panel);
+            QCOMPARE(picture.hasTextAt(distance), edge != NotchEdge::Bottom);
+            QCOMPARE(picture.hasTextAt(-distance), edge == NotchEdge::Bottom);
+        }
+    }
+
+    void theRingTellsWhatTheSessionsDo()
+    {
+        PanelWorld world;
+        PanelUnderTest panel(world);
+        const auto picture = [&](const QString &status, const QString &said) {
+            world.addSession(11, u"one"_s, status, 0s);
+            world.monitor.refresh();
+            if (panel.ring()->accessibleName() != u"Claude sessions: "_s + said)
+                qFatal("the ring says %s", qPrintable(panel.ring()->accessibleName()));
+            return RingPicture(world, panel);
+        };
+        QVERIFY(picture(u"idle"_s, u"idle"_s).badge() != Palette::badge);
+        const RingPicture working = picture(u"busy"_s, u"working"_s); // the arc stands still
+        QCOMPARE(working.at(0.12), Palette::bronze);
+        QVERIFY(working.at(0.6) != Palette::bronze);
+        const RingPicture completed = picture(u"idle"_s, u"just finished"_s);
+        for (const double turn : {0.1, 0.35, 0.6, 0.85})
+            QCOMPARE(completed.at(turn), Palette::ample);
+        world.clock.advance(2min);
+        (void)picture(u"idle"_s, u"idle"_s);
+        QCOMPARE(picture(u"waiting"_s, u"a session waits for you"_s).badge(), Palette::badge);
+    }
+
+    void unchangedSessionsPaintNothingAndAChangedOnePaintsItsRowOnly()
+    {
+        for (const bool open : {false, true}) {
+            PanelWorld world;
+            for (int pid = 1; pid <= 20; ++pid)
+                world.addSession(pid, u"session %1"_s.arg(pid), u"idle"_s, pid * 100s);
+            PanelUnderTest panel(world);
+            if (open)
+                panel.clickRing();
+            settle(panel);
+            const PaintCounter counter;
+            for (int poll = 0; poll < 5; ++poll) {
+                world.addSession(3, u"session 3"_s, u"idle"_s, 5min); // rewritten as it was
+                world.monitor.refresh();
+                world.monitor.waitForDetails();
+                settle(panel);
+            }
+            Q_EMIT world.mainScreen.changed();
+            world.clock.advance(1s); // no minute has passed for any of them
+            // The elapsed times are looked at.
+            if (auto *card = panel.view().findChild<ProjectsCardContent *>())
+                QVERIFY(QSignalSpy(card->findChild<QTimer *>(), &QTimer::timeout).wait());
+            settle(panel);
+            QCOMPARE(counter.painted, QStringList());
+            world.addSession(2, u"renamed"_s, u"idle"_s, 200s);
+            world.monitor.refresh();
+            settle(panel);
+            QCOMPARE(counter.paintsOf(u"renamed"_s) > 0, open);
+            QCOMPARE(counter.paintsOf(u"(Claude sessions|session)"_s), 0);
+        }
+    }
+
+    void aChangeOfTheUsePaintsRingAndBarAndMovesNothingWhereMotionIsReduced()
+    {
+        PanelWorld world;
+        PanelUnderTest panel(world);
+        showUsage(world, panel, 10);
+        world.state.setMode(PanelMode::usage());
+        settle(panel);
+        const PaintCounter counter;
+        showUsage(world, panel, 60);
+        settle(panel);
+        QVERIFY(counter.paintsOf(u"Claude sessions"_s) > 0 && counter.paintsOf(u"Current session"_s) > 0);
+        expectMotion(false);
+    }
+
+    void theRingTurnsOnlyWhileSomethingWorksAndIsSeen()
+    {
+        PanelWorld world;
+        world.preferences.setReducedMotion(false);
+        world.addSession(1, u"one"_s, u"busy"_s, 0ms);
+        PanelUnderTest panel(world);
+        QVERIFY(QTest::qWaitForWindowExposed(&panel.view()));
+        expectMotion(true);
+
+        world.preferences.setReducedMotion(true);
+        settle(panel);
+        expectMotion(false);
+        world.preferences.setReducedMotion(false);
+        expectMotion(true);
+
+        world.placement.setVisible(false);
+        QCoreApplication::processEvents();
+        expectMotion(false);
+        world.placement.setVisible(true);
+        expectMotion(true);
+
+        world.addSession(1, u"one"_s, u"idle"_s, 0ms);
+        world.monitor.refresh();
+        settle(panel);
+        expectMotion(false);
+    }
+
+private:
+    // A timer that fires nearly as often as the frames do tells when several would have been painted.
+    static void expectMotion(bool turning)
+    {
+        const PaintCounter counter;
+        int ticks = 0;
+        QTimer frames;
+        frames.callOnTimeout([&ticks] { ++ticks; });
+        frames.start(20);
+        if (turning)
+            QTRY_VERIFY(counter.paintsOf(u"Claude sessions"_s) >= 5);
+        QTRY_VERIFY(ticks >= 10);
+        if (!turning)
+            QCOMPARE(counter.painted.size() + counter.frames, 0);
+    }
+};
+
+QTEST_MAIN(TestDrawing)
+#include "tst_drawing.moc"

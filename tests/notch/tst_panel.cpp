@@ -1,0 +1,209 @@
+#include <QGraphicsEffect>
+#include <QHelpEvent>
+#include <QMenu>
+#include <QSignalSpy>
+
+#include "notch/PanelUnderTest.h"
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using namespace nubble;
+
+class TestPanel : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aClickOnTheRingOpensAndClosesTheSessionsCard()
+    {
+        PanelWorld world;
+        PanelUnderTest panel(world);
+        world.addSession(11, u"new"_s, u"idle"_s, 0ms);
+        for (const bool reduced : {true, false}) {
+            world.preferences.setReducedMotion(reduced);
+            panel.clickRing();
+            QCOMPARE(world.state.mode(), PanelMode::sessions());
+            QCOMPARE(panel.view().findChild<QGraphicsEffect *>() == nullptr, reduced); // it fades in
+            QCOMPARE(panel.rowNames(), QStringList{u"new, idle, just now"_s});         // read afresh
+            panel.clickRing();
+            QCOMPARE(world.state.mode(), PanelMode::collapsed());
+            QVERIFY(panel.control(u"Close"_s) == nullptr);
+        }
+        panel.clickRing();
+        panel.click(u"Close"_s);
+        QCOMPARE(world.state.mode(), PanelMode::collapsed());
+    }
+
+    void pointingAtTheRingPreviewsTheUsage()
+    {
+        PanelWorld world;
+        PanelUnderTest panel(world);
+        QEnterEvent enter({5, 5}, {5, 5}, {5, 5});
+        QEvent leave(QEvent::Leave);
+        QCoreApplication::sendEvent(panel.ring(), &enter);
+        QCOMPARE(world.state.mode(), PanelMode::usage());
+        QVERIFY(panel.control(u"Refresh now"_s) != nullptr);
+        panel.clickRing();
+        QCOMPARE(world.state.mode(), PanelMode::sessions());
+        panel.clickRing();
+        QCoreApplication::sendEvent(panel.ring(), &enter);
+        QCoreApplication::sendEvent(panel.ring(), &leave);
+        PanelMode soon = PanelMode::collapsed();
+        QTimer::singleShot(75ms, this, [&] { soon = world.state.mode(); });
+        QTRY_COMPARE(world.state.mode(), PanelMode::collapsed());
+        QCOMPARE(soon, PanelMode::usage()); // the pointer has the time to get from the ring to the card
+    }
+
+    void aPreviewStaysUntilRingAndCardAreLeftAndOtherCardsWherePressesElsewhereAreSeen()
+    {
+        for (const auto &[steps, mode] :
+             {std::pair(u"ring away card wait"_s, PanelMode::usage()),
+              {u"ring away card wait away ring wait"_s, PanelMode::usage()},
+              {u"ring away card wait away"_s, PanelMode::collapsed()},
+              {u"ring click away ring wait away wait"_s, PanelMode::sessions()},
+              {u"unseen ring click away card wait"_s, PanelMode::sessions()},
+              {u"unseen ring click away card wait away"_s, PanelMode::collapsed()}}) {
+            PanelState state;
+            HoverPreview hover(state);
+            for (const QString &step : steps.split(u' ')) {
+                if (step == u"unseen")
+                    hover.closeEveryCardWhenLeft();
+                else if (step == u"click")
+                    state.setMode(PanelMode::sessions());
+                else if (step == u"wait")
+                    QTest::qWait(200); // until the pointer has been looked for
+                if (step == u"ring" || step == u"away")
+                    hover.setRingHovered(step == u"ring");
+                if (step == u"card" || step == u"away")
+                    hover.setCardHovered(step == u"card");
+            }
+            QTRY_VERIFY2(state.mode() == mode, qPrintable(steps));
+        }
+    }
+
+    void aDragMovesThePanelToWhereTheSurfaceSeesTheMouseAndClicksNothing()
+    {
+        for (const auto &[by, drags] :
+             {std::pair(QPoint(0, 0), false), {{-2, 3}, false}, {{0, 4}, true}, {{-700, 30}, true}}) {
+            PanelWorld world;
+            PanelUnderTest panel(world);
+            panel.surface->mouseOffset = {0, 90};
+            const QPoint middle = panel.ring()->rect().center();
+            const QPointF end = panel.ring()->mapToGlobal(middle) + by + panel.surface->mouseOffset;
+            PanelUnderTest::drag(panel.ring(), middle, by);
+            QCOMPARE(world.state.mode(), drags ? PanelMode::collapsed() : PanelMode::sessions());
+            QCOMPARE(
+                world.placement.offset(), drags ? end.y() - world.mainScreen.frame()->center().y() : 0.0);
+            QCOMPARE(world.placement.edge(), end.x() < 400 ? NotchEdge::Left : NotchEdge::Right);
+            QVERIFY(!world.placement.isDragging());
+            QCOMPARE(panel.surface->log, drags ? QStringList({u"begin"_s, u"end"_s}) : QStringList());
+            panel.clickRing(); // works as ever afterwards
+            QCOMPARE(world.state.mode(), drags ? PanelMode::sessions() : PanelMode::collapsed());
+        }
+    }
+
+    void actionButtonsStandInTheBodyInTheirOrderAndDoWhatTheyAreFor()
+    {
+        PanelWorld world("addon.ask=true\naddon.search=true\naddon.notes=true\n");
+        PanelUnderTest panel(world);
+        const QSignalSpy search(&world.notifications, &NotificationCenter::openChatSearch);
+        const QSignalSpy ask(&world.notifications, &NotificationCenter::askClaude);
+        for (const NotchEdge edge : allEdges) {
+            world.placement.moveToEdge(edge, world.mainScreen.frame());
+            int last = 0;
+            for (const auto &name : {u"Claude"_s, u"Ask"_s, u"Search"_s, u"Meeting"_s}) {
+                const auto *button = panel.control(name);
+                QVERIFY2(button && button->focusPolicy() & Qt::TabFocus, qPrintable(name));
+                const QPoint center = button->mapTo(&panel.view(), button->rect().center());
+                const int along = isVertical(edge) ? center.y() : center.x();
+                QVERIFY2(world.geometry().body.contains(center) && along > last, qPrintable(name));
+                last = along;
+            }
+        }
+        panel.clickRing();
+        panel.click(u"Search chats  Ctrl+Alt+Space"_s);
+        QCOMPARE(world.state.mode(), PanelMode::collapsed());
+        QVERIFY(search.count() == 1 && ask.count() == 0);
+        panel.click(u"Ask Claude about your screen  Ctrl+Alt+A"_s);
+        QVERIFY(search.count() == 1 && ask.count() == 1);
+
+        const QImage before = panel.view().grab().toImage();
+        panel.actions.back()->setLook({u"record.circle.fill"_s, u"Meeting notes — Recording"_s});
+        QVERIFY(panel.view().grab().toImage() != before);
+        panel.click(u"Meeting notes — Recording"_s);
+        QCOMPARE(world.state.mode(), PanelMode::collapsed()); // a mode without a card is no mode to be in
+    }
+
+    void itLiesWithItsCardAtEachEdgeAndTakesTheMouseThereOnly()
+    {
+        PanelWorld world("placement.offset=1e300\n"); // clamped only when it is placed: in a corner
+        for (int pid = 1; pid <= 5; ++pid)
+            world.addSession(pid, u"one"_s, u"idle"_s, 0ms);
+        PanelUnderTest panel(world);
+        QCOMPARE(panel.surface->activeRects, QList{world.geometry().body});
+        panel.clickRing();
+        const QPainterPath &outline = panel.surface->outline;
+        constexpr Qt::Edge qtEdges[]{Qt::RightEdge, Qt::LeftEdge, Qt::TopEdge, Qt::BottomEdge};
+        QPointF cross;
+        for (const NotchEdge edge : allEdges) {
+            world.placement.moveToEdge(edge, world.mainScreen.frame());
+            const PanelGeometry expected = world.geometry();
+            QCOMPARE(panel.view().geometry(), expected.frame);
+            const SurfacePlace &last = panel.surface->last;
+            const QPoint start = last.frame.topLeft() - world.mainScreen.frame()->topLeft().toPoint();
+            QCOMPARE(last.offset, isVertical(edge) ? start.y() : start.x());
+            QCOMPARE(last.edge, qtEdges[static_cast<int>(edge)]);
+            QCOMPARE(panel.surface->activeRects, (QList{expected.body, expected.cardArea}));
+            const auto *close = panel.control(u"Close"_s);
+            cross = close->mapTo(&panel.view(), QPointF(close->rect().center()));
+            QVERIFY(expected.cardArea.contains(cross) && outline.contains(cross));
+            QRectF card; // which grows with its five rows
+            QTRY_VERIFY((card = outline.toSubpathPolygons().last().boundingRect()).height() > 250);
+            const double clear = isVertical(edge) ? 7 : 0; // a level card is as wide as its area
+            QVERIFY(expected.screen.marginsRemoved({clear, clear, clear, clear}).contains(card));
+            const double sides[]{card.right() - 2, card.left() + 2, card.top() + 2, card.bottom() - 2};
+            QPointF tip = expected.ringCenter;
+            (isVertical(edge) ? tip.rx() : tip.ry()) = sides[static_cast<int>(edge)];
+            QVERIFY(outline.contains(tip)); // the tail points at the ring
+        }
+        panel.clickRing();
+        QVERIFY(!outline.contains(cross));
+        const int before = panel.surface->placements;
+        world.placement.centerOnEdge();
+        Q_EMIT world.mainScreen.changed();
+        Q_EMIT panel.surface->closed();
+        QCOMPARE(panel.surface->placements, before + 3);
+        const PanelGeometry expected = world.geometry();
+        QCOMPARE(panel.surface->activeRects, QList{expected.body});
+        QCOMPARE(panel.window.bodyOnScreen()->body, expected.body.translated(expected.frame.topLeft()));
+    }
+
+    void theSurfaceTakesTheKeyboardOnRequestOnlyAndShowsToolTipsAndMenus()
+    {
+        PanelWorld world;
+        PanelUnderTest panel(world);
+        panel.window.openForKeyboard(PanelMode::sessions());
+        QVERIFY(panel.surface->hasKeyboard);
+        QTRY_VERIFY(QApplication::focusWidget() != nullptr);
+        QVERIFY(QApplication::focusWidget() != panel.ring());
+        panel.window.openForKeyboard(PanelMode::sessions()); // does not close it
+        QCOMPARE(world.state.mode(), PanelMode::sessions());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        QCOMPARE(world.state.mode(), PanelMode::collapsed());
+        QVERIFY(!panel.surface->hasKeyboard);
+
+        panel.clickRing();
+        auto *close = panel.control(u"Close"_s);
+        const QPoint title = close->mapTo(&panel.view(), QPoint(-60, close->height() / 2));
+        QTest::mouseClick(panel.view().childAt(title), Qt::LeftButton); // on the card itself
+        QVERIFY(panel.surface->hasKeyboard);
+
+        QHelpEvent help(QEvent::ToolTip, {2, 2}, close->mapToGlobal(QPoint(2, 2)));
+        QCoreApplication::sendEvent(close, &help);
+        QMenu menu;
+        panel.window.openMenu(menu, {});
+        QCOMPARE(panel.surface->log, QStringList({u"Close"_s, u"menu"_s}));
+    }
+};
+
+QTEST_MAIN(TestPanel)
+#include "tst_panel.moc"

@@ -1,0 +1,249 @@
+#include <QSignalSpy>
+#include <QTest>
+
+#include <cmath>
+
+#include "Placement/Layout.h"
+#include "Placement/NotchPlacement.h"
+#include "Placement/PanelGeometry.h"
+#include "Placement/PanelShapes.h"
+#include "Shell/Defaults.h"
+#include "support/TemporaryHome.h"
+
+using namespace Qt::StringLiterals;
+using namespace nubble;
+
+namespace {
+
+const QRectF wide(100, 50, 1440, 900);
+const QRectF square(0, 0, 800, 800);
+constexpr double hair = 2e-6;
+
+// A placement in a home of its own, where such settings are stored.
+struct Stored {
+    explicit Stored(const QByteArray &settings = {})
+        : defaults(home.write(u"preferences.conf"_s, "[General]\n" + settings))
+    {
+    }
+
+    [[nodiscard]] QString shown() const
+    {
+        const QString now = textOf(placement);
+        return textOf(NotchPlacement(defaults, layout)) == now ? now : u"not stored: "_s + now;
+    }
+
+    TemporaryHome home;
+    mutable Defaults defaults;
+    Layout layout{11, false, 0};
+    NotchPlacement placement{defaults, layout};
+
+private:
+    static QString textOf(const NotchPlacement &placement)
+    {
+        return rawValue(placement.edge()) + u' ' + QString::number(placement.offset())
+            + (placement.isLocked() ? u" locked"_s : QString())
+            + (placement.isVisible() ? QString() : u" hidden"_s);
+    }
+};
+
+bool holds(const QRectF &outer, const QRectF &inner)
+{
+    return outer.adjusted(-hair, -hair, hair, hair).contains(inner);
+}
+
+bool equals(const QRectF &a, const QRectF &b)
+{
+    return holds(a, b) && holds(b, a);
+}
+
+double along(NotchEdge edge, const QPointF &point)
+{
+    return isVertical(edge) ? point.y() : point.x();
+}
+
+double sideOf(NotchEdge edge, const QRectF &rect)
+{
+    const double sides[]{rect.right(), rect.left(), rect.top(), rect.bottom()};
+    return sides[static_cast<int>(edge)];
+}
+
+} // namespace
+
+class TestPlacement : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void storedSettingsAreReadAndWrongOnesCountAsAbsent()
+    {
+        for (const auto &[settings, shown] :
+             {std::pair(QByteArray(), u"right 0"_s),
+              {"edge=top\noffset=-12.5\nlocked=true\nvisible=false", u"top -12.5 locked hidden"_s},
+              {"edge=Top\noffset=inf\nlocked=1\nvisible=0", u"right 0"_s},
+              {"edge=left\noffset=\nlocked=TRUE\nvisible=false", u"left 0 hidden"_s}})
+            QCOMPARE(
+                Stored("placement." + QByteArray(settings).replace("\n", "\nplacement.")).shown(), shown);
+    }
+
+    void everyChangeIsPublishedOnceAndStored()
+    {
+        Stored stored;
+        NotchPlacement &placement = stored.placement;
+        const QSignalSpy changed(&placement, &NotchPlacement::changed);
+        placement.centerOnEdge(); // already there
+        placement.setVisible(true);
+        placement.setDragging(true);
+        QCOMPARE(changed.count(), 0);
+        placement.moveTo({600, 60}, wide);
+        placement.moveTo({600, 70}, wide); // nearer to no other edge
+        QCOMPARE(changed.count(), 1);
+        placement.toggleLocked();
+        placement.toggleVisible();
+        QCOMPARE(changed.count(), 3);
+        QCOMPARE(stored.shown(), u"top -220 locked hidden"_s);
+    }
+
+    void aDragGoesToTheNearestEdge()
+    {
+        using Row = std::tuple<QRectF, QPointF, QString>;
+        for (const auto &[screen, point, shown] : {
+                 Row(wide, {1530, 400}, u"right -100"_s),
+                 Row(wide, {110, 600}, u"left 100"_s),
+                 Row(wide, {900, 60}, u"top 80"_s),
+                 Row(wide, {700, 940}, u"bottom -120"_s),
+                 Row(wide, {2000, 510}, u"right 10"_s),   // beyond the screen
+                 Row(square, {100, 100}, u"left -300"_s), // as near to two of them, or to all
+                 Row(square, {650, 150}, u"right -250"_s),
+                 Row(square, {400, 400}, u"left 0"_s),
+             }) {
+            Stored stored;
+            stored.placement.moveTo(point, screen);
+            QCOMPARE(stored.shown(), shown);
+        }
+    }
+
+    void theOffsetKeepsThePanelOnTheScreen()
+    {
+        // Without companion and actions the body reaches 154/3 beyond the ring on horizontal edges.
+        Stored stored;
+        NotchPlacement &placement = stored.placement;
+        placement.moveToEdge(NotchEdge::Top, std::nullopt);
+        QCOMPARE(placement.clamp(10000, wide), 720 - 154.0 / 3);
+        QCOMPARE(placement.clamp(-10000, wide), -(720 - 154.0 / 3));
+        QCOMPARE(placement.clamp(-300, wide), -300);
+        for (const double offset : {-1e300, -1.0, 0.0, 5.0, 1e300})
+            QCOMPARE(placement.clamp(offset, {0, 0, 90, 90}), 0);
+        placement.moveTo({101, 51}, wide); // a corner
+        QCOMPARE(placement.edge(), NotchEdge::Left);
+        QCOMPARE(placement.offset(), placement.clamp(-10000, wide));
+    }
+
+    void anotherEdgeKeepsTheOffsetAsFarAsItFits()
+    {
+        Stored stored;
+        NotchPlacement &placement = stored.placement;
+        placement.moveTo({800, 51}, wide);
+        placement.moveTo({1400, 51}, wide);
+        QCOMPARE(stored.shown(), u"top 580"_s);
+        placement.moveToEdge(NotchEdge::Left, std::nullopt); // no screen to fit
+        QCOMPARE(stored.shown(), u"left 580"_s);
+        placement.moveToEdge(NotchEdge::Bottom, wide);
+        QCOMPARE(stored.shown(), u"bottom 580"_s);
+        placement.moveToEdge(NotchEdge::Right, wide);
+        QCOMPARE(placement.offset(), placement.clamp(10000, wide));
+        QVERIFY(placement.offset() < 450);
+        placement.centerOnEdge();
+        placement.toggleLocked();
+        placement.moveTo({110, 600}, wide); // a locked panel is not dragged
+        QCOMPARE(stored.shown(), u"right 0 locked"_s);
+        placement.moveToEdge(NotchEdge::Top, wide); // but moves when told
+        QCOMPARE(stored.shown(), u"top 0 locked"_s);
+    }
+
+    void everyMeasureIsTheExactOne()
+    {
+        // For a line height of 11, worked out by hand from the base sizes.
+        using enum NotchEdge;
+        using Row = std::tuple<Layout, NotchEdge, QSizeF, QRectF, QPointF, double>;
+        const Layout bare(11, false, 0), full(11, true, 3);
+        const QSizeF upright(329.743590, 460), fullUpright(329.743590, 565.511111),
+            level(246.153846, 560.567521), fullLevel(317.709402, 560.567521);
+        for (const auto &[layout, edge, window, body, actions, limit] : {
+                 Row(bare, Right, upright, {288.410256, 178.666667, 41.333333, 115.333333}, {}, 656),
+                 Row(bare, Top, level, {71.743590, 0, 98.355556, 58.311111}, {}, 668.666667),
+                 Row(full, Right, fullUpright, {288.410256, 231.422222, 41.333333, 243.644444},
+                     {309.076923, 399.666667}, 527.688889),
+                 Row(full, Left, fullUpright, {0, 231.422222, 41.333333, 243.644444}, {20.666667, 399.666667},
+                     527.688889),
+                 Row(full, Top, fullLevel, {107.521368, 0, 209.688889, 58.311111}, {250.299145, 20.666667},
+                     561.644444),
+                 Row(full, Bottom, fullLevel, {107.521368, 502.256410, 209.688889, 58.311111},
+                     {250.299145, 539.900855}, 561.644444),
+             }) {
+            QVERIFY(equals({{}, layout.windowSize(edge)}, {{}, window}));
+            QVERIFY(equals(layout.bodyRect(edge), body));
+            QVERIFY(
+                actions.isNull() || (layout.actionsCenterInWindow(edge) - actions).manhattanLength() < hair);
+            QVERIFY(std::abs(layout.offsetLimit(edge, 1440) - limit) < hair);
+            QCOMPARE(layout.offsetLimit(edge, 50), 0);
+        }
+    }
+
+    void onEveryScreenThePanelIsFlushAndTheCardInSight()
+    {
+        const QRectF second(1920, -200, 1440, 900), fractional(0, 0, 1280.5, 720.5), tiny(0, 0, 320, 240);
+        for (const NotchEdge edge : allEdges)
+            for (const QRectF &screen : {second, fractional, tiny})
+                for (const double offset : {-1e9, -100.4, 0.0, 33.5, 1e9})
+                    expectFlushAndInSight(edge, offset, screen);
+    }
+
+    void theBodyAndCardAreDrawnWithinTheirPlaces()
+    {
+        const QRectF rect(300, 200, 150, 130);
+        const QRectF withTail[]{
+            rect.adjusted(0, 0, 14, 0), rect.adjusted(-14, 0, 0, 0), rect.adjusted(0, -14, 0, 0),
+            rect.adjusted(0, 0, 0, 14)};
+        const QPointF inTail[]{{460, 250}, {290, 250}, {350, 190}, {350, 340}};
+        for (const NotchEdge edge : allEdges) {
+            QVERIFY(equals(rect, bodyOutline(edge, rect).boundingRect()));
+            const QPainterPath card = cardOutline(edge, rect, 14, 50);
+            QVERIFY(equals(withTail[static_cast<int>(edge)], card.boundingRect()));
+            QVERIFY(card.contains(inTail[static_cast<int>(edge)]));
+            for (const double along : {-1e6, 0.0, 1e6}) // the tail keeps clear of the corners
+                QVERIFY(holds(
+                    rect.adjusted(-14, -14, 14, 14), cardOutline(edge, rect, 14, along).boundingRect()));
+        }
+        const QPainterPath body = bodyOutline(NotchEdge::Top, rect); // its shoulders are a quarter circle
+        QVERIFY(!body.contains(QPointF(312, 210)) && body.contains(QPointF(315, 210)));
+    }
+
+private:
+    static void expectFlushAndInSight(NotchEdge edge, double offset, const QRectF &screen)
+    {
+        const Layout layout(11, false, 3);
+        const double limit = layout.offsetLimit(edge, Layout::along(edge, screen.size()));
+        const double clamped = std::clamp(offset, -limit, limit);
+        const PanelGeometry geometry = panelGeometry(layout, edge, clamped, screen);
+
+        QVERIFY(holds(
+            geometry.frame, QRectF(geometry.origin + geometry.frame.topLeft(), layout.windowSize(edge))));
+        QVERIFY(holds(QRectF(QPointF(), geometry.frame.size()), geometry.body));
+        QVERIFY(holds(QRectF(QPointF(), geometry.frame.size()), geometry.cardArea));
+        QVERIFY(std::abs(sideOf(edge, geometry.body) - sideOf(edge, geometry.screen)) < hair);
+        QVERIFY(std::abs(sideOf(edge, geometry.frame.toRectF()) - sideOf(edge, screen)) < 1);
+
+        const QPointF ring = geometry.ringCenter + geometry.frame.topLeft();
+        QVERIFY(std::abs(along(edge, ring - screen.center()) - clamped) <= 0.5 + hair);
+        QCOMPARE(along(edge, geometry.origin), std::round(along(edge, geometry.origin)));
+
+        // The card's area lies beside the body and stays on the screen along the edge, as far as it fits.
+        QVERIFY(!geometry.cardArea.intersects(geometry.body.adjusted(hair, hair, -hair, -hair)));
+        const QRectF area = geometry.cardArea;
+        const double first = along(edge, area.topLeft() - geometry.screen.topLeft());
+        const double room = Layout::along(edge, screen.size()) - Layout::along(edge, area.size());
+        QVERIFY(room < 0 ? std::abs(first) < hair : first > -hair && first < room + hair);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestPlacement)
+#include "tst_placement.moc"

@@ -1,0 +1,202 @@
+#include <QApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVariant>
+#include <QDBusVirtualObject>
+
+#include "Platform/DesktopStatusHost.h"
+#include "Platform/Freedesktop/StatusNotifierWatch.h"
+#include "Platform/X11/X11Tray.h"
+#include "Platform/X11/X11Workspace.h"
+#include "platform/ForeignApplication.h"
+
+using namespace Qt::StringLiterals;
+using namespace nubble;
+
+namespace {
+
+using Kind = StatusHost::Kind;
+
+// The service with which hosts on the bus register. A silent one never says whether any has.
+class Announcement : public QDBusVirtualObject {
+public:
+    explicit Announcement(bool isSilent = false) : m_isSilent(isSilent)
+    {
+        QVERIFY(m_bus.registerVirtualObject(m_path, this));
+        QVERIFY(m_bus.registerService(m_name));
+    }
+    ~Announcement() override { QDBusConnection::disconnectFromBus(m_bus.name()); }
+
+    [[nodiscard]] QString introspect(const QString &) const override { return {}; }
+    bool handleMessage(const QDBusMessage &message, const QDBusConnection &) override
+    {
+        wasAsked = true;
+        if (m_isSilent)
+            message.setDelayedReply(true);
+        else
+            m_bus.send(message.createReply(QVariant::fromValue(QDBusVariant(m_hasHost))));
+        return true;
+    }
+    void registerHost()
+    {
+        m_hasHost = true;
+        m_bus.send(QDBusMessage::createSignal(m_path, m_name, u"StatusNotifierHostRegistered"_s));
+    }
+
+    bool wasAsked = false;
+
+private:
+    const QString m_path = u"/StatusNotifierWatcher"_s;
+    const QString m_name = u"org.kde.StatusNotifierWatcher"_s;
+    QDBusConnection m_bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"another program"_s);
+    bool m_isSilent;
+    bool m_hasHost = false;
+};
+
+} // namespace
+
+class TestX11Services : public QObject {
+    Q_OBJECT
+
+private:
+    X11Workspace m_workspace{X11Connection::ofThisProgram()};
+    ForeignApplication m_terminal{4242};
+    ForeignApplication m_editor{4343};
+
+    [[nodiscard]] QList<pid_t> runningPids() const
+    {
+        QList<pid_t> pids;
+        for (const RunningApplication &each : m_workspace.runningApplications())
+            pids.append(each.pid.value_or(0));
+        return pids;
+    }
+    void openTray()
+    {
+        const auto window = m_editor.open({0, 0, 100, 100}, Qt::red, ForeignApplication::Unmanaged);
+        m_editor.setNumbers(
+            window, "_NET_SYSTEM_TRAY_COLORS", {0x1000, 0x8080, 0xffff, 0, 0, 0, 0, 0, 0, 0, 0, 0});
+        m_editor.own(X11Atom::SystemTray, window);
+    }
+    static std::unique_ptr<DesktopStatusHost> makeHost(
+        std::chrono::milliseconds patience = std::chrono::hours(1))
+    {
+        return std::make_unique<DesktopStatusHost>(
+            std::make_unique<StatusNotifierWatch>(),
+            std::make_unique<X11Tray>(X11Connection::ofThisProgram()), patience);
+    }
+
+private Q_SLOTS:
+    void cleanup()
+    {
+        m_terminal.closeAll();
+        m_editor.closeAll();
+        QTRY_COMPARE(runningPids(), QList<pid_t>());
+    }
+
+    void believesNoNonsenseAndSaysWhereNobodyBringsWindowsForward()
+    {
+        const auto window = m_terminal.open({0, 0, 100, 100}, Qt::red);
+        for (const std::vector<uint32_t> &nonsense :
+             {std::vector<uint32_t>{0}, {0xFFFFFFFF}, {}, std::vector<uint32_t>(60'000, 7)}) {
+            m_terminal.setNumbers(window, "_NET_WM_PID", nonsense);
+            QCOMPARE(runningPids(), QList<pid_t>());
+        }
+        m_terminal.setText(window, "_NET_WM_PID", "4242");
+        QCOMPARE(runningPids(), QList<pid_t>());
+
+        m_terminal.setNumbers(window, "_NET_WM_PID", {4242});
+        m_terminal.setText(window, "WM_CLIENT_MACHINE", "a-machine-far-away.example");
+        QCOMPARE(runningPids(), QList<pid_t>());
+
+        m_terminal.setText(window, "WM_CLIENT_MACHINE", "localhost");
+        m_terminal.setText(window, "WM_CLASS", QByteArray(100'000, 'x'));
+        QCOMPARE(runningPids(), QList<pid_t>{4242});
+        QVERIFY(m_workspace.runningApplications().first().name.size() <= 1024);
+
+        std::vector<uint32_t> list(60'000, 0x7FFFFFFF); // windows that have gone
+        list.front() = window;
+        for (const char *property : {"_NET_CLIENT_LIST", "_NET_CLIENT_LIST_STACKING"})
+            m_terminal.setNumbers(m_terminal.root(), property, list, "WINDOW");
+        QCOMPARE(runningPids(), QList<pid_t>{4242});
+        QCOMPARE(m_workspace.activateNearest({4242}), Activation::Requested);
+        QCOMPARE(m_workspace.activateNearest({4343, 0}), Activation::NotFound);
+        m_terminal.setNumbers(m_terminal.root(), "_NET_CLIENT_LIST", {window}, "WINDOW");
+
+        QVERIFY(m_workspace.canActivate());
+        const auto supported = m_terminal.numbers(m_terminal.root(), "_NET_SUPPORTED");
+        m_terminal.setNumbers(m_terminal.root(), "_NET_SUPPORTED", {}, "ATOM"); // no window manager
+        QVERIFY(!m_workspace.canActivate());
+        QCOMPARE(m_workspace.activateNearest({4343}), Activation::Impossible);
+        m_terminal.setNumbers(m_terminal.root(), "_NET_SUPPORTED", supported, "ATOM");
+    }
+
+    void activatingARunningApplicationRaisesAllItsWindowsInTheirOrder()
+    {
+        const auto stacking = [this] {
+            return m_terminal.numbers(m_terminal.root(), "_NET_CLIENT_LIST_STACKING");
+        };
+        const auto below = m_terminal.open({0, 0, 300, 300}, Qt::red);
+        const auto above = m_terminal.open({50, 50, 300, 300}, Qt::red);
+        m_terminal.focus(above);
+        const auto text = m_editor.open({100, 100, 300, 300}, Qt::blue);
+        m_editor.focus(text);
+        QTRY_COMPARE(stacking().back(), text);
+        ForeignApplication menu(4444);
+        (void)menu.open({400, 0, 100, 100}, Qt::red, ForeignApplication::Unmanaged);
+        const RunningApplication first{4242, u"Terminal"_s, u"terminal"_s};
+        QCOMPARE(m_workspace.runningApplications().first(), first);
+        QCOMPARE(runningPids(), (QList<pid_t>{4242, 4343}));
+
+        // 4444 has no managed window, 0 names no process, and 4343 is not the nearest.
+        QCOMPARE(m_workspace.activateNearest({4444, 0, 4242, 4343}), Activation::Requested);
+        QTRY_COMPARE(m_terminal.focusedWindow(), above);
+        QTRY_COMPARE(stacking(), (std::vector<uint32_t>{text, below, above}));
+    }
+
+    void deiconifiesWhatLiesOnTheDesktopInViewBelowTheOthers()
+    {
+        const auto kept = m_terminal.open({0, 0, 300, 300}, Qt::red);
+        const auto here = m_terminal.open({50, 50, 300, 300}, Qt::red);
+        const auto elsewhere = m_terminal.open({50, 50, 300, 300}, Qt::red);
+        ForeignApplication::manage(elsewhere, u"-r"_s, u"-t 1"_s);
+        for (const auto window : {here, elsewhere}) {
+            ForeignApplication::manage(window, u"-r"_s, u"-b add,hidden"_s);
+            QTRY_VERIFY(m_terminal.hasState(window, "_NET_WM_STATE_HIDDEN"));
+        }
+        m_editor.focus(m_editor.open({100, 100, 300, 300}, Qt::blue));
+        QCOMPARE(m_workspace.activateNearest({4242}), Activation::Requested);
+        QTRY_VERIFY(!m_terminal.hasState(here, "_NET_WM_STATE_HIDDEN"));
+        QTRY_COMPARE(m_terminal.focusedWindow(), kept);
+        QVERIFY(m_terminal.hasState(elsewhere, "_NET_WM_STATE_HIDDEN"));
+    }
+
+    void anAnnouncedHostIsPreferredToATrayForAWhile()
+    {
+        openTray();
+        Announcement announcement;
+        const auto patient = makeHost();
+        const auto hasty = makeHost(std::chrono::milliseconds(1));
+        QTRY_COMPARE(hasty->kind(), Kind::Embedding);
+        QCOMPARE(hasty->foreground(), QColor(0x10, 0x80, 0xff));
+        QCOMPARE(patient->kind(), Kind::None);
+        announcement.registerHost();
+        QTRY_COMPARE(patient->kind(), Kind::Remote);
+        QCOMPARE(hasty->kind(), Kind::Embedding); // once picked it stays
+    }
+
+    void anAnnouncementThatGoesLeavesTheTrayHoweverItHasAnswered()
+    {
+        openTray();
+        for (const bool isSilent : {true, false}) {
+            auto announcement = std::make_optional<Announcement>(isSilent);
+            const auto host = makeHost(isSilent ? std::chrono::milliseconds(1) : std::chrono::hours(1));
+            QTRY_VERIFY(announcement->wasAsked);
+            QCOMPARE(host->kind(), Kind::None);
+            announcement.reset();
+            QTRY_COMPARE(host->kind(), Kind::Embedding);
+        }
+    }
+};
+
+QTEST_MAIN(TestX11Services)
+#include "tst_x11_services.moc"
