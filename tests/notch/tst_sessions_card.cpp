@@ -171,7 +171,7 @@ private:
     static bool holds(const QImage &picture, const QColor &color)
     {
         const auto *pixels = reinterpret_cast<const QRgb *>(picture.constBits());
-        return std::count(pixels, pixels + picture.width() * picture.height(), color.rgb()) > 0;
+        return std::count(pixels, pixels + picture.sizeInBytes() / 4, color.rgb()) > 0;
     }
 };
 
