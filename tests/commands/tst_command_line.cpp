@@ -38,11 +38,8 @@ private Q_SLOTS:
         const std::pair<QString, QString> cases[]{
             {u""_s, u"run"_s},
             {u"notes|start"_s, u"notes start"_s},
-            {u"autostart|off"_s, u"autostart off"_s},
             {u"status|--json"_s, u"status json"_s},
-            {u"--json|status"_s, u"status json"_s},
             {u"--bogus|-h"_s, u"help"_s},
-            {u"--version"_s, u"version"_s},
             {u"ask"_s, u"ask"_s},
             {u"ask||"_s, u"ask"_s},
             {u"ask|what is|this?"_s, u"ask [what is this?]"_s},

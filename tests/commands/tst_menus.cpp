@@ -79,30 +79,21 @@ private Q_SLOTS:
     {
         PanelWorld world;
         OpenMenus menus(world);
-        QCOMPARE(
-            shown(menus.ofIcon),
-            u"[x] Hide Notch, -, [ ] Lock Position, "
-            "Move to Edge {[x] Right, [ ] Left, [ ] Top, [ ] Bottom}, Center on Edge, -, "
-            "Add-ons {[ ] Quenwick, [ ] Ask Claude About Screen, [ ] Search Chats, [ ] Meeting Recorder, -, "
-            "(Nubble restarts to add or remove one.)}, -, "
-            "Refresh Everything Ctrl+R, Restart Nubble, -, Quit Nubble Ctrl+Q"_s);
+        QVERIFY(shown(menus.ofIcon).startsWith(u"[x] Hide Notch, -, [ ] Lock Position, Move to Edge {"_s));
         QCOMPARE(
             shown(menus.ofPanel),
             u"Lock Position, Move to Edge {[x] Right, [ ] Left, [ ] Top, [ ] Bottom}, Center on Edge, "
             "Add-ons {[ ] Ask Claude About Screen, [ ] Search Chats, [ ] Quenwick, [ ] Meeting Recorder}, "
             "Refresh Everything, Restart Nubble, Hide Notch, Quit Nubble"_s);
-    }
-
-    void theIconsMenuStartsWithWhatTheActiveAddonsOffer()
-    {
-        const auto start = [](const QByteArray &stored) {
-            PanelWorld world(stored + "placement.visible=false\n");
-            return shown(OpenMenus(world).ofIcon).section(u", -, [ ] Lock"_s, 0, 0);
-        };
-        const auto ask = u"Ask Claude About Screen… Ctrl+Alt+A, -, [ ] Show Notch"_s;
-        QCOMPARE(start("addon.search=true\naddon.ask=true\n"), u"Search Chats… Ctrl+Alt+Space, "_s + ask);
-        QCOMPARE(start("addon.ask=true\n"), ask);
-        QCOMPARE(start("addon.notes=true\naddon.quenwick=true\n"), u"[ ] Show Notch"_s);
+        PanelWorld withAddons("addon.search=true\naddon.ask=true\nplacement.visible=false\n");
+        QCOMPARE(
+            shown(OpenMenus(withAddons).ofIcon),
+            u"Search Chats… Ctrl+Alt+Space, Ask Claude About Screen… Ctrl+Alt+A, -, "
+            "[ ] Show Notch, -, [ ] Lock Position, "
+            "Move to Edge {[x] Right, [ ] Left, [ ] Top, [ ] Bottom}, Center on Edge, -, "
+            "Add-ons {[ ] Quenwick, [x] Ask Claude About Screen, [x] Search Chats, [ ] Meeting Recorder, -, "
+            "(Nubble restarts to add or remove one.)}, -, "
+            "Refresh Everything Ctrl+R, Restart Nubble, -, Quit Nubble Ctrl+Q"_s);
     }
 
     void anAddonIsAskedByTheMenuAndOverTheBus()
@@ -121,13 +112,9 @@ private Q_SLOTS:
         control.serve(menus.commands);
         for (const QString &question : {u"Why?"_s, QString()})
             control.findChild<ControlAdaptor *>()->Ask(question);
-        QCOMPARE(
-            requests,
-            (QList<AddonRequest>{
-                {Action::SearchChats},
-                {Action::AskClaude},
-                {Action::AskClaude, u"Why?"_s},
-                {Action::AskClaude}}));
+        const AddonRequest withQuestion{Action::AskClaude, u"Why?"_s};
+        const AddonRequest without{Action::AskClaude};
+        QCOMPARE(requests, (QList<AddonRequest>{{Action::SearchChats}, without, withQuestion, without}));
     }
 
     void theyChangeThePlacementUnlessItIsLocked()

@@ -1,5 +1,5 @@
-"""A desktop of the test's own: X server, window manager, session bus. What has been started here ends by its process id;
-what it leaves behind becomes a child of the test (it is a subreaper) and ends with it. Nothing waits for a fixed time."""
+"""A desktop of the test's own: X server, window manager, session bus. What is started here ends by its process id; what
+it leaves behind becomes a child of the test, a subreaper, and ends with it. Nothing waits for a fixed time."""
 
 import contextlib
 import ctypes

@@ -20,8 +20,6 @@ RING_ACROSS = 62 / 3
 
 
 class Home:
-    """A home folder with the files that sessions leave in it."""
-
     def __init__(self, folder):
         self.path = pathlib.Path(folder)
         (self.path / ".claude/sessions").mkdir(parents=True)
@@ -64,7 +62,6 @@ class Nubble:
         eventually(self.is_running, "the program answers")
 
     def run(self, *arguments, env=None):
-        """Another process, which ends by itself."""
         return subprocess.run(
             [PROGRAM, *self.home, *arguments], stdin=subprocess.DEVNULL, env=env or self.desktop.env,
             capture_output=True, text=True, timeout=PATIENCE, check=False)
@@ -135,7 +132,6 @@ class DesktopTest(unittest.TestCase):
         self.desktop.backdrop.clicks()
 
     def nubble(self):
-        """This home's program, which does not run yet."""
         nubble = Nubble(self.desktop, self.home)
         self.addCleanup(nubble.end_all)
         return nubble

@@ -18,10 +18,6 @@ class ThePanelWithoutAMouse(TerminalTest):
         import pyatspi  # reads the environment, and connects once
         cls.atspi = pyatspi
 
-    def setUp(self):
-        super().setUp()
-        self.until_focused(self.other)
-
     def start_nubble(self, **env):
         return super().start_nubble(QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", **env)
 
@@ -74,6 +70,7 @@ class ThePanelWithoutAMouse(TerminalTest):
         self.desktop.until_active(self.terminal)
 
     def test_takes_the_keyboard_when_asked_to_and_gives_it_back_but_takes_it_from_nobody(self):
+        self.until_focused(self.other)
         nubble = self.start_nubble()
         self.assertEqual(self.focused(), self.other)
         backdrop = self.desktop.backdrop.window  # which the window manager would not give it to

@@ -18,9 +18,7 @@ DONE, FAILED, WRONG_USAGE, NOT_RUNNING = range(4)
 ODD_NAME = "a 'b' \"c\" $HOME `d` \\e 100%f = ~ü\t\n"
 
 
-class CommandTest(DesktopTest):
-    """`program` is the one of this test's home, which does not run yet."""
-
+class TheProgram(DesktopTest):
     def setUp(self):
         super().setUp()
         self.program = self.nubble()
@@ -34,9 +32,7 @@ class CommandTest(DesktopTest):
         self.assertEqual((answer.returncode, answer.stdout), (status, ""))
         self.assertRegex(answer.stderr, rf"\Anubble: [^\n]*{why}[^\n]*\n\Z")
 
-
-class TheRunningInstance(CommandTest):
-    def test_is_reached_by_each_command_and_by_another_start(self):
+    def test_is_reached_by_each_command_and_by_another_start_and_tells_why_an_add_on_refuses(self):
         self.program.start()
         for command, visible in [
                 (["toggle"], False), (["toggle"], True), (["hide"], False), (["hide"], False), (["show"], True),
@@ -45,9 +41,6 @@ class TheRunningInstance(CommandTest):
             self.program.until_panel(visible=visible)
         self.assertEqual(self.program.panel()["mode"], "sessions")
         self.assertEqual(self.program.instances(), [self.program.process.pid])
-
-    def test_tells_why_an_add_on_refuses_whatever_the_question(self):
-        self.program.start()
         for arguments, title in [
                 (["ask"], "Ask Claude About Screen"), (["search"], "Search Chats"),
                 (["notes", "start"], "Meeting Recorder"), (["notes", "stop"], "Meeting Recorder")]:
@@ -101,9 +94,7 @@ class TheRunningInstance(CommandTest):
         eventually(lambda: second.status()["sessions"], "the second sees its session")
         self.assertEqual(self.program.status()["sessions"], [])
 
-
-class WithoutAnInstance(CommandTest):
-    def test_what_needs_one_says_in_one_line_that_there_is_none_however_its_threads_are_scheduled(self):
+    def test_says_in_one_line_that_it_does_not_run_however_its_threads_are_scheduled(self):
         before = os.sched_getaffinity(0)
         self.addCleanup(os.sched_setaffinity, 0, before)
         os.sched_setaffinity(0, {min(before)})
@@ -113,7 +104,7 @@ class WithoutAnInstance(CommandTest):
         self.assertIn('"source": "read"', self.check("status", "--json", status=NOT_RUNNING, error=error))
         self.assertEqual(self.program.instances(), [])
 
-    def test_the_rest_works_or_is_refused_in_one_line_without_a_display_or_a_bus(self):
+    def test_works_or_is_refused_in_one_line_without_a_display_or_a_bus(self):
         bare = {key: value for key, value in self.desktop.env.items() if key == "PATH" or key.endswith("SAN_OPTIONS")}
         run = functools.partial(self.program.run, env=bare)
 
@@ -134,7 +125,7 @@ class WithoutAnInstance(CommandTest):
             self.check_fails(self.program.run("show", env=env), "there is no ")
         self.assertEqual(self.program.instances(), [])
 
-    def test_those_that_start_one_leave_it_sharing_nothing_with_the_caller(self):
+    def test_is_started_by_a_command_and_shares_nothing_with_the_caller(self):
         for command, mode, before in [
                 ("show", "collapsed", "false"), ("toggle", "collapsed", "true"), ("sessions", "sessions", "false")]:
             self.home.preferences(placement_visible=before)
@@ -145,13 +136,11 @@ class WithoutAnInstance(CommandTest):
             self.assertNotEqual(os.getsid(pid), os.getsid(0))
             self.program.until_panel(visible=True, mode=mode)
             self.program.end_all()
-
-    def test_those_of_add_ons_start_one_and_ask_it_afterwards(self):
         for command in ("ask", "search"):
             self.check_fails(self.program.run(command), "is off")
         self.assertEqual(len(self.program.instances()), 1)
 
-    def test_several_at_once_leave_one_instance(self):
+    def test_is_one_instance_when_several_commands_start_it_at_once(self):
         commands = [
             subprocess.Popen([PROGRAM, *self.program.home, command], env=self.desktop.env, stderr=subprocess.PIPE)
             for command in ("toggle", "show", "toggle", "sessions")]
@@ -159,9 +148,7 @@ class WithoutAnInstance(CommandTest):
         eventually(lambda: len(self.program.instances()) == 1, "all but one have ended")
         self.assertTrue(self.program.is_running())
 
-
-class Autostart(CommandTest):
-    def test_writes_an_entry_that_starts_this_program_and_removes_it_or_says_why_it_cannot(self):
+    def test_starts_from_its_autostart_entry_and_removes_it_or_says_why_it_cannot(self):
         self.home = Home(self.home.path / ODD_NAME)
         self.program = self.nubble()
         entry = self.home.path / ".config/autostart/com.brevandel.nubble.desktop"

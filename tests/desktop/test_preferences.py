@@ -2,17 +2,13 @@
 
 import os
 import random
+from functools import partial
 
 from desktop import SCREEN, eventually
 from program import DesktopTest
 
 MIDDLE = {"edge": "right", "offset": 0, "locked": False, "visible": True}
-WRONG = """[General]
-placement.edge={}
-placement.offset={}
-placement.locked={}
-placement.visible={}
-"""
+WRONG = "[General]\nplacement.edge={}\nplacement.offset={}\nplacement.locked={}\nplacement.visible={}\n"
 RUBBISH = [
     b"", b"\0" * 5000, b"[General", b"[General]\nplacement.edge", b"\xff\xfe[\0G\0", b"]=[\n%%%=%zz\n\\\n" * 9,
     random.Random(4).randbytes(300_000),
@@ -46,10 +42,9 @@ class Preferences(DesktopTest):
         self.assertEqual(errors.read_text(), "")
 
     def test_that_are_none_count_as_absent(self):
-        links = [lambda target=target: self.file.symlink_to(target) for target in
-                 (self.file.name, "/dev/zero", "/nowhere/at/all")]
-        files = [lambda content=content: self.file.write_bytes(content) for content in RUBBISH]
-        for make in [self.file.mkdir, lambda: os.mkfifo(self.file)] + links + files:
+        links = [partial(self.file.symlink_to, target) for target in (self.file.name, "/dev/zero", "/nowhere/at/all")]
+        files = [partial(self.file.write_bytes, content) for content in RUBBISH]
+        for make in [self.file.mkdir, partial(os.mkfifo, self.file)] + links + files:
             make()
             errors = self.start()
             self.assertLessEqual(MIDDLE.items(), self.program.panel().items())

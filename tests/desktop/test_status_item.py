@@ -11,13 +11,9 @@ from program import DesktopTest
 from status_item_host import StatusItemHost, find, shown
 
 
-ICONS = pathlib.Path(__file__).parents[2] / "resources/icons"
-
-
 class OnADesktopThatDrawsIt(DesktopTest):
     def start(self, **env):
-        """The program and the host, which comes after it."""
-        nubble = self.start_nubble(**env)
+        nubble = self.start_nubble(**env)  # before the host
         host = StatusItemHost(self.desktop.env["DBUS_SESSION_BUS_ADDRESS"])
         self.addCleanup(host.close)
         eventually(lambda: host.items, "the item is there")
@@ -25,7 +21,7 @@ class OnADesktopThatDrawsIt(DesktopTest):
 
     def test_is_as_bright_as_the_panel_is_visible_and_toggles_it(self):
         (self.home.path / "share").mkdir()
-        (self.home.path / "share/icons").symlink_to(ICONS)
+        (self.home.path / "share/icons").symlink_to(pathlib.Path(__file__).parents[2] / "resources/icons")
         nubble, host = self.start(XDG_DATA_DIRS=f"{self.home.path}/share:/usr/share")
         self.assertEqual((host.tool_tip(), host.property("Status")), ("Hide Nubble", "Active"))
         self.assertEqual(host.property("IconName"), "com.brevandel.nubble-symbolic")  # which desktops colour themselves
@@ -86,7 +82,6 @@ class InAnX11Tray(DesktopTest):
         return tray
 
     def icon(self):
-        """The rectangle of the icon on the screen, once it is embedded."""
         def find_icon():
             for window, parent, size in self.desktop.nubble_windows():
                 if parent != self.desktop.root:
