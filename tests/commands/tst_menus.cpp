@@ -35,7 +35,7 @@ MenuEntry find(const QList<MenuEntry> &entries, const QString &title)
     for (const MenuEntry &entry : entries) {
         if (entry.title == title)
             return entry;
-        if (const MenuEntry below = find(entry.entries, title); !below.title.isEmpty())
+        if (MenuEntry below = find(entry.entries, title); !below.title.isEmpty())
             return below;
     }
     return {};

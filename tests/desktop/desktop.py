@@ -108,6 +108,8 @@ class Desktop:
             self.services.append(self.start_compositor())
         self.backdrop = Window(self, 0, 0, *SCREEN, managed=False)
         self.backdrop.window.configure(stack_mode=X.Below)  # of trays too
+        if COMPOSITED:
+            self._until_composited()
 
     def close(self):
         self.display.close()
@@ -131,6 +133,20 @@ class Desktop:
         manager = self.display.intern_atom("_NET_WM_CM_S0")
         eventually(lambda: self.display.get_selection_owner(manager) != X.NONE, "picom runs")
         return compositor
+
+    def _until_composited(self):
+        """Until what is transparent looks so, which it does some time after the compositor has taken the selection."""
+        visual = next(
+            visual.visual_id for depth in self.display.screen().allowed_depths if depth.depth == 32
+            for visual in depth.visuals if visual.visual_class == X.TrueColor)
+        probe = self.root.create_window(
+            0, 0, 9, 9, 0, 32, visual=visual, colormap=self.root.create_colormap(visual, X.AllocNone),
+            background_pixel=0, border_pixel=0, override_redirect=True)
+        probe.map()
+        self.display.sync()
+        eventually(lambda: self.pixel(4, 4) == BACKDROP, "the backdrop is seen through a transparent window")
+        probe.destroy()
+        self.display.sync()
 
     def _announced(self, *command):
         """Starts a program that writes one line to the descriptor that it is given for FD."""
