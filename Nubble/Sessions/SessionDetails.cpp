@@ -7,8 +7,8 @@ using namespace Qt::StringLiterals;
 
 namespace nubble {
 
-SessionDetails::SessionDetails(QString projectsFolder, const Clock &clock, QObject *parent)
-    : QObject(parent), m_clock(clock), m_transcripts(std::move(projectsFolder)), m_worker(u"SessionDetails"_s)
+SessionDetails::SessionDetails(const QString &projectsFolder, const Clock &clock, QObject *parent)
+    : QObject(parent), m_clock(clock), m_transcripts(projectsFolder), m_worker(u"SessionDetails"_s)
 {
 }
 

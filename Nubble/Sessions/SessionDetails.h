@@ -20,7 +20,7 @@ class SessionDetails : public QObject {
     Q_OBJECT
 
 public:
-    SessionDetails(QString projectsFolder, const Clock &clock, QObject *parent = nullptr);
+    SessionDetails(const QString &projectsFolder, const Clock &clock, QObject *parent = nullptr);
 
     [[nodiscard]] const QHash<QString, SessionDetail> &byId() const { return m_byId; }
 

@@ -36,10 +36,10 @@ QList<ClaudeSession> newestFirst(const QList<ClaudeSession> &sessions)
 } // namespace
 
 SessionMonitor::SessionMonitor(
-    QString sessionsFolder, QString projectsFolder, const ProcessTable &processes, const Clock &clock,
-    QObject *parent)
+    const QString &sessionsFolder, const QString &projectsFolder, const ProcessTable &processes,
+    const Clock &clock, QObject *parent)
     : QObject(parent), m_files(sessionsFolder), m_processes(processes), m_clock(clock),
-      m_details(std::move(projectsFolder), clock)
+      m_details(projectsFolder, clock)
 {
     refresh();
     m_timer.callOnTimeout(this, &SessionMonitor::refresh);

@@ -26,8 +26,8 @@ class SessionMonitor : public QObject {
 
 public:
     SessionMonitor(
-        QString sessionsFolder, QString projectsFolder, const ProcessTable &processes, const Clock &clock,
-        QObject *parent = nullptr);
+        const QString &sessionsFolder, const QString &projectsFolder, const ProcessTable &processes,
+        const Clock &clock, QObject *parent = nullptr);
 
     [[nodiscard]] const QList<ClaudeSession> &sessions() const { return m_sessions; } // newest activity first
     [[nodiscard]] const QSet<QString> &recentlyCompleted() const
