@@ -88,6 +88,10 @@ class ThePanel(DesktopTest):
             self.desktop.click(300, 300, button)
             nubble.until_panel(mode="collapsed")
         nubble.open_card()
+        self.desktop.backdrop.clicks()
+        self.desktop.click(300, 300, 4)  # the wheel
+        eventually(self.desktop.backdrop.clicks, "the wheel has turned elsewhere")
+        self.assertEqual(nubble.panel()["mode"], "sessions")
         self.desktop.drag(nubble.ring(), (4, 300))
         nubble.until_panel(mode="collapsed", edge="right", offset=0)
 
