@@ -146,7 +146,6 @@ class Desktop:
         self.display.sync()
         eventually(lambda: self.pixel(4, 4) == BACKDROP, "the backdrop is seen through a transparent window")
         probe.destroy()
-        self.display.sync()
 
     def _announced(self, *command):
         """Starts a program that writes one line to the descriptor that it is given for FD."""
