@@ -23,13 +23,13 @@ BACKDROP = (48, 96, 160)
 ctypes.CDLL(None).prctl(36, 1)  # PR_SET_CHILD_SUBREAPER
 
 
-def eventually(condition, what):
+def eventually(condition, what, pause=0.02):
     """The first true value that `condition` returns."""
     deadline = time.monotonic() + PATIENCE
     while not (value := condition()):
         if time.monotonic() > deadline:
             raise AssertionError(f"not within {PATIENCE:g} s: {what() if callable(what) else what}")
-        time.sleep(0.02)
+        time.sleep(pause)
     return value
 
 
