@@ -56,6 +56,12 @@ is_managed() {
     xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'
 }
 
+# While it starts, openbox leaves a request that it has already read until something else happens: it may lie there for
+# ever. Once it has answered one, it misses none.
+openbox_answers() {
+    xdotool set_num_desktops 3 && [[ $(xdotool get_num_desktops) -eq 3 ]]
+}
+
 # The one that NUBBLE_WINDOW_MANAGER names: openbox, i3 or xfwm4.
 start_window_manager() {
     case ${NUBBLE_WINDOW_MANAGER:-openbox} in
@@ -71,6 +77,7 @@ start_window_manager() {
         ;;
     esac
     await is_managed
+    [[ ${NUBBLE_WINDOW_MANAGER:-openbox} != openbox ]] || await openbox_answers
 }
 
 # Sets DISPLAY, DBUS_SESSION_BUS_ADDRESS and XDG_RUNTIME_DIR, and keeps the surrounding desktop's settings out.
