@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QCursor>
 
+#include "Ask/AskClaude.h"
 #include "Commands/StatusReport.h"
 #include "NotchWiring.h"
 #include "Platform/InstanceBus.h"
@@ -25,7 +26,8 @@ AppDelegate::AppDelegate(const Home &home, InstanceBus &bus, Relaunch relaunch)
       m_layout(Typography::percentLineHeight(), false, static_cast<int>(m_actions.size())),
       m_placement(m_defaults, m_layout),
       m_sessionMonitor(
-          home.file(u".claude/sessions"_s), home.file(u".claude/projects"_s), *m_processes, m_clock),
+          home.file(u".claude/sessions"_s), home.file(u".claude/projects"_s),
+          AskClaude::workingDirectory(home), *m_processes, m_clock),
       m_planUsage(home, m_clock, PlanUsageMonitor::domainIn(m_defaults)), m_activator(*m_backend.workspace),
       m_panel(
           {

@@ -144,7 +144,7 @@ void pollUnchanged(benchmark::State &state)
     const Sample sample(static_cast<int>(state.range(0)));
     const LinuxProcessTable processes;
     const SystemClock clock;
-    SessionMonitor monitor(sample.sessionsFolder(), sample.projectsFolder(), processes, clock);
+    SessionMonitor monitor(sample.sessionsFolder(), sample.projectsFolder(), QString(), processes, clock);
     monitor.waitForDetails();
     const QByteArray folder = QFile::encodeName(sample.sessionsFolder());
     compare(

@@ -8,6 +8,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include "Ask/AskClaude.h"
 #include "Commands/CommandClient.h"
 #include "Commands/CommandLine.h"
 #include "Commands/StatusReport.h"
@@ -32,7 +33,8 @@ QJsonObject freshRead(const Home &home)
     const SystemClock clock;
     const auto processes = System::processTable();
     SessionMonitor monitor(
-        home.file(u".claude/sessions"_s), home.file(u".claude/projects"_s), *processes, clock);
+        home.file(u".claude/sessions"_s), home.file(u".claude/projects"_s), AskClaude::workingDirectory(home),
+        *processes, clock);
     const Defaults defaults(Defaults::fileOf(u"com.brevandel.nubble"_s, home.configFolder()));
     const PlanUsageMonitor planUsage(home, clock, PlanUsageMonitor::domainIn(defaults));
     monitor.waitForDetails();

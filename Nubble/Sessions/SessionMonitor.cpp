@@ -1,5 +1,7 @@
 #include "Sessions/SessionMonitor.h"
 
+#include <QFileInfo>
+
 #include <algorithm>
 #include <chrono>
 
@@ -36,10 +38,10 @@ QList<ClaudeSession> newestFirst(const QList<ClaudeSession> &sessions)
 } // namespace
 
 SessionMonitor::SessionMonitor(
-    const QString &sessionsFolder, const QString &projectsFolder, const ProcessTable &processes,
-    const Clock &clock, QObject *parent)
-    : QObject(parent), m_files(sessionsFolder), m_processes(processes), m_clock(clock),
-      m_details(projectsFolder, clock)
+    const QString &sessionsFolder, const QString &projectsFolder, const QString &ownFolder,
+    const ProcessTable &processes, const Clock &clock, QObject *parent)
+    : QObject(parent), m_files(sessionsFolder), m_ownFolder(ownFolder), m_processes(processes),
+      m_clock(clock), m_details(projectsFolder, clock)
 {
     refresh();
     m_timer.callOnTimeout(this, &SessionMonitor::refresh);
@@ -76,6 +78,7 @@ void SessionMonitor::refresh()
         publish({});
         return;
     }
+    live->removeIf([this](const ClaudeSession &session) { return isOwn(session); });
     leaveOutEnded(*live);
     trackRuns(*live);
     publish(newestFirst(*live));
@@ -90,6 +93,16 @@ void SessionMonitor::refreshDetails(bool force)
 void SessionMonitor::waitForDetails()
 {
     m_details.waitForDone();
+}
+
+bool SessionMonitor::isOwn(const ClaudeSession &session) const
+{
+    if (session.cwd == m_ownFolder)
+        return !m_ownFolder.isEmpty();
+    // The same by another path, such as a home folder behind a link. Files are looked at only for this.
+    const QFileInfo own(m_ownFolder);
+    const QFileInfo folder(session.cwd);
+    return folder.fileName() == own.fileName() && folder.exists() && folder == own;
 }
 
 void SessionMonitor::leaveOutEnded(QList<ClaudeSession> &sessions)

@@ -25,9 +25,10 @@ class SessionMonitor : public QObject {
     Q_OBJECT
 
 public:
+    // Sessions that work in `ownFolder` are this program's and left out.
     SessionMonitor(
-        const QString &sessionsFolder, const QString &projectsFolder, const ProcessTable &processes,
-        const Clock &clock, QObject *parent = nullptr);
+        const QString &sessionsFolder, const QString &projectsFolder, const QString &ownFolder,
+        const ProcessTable &processes, const Clock &clock, QObject *parent = nullptr);
 
     [[nodiscard]] const QList<ClaudeSession> &sessions() const { return m_sessions; } // newest activity first
     [[nodiscard]] const QSet<QString> &recentlyCompleted() const
@@ -51,12 +52,14 @@ private:
     // A terminal: two of them can have the same conversation open, one working and one not.
     using Run = std::pair<QString, qint32>;
 
+    [[nodiscard]] bool isOwn(const ClaudeSession &session) const;
     void leaveOutEnded(QList<ClaudeSession> &sessions);
     void trackRuns(const QList<ClaudeSession> &live);
     void forgetCompletions(const QSet<QString> &ids, TimePoint now);
     void publish(QList<ClaudeSession> sessions);
 
     SessionFiles m_files;
+    const QString m_ownFolder;
     const ProcessTable &m_processes;
     const Clock &m_clock;
     SessionDetails m_details;

@@ -127,8 +127,12 @@ ChildProcess::ChildProcess(
         conclude(status == QProcess::NormalExit ? Exited : Signalled, code);
     });
     connect(m_handle.get(), &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
-        if (error == QProcess::FailedToStart)
+        if (error == QProcess::FailedToStart) {
+            m_end.whyNotStarted = m_handle->errorString();
             conclude(CommandEnd::Kind::NotStarted, 0);
+        } else if (error == QProcess::WriteError) {
+            Q_EMIT inputRefused(m_handle->errorString());
+        }
     });
 }
 

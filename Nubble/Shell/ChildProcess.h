@@ -47,6 +47,9 @@ Q_SIGNALS:
     // slows the child down; it must not run an event loop of its own.
     void output(const QByteArray &chunk);
 
+    // The child reads no more of what is written to it, though it may go on; `why` is for people.
+    void inputRefused(const QString &why);
+
     // Once, after the last output, never from within start(). A process that the child has left behind does
     // not hold it up: it is killed first, unless the child's lifetime is its own.
     void ended(const nubble::CommandEnd &end);

@@ -38,6 +38,7 @@ struct CommandEnd {
     Cause cause = Cause::Itself; // whether we ended it, and why
     QByteArray output{};         // when it was wanted whole; up to the limit
     QByteArray errors{};
+    QString whyNotStarted{}; // for people
 };
 
 // Runs a command on `input` to its end, for worker threads, and for commands so short that the main thread

@@ -186,6 +186,23 @@ private Q_SLOTS:
         QCOMPARE(ids(), QStringList({u"linked"_s, u"self"_s}));
     }
 
+    void leavesOutItsOwnConversationByWhateverPath()
+    {
+        QVERIFY(QDir().mkpath(m_home->path(u".nubble/ask"_s)));
+        QVERIFY(QDir().mkpath(m_home->path(u"other/ask"_s)));
+        QVERIFY(QFile::link(m_home->path(u".nubble"_s), m_home->path(u"link"_s)));
+        const auto record = [this](qint32 pid, const QString &folder) {
+            put(pid,
+                recordJson(pid, folder, u"busy"_s).replace("/tmp/my.app", m_home->path(folder).toUtf8()));
+        };
+        record(7, u".nubble/ask"_s);
+        record(8, u"link/ask"_s);
+        QCOMPARE(refreshed(), u"idle"_s);
+        record(9, u"other/ask"_s);
+        QCOMPARE(refreshed(), u"working"_s);
+        QCOMPARE(ids(), QStringList{u"other/ask"_s});
+    }
+
     void doesNotFlickerWhileARecordIsRewritten()
     {
         qsizetype seen = 0;
@@ -308,7 +325,8 @@ private:
     std::unique_ptr<SessionMonitor> monitor(const ProcessTable &processes) const
     {
         return std::make_unique<SessionMonitor>(
-            m_home->path(u"sessions"_s), m_home->path(u"projects"_s), processes, m_clock);
+            m_home->path(u"sessions"_s), m_home->path(u"projects"_s), m_home->path(u".nubble/ask"_s),
+            processes, m_clock);
     }
     QString fileOf(int number) const { return m_home->path(u"sessions/%1.json"_s.arg(number)); }
     void put(int number, const QByteArray &bytes) const

@@ -29,7 +29,7 @@ struct PanelWorld {
           layout(11, false, static_cast<int>(addons.actions().size())), placement(defaults, layout),
           monitor(
               home.path(QStringLiteral(".claude/sessions")), home.path(QStringLiteral(".claude/projects")),
-              processes, clock),
+              home.path(QStringLiteral(".nubble/ask")), processes, clock),
           planUsage(home.home(), clock, PlanUsageMonitor::defaultDomain),
           activator(workspace, [](pid_t) { return std::nullopt; })
     {

@@ -1,0 +1,254 @@
+#include <QSignalSpy>
+#include <QTest>
+
+#include <csignal>
+
+#include "Ask/AskClaude.h"
+#include "Shell/Tools.h"
+#include "ask/ClaudeStandIn.h"
+
+using namespace nubble;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// "Q: …" and "A: …" of each message, and what the user is told at the end.
+QString printed(const AskClaude &ask)
+{
+    QStringList lines;
+    for (const AskMessage &message : ask.messages())
+        lines.append((message.role == AskMessage::Role::User ? "Q: "_L1 : "A: "_L1) + message.text);
+    if (ask.problem())
+        lines.append("! "_L1 + *ask.problem());
+    return lines.join(u'|');
+}
+
+ScreenContext screen(const QByteArray &jpeg, const QString &app, const QString &title)
+{
+    ScreenContext context{.appName = app, .windowTitle = title};
+    if (!jpeg.isEmpty())
+        context.jpeg = jpeg;
+    return context;
+}
+
+} // namespace
+
+class AskClaudeTest : public QObject {
+    Q_OBJECT
+
+private:
+    void ask(const QString &text)
+    {
+        m_ask->send(text);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_ask->isBusy(), 20000);
+    }
+    // What a reply to one question comes to when `claude` follows that script.
+    QString resultOf(const QByteArray &script)
+    {
+        m_claude->follow(script);
+        ask(u"q"_s);
+        return printed(*m_ask);
+    }
+    [[nodiscard]] QStringList argumentsOf(qsizetype start) const
+    {
+        return m_claude->starts().value(start)["arguments"_L1].toVariant().toStringList();
+    }
+
+    std::optional<TemporaryHome> m_home;
+    std::optional<ClaudeStandIn> m_claude;
+    std::optional<AskClaude> m_ask;
+
+private Q_SLOTS:
+    void init()
+    {
+        m_ask.reset();
+        m_home.emplace();
+        m_claude.emplace(*m_home);
+        m_ask.emplace(m_home->home());
+    }
+
+    void oneProcessServesTheWholeConversation()
+    {
+        m_claude->follow("while True:\n"
+                         " turn()\n"
+                         " say({'type': 'system', 'session_id': 'first'}, delta('Hel'), delta('lo'),"
+                         " {'type': 'rate_limit_event', 'session_id': 'second'}, done())\n");
+        QSignalSpy grown(&*m_ask, &AskClaude::replyGrew);
+        ask(u"  one \n"_s);
+        m_ask->setAttachment(screen("\xff\xd8", u"Editor"_s, u"a.txt"_s));
+        ask(u"two"_s);
+        QCOMPARE(printed(*m_ask), u"Q: one|A: Hello|Q: two|A: Hello"_s);
+        QCOMPARE(grown.size(), 4);
+        QCOMPARE(m_ask->messages().at(2).context, u"Editor — a.txt"_s);
+        QVERIFY(!m_ask->attachment());
+
+        QCOMPARE(m_claude->starts().size(), 1);
+        const QJsonObject start = m_claude->starts().first();
+        QCOMPARE(start["folder"_L1].toString(), AskClaude::workingDirectory(m_home->home()));
+        QCOMPARE(start["path"_L1].toString(), Tools::searchPath(m_home->home()));
+        const QStringList arguments = argumentsOf(0);
+        QCOMPARE(
+            arguments.first(15).join(u' '),
+            u"-p --input-format stream-json --output-format stream-json --verbose --include-partial-messages "
+            "--model sonnet --tools  --strict-mcp-config --setting-sources  --append-system-prompt"_s);
+        QVERIFY(arguments.at(15).startsWith(
+            u"You are Claude, opened from a small panel at the edge of the user's Linux"_s));
+        QCOMPARE(arguments.size(), 16);
+        const QJsonArray content = m_claude->turns().at(1)["message"_L1]["content"_L1].toArray();
+        QCOMPARE(content.size(), 2);
+        QCOMPARE(content[0]["source"_L1]["data"_L1], u"/9g="_s);
+        QCOMPARE(content[1]["text"_L1], u"[On screen: Editor — a.txt]\n\ntwo"_s);
+    }
+
+    void whatIsOnTheScreenStandsBeforeTheQuestion_data()
+    {
+        QTest::addColumn<ScreenContext>("context");
+        QTest::addColumn<QString>("prompt");
+        QTest::addColumn<int>("blocks");
+        QTest::newRow("no picture") << screen({}, u"App"_s, {})
+                                    << u"[On screen: App (no screenshot available)]\n\nq"_s << 1;
+        QTest::newRow("no names") << screen("x", {}, {}) << u"q"_s << 2;
+        QTest::newRow("nothing") << ScreenContext() << u"q"_s << 1;
+    }
+    void whatIsOnTheScreenStandsBeforeTheQuestion()
+    {
+        QFETCH(ScreenContext, context);
+        const QByteArray line = ClaudeProtocol::turn(u"q"_s, context);
+        const QJsonArray content = QJsonDocument::fromJson(line)["message"_L1]["content"_L1].toArray();
+        QTEST(static_cast<int>(content.size()), "blocks");
+        QTEST(content.last()["text"_L1].toString(), "prompt");
+        QVERIFY(line.endsWith('\n') && line.count('\n') == 1);
+    }
+
+    void eventsAreTakenAsTheyCome_data()
+    {
+        QTest::addColumn<QByteArray>("script");
+        QTest::addColumn<QString>("result");
+        const auto row = [](const char *name, const char *script, const QString &result) {
+            QTest::newRow(name) << QByteArray("turn()\n") + script << QString("Q: q"_L1 + result);
+        };
+        row("whole replies replace deltas", "say(delta('x'), reply('a', 'b'), done())", u"|A: a\n\nb"_s);
+        row("the last whole reply counts", "say(reply('a'), reply(), reply('c'), done())", u"|A: c"_s);
+        row("split anywhere",
+            "for byte in json.dumps(delta('ä€😀'), ensure_ascii=False).encode() + b'\\n':\n"
+            "  raw(bytes([byte])); time.sleep(0.001)\nsay(done())",
+            u"|A: ä€😀"_s);
+        row("what is no event is skipped",
+            "raw(b'\\n[1]\\n\\xff\\xfe\\n{\"type\": 5}\\n{\"a\\nnull\\n')\nsay({}, {'type': "
+            "'stream_event'},"
+            "{'type': 'stream_event', 'event': 5}, delta(5), {'type': 'assistant', 'message': {'content': "
+            "7}},"
+            "{'type': 'assistant', 'message': {'content': [1, {'type': 'text', 'text': None}]}}, delta('a'), "
+            "done())",
+            u"|A: a"_s);
+        row("an error after some text", "say(delta('a'), failed(result='broken'))", u"|A: a|! broken"_s);
+        row("an error without text", "say(failed(subtype='error_x'))", u"|! error_x"_s);
+        row("an unknown error", "say(failed())", u"|! unknown error"_s);
+        row("true, not something like it", "say(delta('a'), {'type': 'result', 'is_error': 1})", u"|A: a"_s);
+        row("an error that is told twice", "say(reply('API Error: x'), failed(result='API Error: x'))",
+            u"|! API Error: x"_s);
+        row("the end in the middle of a line", "raw(b'{\"type\": \"result\"')",
+            u"|! Claude stopped unexpectedly."_s);
+        row("the end with a reason", "say(delta('a'))\ncomplain(b'\\xff' * 900 + b' why \\n')\nsys.exit(3)",
+            u"|A: a|! "_s + QString(594, QChar::ReplacementCharacter) + u" why"_s);
+        row("killed", "os.kill(os.getpid(), 9)", u"|! Claude stopped unexpectedly."_s);
+        row("a million deltas",
+            "line = json.dumps(delta('ab')).encode() + b'\\n'\nfor _ in range(200): raw(line * 5000)\n"
+            "say(reply('end'), done())",
+            u"|A: end"_s);
+        row("long lines",
+            "say(delta('x' * 20_000_000), delta('behind'), reply('y' * 700_000), reply('z'), done())",
+            u"|A: z"_s);
+        row("a line beyond all bounds", "raw(b' ' * 80_000_000 + b'{}\\n')\nsay(delta('a'), done())",
+            u"|A: a"_s);
+    }
+    void eventsAreTakenAsTheyCome()
+    {
+        QFETCH(QByteArray, script);
+        QTEST(resultOf(script), "result");
+    }
+
+    void deltasOfLongLinesKeepTheirPlace()
+    {
+        m_claude->follow("turn()\nsay(delta('x' * 600_000), delta('behind'))\nsys.exit(0)");
+        ask(u"q"_s);
+        QCOMPARE(m_ask->messages().last().text.size(), 600'006);
+        QVERIFY(m_ask->messages().last().text.endsWith(u"xbehind"_s));
+    }
+
+    void saysWhyItCannotAsk()
+    {
+        qputenv("PATH", QFile::encodeName(m_home->path(u"nowhere"_s)));
+        ask(u"q"_s);
+        QCOMPARE(
+            printed(*m_ask), u"Q: q|! Claude Code isn't installed — the `claude` command wasn't found."_s);
+        m_ask->reset();
+        m_home->writeScript(u".local/bin/claude"_s, "#!/nonexistent\n");
+        ask(u"q"_s);
+        QVERIFY2(
+            printed(*m_ask).startsWith(u"Q: q|! Couldn't start Claude: "_s), qPrintable(printed(*m_ask)));
+        m_ask->reset();
+        m_ask->setAttachment(screen(QByteArray(3'000'000, 'x'), {}, {}));
+        QVERIFY(resultOf("os.close(0)\ntime.sleep(60)").startsWith(u"Q: q|! Couldn't reach Claude: "_s));
+        m_ask->reset();
+        QCOMPARE(resultOf("turn()\nsay(reply('ok'), done())"), u"Q: q|A: ok"_s);
+        ask(u"  \n "_s);
+        QCOMPARE(m_ask->messages().size(), 2);
+    }
+
+    void aConversationGoesOnInANewProcessUnlessItIsNew()
+    {
+        m_claude->follow("turn()\nsay({'type': 'x', 'session_id': 'abc'}, delta('part'))\nturn()\n");
+        m_ask->send(u"one"_s);
+        QTRY_COMPARE(printed(*m_ask), u"Q: one|A: part"_s);
+        m_ask->send(u"busy"_s);
+        m_ask->stop();
+        QVERIFY(!m_ask->isBusy());
+        QCOMPARE(printed(*m_ask), u"Q: one|A: part"_s);
+        m_claude->follow("turn()\nsay(reply('two'), done())\n");
+        ask(u"two"_s);
+        QCOMPARE(printed(*m_ask), u"Q: one|A: part|Q: two|A: two"_s);
+        QCOMPARE(argumentsOf(1).mid(16), QStringList({u"--resume"_s, u"abc"_s}));
+        m_ask->reset();
+        QCOMPARE(printed(*m_ask), QString());
+        ask(u"three"_s);
+        QCOMPARE(argumentsOf(2).size(), 16);
+    }
+
+    void aConversationThatIsNotKnownAnyMoreIsGivenUp()
+    {
+        m_claude->follow("turn()\nsay({'session_id': 'old'}, done())");
+        ask(u"one"_s);
+        m_ask->stop();
+        m_claude->follow("complain(b'No conversation found \\n')\nsys.exit(1)");
+        ask(u"two"_s);
+        QCOMPARE(m_ask->problem(), u"No conversation found"_s);
+        m_claude->follow("turn()\nsay(reply('new'), done())");
+        ask(u"three"_s);
+        QCOMPARE(m_ask->messages().last().text, u"new"_s);
+        QCOMPARE(argumentsOf(1).size(), 18);
+        QCOMPARE(argumentsOf(2).size(), 16);
+    }
+
+    void neitherAFullPipeNorADeafChildHoldsItUp()
+    {
+        m_claude->follow("signal.signal(signal.SIGTERM, signal.SIG_IGN)\nkeep('deaf', '')\ntime.sleep(60)");
+        m_ask->setAttachment(screen(QByteArray(3'000'000, 'x'), {}, {}));
+        QElapsedTimer blocked;
+        blocked.start();
+        m_ask->send(u"q"_s);
+        QVERIFY2(blocked.elapsed() < 1000, "the pipe holds 64 KB");
+        QTRY_VERIFY(QFile::exists(m_home->path(u"deaf"_s)));
+        const auto pid = static_cast<pid_t>(m_claude->starts().first()["pid"_L1].toInt());
+        blocked.start();
+        m_ask->stop();
+        QVERIFY(blocked.elapsed() < 1000);
+        QCOMPARE(::kill(pid, 0), 0);
+        QTRY_VERIFY_WITH_TIMEOUT(::kill(pid, 0) != 0, 10000);
+        QVERIFY(blocked.elapsed() >= 1900);
+        QVERIFY(!m_ask->problem());
+    }
+};
+
+QTEST_GUILESS_MAIN(AskClaudeTest)
+#include "tst_ask_claude.moc"
