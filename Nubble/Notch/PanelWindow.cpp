@@ -95,11 +95,11 @@ void PanelWindow::updateTranslucency()
     m_surface->setOutline(m_view->outline());
 }
 
-std::optional<PanelWindow::Anchor> PanelWindow::bodyOnScreen() const
+std::optional<WindowAnchor> PanelWindow::bodyOnScreen() const
 {
     if (!m_geometry)
         return std::nullopt;
-    return Anchor{m_geometry->body.translated(m_geometry->frame.topLeft()), m_geometry->edge};
+    return WindowAnchor{m_geometry->body.translated(m_geometry->frame.topLeft()), m_geometry->edge};
 }
 
 void PanelWindow::openForKeyboard(PanelMode mode)

@@ -8,6 +8,7 @@
 
 #include "Notch/DragGesture.h"
 #include "Notch/NotchView.h"
+#include "Placement/WindowPlacement.h"
 
 class QMenu;
 
@@ -29,13 +30,8 @@ public:
         QObject *parent = nullptr);
     ~PanelWindow() override;
 
-    struct Anchor {
-        QRectF body; // in screen coordinates
-        NotchEdge edge;
-    };
-
     void applyPlacement();
-    [[nodiscard]] std::optional<Anchor> bodyOnScreen() const;
+    [[nodiscard]] std::optional<WindowAnchor> bodyOnScreen() const;
 
     NotchView &view() { return *m_view; }
     void openForKeyboard(PanelMode mode);               // the card, with the keyboard in it

@@ -17,6 +17,12 @@ std::optional<QRectF> MainScreen::frame() const
     return screen && !screen->geometry().isEmpty() ? std::optional<QRectF>(screen->geometry()) : std::nullopt;
 }
 
+std::optional<QRectF> MainScreen::visibleFrame() const
+{
+    return frame() ? std::optional<QRectF>(QGuiApplication::primaryScreen()->availableGeometry())
+                   : std::nullopt;
+}
+
 void MainScreen::follow(QScreen *screen)
 {
     if (screen) {

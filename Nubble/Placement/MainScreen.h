@@ -19,6 +19,8 @@ public:
     // In screen coordinates, device-independent pixels; none while no screen is connected.
     [[nodiscard]] std::optional<QRectF> frame() const;
 
+    [[nodiscard]] std::optional<QRectF> visibleFrame() const; // without docks and bars
+
 Q_SIGNALS:
     void changed(); // another screen, another size or scale
 

@@ -47,6 +47,11 @@ void PlainFloatingSurface::orderOut()
     m_window.hide();
 }
 
+void PlainFloatingSurface::setOpacity(double opacity)
+{
+    m_window.setWindowOpacity(opacity);
+}
+
 void PlainFloatingSurface::startMove()
 {
     QWindow *handle = m_window.windowHandle();

@@ -21,6 +21,7 @@ public:
     void place(const QRect &frame) override;
     void orderFront() override;
     void orderOut() override;
+    void setOpacity(double opacity) override;
     [[nodiscard]] bool hasKeyboard() const override;
     void startMove() override;
     [[nodiscard]] bool isTranslucent() const override { return true; }

@@ -66,6 +66,7 @@ void FloatingWindow::close()
         return;
     m_open = false;
     m_surface->orderOut();
+    setUnseen(false);
     Q_EMIT closed();
 }
 
@@ -81,6 +82,26 @@ FloatingWindow::Hold FloatingWindow::holdOpen()
         m_hold = hold;
     }
     return hold;
+}
+
+void FloatingWindow::setUnseen(bool unseen)
+{
+    if (unseen == (m_unseen != nullptr) || (unseen && !m_open))
+        return;
+    if (unseen) {
+        m_unseen = holdOpen();
+        m_surface->isTranslucent() ? m_surface->setOpacity(0) : m_surface->orderOut();
+    } else {
+        m_surface->setOpacity(1);
+        if (m_open && !m_frame->isVisible())
+            open();
+        m_unseen.reset();
+    }
+}
+
+QRect FloatingWindow::frame() const
+{
+    return m_frame ? m_frame->geometry() : QRect();
 }
 
 void FloatingWindow::holdReleased()

@@ -7,6 +7,7 @@
 #include "Placement/NotchPlacement.h"
 #include "Placement/PanelGeometry.h"
 #include "Placement/PanelShapes.h"
+#include "Placement/WindowPlacement.h"
 #include "Shell/Defaults.h"
 #include "support/TemporaryHome.h"
 
@@ -195,6 +196,27 @@ private Q_SLOTS:
             for (const QRectF &screen : {second, fractional, tiny})
                 for (const double offset : {-1e9, -100.4, 0.0, 33.5, 1e9})
                     expectFlushAndInSight(edge, offset, screen);
+    }
+
+    void aWindowOpensBesideTheBodyAndStaysInSight()
+    {
+        const QRectF visible(0, 30, 1000, 770); // below a bar
+        const QSize size(420, 540);
+        using enum NotchEdge;
+        const std::vector<std::tuple<std::optional<WindowAnchor>, QSize, QPoint>> rows{
+            {WindowAnchor{{960, 300, 40, 200}, Right}, size, {960 - 12 - 420, 130}},
+            {WindowAnchor{{0, 300, 40, 200}, Left}, size, {52, 130}},
+            {WindowAnchor{{400, 0, 200, 40}, Top}, size, {290, 52}},
+            {WindowAnchor{{400, 760, 200, 40}, Bottom}, size, {290, 760 - 12 - 540}},
+            {WindowAnchor{{960, 0, 40, 200}, Right}, size, {528, 38}},
+            {WindowAnchor{{960, 600, 40, 200}, Right}, size, {528, 800 - 8 - 540}},
+            {WindowAnchor{{0, 0, 200, 40}, Top}, size, {8, 52}},
+            {WindowAnchor{{800, 0, 200, 40}, Top}, size, {1000 - 8 - 420, 52}},
+            {WindowAnchor{{0, 300, 40, 200}, Left}, {1200, 900}, {1000 - 8 - 1200, 38}},
+            {std::nullopt, size, {290, 145}},
+        };
+        for (const auto &[anchor, itsSize, place] : rows)
+            QCOMPARE(placeBeside(anchor, itsSize, visible), place);
     }
 
     void theBodyAndCardAreDrawnWithinTheirPlaces()

@@ -20,6 +20,7 @@ public:
     }
     void orderOut() override { window.hide(); }
     [[nodiscard]] bool hasKeyboard() const override { return keyboard; }
+    void setOpacity(double value) override { opacity = value; }
     void startMove() override { ++moves; }
     [[nodiscard]] bool isTranslucent() const override { return translucent; }
     void setOutline(const QPainterPath &path) override { outline = path; }
@@ -39,6 +40,7 @@ public:
     QPainterPath outline;
     int ordersFront = 0;
     int moves = 0;
+    double opacity = 1;
     bool keyboard = false;
     bool translucent = false;
 };

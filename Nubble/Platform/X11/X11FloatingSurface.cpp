@@ -71,6 +71,12 @@ void X11FloatingSurface::orderOut()
     m_x11->flush();
 }
 
+void X11FloatingSurface::setOpacity(double opacity)
+{
+    PlainFloatingSurface::setOpacity(opacity);
+    m_x11->flush(); // Qt would wait for its next own request
+}
+
 void X11FloatingSurface::startMove()
 {
     m_frame = {};

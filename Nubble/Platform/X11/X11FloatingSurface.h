@@ -23,6 +23,7 @@ public:
     void place(const QRect &frame) override;
     void orderFront() override;
     void orderOut() override;
+    void setOpacity(double opacity) override;
     void startMove() override;
     [[nodiscard]] bool isTranslucent() const override { return m_compositor.isOwned(); }
     void setOutline(const QPainterPath &outline) override;

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QPoint>
+#include <QRectF>
+#include <QSize>
+
+#include <optional>
+
+#include "Placement/NotchEdge.h"
+
+namespace nubble {
+
+// Where the notch's body is, in screen coordinates.
+struct WindowAnchor {
+    QRectF body;
+    NotchEdge edge = NotchEdge::Right;
+};
+
+// The top left corner of a window that opens beside the body, or in the middle when there is none, and keeps
+// a margin within what is visible. One that is larger keeps it at the top and at the right.
+[[nodiscard]] QPoint placeBeside(
+    const std::optional<WindowAnchor> &anchor, const QSize &size, const QRectF &visible);
+
+} // namespace nubble
