@@ -125,7 +125,7 @@ private Q_SLOTS:
     void cleanup()
     {
         m_hotKeys.reset();
-        QVERIFY(!m_other.findsTaken(ctrlAlt, spaceBar));
+        QTRY_VERIFY(!m_other.findsTaken(ctrlAlt, spaceBar));
     }
 
     void aPressIsToldWhateverLocksAreOnAndNothingElseIs()
@@ -149,12 +149,21 @@ private Q_SLOTS:
     void aHeldKeyIsPressedOnce()
     {
         run(u"xset r rate 100 50"_s);
-        const KeyWatch watch;
-        userDoes(u"keydown ctrl keydown alt keydown 65 keyup alt"_s);
-        QTRY_VERIFY(watch.presses >= 5);
-        userDoes(u"keyup 65 keydown alt"_s); // its release comes without a modifier
-        userDoes(u"key 38 keyup alt keyup ctrl"_s);
-        QTRY_COMPARE(m_pressed, QList<quint32>({1, 2}));
+        for (const uint32_t withoutReleases :
+             {0U, uint32_t{XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT}}) {
+            xcb_connection_t *ours = X11Connection::ofThisProgram()->get();
+            const auto request = xcb_xkb_per_client_flags(
+                ours, XCB_XKB_ID_USE_CORE_KBD, XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT,
+                withoutReleases, 0, 0, 0);
+            std::free(xcb_xkb_per_client_flags_reply(ours, request, nullptr));
+            const KeyWatch watch;
+            m_pressed.clear();
+            userDoes(u"keydown ctrl keydown alt keydown 65"_s);
+            QTRY_VERIFY(watch.presses >= 5);
+            // What else is pressed meanwhile comes here, too, and the release without a modifier.
+            userDoes(u"keyup alt key 38 keyup 65 keydown alt key 39 key 65 keyup alt keyup ctrl"_s);
+            QTRY_COMPARE(m_pressed, QList<quint32>({1, 3, 1}));
+        }
     }
 
     void keysFollowTheirSymbols()
