@@ -41,12 +41,14 @@ AppDelegate::AppDelegate(const Home &home, InstanceBus &bus, Relaunch relaunch)
       m_commands(m_panel, m_placement, m_mainScreen, m_defaults, m_addons),
       m_statusItem(
           *m_backend.statusHost, [this] { return statusMenu(menuState(), m_commands); },
-          m_placement.isVisible())
+          m_placement.isVisible()),
+      m_hotKeys(*m_backend.hotKeys)
 {
     assertMainThread("Nubble/AppDelegate");
     registerParts();
     observeState();
     observeRequests();
+    registerHotKeys();
 }
 
 NotchContents AppDelegate::notchContents()
@@ -74,6 +76,7 @@ void AppDelegate::registerParts()
     m_commands.addReport([this](QJsonObject &status) { reportSessions(m_sessionMonitor, m_clock, status); });
     m_commands.addReport([this](QJsonObject &status) { reportUsage(m_planUsage, status); });
     m_commands.addReport([this](QJsonObject &status) { reportPanel(m_panelState, m_placement, status); });
+    m_commands.addReport([this](QJsonObject &status) { reportHotKeys(m_hotKeys, status); });
 }
 
 void AppDelegate::observeState()
@@ -116,6 +119,26 @@ void AppDelegate::observeRequests()
             if (const std::optional<AddonRequest> request = requestFrom(name, userInfo))
                 (void)m_commands.performFromOutside(*request); // there is nobody to tell
         });
+}
+
+void AppDelegate::registerHotKeys()
+{
+    for (const HotKeyBinding &each : hotKeyBindings)
+        if (m_addons.contains(each.addon))
+            m_hotKeys.add(each.key, [this, key = each.key] { perform(key); });
+}
+
+void AppDelegate::perform(HotKey key)
+{
+    switch (key) {
+    case HotKey::Search:
+        m_commands.request({AddonRequest::Action::SearchChats});
+        break;
+    case HotKey::Ask:
+    case HotKey::Screenshot:
+        m_commands.request({AddonRequest::Action::AskClaude});
+        break;
+    }
 }
 
 MenuState AppDelegate::menuState() const

@@ -18,6 +18,7 @@
 #include "Sessions/SessionMonitor.h"
 #include "Shell/Addon.h"
 #include "Shell/Defaults.h"
+#include "Shell/HotKeys.h"
 #include "Shell/NotificationCenter.h"
 #include "Shell/Relaunch.h"
 #include "Tray/StatusItem.h"
@@ -43,6 +44,8 @@ private:
     void registerParts();
     void observeState();
     void observeRequests();
+    void registerHotKeys(); // those of the active add-ons
+    void perform(HotKey key);
     [[nodiscard]] MenuState menuState() const;
     void showMenu(const QList<MenuEntry> &entries, const QPoint &position); // in the panel's coordinates
     void restart();
@@ -67,6 +70,7 @@ private:
     PanelWindow m_panel;
     AppCommands m_commands;
     StatusItem m_statusItem;
+    HotKeys m_hotKeys;
 };
 
 } // namespace nubble

@@ -12,6 +12,7 @@
 #include "Sessions/SessionDetails.h"
 #include "Sessions/SessionMonitor.h"
 #include "Sessions/SessionTexts.h"
+#include "Shell/HotKeys.h"
 #include "Usage/PlanUsageMonitor.h"
 #include "Usage/UsageTexts.h"
 
@@ -155,6 +156,15 @@ void reportPanel(const PanelState &state, const NotchPlacement &placement, QJson
             {u"locked"_s, placement.isLocked()},
             {u"visible"_s, placement.isVisible()},
         });
+}
+
+void reportHotKeys(const HotKeys &hotKeys, QJsonObject &status)
+{
+    QJsonArray keys;
+    for (const HotKeys::Entry &each : hotKeys.entries())
+        keys.append(QJsonObject{
+            {u"keys"_s, each.keys}, {u"action"_s, each.action}, {u"registered"_s, each.registered}});
+    status.insert("hotKeys"_L1, keys);
 }
 
 QString statusTable(const QJsonObject &report, qsizetype width, const QDateTime &now)

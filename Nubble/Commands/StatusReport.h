@@ -8,6 +8,7 @@ class QDateTime;
 namespace nubble {
 
 class Clock;
+class HotKeys;
 class NotchPlacement;
 class PanelState;
 class PlanUsageMonitor;
@@ -19,6 +20,7 @@ void reportSessions(
     const SessionMonitor &monitor, const Clock &clock, QJsonObject &status); // in their card's order
 void reportUsage(const PlanUsageMonitor &planUsage, QJsonObject &status);
 void reportPanel(const PanelState &state, const NotchPlacement &placement, QJsonObject &status);
+void reportHotKeys(const HotKeys &hotKeys, QJsonObject &status);
 
 // The same for people, `width` columns wide. Control characters, which a terminal would obey, are left out.
 [[nodiscard]] QString statusTable(const QJsonObject &report, qsizetype width, const QDateTime &now);

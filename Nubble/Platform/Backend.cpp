@@ -11,6 +11,7 @@
 #include "Platform/PlainFloatingSurface.h"
 #include "Platform/X11/X11Connection.h"
 #include "Platform/X11/X11FloatingSurface.h"
+#include "Platform/X11/X11HotKeys.h"
 #include "Platform/X11/X11MouseMonitor.h"
 #include "Platform/X11/X11PanelSurface.h"
 #include "Platform/X11/X11Tray.h"
@@ -58,6 +59,7 @@ Backend makePlainBackend()
     Backend backend;
     backend.workspace = std::make_unique<PlainWorkspace>();
     backend.mouseMonitor = std::make_unique<MouseMonitor>();
+    backend.hotKeys = std::make_unique<HotKeyService>();
     backend.makePanelSurface = [](QWidget &window) { return std::make_unique<PlainPanelSurface>(window); };
     backend.makeFloatingSurface = [](QWidget &window) {
         return std::make_unique<PlainFloatingSurface>(window);
@@ -70,6 +72,7 @@ Backend makeX11Backend(const std::shared_ptr<const X11Connection> &x11)
     Backend backend;
     backend.workspace = std::make_unique<X11Workspace>(x11);
     backend.mouseMonitor = std::make_unique<X11MouseMonitor>(x11);
+    backend.hotKeys = std::make_unique<X11HotKeys>(x11);
     backend.makePanelSurface = [x11](QWidget &window) {
         return std::make_unique<X11PanelSurface>(window, x11);
     };

@@ -9,6 +9,7 @@
 #include "Platform/DesktopPreferences.h"
 #include "Platform/DistributedNotifications.h"
 #include "Platform/FloatingSurface.h"
+#include "Platform/HotKeyService.h"
 #include "Platform/MouseMonitor.h"
 #include "Platform/PanelSurface.h"
 #include "Platform/StatusHost.h"
@@ -22,6 +23,7 @@ class Home;
 struct Backend {
     std::unique_ptr<Workspace> workspace;
     std::unique_ptr<MouseMonitor> mouseMonitor;
+    std::unique_ptr<HotKeyService> hotKeys;
     std::unique_ptr<DesktopPreferences> preferences;
     std::unique_ptr<StatusHost> statusHost;
     std::unique_ptr<DistributedNotifications> notifications;

@@ -6,6 +6,11 @@ namespace nubble {
 
 namespace {
 
+const HotKeyBinding &bindingOf(HotKey key)
+{
+    return hotKeyBindings.at(static_cast<size_t>(key));
+}
+
 // Enough for the keys of the table. The toolkit writes all keys, but in a library that needs a display.
 QString nameOf(Qt::Key key)
 {
@@ -16,7 +21,7 @@ QString nameOf(Qt::Key key)
 
 QKeyCombination keysOf(HotKey key)
 {
-    return hotKeyBindings.at(static_cast<size_t>(key)).keys;
+    return bindingOf(key).keys;
 }
 
 QString keysText(HotKey key)
@@ -28,6 +33,11 @@ QString keysText(HotKey key)
     if (keys.keyboardModifiers() & Qt::AltModifier)
         text += u"Alt+"_s;
     return text + nameOf(keys.key());
+}
+
+QString actionName(HotKey key)
+{
+    return bindingOf(key).action.toString();
 }
 
 } // namespace nubble

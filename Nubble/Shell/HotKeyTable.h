@@ -28,5 +28,6 @@ inline constexpr std::array hotKeyBindings{
 
 [[nodiscard]] QKeyCombination keysOf(HotKey key);
 [[nodiscard]] QString keysText(HotKey key); // as this desktop writes them: "Ctrl+Alt+Space"
+[[nodiscard]] QString actionName(HotKey key);
 
 } // namespace nubble

@@ -48,9 +48,10 @@ private Q_SLOTS:
     void everyServiceIsThereWithoutADesktop()
     {
         Backend backend = makeBackend(Home(u"/nonexistent"_s));
-        QVERIFY(backend.mouseMonitor && backend.preferences);
+        QVERIFY(backend.mouseMonitor && backend.hotKeys && backend.preferences);
         QCOMPARE(backend.workspace->runningApplications(), QList<RunningApplication>());
         QVERIFY(!backend.workspace->canActivate() && !backend.mouseMonitor->canWatch());
+        QVERIFY(!backend.hotKeys->grab(1, Qt::CTRL | Qt::Key_A) && !backend.hotKeys->isGrabbed(1));
         QCOMPARE(backend.workspace->activateNearest({::getpid()}), Activation::Impossible);
 
         QWidget window;

@@ -1,0 +1,37 @@
+#include "Shell/HotKeys.h"
+
+#include "Platform/HotKeyService.h"
+#include "Platform/MainThread.h"
+
+namespace nubble {
+
+HotKeys::HotKeys(HotKeyService &service, QObject *parent) : QObject(parent), m_service(service)
+{
+    connect(&service, &HotKeyService::pressed, this, &HotKeys::run, Qt::QueuedConnection);
+}
+
+void HotKeys::add(HotKey key, std::function<void()> action)
+{
+    assertMainThread("Nubble/Shell/HotKeys");
+    m_added.push_back({key, std::move(action)});
+    (void)m_service.grab(
+        static_cast<quint32>(m_added.size()), keysOf(key)); // another program's stays with it
+}
+
+std::vector<HotKeys::Entry> HotKeys::entries() const
+{
+    std::vector<Entry> result;
+    for (const Added &each : m_added)
+        result.push_back(
+            {keysText(each.key), actionName(each.key),
+             m_service.isGrabbed(static_cast<quint32>(result.size() + 1))});
+    return result;
+}
+
+void HotKeys::run(quint32 id) const
+{
+    if (id > 0 && id <= m_added.size())
+        m_added[id - 1].action();
+}
+
+} // namespace nubble
