@@ -1,44 +1,13 @@
 #include "Widgets/CappedScroll.h"
 
 #include <QEvent>
-#include <QPainter>
-#include <QScrollBar>
 #include <QWheelEvent>
 
 #include <algorithm>
 
-#include "Widgets/Palette.h"
+#include "Widgets/SlimScrollBar.h"
 
 namespace nubble {
-
-namespace {
-
-// A slim rounded handle without a track.
-class SlimScrollBar : public QScrollBar {
-public:
-    using QScrollBar::QScrollBar;
-
-    [[nodiscard]] QSize sizeHint() const override { return {9, 40}; }
-
-protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        const int range = maximum() - minimum() + pageStep();
-        if (range <= 0)
-            return;
-        const double length = std::max(24.0, 1.0 * height() * pageStep() / range);
-        const double start = maximum() == minimum()
-            ? 0
-            : (height() - length) * (value() - minimum()) / (maximum() - minimum());
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(underMouse() || isSliderDown() ? Palette::textSecondary : Palette::ringTrack);
-        painter.drawRoundedRect(QRectF(width() - 5, start, 4, length), 2, 2);
-    }
-};
-
-} // namespace
 
 CappedScroll::CappedScroll(QWidget *content, int maxHeight, QWidget *parent)
     : QScrollArea(parent), m_maxHeight(maxHeight)

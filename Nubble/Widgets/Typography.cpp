@@ -15,16 +15,21 @@ namespace nubble::Typography {
 
 namespace {
 
-QFont font(double pixels, QFont::Weight weight)
+QFont sized(QFont font, double pixels, QFont::Weight weight)
 {
-    QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
-    font.setFamilies(QStringList{u"Inter"_s} + font.families());
     // Fractional pixel sizes can only be given as points of the font resolution.
     const QScreen *screen = QGuiApplication::primaryScreen();
     font.setPointSizeF(pixels * 72 / (screen ? screen->logicalDotsPerInch() : 96));
     font.setWeight(weight);
     font.setStyleStrategy(QFont::PreferAntialias);
     return font;
+}
+
+QFont font(double pixels, QFont::Weight weight)
+{
+    QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
+    font.setFamilies(QStringList{u"Inter"_s} + font.families());
+    return sized(font, pixels, weight);
 }
 
 double digitWidth(const QFontMetricsF &metrics)
@@ -69,6 +74,21 @@ QFont rowTitle()
 QFont menu()
 {
     return font(13, QFont::Normal);
+}
+
+QFont reading()
+{
+    return font(13, QFont::Normal);
+}
+
+QFont heading(int level)
+{
+    return font(level <= 1 ? 18 : level == 2 ? 16 : level == 3 ? 14.5 : 13, QFont::DemiBold);
+}
+
+QFont code()
+{
+    return sized(QFontDatabase::systemFont(QFontDatabase::FixedFont), 12, QFont::Normal);
 }
 
 QFont cardBody()

@@ -18,6 +18,9 @@ namespace Typography {
 [[nodiscard]] QFont cardBody();
 [[nodiscard]] QFont caption();
 [[nodiscard]] QFont menu();
+[[nodiscard]] QFont reading();          // texts of more than a few lines
+[[nodiscard]] QFont heading(int level); // within those; 1 is the largest
+[[nodiscard]] QFont code();
 
 // The height of one line of `percent()`, whole pixels.
 [[nodiscard]] double percentLineHeight();

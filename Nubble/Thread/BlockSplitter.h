@@ -1,0 +1,112 @@
+#pragma once
+
+#include <QStringView>
+#include <QVarLengthArray>
+
+#include <vector>
+
+#include "Thread/MarkdownLine.h"
+
+namespace nubble {
+
+// A piece of a text that is laid out and drawn by itself, so bounded in size. Positions are characters of the
+// text; a block whose thing is larger than a block may be is continued by the next one.
+struct Block {
+    enum class Kind { Paragraph, Heading, Code, Table, Rule };
+    enum class Marker { None, Bullet, Number, ToDo, Done };
+
+    Kind kind = Kind::Paragraph;
+    Marker marker = Marker::None;
+    bool continues = false; // the same thing as the block before
+    int level = 0;          // of a heading
+    int number = 0;         // beside the first line of an item
+    int depth = 0;          // of the lists around it
+    int quotes = 0;         // around it
+    int column = 0;         // of code: what stands before it belongs to what is around it
+    qsizetype start = 0;    // its lines, without marks of lists and headings, fences and a table's head
+    qsizetype length = 0;
+    qsizetype head = 0; // the language of a fence; a table's header and the line below
+    qsizetype headLength = 0;
+
+    [[nodiscard]] qsizetype end() const { return start + length; }
+    bool operator==(const Block &) const = default;
+};
+
+// Cuts a growing Markdown text into blocks, looking at each complete line once: the cost follows what has been
+// added. Lists and quotes are flat, every item a block that knows its depth and its number. More lenient than
+// the standard where replies are commonly careless about indentation. Pure.
+class BlockSplitter {
+public:
+    static constexpr qsizetype longestParagraph = 2048; // characters, also of a line
+    static constexpr qsizetype longestPart = 4096;      // of code and tables
+    static constexpr int mostRows = 40;                 // of a table's part
+    static constexpr int mostCodeLines = 128;
+    static constexpr qsizetype mostColumns = 32; // wider tables are code
+    static constexpr int deepest = 32;           // lists and quotes
+
+    // `text` is the text of the last call and perhaps more. Returns the first block that may have changed.
+    qsizetype read(QStringView text);
+    [[nodiscard]] const std::vector<Block> &blocks() const { return m_blocks; }
+
+private:
+    enum class Open { None, Paragraph, Fence, Indented, Table };
+    struct ListLevel {
+        int column = 0; // of its mark
+        MarkdownLine::ListMark mark;
+    };
+    using Lists = QVarLengthArray<ListLevel, 8>;
+    struct State {
+        Open open = Open::None;
+        MarkdownLine::Fence fence;
+        int quotes = 0;
+        Lists lists;
+        Lists outside; // the quote
+        Block::Marker marker = Block::Marker::None; // waits for the item's first block
+        int lines = 0;                              // of the open block
+        qsizetype lastLine = 0;                     // of the open paragraph: where it starts
+    };
+    struct Line {
+        qsizetype start = 0;
+        qsizetype end = 0;
+        qsizetype at = 0; // how far it is read
+        int column = 0;   // there
+    };
+
+    [[nodiscard]] QStringView rest(const Line &line) const { return m_text.sliced(line.at, line.end - line.at); }
+    void readLine(Line line, bool isWhole);
+    void resumeLine(const Line &line);
+    [[nodiscard]] bool readFenced(Line line);
+    int skipQuotes(Line &line, int most) const;
+    void enterQuotes(int quotes, const Line &line);
+    void readContent(Line line);
+    [[nodiscard]] bool readOpen(const Line &line);
+    [[nodiscard]] bool readBlockStart(const Line &line);
+    [[nodiscard]] bool startsBlock(const Line &line) const;
+    [[nodiscard]] bool readItem(const Line &line);
+    void beginItem(const MarkdownLine::ListMark &mark, const Line &line);
+    void beginFence(const MarkdownLine::Fence &fence, const Line &line);
+    void beginHeading(int level, Line line);
+    [[nodiscard]] bool beginTable(const Line &line);
+    void readText(const Line &line);
+    void leaveLists(int column);
+    void skipIndent(Line &line) const;
+    void skipColumns(Line &line, int column) const;
+    Block &begin(Block::Kind kind, qsizetype start, qsizetype end);
+    void extend(const Line &line, qsizetype longest, int mostLines);
+    void close();
+
+    QStringView m_text; // during read()
+    std::vector<Block> m_blocks;
+    State m_state;
+    // As it was behind the last complete line, for what comes after may turn out otherwise.
+    qsizetype m_position = 0;
+    bool m_lineStarts = true;
+    State m_settled;
+    std::vector<Block>::size_type m_settledBlocks = 0;
+    Block m_settledLast;
+};
+
+// The same for plain text: parts of at most 4 KB, cut at a line's end where there is one.
+[[nodiscard]] std::vector<Block> plainBlocks(QStringView text);
+
+} // namespace nubble

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QRect>
+
+namespace nubble {
+
+class BlockDocument;
+class ThreadRows;
+
+// Where the parts of a row are, from its own upper left corner; device-independent pixels. Pure.
+struct RowBox {
+    int height = 0; // with the space above it
+    QPoint text;
+    QRect panel;     // the bubble, or the block of code; grows over the edge to what continues it
+    QRect picture;   // of a question
+    QRect caption;   // below a question
+    QRect copyCode;  // button
+    QRect copyReply; // button
+};
+
+namespace RowBoxes {
+
+inline constexpr int side = 18;       // between the view's edge and the text
+inline constexpr int quoteWidth = 14; // that each quote takes
+inline constexpr int listWidth = 20;  // that each list takes
+inline constexpr int footerGap = 12;  // below the last row
+
+[[nodiscard]] int indent(const ThreadRows &rows, int row); // of a reply's text
+[[nodiscard]] int textWidth(const ThreadRows &rows, int row, int viewWidth);
+// Fits the document of a question, too.
+[[nodiscard]] RowBox make(const ThreadRows &rows, int row, BlockDocument &document, int viewWidth);
+// About how tall the row will be.
+[[nodiscard]] int estimate(const ThreadRows &rows, int row, int viewWidth);
+
+} // namespace RowBoxes
+
+} // namespace nubble

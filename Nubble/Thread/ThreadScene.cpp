@@ -1,0 +1,194 @@
+#include "Thread/ThreadScene.h"
+
+#include <QGuiApplication>
+#include <QPainter>
+
+#include <chrono>
+
+#include "Thread/RowPainter.h"
+
+using namespace std::chrono_literals;
+
+namespace nubble {
+
+ThreadScene::ThreadScene(QObject *parent) : QObject(parent)
+{
+    m_forgetCopied.setSingleShot(true);
+    m_forgetCopied.setInterval(1500ms);
+    m_forgetCopied.callOnTimeout(this, [this] {
+        m_copied.reset();
+        Q_EMIT changed(0);
+    });
+}
+
+void ThreadScene::takeIn()
+{
+    const int first = m_rows.update();
+    const int before = std::max(0, first - 1); // it may go on now
+    const int value = m_layout.value();
+    const int y = first <= 0 ? 0 : m_layout.yOf(before);
+    m_layout.rowsChanged(first);
+    holdState();
+    m_layout.arrange();
+    const bool isInPlace = before < m_rows.count() && value == m_layout.value() && m_layout.yOf(before) == y;
+    Q_EMIT changed(isInPlace ? y : 0);
+}
+
+// What was said about rows that are gone.
+void ThreadScene::holdState()
+{
+    const int count = m_rows.count();
+    for (auto *target : {&m_hovered, &m_focused, &m_copied})
+        if (*target && (*target)->row >= count)
+            target->reset();
+    if (count == 0)
+        m_selection = {};
+    else if (m_selection.last().row >= count)
+        m_selection = {
+            ThreadPositions::held(m_rows, m_layout, m_selection.anchor),
+            ThreadPositions::held(m_rows, m_layout, m_selection.cursor)};
+}
+
+void ThreadScene::arrange()
+{
+    m_layout.arrange();
+    Q_EMIT changed(0);
+}
+
+void ThreadScene::scrollBy(int pixels)
+{
+    m_layout.scrollBy(pixels);
+    arrange();
+}
+
+void ThreadScene::scrollTo(int value)
+{
+    m_layout.scrollTo(value);
+    arrange();
+}
+
+void ThreadScene::scrollToEnd()
+{
+    m_layout.scrollToEnd();
+    arrange();
+}
+
+void ThreadScene::select(const ThreadSelection &selection)
+{
+    m_selection = selection;
+    Q_EMIT changed(0);
+}
+
+void ThreadScene::selectAll()
+{
+    select({{}, ThreadPositions::end(m_rows, m_layout)});
+}
+
+void ThreadScene::copySelection(QClipboard::Mode mode)
+{
+    QClipboard *clipboard = QGuiApplication::clipboard();
+    if (m_selection.isEmpty() || (mode == QClipboard::Selection && !clipboard->supportsSelection()))
+        return;
+    clipboard->setText(ThreadPositions::text(m_rows, m_layout, m_selection), mode);
+}
+
+ThreadPosition ThreadScene::positionAt(const QPoint &point)
+{
+    return ThreadPositions::at(m_rows, m_layout, point);
+}
+
+std::optional<ThreadTarget> ThreadScene::targetAt(const QPoint &point)
+{
+    return ThreadTargets::at(m_rows, m_layout, point);
+}
+
+void ThreadScene::hover(const std::optional<QPoint> &point)
+{
+    const auto target = point ? targetAt(*point) : std::nullopt;
+    const int row = point ? m_layout.rowAt(point->y()) : -1;
+    const int message = row < 0 ? -1 : m_rows.messageOf(row);
+    if (target == m_hovered && message == m_hoveredMessage)
+        return;
+    m_hovered = target;
+    m_hoveredMessage = message;
+    const QUrl url = target ? ThreadTargets::url(m_layout, *target) : QUrl();
+    const bool isNew = std::exchange(m_hoveredUrl, url) != url;
+    Q_EMIT changed(0);
+    if (isNew)
+        Q_EMIT hoverChanged();
+}
+
+void ThreadScene::focus(const std::optional<ThreadTarget> &target)
+{
+    if (m_focused == target)
+        return;
+    m_focused = target;
+    if (target) {
+        QRect all;
+        for (const QRect &each : ThreadTargets::rects(m_layout, *target))
+            all |= each;
+        m_layout.reveal(target->row, all);
+    }
+    arrange();
+    Q_EMIT focusChanged();
+}
+
+bool ThreadScene::focusNext(int step)
+{
+    const auto &shown = m_layout.shown();
+    if (shown.empty())
+        return false;
+    const auto next = m_focused ? ThreadTargets::next(m_rows, m_layout, *m_focused, step)
+        : step > 0              ? ThreadTargets::from(m_rows, m_layout, shown.front().row, 1)
+                                : std::nullopt;
+    if (next)
+        focus(next);
+    return next.has_value();
+}
+
+void ThreadScene::activate(const ThreadTarget &target)
+{
+    if (target.kind == ThreadTarget::Kind::Link) {
+        const QUrl url = ThreadTargets::url(m_layout, target);
+        if (url.isValid())
+            Q_EMIT linkActivated(url);
+        return;
+    }
+    if (target.kind == ThreadTarget::Kind::CopyReply)
+        copyReply(m_rows.messageOf(target.row));
+    else
+        QGuiApplication::clipboard()->setText(m_rows.codeAt(target.row));
+    showCopied(target);
+}
+
+void ThreadScene::copyReply(int message)
+{
+    QGuiApplication::clipboard()->setText(m_rows.message(message).content.text);
+}
+
+void ThreadScene::showCopied(const ThreadTarget &target)
+{
+    m_copied = target;
+    m_forgetCopied.start();
+    Q_EMIT changed(0);
+}
+
+void ThreadScene::paint(QPainter &painter, const QRect &area)
+{
+    for (const auto &[index, y] : m_layout.shown()) {
+        const ThreadLayout::Row &row = m_layout.row(index);
+        if (y + row.box.height < area.top() || y > area.bottom())
+            continue;
+        RowLook look{m_selection.inRow(index, row.document->lastPosition()), m_hovered, m_focused, m_copied, false};
+        const int message = m_rows.messageOf(index);
+        const auto isOfThis = [&](const auto &target) {
+            return target && target->kind == ThreadTarget::Kind::CopyReply && target->row == index;
+        };
+        look.showsCopyReply = m_rows.message(message).isFinished
+            && (message == m_hoveredMessage || message + 1 == m_rows.messageCount() || isOfThis(m_focused)
+                || isOfThis(m_copied));
+        paintRow(painter, {0, y}, m_rows, index, row, look);
+    }
+}
+
+} // namespace nubble

@@ -1,0 +1,357 @@
+#include "Thread/ThreadView.h"
+
+#include <QGuiApplication>
+#include <QHelpEvent>
+#include <QMenu>
+#include <QPainter>
+#include <QToolTip>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <chrono>
+
+#include "Platform/Memory.h"
+#include "Thread/ThreadAccessible.h"
+#include "Thread/ThreadKeys.h"
+#include "Thread/ThreadMouse.h"
+#include "Thread/ThreadScene.h"
+#include "Widgets/NotchButton.h"
+#include "Widgets/Palette.h"
+#include "Widgets/SlimScrollBar.h"
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace nubble {
+
+namespace {
+
+constexpr auto frameTime = 33ms; // what streams is read, not watched
+
+// Stands above text, so it is filled.
+class JumpButton : public NotchButton {
+public:
+    explicit JumpButton(QWidget *parent) : NotchButton(u"arrow.down"_s, u"Go to the end"_s, parent) { }
+
+protected:
+    void paintEvent(QPaintEvent *event) override
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(Palette::ringTrack, 1));
+        painter.setBrush(QColor(Palette::card.rgb()));
+        painter.drawEllipse(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5));
+        painter.end();
+        NotchButton::paintEvent(event);
+    }
+};
+
+} // namespace
+
+ThreadView::ThreadView(QWidget *parent)
+    : QAbstractScrollArea(parent), m_scene(new ThreadScene(this)), m_mouse(new ThreadMouse(*m_scene)),
+      m_jump(new JumpButton(this))
+{
+    m_mouse->setParent(this);
+    installThreadAccessibility();
+    setAccessibleName(u"Conversation"_s);
+    setFrameShape(QFrame::NoFrame);
+    setFocusPolicy(Qt::StrongFocus);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn); // the text's width does not depend on its height
+    setVerticalScrollBar(new SlimScrollBar);
+    verticalScrollBar()->setSingleStep(20);
+    viewport()->setAutoFillBackground(false);
+    viewport()->setMouseTracking(true);
+    m_jump->resize(m_jump->sizeHint());
+    m_jump->hide();
+    connect(m_jump, &QAbstractButton::clicked, this, &ThreadView::scrollToEnd);
+    m_frame.setSingleShot(true);
+    m_frame.setTimerType(Qt::PreciseTimer);
+    m_frame.callOnTimeout(this, &ThreadView::takeInNow);
+    connectScene();
+}
+
+ThreadView::~ThreadView() = default;
+
+void ThreadView::connectScene()
+{
+    connect(m_scene, &ThreadScene::changed, this, &ThreadView::showChange);
+    connect(m_scene, &ThreadScene::linkActivated, this, &ThreadView::linkActivated);
+    connect(m_scene, &ThreadScene::hoverChanged, this, &ThreadView::showHover);
+    connect(m_scene, &ThreadScene::focusChanged, this, [this] {
+        m_showsFocus = false; // what has it shows it
+        tellFocus(*this);
+    });
+}
+
+void ThreadView::clear()
+{
+    m_scene->rows().clear();
+    setFooter(nullptr);
+    m_scene->layout().scrollToEnd();
+    takeInNow();
+}
+
+void ThreadView::append(const ThreadMessage &message)
+{
+    m_scene->rows().append(message);
+    if (message.kind == ThreadMessage::Kind::Question)
+        m_scene->layout().scrollToEnd();
+    takeInSoon();
+}
+
+void ThreadView::appendText(QStringView text)
+{
+    m_scene->rows().appendText(text);
+    takeInSoon();
+}
+
+void ThreadView::setText(const QString &text)
+{
+    m_scene->rows().setText(text);
+    takeInSoon();
+}
+
+void ThreadView::finishLast()
+{
+    m_scene->rows().finishLast();
+    takeInNow();
+    announceLast(*this);
+}
+
+void ThreadView::removeLast()
+{
+    m_scene->rows().removeLast();
+    takeInNow();
+}
+
+void ThreadView::scrollToEnd()
+{
+    m_scene->scrollToEnd();
+}
+
+void ThreadView::setFooter(QWidget *footer)
+{
+    if (m_footer == footer)
+        return;
+    if (m_footer) {
+        m_footer->removeEventFilter(this);
+        m_footer->hide();
+        m_footer->deleteLater();
+    }
+    m_footer = footer;
+    if (footer) {
+        footer->setParent(viewport());
+        footer->installEventFilter(this);
+        footer->show();
+    }
+    placeFooter();
+}
+
+bool ThreadView::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_footer && event->type() == QEvent::LayoutRequest)
+        placeFooter();
+    return QAbstractScrollArea::eventFilter(watched, event);
+}
+
+// Its height counts, so everything may move.
+void ThreadView::placeFooter()
+{
+    const int width = std::max(0, viewport()->width() - 2 * RowBoxes::side);
+    const bool followsWidth = m_footer && m_footer->sizePolicy().hasHeightForWidth();
+    const int height = !m_footer ? 0
+        : followsWidth           ? m_footer->heightForWidth(width)
+                                 : m_footer->sizeHint().height();
+    m_scene->layout().setFooterHeight(height);
+    if (m_footer)
+        m_footer->resize(width, height);
+    m_scene->arrange();
+}
+
+void ThreadView::takeInSoon()
+{
+    if (m_frame.isActive() || !isVisible())
+        return;
+    const auto since = m_sinceFrame.isValid() ? std::chrono::milliseconds(m_sinceFrame.elapsed()) : frameTime;
+    m_frame.start(std::max(0ms, frameTime - since));
+}
+
+void ThreadView::takeInNow()
+{
+    if (!isVisible())
+        return; // showing it does
+    m_frame.stop();
+    m_sinceFrame.start();
+    m_scene->takeIn();
+    if (m_scene->rows().isBehind())
+        m_frame.start(frameTime);
+}
+
+void ThreadView::showChange(int y)
+{
+    ThreadLayout &layout = m_scene->layout();
+    m_isSyncing = true;
+    verticalScrollBar()->setPageStep(viewport()->height());
+    verticalScrollBar()->setRange(0, layout.maximum());
+    verticalScrollBar()->setValue(layout.value());
+    m_isSyncing = false;
+    if (m_footer)
+        m_footer->move(RowBoxes::side, layout.end() + (m_scene->rows().count() > 0 ? 0 : RowBoxes::footerGap));
+    placeJump();
+    viewport()->update(QRect(0, y, viewport()->width(), viewport()->height() - y));
+}
+
+void ThreadView::placeJump()
+{
+    const QSize size = m_jump->size();
+    m_jump->move(viewport()->geometry().right() - size.width() - 6,
+                 viewport()->geometry().bottom() - size.height() - 8);
+    m_jump->setVisible(!m_scene->layout().follows());
+}
+
+bool ThreadView::viewportEvent(QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::Leave:
+        m_scene->hover(std::nullopt);
+        break;
+    case QEvent::ToolTip: {
+        const QString text = shownLink(m_scene->hoveredUrl());
+        // Escaped and told to be rich, so that no address is taken for what it looks like.
+        const QString rich = text.isEmpty() ? text : u"<qt>"_s + text.toHtmlEscaped() + u"</qt>"_s;
+        QToolTip::showText(static_cast<const QHelpEvent *>(event)->globalPos(), rich, viewport());
+        return true;
+    }
+    default:
+        break;
+    }
+    return QAbstractScrollArea::viewportEvent(event);
+}
+
+void ThreadView::showHover()
+{
+    const QUrl url = m_scene->hoveredUrl();
+    if (url.isEmpty())
+        QToolTip::hideText();
+    Q_EMIT linkHovered(url);
+}
+
+void ThreadView::paintEvent(QPaintEvent *event)
+{
+    QPainter painter(viewport());
+    painter.setClipRegion(event->region());
+    m_scene->paint(painter, event->rect());
+    if (!m_showsFocus)
+        return;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(Palette::focus, 1.5));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(QRectF(viewport()->rect()).adjusted(2, 2, -2, -2), 8, 8);
+}
+
+void ThreadView::resizeEvent(QResizeEvent *)
+{
+    m_scene->layout().resize(viewport()->size());
+    placeFooter();
+}
+
+void ThreadView::showEvent(QShowEvent *event)
+{
+    QAbstractScrollArea::showEvent(event);
+    takeInNow();
+}
+
+void ThreadView::hideEvent(QHideEvent *event)
+{
+    QAbstractScrollArea::hideEvent(event);
+    m_frame.stop();
+    m_scene->layout().forget();
+    releaseFreedMemory();
+}
+
+void ThreadView::mousePressEvent(QMouseEvent *event)
+{
+    m_scene->focus(std::nullopt);
+    m_mouse->press(*event);
+}
+
+void ThreadView::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    m_mouse->pressTwice(*event);
+}
+
+void ThreadView::mouseMoveEvent(QMouseEvent *event)
+{
+    m_mouse->move(*event);
+    const auto &target = m_scene->hovered();
+    viewport()->setCursor(target ? Qt::PointingHandCursor : Qt::IBeamCursor);
+}
+
+void ThreadView::mouseReleaseEvent(QMouseEvent *event)
+{
+    m_mouse->release(*event);
+}
+
+void ThreadView::wheelEvent(QWheelEvent *event)
+{
+    QAbstractScrollArea::wheelEvent(event);
+    event->accept(); // at either end too: the wheel is meant for this text
+    m_scene->hover(event->position().toPoint());
+}
+
+void ThreadView::keyPressEvent(QKeyEvent *event)
+{
+    event->setAccepted(handleThreadKey(*m_scene, *event));
+}
+
+void ThreadView::focusInEvent(QFocusEvent *event)
+{
+    QAbstractScrollArea::focusInEvent(event);
+    m_showsFocus = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    if (event->reason() == Qt::BacktabFocusReason && !m_scene->layout().shown().empty())
+        m_scene->focus(ThreadTargets::from(
+            m_scene->rows(), m_scene->layout(), m_scene->layout().shown().back().row, -1));
+    viewport()->update();
+}
+
+void ThreadView::focusOutEvent(QFocusEvent *event)
+{
+    QAbstractScrollArea::focusOutEvent(event);
+    m_showsFocus = false;
+    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason)
+        m_scene->focus(std::nullopt);
+    viewport()->update();
+}
+
+bool ThreadView::focusNextPrevChild(bool next)
+{
+    if (m_scene->focusNext(next ? 1 : -1))
+        return true;
+    return QAbstractScrollArea::focusNextPrevChild(next);
+}
+
+void ThreadView::contextMenuEvent(QContextMenuEvent *event)
+{
+    const bool isMouse = event->reason() == QContextMenuEvent::Mouse;
+    const auto target = isMouse ? m_scene->targetAt(event->pos()) : m_scene->focused();
+    const QUrl url = target ? ThreadTargets::url(m_scene->layout(), *target) : QUrl();
+    QMenu menu(this);
+    QAction *copy = menu.addAction(u"Copy"_s, this, [this] { m_scene->copySelection(QClipboard::Clipboard); });
+    copy->setEnabled(!m_scene->selection().isEmpty());
+    if (!url.isEmpty())
+        menu.addAction(u"Copy Link"_s, this, [url] {
+            QGuiApplication::clipboard()->setText(url.toString(QUrl::FullyEncoded));
+        });
+    menu.addAction(u"Select All"_s, m_scene, &ThreadScene::selectAll);
+    menu.exec(event->globalPos());
+}
+
+void ThreadView::scrollContentsBy(int, int)
+{
+    if (!m_isSyncing)
+        m_scene->scrollTo(verticalScrollBar()->value());
+}
+
+} // namespace nubble

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <QAbstractScrollArea>
+#include <QElapsedTimer>
+#include <QPointer>
+#include <QTimer>
+#include <QUrl>
+
+#include "Thread/ThreadMessage.h"
+
+class QAbstractButton;
+
+namespace nubble {
+
+class ThreadMouse;
+class ThreadScene;
+
+// A conversation: questions as bubbles of plain text, replies as Markdown that may still be arriving. It follows
+// the end until the user scrolls up. What a text says is foreign: nothing is loaded or opened for it, links are only
+// told of. Cost follows what is seen, not what there is. Transparent; main thread only.
+class ThreadView : public QAbstractScrollArea {
+    Q_OBJECT
+
+public:
+    explicit ThreadView(QWidget *parent = nullptr);
+    ~ThreadView() override;
+
+    void clear();
+    void append(const ThreadMessage &message); // goes to the end when it is a question
+    void appendText(QStringView text);         // to the last message; painted at most once a frame
+    void setText(const QString &text);         // of the last message; what is the same is kept as it is shown
+    void finishLast(); // the reply has ended: is announced to assistive technology, can be copied as a whole
+    void removeLast();
+    // Scrolls with the text, below the last message, as tall as it wants to be; null for none. The one before is
+    // deleted.
+    void setFooter(QWidget *footer);
+    void scrollToEnd();
+
+    [[nodiscard]] ThreadScene &scene() { return *m_scene; }
+
+Q_SIGNALS:
+    void linkActivated(const QUrl &url); // clicked, or by keyboard; http, https or mailto only
+    void linkHovered(const QUrl &url);   // where it would lead; empty when there is none
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    bool viewportEvent(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+    void scrollContentsBy(int dx, int dy) override;
+
+private:
+    void connectScene();
+    void takeInSoon();
+    void takeInNow();
+    void showChange(int y);
+    void placeFooter();
+    void placeJump();
+    void showHover();
+
+    ThreadScene *m_scene;
+    ThreadMouse *m_mouse;
+    QAbstractButton *m_jump;
+    QPointer<QWidget> m_footer;
+    QTimer m_frame;
+    QElapsedTimer m_sinceFrame;
+    bool m_isSyncing = false; // the scroll bar is being told, not asked
+    bool m_showsFocus = false;
+};
+
+} // namespace nubble

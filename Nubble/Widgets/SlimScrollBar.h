@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QScrollBar>
+
+namespace nubble {
+
+// A slim rounded handle without a track; nothing while there is nothing to scroll.
+class SlimScrollBar : public QScrollBar {
+    Q_OBJECT
+
+public:
+    using QScrollBar::QScrollBar;
+
+    [[nodiscard]] QSize sizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+};
+
+} // namespace nubble
