@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QCursor>
+#include <QDesktopServices>
 
 #include "Ask/AskClaude.h"
 #include "Commands/StatusReport.h"
@@ -48,6 +49,7 @@ AppDelegate::AppDelegate(const Home &home, InstanceBus &bus, Relaunch relaunch)
     registerParts();
     observeState();
     observeRequests();
+    openAskAddon();
     registerHotKeys();
 }
 
@@ -121,6 +123,29 @@ void AppDelegate::observeRequests()
         });
 }
 
+void AppDelegate::openAskAddon()
+{
+    if (!m_addons.contains(Addon::Ask))
+        return;
+    const auto place = [this](const QSize &size) {
+        return placeBeside(m_panel.bodyOnScreen(), size, m_mainScreen.visibleFrame().value_or(QRectF()));
+    };
+    m_askWindow = std::make_unique<AskWindow>(
+        m_home,
+        AskWindow::Surroundings{
+            .workspace = *m_backend.workspace,
+            .capture = *m_backend.screenCapture,
+            .preferences = *m_backend.preferences,
+            .makeSurface = m_backend.makeFloatingSurface,
+            .place = place,
+            .openLink = [](const QUrl &url) { QDesktopServices::openUrl(url); }});
+    m_commands.setHandler(Addon::Ask, [this](const AddonRequest &request) {
+        m_askWindow->activate(request.question);
+        return Outcome::done();
+    });
+    m_commands.addReport([this](QJsonObject &status) { reportAsk(*m_askWindow, status); });
+}
+
 void AppDelegate::registerHotKeys()
 {
     for (const HotKeyBinding &each : hotKeyBindings)
@@ -135,8 +160,10 @@ void AppDelegate::perform(HotKey key)
         m_commands.request({AddonRequest::Action::SearchChats});
         break;
     case HotKey::Ask:
+        m_askWindow->toggle();
+        break;
     case HotKey::Screenshot:
-        m_commands.request({AddonRequest::Action::AskClaude});
+        m_askWindow->screenshot();
         break;
     }
 }

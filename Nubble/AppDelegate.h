@@ -2,6 +2,7 @@
 
 #include <QObject>
 
+#include "Ask/AskWindow.h"
 #include "Commands/AppCommands.h"
 #include "Commands/Menus.h"
 #include "Notch/NotchAction.h"
@@ -42,6 +43,7 @@ public:
 private:
     [[nodiscard]] NotchContents notchContents(); // the panel's cards and buttons
     void registerParts();
+    void openAskAddon();
     void observeState();
     void observeRequests();
     void registerHotKeys(); // those of the active add-ons
@@ -69,6 +71,7 @@ private:
     ProcessActivator m_activator;
     PanelWindow m_panel;
     AppCommands m_commands;
+    std::unique_ptr<AskWindow> m_askWindow; // while the add-on is on
     StatusItem m_statusItem;
     HotKeys m_hotKeys;
 };

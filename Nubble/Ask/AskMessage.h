@@ -14,9 +14,9 @@ struct AskMessage {
 
     QUuid id = QUuid::createUuid();
     Role role = Role::User;
-    QString text;                      // what the user typed; the reply so far, Markdown
-    std::optional<QImage> thumbnail{}; // of the picture that went with a question
-    std::optional<QString> context{};  // what was in front then
+    QString text;                     // what the user typed; the reply so far, Markdown
+    QImage thumbnail{};               // of the picture that went with a question
+    std::optional<QString> context{}; // what was in front then
 
     bool operator==(const AskMessage &) const = default;
 };

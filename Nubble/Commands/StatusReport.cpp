@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 
+#include "Ask/AskWindow.h"
 #include "Notch/PanelState.h"
 #include "Placement/NotchPlacement.h"
 #include "Platform/Clock.h"
@@ -155,6 +156,20 @@ void reportPanel(const PanelState &state, const NotchPlacement &placement, QJson
             {u"offset"_s, placement.offset()},
             {u"locked"_s, placement.isLocked()},
             {u"visible"_s, placement.isVisible()},
+        });
+}
+
+void reportAsk(const AskWindow &window, QJsonObject &status)
+{
+    const AskClaude &ask = window.conversation();
+    status.insert(
+        "ask"_L1,
+        QJsonObject{
+            {u"open"_s, window.isOpen()},
+            {u"busy"_s, ask.isBusy()},
+            {u"capturing"_s, ask.isCapturing()},
+            {u"messages"_s, ask.messages().size()},
+            {u"problem"_s, ask.problem() ? QJsonValue(*ask.problem()) : QJsonValue()},
         });
 }
 

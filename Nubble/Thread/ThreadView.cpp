@@ -88,7 +88,6 @@ void ThreadView::connectScene()
 void ThreadView::clear()
 {
     m_scene->rows().clear();
-    setFooter(nullptr);
     m_scene->layout().scrollToEnd();
     takeInNow();
 }
@@ -160,7 +159,7 @@ bool ThreadView::eventFilter(QObject *watched, QEvent *event)
 void ThreadView::placeFooter()
 {
     const int width = std::max(0, viewport()->width() - 2 * RowBoxes::side);
-    const bool followsWidth = m_footer && m_footer->sizePolicy().hasHeightForWidth();
+    const bool followsWidth = m_footer && m_footer->hasHeightForWidth();
     const int height = !m_footer ? 0
         : followsWidth           ? m_footer->heightForWidth(width)
                                  : m_footer->sizeHint().height();

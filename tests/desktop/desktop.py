@@ -103,7 +103,7 @@ class Desktop:
         self.display = display.Display(self.env["DISPLAY"])
         self.root = self.display.screen().root
         self.services.append(self.start("openbox", "--sm-disable"))
-        eventually(lambda: self.property("_NET_SUPPORTING_WM_CHECK"), "openbox runs")
+        eventually(self._openbox_answers, "openbox runs")
         if COMPOSITED:
             self.services.append(self.start_compositor())
         self.backdrop = Window(self, 0, 0, *SCREEN, managed=False)
@@ -124,6 +124,11 @@ class Desktop:
     def start(self, *command, **options):
         quiet = {"stdin": subprocess.DEVNULL, "stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL}
         return subprocess.Popen(command, env=self.env, **(quiet | options))
+
+    def _openbox_answers(self):
+        """While it starts it may mislay a request; once it has answered one it does not."""
+        self.run("xdotool", "set_num_desktops", "3")
+        return self.property("_NET_NUMBER_OF_DESKTOPS") == [3]
 
     def run(self, *command):
         subprocess.run(command, env=self.env, check=True, timeout=PATIENCE, stdout=subprocess.DEVNULL)

@@ -1,0 +1,150 @@
+#include "Ask/ScreenChip.h"
+
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QPainterPath>
+
+#include "Ask/AskTexts.h"
+#include "Widgets/NotchButton.h"
+#include "Widgets/Palette.h"
+#include "Widgets/Symbols.h"
+#include "Widgets/Typography.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nubble {
+
+namespace {
+
+constexpr int chipHeight = 28;
+constexpr double radius = 8;
+constexpr int padding = 5;
+constexpr QSize pictureSize(28, 18);
+constexpr int previewWidth = 384;
+
+void drawRounded(QPainter &painter, const QRectF &rect, double corner, const QImage &picture)
+{
+    QPainterPath outline;
+    outline.addRoundedRect(rect, corner, corner);
+    painter.save();
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    painter.setClipPath(outline);
+    const QSizeF whole = QSizeF(picture.size()).scaled(rect.size(), Qt::KeepAspectRatioByExpanding);
+    QRectF target({}, whole);
+    target.moveCenter(rect.center());
+    painter.drawImage(target, picture);
+    painter.setClipping(false);
+    painter.setPen(QPen(Palette::cardLine, 1));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawPath(outline);
+    painter.restore();
+}
+
+// The picture alone, beside the pointer and never in its way.
+class PicturePreview : public QWidget {
+public:
+    PicturePreview(const QImage &picture, QWidget *parent)
+        : QWidget(parent, Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowTransparentForInput),
+          m_picture(picture)
+    {
+        setAttribute(Qt::WA_ShowWithoutActivating);
+        setAttribute(Qt::WA_DeleteOnClose);
+        resize(QSize(previewWidth, previewWidth)
+                   .boundedTo(picture.size().scaled(previewWidth, previewWidth, Qt::KeepAspectRatio)));
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        painter.drawImage(rect(), m_picture);
+    }
+
+private:
+    QImage m_picture;
+};
+
+} // namespace
+
+ScreenChip::ScreenChip(QWidget *parent)
+    : QWidget(parent), m_remove(new NotchButton(u"xmark.circle.fill"_s, u"Don't send the screen"_s))
+{
+    setFixedHeight(chipHeight);
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    auto *layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, padding, 0);
+    layout->addStretch();
+    layout->addWidget(m_remove);
+    m_remove->setTint(Palette::textSecondary);
+    connect(m_remove, &QAbstractButton::clicked, this, &ScreenChip::removed);
+    hide();
+}
+
+void ScreenChip::show(const std::optional<ScreenContext> &screen, bool capturing)
+{
+    const std::optional<QString> text = chipText(screen, capturing);
+    m_text = text.value_or(QString());
+    m_picture = !capturing && screen ? screen->thumbnail : QImage();
+    m_remove->setVisible(!capturing);
+    setAccessibleName(m_text);
+    setToolTip(m_picture.isNull() ? m_text : QString());
+    setVisible(text.has_value());
+    if (m_preview)
+        m_preview->close();
+    update();
+}
+
+QRect ScreenChip::pictureRect() const
+{
+    if (m_picture.isNull())
+        return {};
+    return {QPoint(padding, (height() - pictureSize.height()) / 2), pictureSize};
+}
+
+void ScreenChip::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Palette::control);
+    painter.drawRoundedRect(rect(), radius, radius);
+    if (m_picture.isNull()) {
+        const QRectF symbol(padding + 4, (height() - 15) / 2.0, 15, 15);
+        Symbols::draw(painter, u"camera.viewfinder"_s, symbol, Palette::textSecondary);
+    } else {
+        drawRounded(painter, QRectF(pictureRect()).adjusted(0.5, 0.5, -0.5, -0.5), 3, m_picture);
+    }
+    painter.setFont(Typography::cardBody());
+    painter.setPen(Palette::textSecondary);
+    const int left = padding + pictureSize.width() + 8;
+    const int right = m_remove->isVisible() ? m_remove->x() - 6 : width() - 10;
+    const QRect line(left, 0, right - left, height());
+    painter.drawText(
+        line, Qt::AlignLeft | Qt::AlignVCenter,
+        painter.fontMetrics().elidedText(m_text, Qt::ElideRight, line.width()));
+}
+
+void ScreenChip::enterEvent(QEnterEvent *)
+{
+    if (m_picture.isNull() || m_preview)
+        return;
+    m_preview = new PicturePreview(m_picture, this);
+    const QPoint above = mapToGlobal(QPoint(0, -m_preview->height() - 8));
+    m_preview->move(above);
+    m_preview->show();
+}
+
+void ScreenChip::leaveEvent(QEvent *)
+{
+    if (m_preview)
+        m_preview->close();
+}
+
+void ScreenChip::hideEvent(QHideEvent *)
+{
+    if (m_preview)
+        m_preview->close();
+}
+
+} // namespace nubble

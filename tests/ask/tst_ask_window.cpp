@@ -1,0 +1,261 @@
+#include <QAbstractButton>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <unistd.h>
+
+#include "Ask/AskTexts.h"
+#include "Ask/AskWindow.h"
+#include "Ask/Composer.h"
+#include "Ask/ScreenChip.h"
+#include "Ask/ThinkingDots.h"
+#include "ask/ClaudeStandIn.h"
+#include "support/FakeDesktopPreferences.h"
+#include "support/FakeFloatingSurface.h"
+#include "support/FakeScreenCapture.h"
+#include "support/FakeWorkspace.h"
+
+using namespace nubble;
+using namespace Qt::StringLiterals;
+
+class AskWindowTest : public QObject {
+    Q_OBJECT
+
+private:
+    // Whether the window would have been in each picture of the whole screen.
+    [[nodiscard]] bool isSeen() const
+    {
+        return m_surface && m_surface->window.isVisible() && m_surface->opacity > 0;
+    }
+    void untilSeen() { QTRY_VERIFY(!m_ask->conversation().isCapturing() && isSeen()); }
+    void type(const QString &text) { QTest::keyClicks(field(), text); }
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::keyClick(field(), key, modifiers);
+    }
+    [[nodiscard]] QPlainTextEdit *field() const { return m_surface->window.findChild<QPlainTextEdit *>(); }
+    [[nodiscard]] QString chip() const
+    {
+        const auto *chip = m_surface->window.findChild<ScreenChip *>();
+        return chip->isVisible() ? chip->accessibleName() : QString();
+    }
+    void click(const QString &name) const
+    {
+        for (auto *button : m_surface->window.findChildren<QAbstractButton *>())
+            if ((button->accessibleName() == name || button->text() == name) && button->isVisible()) {
+                button->click();
+                return;
+            }
+        QFAIL(qPrintable(name));
+    }
+    [[nodiscard]] QStringList said() const
+    {
+        QStringList texts;
+        for (const AskMessage &message : m_ask->conversation().messages())
+            texts.append(message.text);
+        return texts;
+    }
+    [[nodiscard]] QString promptOfTurn(qsizetype turn) const
+    {
+        return m_claude->turns()
+            .value(turn)["message"_L1]["content"_L1]
+            .toArray()
+            .last()["text"_L1]
+            .toString();
+    }
+    void untilAnswered(qsizetype messages)
+    {
+        QTRY_COMPARE(said().size(), messages);
+        QTRY_VERIFY(!m_ask->conversation().isBusy());
+    }
+
+    std::optional<TemporaryHome> m_home;
+    std::optional<ClaudeStandIn> m_claude;
+    FakeWorkspace m_workspace;
+    FakeScreenCapture m_screen;
+    FakeDesktopPreferences m_preferences;
+    FakeFloatingSurface *m_surface = nullptr;
+    QStringList m_pictures; // of each grab: what was seen then
+    QUrl m_opened;
+    std::unique_ptr<AskWindow> m_ask;
+
+private Q_SLOTS:
+    void init()
+    {
+        m_surface = nullptr;
+        m_pictures.clear();
+        m_home.emplace();
+        m_claude.emplace(*m_home);
+        m_claude->follow("while True:\n turn()\n say(reply('answer'), done())\n");
+        m_workspace.front = RunningApplication{7, u"Editor"_s, u"editor"_s};
+        m_workspace.titles = {{7, u"a.txt"_s}};
+        m_screen.allowed = true;
+        m_screen.picture = QImage(800, 600, QImage::Format_RGB32);
+        m_screen.picture.fill(Qt::red);
+        m_screen.part = [this] {
+            QImage part(1, 1, QImage::Format_RGB32);
+            part.fill(isSeen() ? Qt::black : Qt::white);
+            return part;
+        };
+        m_screen.grabbed = [this] { m_pictures.append(isSeen() ? u"seen"_s : u"not"_s); };
+        m_ask = std::make_unique<AskWindow>(
+            m_home->home(),
+            AskWindow::Surroundings{
+                .workspace = m_workspace,
+                .capture = m_screen,
+                .preferences = m_preferences,
+                .makeSurface =
+                    [this](QWidget &window) {
+                        auto surface = std::make_unique<FakeFloatingSurface>(window);
+                        m_surface = surface.get();
+                        return surface;
+                    },
+                .place = [](const QSize &) { return QPoint(100, 90); },
+                .openLink = [this](const QUrl &url) { m_opened = url; }});
+    }
+    void cleanup() { m_ask.reset(); }
+
+    void isNeverInItsOwnPicture()
+    {
+        for (const bool translucent : {true, false}) {
+            m_ask->toggle();
+            QVERIFY(isSeen()); // at once, for the screen has been grabbed
+            untilSeen();
+            m_surface->setTranslucent(translucent);
+            m_surface->giveKeyboard(true);
+            m_ask->recapture();
+            QVERIFY(!isSeen());
+            if (!translucent)
+                m_surface->giveKeyboard(false);
+            untilSeen();
+            m_surface->giveKeyboard(true);
+            m_ask->toggle();
+            QVERIFY(!isSeen() && !m_ask->isOpen());
+            m_ask->toggle(); // may still be fading
+            QVERIFY(!isSeen());
+            untilSeen();
+            m_ask->recapture();
+            m_ask->recapture();
+            m_ask->toggle(); // closed meanwhile, and stays so
+            QTRY_VERIFY(!m_ask->conversation().isCapturing());
+            QVERIFY(!m_ask->isOpen() && !isSeen());
+            QTest::qWait(1050); // until nothing fades any more
+        }
+        QCOMPARE(m_pictures, QStringList(8, u"not"_s));
+    }
+
+    void theTargetIsWhatWasInFrontBeforeTheWindow()
+    {
+        m_ask->activate(u"one"_s);
+        untilAnswered(2);
+        QCOMPARE(promptOfTurn(0), u"[On screen: Editor — a.txt]\n\none"_s);
+        m_workspace.front = RunningApplication{::getpid(), u"nubble"_s, u"nubble"_s};
+        m_ask->screenshot();
+        untilSeen();
+        QCOMPARE(chip(), u"Editor — a.txt"_s);
+        m_workspace.front.reset();
+        m_ask->screenshot();
+        untilSeen();
+        QCOMPARE(chip(), u"Your screen"_s);
+        click(u"Don't send the screen"_s);
+        QCOMPARE(chip(), QString());
+        QCOMPARE(said().size(), 2);
+        m_screen.allowed = false;
+        m_workspace.front = RunningApplication{7, u"Editor"_s, u"editor"_s};
+        m_ask->screenshot();
+        untilSeen();
+        QCOMPARE(chip(), u"No screenshot · Editor"_s);
+        type(u"two"_s);
+        press(Qt::Key_Return);
+        untilAnswered(4);
+        QCOMPARE(promptOfTurn(1), u"[On screen: Editor (no screenshot available)]\n\ntwo"_s);
+        m_ask->activate();
+        QCOMPARE(said().size(), 0);
+    }
+
+    void whatIsSentWhileThePictureIsTakenWaitsForIt()
+    {
+        m_ask->activate();
+        QCOMPARE(chip(), u"Looking at your screen…"_s);
+        type(u"early"_s);
+        press(Qt::Key_Return);
+        QCOMPARE(said().size(), 0);
+        untilAnswered(2);
+        QCOMPARE(m_claude->turns().first()["message"_L1]["content"_L1].toArray().size(), 2);
+        QVERIFY(field()->toPlainText().isEmpty());
+
+        m_ask->activate(u"asked elsewhere"_s);
+        m_ask->recapture();
+        untilAnswered(2);
+        QCOMPARE(said().first(), u"asked elsewhere"_s);
+    }
+
+    void theFieldGrowsAndTakesKeys()
+    {
+        m_ask->activate();
+        untilSeen();
+        const int one = field()->height();
+        type(u"a"_s);
+        for (int line = 2; line <= 8; ++line) {
+            press(Qt::Key_Return, Qt::ShiftModifier);
+            const int lines = std::min(line, 6);
+            QVERIFY(
+                qAbs(field()->height() - one - (lines - 1) * QFontMetricsF(field()->font()).lineSpacing())
+                <= 1);
+        }
+        press(Qt::Key_Up);
+        QVERIFY(field()->toPlainText().startsWith(u"a\n"_s));
+        press(Qt::Key_Enter, Qt::KeypadModifier);
+        untilAnswered(2);
+        QCOMPARE(field()->height(), one);
+        press(Qt::Key_Up);
+        QCOMPARE(field()->toPlainText(), u"a"_s);
+        click(u"Send"_s);
+        untilAnswered(4);
+    }
+
+    void aReplyIsAwaitedAndCanBeStopped()
+    {
+        m_claude->follow("turn()\ntime.sleep(60)");
+        m_ask->activate();
+        untilSeen();
+        click(u"Explain what I'm looking at"_s);
+        QTRY_VERIFY(m_surface->window.findChild<ThinkingDots *>()->isVisible());
+        type(u"draft"_s);
+        press(Qt::Key_Return);
+        click(u"Stop"_s);
+        QVERIFY(!m_ask->conversation().isBusy());
+        QCOMPARE(field()->toPlainText(), u"draft"_s);
+        QVERIFY(!m_surface->window.findChild<ThinkingDots *>()->isVisible());
+
+        m_claude->follow("turn()\nsay(failed(result='It is broken.'))");
+        press(Qt::Key_Return);
+        const auto problem = [this] {
+            for (const auto *label : m_surface->window.findChildren<QLabel *>())
+                if (label->text() == u"It is broken." && label->isVisible())
+                    return true;
+            return false;
+        };
+        QTRY_VERIFY(problem());
+        click(u"New conversation"_s);
+        untilSeen();
+        QVERIFY(!problem());
+        click(u"Close"_s);
+        QVERIFY(!m_ask->isOpen());
+    }
+
+    void saysWhatClaudeSees()
+    {
+        ScreenContext seen{.jpeg = "x", .appName = u"A"_s, .windowTitle = u"b\n\u202ec"_s};
+        QCOMPARE(chipText(seen, false), u"A — b c"_s);
+        QCOMPARE(chipText(std::nullopt, true), u"Looking at your screen…"_s);
+        QCOMPARE(chipText(ScreenContext(), false), u"No screenshot"_s);
+        QVERIFY(invitation(seen, false) == invitation({}, true));
+        QCOMPARE(invitation({}, false), u"Ask Claude anything."_s);
+    }
+};
+
+QTEST_MAIN(AskWindowTest)
+#include "tst_ask_window.moc"

@@ -1,0 +1,148 @@
+"""Asking about the screen: keys, window and picture, with a `claude` that keeps what it is asked."""
+
+import base64
+import json
+import os
+import signal
+import subprocess
+
+from desktop import BACKDROP, PATIENCE, SCREEN, Window, descendants, eventually
+from program import BODY_DEPTH, DesktopTest
+
+CLAUDE = """#!/usr/bin/python3 -S
+import json, sys
+turns = open(sys.argv[0] + ".turns", "w")
+for line in sys.stdin:
+    print(line, end="", file=turns, flush=True)
+    print(json.dumps({"type": "assistant", "session_id": "own", "message": {"content": [
+        {"type": "text", "text": "A **reply**"}]}}), flush=True)
+    print(json.dumps({"type": "result"}), flush=True)
+"""
+ASK = ("Control_L", "Alt_L", "a")
+SCREENSHOT = ("Control_L", "Alt_L", "s")
+SHADOW = 12  # around the window's card
+
+
+def decoded(jpeg):
+    """A picture's pixels, row by row."""
+    ppm = subprocess.run(
+        ["convert", "jpeg:-", "-depth", "8", "ppm:-"], input=jpeg, capture_output=True, check=True,
+        timeout=PATIENCE).stdout
+    _, size, _, pixels = ppm.split(b"\n", 3)
+    width, height = map(int, size.split())
+    return [[tuple(pixels[at:at + 3]) for at in range(row * width * 3, (row + 1) * width * 3, 3)] for row in range(height)]
+
+
+class AskingAboutTheScreen(DesktopTest):
+    def setUp(self):
+        super().setUp()
+        self.claude = self.home.path / ".local/bin/claude"
+        self.claude.parent.mkdir(parents=True)
+        self.claude.write_text(CLAUDE)
+        self.claude.chmod(0o700)
+        self.document = self.window("A document", 100, 100, 600, 500)
+
+    def window(self, title, *place):
+        window = Window(self.desktop, *place, managed=True)
+        self.addCleanup(window.close)
+        window.window.set_wm_name(title)
+        window.window.set_wm_class("editor", "Editor")
+        window.window.change_property(
+            self.desktop.display.intern_atom("_NET_WM_PID"), self.desktop.display.intern_atom("CARDINAL"), 32,
+            [os.getpid()])
+        self.desktop.run("wmctrl", "-i", "-a", hex(window.window.id))
+        self.desktop.until_active(window.window.id)
+        return window
+
+    def start(self, **preferences):
+        self.home.preferences(ask_enabled="true", **preferences)
+        return self.start_nubble()
+
+    def until_ask(self, nubble, **wanted):
+        eventually(
+            lambda: wanted.items() <= nubble.status()["ask"].items(), lambda: f"{wanted}, it is {nubble.status()['ask']}")
+
+    def open(self, nubble, *keys):
+        self.desktop.key(*(keys or ASK))
+        self.until_ask(nubble, open=True, capturing=False)
+        eventually(lambda: self.card(), "the window is there")
+
+    def card(self):
+        """Where the window's card is on the screen, without the shadow around it."""
+        for window, _, size in self.desktop.nubble_windows():
+            if window.get_wm_name() == "Ask Claude":
+                at = self.desktop.root.translate_coords(window, 0, 0)
+                return at.x + SHADOW, at.y + SHADOW, size.width - 2 * SHADOW, size.height - 2 * SHADOW
+        return None
+
+    def ask(self, nubble, question):
+        """What `claude` gets."""
+        messages = nubble.status()["ask"]["messages"]
+        self.desktop.run("xdotool", "type", "--delay", "5", question)
+        self.desktop.key("Return")
+        self.until_ask(nubble, busy=False, messages=messages + 2)
+        turn = json.loads((self.claude.parent / "claude.turns").read_text().splitlines()[-1])
+        return turn["message"]["content"]
+
+    def assert_without_window(self, picture, card):
+        """The picture shows what lies below the window, which is there again."""
+        x, y, width, height = card
+        pixels = decoded(base64.b64decode(picture["source"]["data"]))
+        self.assertEqual((len(pixels[0]), len(pixels)), SCREEN)
+        for row in range(y, y + height, 20):
+            for column in range(x, x + width, 20):
+                self.assertTrue(
+                    all(abs(a - b) < 24 for a, b in zip(pixels[row][column], BACKDROP)),
+                    f"{pixels[row][column]} at {column}, {row}")
+        eventually(lambda: max(self.desktop.pixel(x + 20, y + height // 2)) < 80, "the window is seen")
+
+    def test_the_picture_shows_what_was_in_front_and_never_the_window(self):
+        nubble = self.start()
+        self.open(nubble)
+        picture, text = self.ask(nubble, "what is this")
+        self.assertEqual(text["text"], "[On screen: Editor — A document]\n\nwhat is this")
+        self.assert_without_window(picture, self.card())
+        for times in range(2):
+            self.open(nubble, *SCREENSHOT)  # while the window itself is in front
+            picture, text = self.ask(nubble, f"again {times}")
+            self.assertTrue(text["text"].startswith("[On screen: Editor — A document]"), text)
+            self.assert_without_window(picture, self.card())
+        self.desktop.key("Escape")
+        self.until_ask(nubble, open=False)
+        self.open(nubble, *SCREENSHOT)  # goes on
+        self.assertEqual(nubble.status()["ask"]["messages"], 6)
+        self.desktop.key(*ASK)
+        self.until_ask(nubble, open=False)
+        self.open(nubble)  # begins anew, at once after it was closed
+        self.assertEqual(nubble.status()["ask"]["messages"], 0)
+        self.assert_without_window(self.ask(nubble, "new")[0], self.card())
+        self.assertEqual(nubble.status()["sessions"], [])
+
+    def test_opens_beside_the_notch_and_closes_with_the_keyboard_gone(self):
+        for edge in ("right", "left", "top", "bottom"):
+            with self.subTest(edge):
+                nubble = self.start(placement_edge=edge)
+                self.open(nubble)
+                x, y, width, height = self.card()
+                depth = round(BODY_DEPTH) + 12
+                away = {"right": SCREEN[0] - x - width, "left": x, "top": y, "bottom": SCREEN[1] - y - height}
+                self.assertAlmostEqual(away[edge], depth, delta=1)
+                across = y + height / 2 - SCREEN[1] / 2 if edge in ("right", "left") else x + width / 2 - SCREEN[0] / 2
+                self.assertAlmostEqual(across, 0, delta=1)
+                self.desktop.click(*((110, 110) if x > 300 else (SCREEN[0] - 110, 110)))
+                self.until_ask(nubble, open=False)
+                nubble.quit()
+
+    def test_a_question_from_elsewhere_is_asked_with_the_picture(self):
+        nubble = self.start()
+        self.desktop.run(
+            "gdbus", "emit", "--session", "--object-path", "/", "--signal", "com.brevandel.nubble.ask",
+            "{'question': <'Why?'>}")
+        self.until_ask(nubble, open=True, busy=False, messages=2, problem=None)
+        content = json.loads((self.claude.parent / "claude.turns").read_text())["message"]["content"]
+        self.assertEqual([block["type"] for block in content], ["image", "text"])
+        self.assertTrue(content[1]["text"].endswith("Why?"))
+        process = next(pid for pid in descendants(nubble.process.pid))
+        os.kill(nubble.process.pid, signal.SIGKILL)
+        nubble.wait()
+        eventually(lambda: not os.path.exists(f"/proc/{process}"), "no claude is left behind")
