@@ -53,6 +53,11 @@ AppDelegate::AppDelegate(const Home &home, InstanceBus &bus, Relaunch relaunch)
     registerHotKeys();
 }
 
+void AppDelegate::end()
+{
+    QCoreApplication::exit();
+}
+
 NotchContents AppDelegate::notchContents()
 {
     Card sessions = sessionsCard(m_sessionMonitor, m_activator, m_clock);
@@ -104,7 +109,7 @@ void AppDelegate::observeRequests()
     connect(
         &m_commands, &AppCommands::restartRequested, this, &AppDelegate::restart,
         Qt::SingleShotConnection); // one successor
-    connect(&m_commands, &AppCommands::quitRequested, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+    connect(&m_commands, &AppCommands::quitRequested, qApp, &AppDelegate::end, Qt::QueuedConnection);
     connect(&m_commands, &AppCommands::refused, this, [this](Addon addon, const QString &why) {
         m_statusItem.showMessage(title(addon), why);
     });
@@ -196,7 +201,7 @@ void AppDelegate::restart()
     // The successor must find the name free.
     m_bus.release();
     m_relaunch.now();
-    QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(qApp, &AppDelegate::end, Qt::QueuedConnection);
 }
 
 } // namespace nubble

@@ -38,6 +38,8 @@ public:
     // `bus` owns the program's name, which a restart gives up; it outlives the delegate.
     AppDelegate(const Home &home, InstanceBus &bus, Relaunch relaunch);
 
+    static void end(); // the program; no open window can refuse it, as it could refuse quit()
+
     [[nodiscard]] AppCommands &commands() { return m_commands; }
 
 private:

@@ -89,7 +89,7 @@ int run(int argc, char *argv[], QByteArray platform, const CommandLine &line, co
     AppDelegate delegate(home, *bus, Relaunch::ofThisProgram(line.startArguments()));
     control.serve(delegate.commands());
     const auto termination = System::terminationSignals();
-    QObject::connect(termination.get(), &TerminationSignals::received, &application, &QCoreApplication::quit);
+    QObject::connect(termination.get(), &TerminationSignals::received, &application, &AppDelegate::end);
     return QApplication::exec();
 }
 

@@ -27,6 +27,7 @@ namespace nubble {
 namespace {
 
 constexpr int margin = 14;
+constexpr double headerButton = 24;
 
 ThreadMessage shown(const AskMessage &message)
 {
@@ -73,6 +74,7 @@ QWidget *AskView::makeHeader()
     header->setContentsMargins(margin + 2, 0, margin, 0);
     const auto add = [header, this](const QString &symbol, const QString &help, auto wanted) {
         auto *button = new NotchButton(symbol, help);
+        button->setSide(headerButton);
         header->addAccessory(button);
         connect(button, &QAbstractButton::clicked, this, wanted);
     };

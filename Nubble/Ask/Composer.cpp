@@ -22,6 +22,7 @@ namespace {
 
 constexpr int mostLines = 6;
 constexpr double radius = 13;
+constexpr double buttonSide = 26;
 constexpr QMargins fieldMargins{6, 2, 2, 2}; // beside the text's own
 
 } // namespace
@@ -36,6 +37,7 @@ Composer::Composer(QWidget *above, QWidget *parent)
     m_field->setTabChangesFocus(true);
     m_field->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_field->setVerticalScrollBar(new SlimScrollBar);
+    m_button->setSide(buttonSide);
     m_field->viewport()->setAutoFillBackground(false);
     QPalette colours = m_field->palette();
     colours.setColor(QPalette::Base, Qt::transparent);
@@ -135,7 +137,9 @@ bool Composer::takesKey(int key, Qt::KeyboardModifiers modifiers)
 // As many lines as are written, which a plain text's layout counts.
 void Composer::fit()
 {
-    const double lines = std::clamp(m_field->document()->size().height(), 1.0, 1.0 * mostLines);
+    const double written = m_field->document()->size().height();
+    const double lines = std::clamp(written, 1.0, 1.0 * mostLines);
+    m_field->setVerticalScrollBarPolicy(written > mostLines ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
     const QFontMetricsF metrics(m_field->font());
     const double around = 2 * m_field->document()->documentMargin();
     m_field->setFixedHeight(static_cast<int>(std::ceil(lines * metrics.lineSpacing() + around)));

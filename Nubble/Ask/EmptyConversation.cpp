@@ -73,7 +73,7 @@ EmptyConversation::EmptyConversation(QWidget *parent) : QWidget(parent), m_invit
     m_invitation->setFont(Typography::reading());
     m_invitation->setAlignment(Qt::AlignCenter);
     auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(40, 0, 40, 0);
+    layout->setContentsMargins(24, 0, 24, 0);
     layout->setSpacing(8);
     layout->addStretch(3);
     layout->addWidget(new Sign, 0, Qt::AlignHCenter);

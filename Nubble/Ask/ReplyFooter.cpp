@@ -18,6 +18,7 @@ ReplyFooter::ReplyFooter(QWidget *parent) : QWidget(parent), m_dots(new Thinking
     m_problem->setTextInteractionFlags(Qt::TextSelectableByMouse);
     QPalette colours = m_problem->palette();
     colours.setColor(QPalette::WindowText, Palette::problem);
+    colours.setColor(QPalette::Text, Palette::problem); // as its text can be selected
     colours.setColor(QPalette::Highlight, Palette::selection);
     m_problem->setPalette(colours);
 

@@ -9,7 +9,8 @@
 namespace nubble {
 
 NotchButton::NotchButton(const QString &symbol, const QString &helpText, QWidget *parent)
-    : QAbstractButton(parent), m_symbol(symbol), m_tint(Palette::textPrimary), m_hover(this)
+    : QAbstractButton(parent), m_symbol(symbol), m_tint(Palette::textPrimary), m_side(Layout::actionButton),
+      m_hover(this)
 {
     setHelpText(helpText);
     setFocusPolicy(Qt::TabFocus);
@@ -37,6 +38,13 @@ void NotchButton::setTint(const QColor &tint)
     update();
 }
 
+void NotchButton::setSide(double side)
+{
+    m_side = side;
+    updateGeometry();
+    update();
+}
+
 void NotchButton::setRotation(double degrees)
 {
     if (m_rotation == degrees)
@@ -47,16 +55,14 @@ void NotchButton::setRotation(double degrees)
 
 QSize NotchButton::sizeHint() const
 {
-    const int side = qCeil(Layout::actionButton);
-    return {side, side};
+    return {qCeil(m_side), qCeil(m_side)};
 }
 
 void NotchButton::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const double side = Layout::actionButton;
-    QRectF circle(0, 0, side, side);
+    QRectF circle(0, 0, m_side, m_side);
     circle.moveCenter(QRectF(rect()).center());
 
     painter.setPen(hasFocus() ? QPen(Palette::focus, 1.5) : QPen(Qt::NoPen));
@@ -66,7 +72,7 @@ void NotchButton::paintEvent(QPaintEvent *)
     QColor tint = m_tint;
     if (!isEnabled())
         tint.setAlphaF(tint.alphaF() * 0.4F);
-    QRectF symbol(0, 0, side * 0.54, side * 0.54);
+    QRectF symbol(0, 0, m_side * 0.54, m_side * 0.54);
     symbol.moveCenter(QPointF());
     painter.translate(circle.center());
     painter.rotate(m_rotation);

@@ -18,6 +18,7 @@ public:
     void setSymbol(const QString &symbol);
     void setHelpText(const QString &helpText);
     void setTint(const QColor &tint);
+    void setSide(double side);        // of the square that it fills
     void setRotation(double degrees); // of the symbol, clockwise
 
     [[nodiscard]] QSize sizeHint() const override;
@@ -28,6 +29,7 @@ protected:
 private:
     QString m_symbol;
     QColor m_tint;
+    double m_side;
     double m_rotation = 0;
     HoverLift m_hover;
 };

@@ -55,7 +55,7 @@ class AskingAboutTheScreen(DesktopTest):
         return window
 
     def start(self, **preferences):
-        self.home.preferences(ask_enabled="true", **preferences)
+        self.home.preferences(addon_ask="true", **preferences)
         return self.start_nubble()
 
     def until_ask(self, nubble, **wanted):
