@@ -127,7 +127,7 @@ class Desktop:
 
     def _openbox_answers(self):
         """While it starts it may mislay a request; once it has answered one it does not."""
-        self.run("xdotool", "set_num_desktops", "3")
+        self.start("xdotool", "set_num_desktops", "3").wait(PATIENCE)
         return self.property("_NET_NUMBER_OF_DESKTOPS") == [3]
 
     def run(self, *command):
