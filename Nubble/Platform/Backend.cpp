@@ -1,6 +1,7 @@
 #include "Platform/Backend.h"
 
 #include <QGuiApplication>
+#include <QImage>
 #include <QWidget>
 
 #include "Platform/DesktopStatusHost.h"
@@ -14,6 +15,7 @@
 #include "Platform/X11/X11HotKeys.h"
 #include "Platform/X11/X11MouseMonitor.h"
 #include "Platform/X11/X11PanelSurface.h"
+#include "Platform/X11/X11ScreenCapture.h"
 #include "Platform/X11/X11Tray.h"
 #include "Platform/X11/X11Workspace.h"
 
@@ -27,6 +29,14 @@ public:
     [[nodiscard]] QList<RunningApplication> runningApplications() const override { return {}; }
     [[nodiscard]] Activation activate(const RunningApplication &) override { return Activation::Impossible; }
     [[nodiscard]] Activation activateNearest(const QList<pid_t> &) override { return Activation::Impossible; }
+    [[nodiscard]] std::optional<RunningApplication> frontApplication() const override { return {}; }
+    [[nodiscard]] std::optional<QString> windowTitle(pid_t) const override { return {}; }
+};
+
+class NoScreenCapture : public ScreenCapture {
+public:
+    [[nodiscard]] bool canCapture() const override { return false; }
+    [[nodiscard]] QImage grab() override { return {}; }
 };
 
 // As much of a panel as Qt alone gives: it takes the mouse all over.
@@ -60,6 +70,7 @@ Backend makePlainBackend()
     backend.workspace = std::make_unique<PlainWorkspace>();
     backend.mouseMonitor = std::make_unique<MouseMonitor>();
     backend.hotKeys = std::make_unique<HotKeyService>();
+    backend.screenCapture = std::make_unique<NoScreenCapture>();
     backend.makePanelSurface = [](QWidget &window) { return std::make_unique<PlainPanelSurface>(window); };
     backend.makeFloatingSurface = [](QWidget &window) {
         return std::make_unique<PlainFloatingSurface>(window);
@@ -73,6 +84,7 @@ Backend makeX11Backend(const std::shared_ptr<const X11Connection> &x11)
     backend.workspace = std::make_unique<X11Workspace>(x11);
     backend.mouseMonitor = std::make_unique<X11MouseMonitor>(x11);
     backend.hotKeys = std::make_unique<X11HotKeys>(x11);
+    backend.screenCapture = std::make_unique<X11ScreenCapture>(x11);
     backend.makePanelSurface = [x11](QWidget &window) {
         return std::make_unique<X11PanelSurface>(window, x11);
     };

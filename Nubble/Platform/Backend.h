@@ -12,6 +12,7 @@
 #include "Platform/HotKeyService.h"
 #include "Platform/MouseMonitor.h"
 #include "Platform/PanelSurface.h"
+#include "Platform/ScreenCapture.h"
 #include "Platform/StatusHost.h"
 #include "Platform/Workspace.h"
 
@@ -24,6 +25,7 @@ struct Backend {
     std::unique_ptr<Workspace> workspace;
     std::unique_ptr<MouseMonitor> mouseMonitor;
     std::unique_ptr<HotKeyService> hotKeys;
+    std::unique_ptr<ScreenCapture> screenCapture;
     std::unique_ptr<DesktopPreferences> preferences;
     std::unique_ptr<StatusHost> statusHost;
     std::unique_ptr<DistributedNotifications> notifications;

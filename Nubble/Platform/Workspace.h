@@ -38,6 +38,14 @@ public:
 
     // The nearest of a process and its ancestors, in this order, that is a running application.
     [[nodiscard]] virtual Activation activateNearest(const QList<pid_t> &chain) = 0;
+
+    // The one that the user works with, which may be this program. None where the desktop does not tell.
+    [[nodiscard]] virtual std::optional<RunningApplication> frontApplication() const = 0;
+
+    // Of the foremost ordinary window on the screen that belongs to that process, as the process has written
+    // it: it may hold any character, and is cut off after a thousand bytes. None without such a window or
+    // title.
+    [[nodiscard]] virtual std::optional<QString> windowTitle(pid_t pid) const = 0;
 };
 
 } // namespace nubble

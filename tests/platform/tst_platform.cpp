@@ -2,6 +2,7 @@
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusVariant>
+#include <QImage>
 #include <QSignalSpy>
 #include <QTest>
 #include <QWidget>
@@ -51,6 +52,8 @@ private Q_SLOTS:
         QVERIFY(backend.mouseMonitor && backend.hotKeys && backend.preferences);
         QCOMPARE(backend.workspace->runningApplications(), QList<RunningApplication>());
         QVERIFY(!backend.workspace->canActivate() && !backend.mouseMonitor->canWatch());
+        QVERIFY(!backend.screenCapture->canCapture() && backend.screenCapture->grab().isNull());
+        QVERIFY(!backend.workspace->frontApplication() && !backend.workspace->windowTitle(::getpid()));
         QVERIFY(!backend.hotKeys->grab(1, Qt::CTRL | Qt::Key_A) && !backend.hotKeys->isGrabbed(1));
         QCOMPARE(backend.workspace->activateNearest({::getpid()}), Activation::Impossible);
 

@@ -170,6 +170,58 @@ private Q_SLOTS:
         QVERIFY(m_terminal.hasState(elsewhere, "_NET_WM_STATE_HIDDEN"));
     }
 
+    void theApplicationInFrontIsTheActiveWindows()
+    {
+        const auto window = m_terminal.open({0, 0, 300, 300}, Qt::red);
+        m_terminal.focus(window);
+        const RunningApplication terminal{4242, u"Terminal"_s, u"terminal"_s};
+        QTRY_COMPARE(m_workspace.frontApplication(), terminal);
+        for (const auto &[active, front] :
+             {std::pair<std::vector<uint32_t>, std::optional<RunningApplication>>({window, 0}, terminal),
+              {{0}, std::nullopt},
+              {{}, std::nullopt},
+              {{0x7FFFFFFF}, std::nullopt}}) {
+            m_terminal.setNumbers(m_terminal.root(), "_NET_ACTIVE_WINDOW", active, "WINDOW");
+            QCOMPARE(m_workspace.frontApplication(), front);
+        }
+        m_terminal.setNumbers(m_terminal.root(), "_NET_ACTIVE_WINDOW", {window}, "WINDOW");
+        m_terminal.setNumbers(window, "_NET_WM_PID", {});
+        QCOMPARE(m_workspace.frontApplication(), (RunningApplication{{}, u"Terminal"_s, u"terminal"_s}));
+    }
+
+    void theTitleIsTheForemostOrdinaryWindowsInView()
+    {
+        const auto below = m_terminal.open({0, 0, 300, 300}, Qt::red);
+        const auto above = m_terminal.open({50, 50, 300, 300}, Qt::red);
+        const auto elsewhere = m_terminal.open({50, 50, 300, 300}, Qt::red);
+        const auto tool = m_terminal.open({0, 0, 300, 20}, Qt::red);
+        m_terminal.setNumbers(
+            tool, "_NET_WM_WINDOW_TYPE", {m_terminal.atom("_NET_WM_WINDOW_TYPE_UTILITY")}, "ATOM");
+        m_editor.focus(m_editor.open({100, 100, 300, 300}, Qt::blue)); // above them all
+        for (const auto &[window, title] :
+             {std::pair<xcb_window_t, QByteArray>(below, "below"),
+              {above, "above"},
+              {elsewhere, "elsewhere"},
+              {tool, "tool"}})
+            m_terminal.setText(window, "_NET_WM_NAME", title);
+        ForeignApplication::manage(elsewhere, u"-r"_s, u"-t 1"_s);
+        QTRY_COMPARE(m_workspace.windowTitle(4242), u"above"_s);
+        ForeignApplication::manage(above, u"-r"_s, u"-b add,hidden"_s);
+        QTRY_COMPARE(m_workspace.windowTitle(4242), u"below"_s);
+        for (const auto &[modern, old, title] :
+             {std::tuple<QByteArray, QByteArray, QString>("gr\xc3\xbc\xc3\x9f", "old", u"grüß"_s),
+              {"", "gr\xc3\xbc", u"grü"_s},
+              {"", "gr\xfc", u"grü"_s},
+              {QByteArray("\xc3\xbc").repeated(600).prepend('x'), "", u'x' + QString(511, u'ü')}}) {
+            m_terminal.setText(below, "_NET_WM_NAME", modern);
+            m_terminal.setText(below, "WM_NAME", old);
+            QCOMPARE(m_workspace.windowTitle(4242), title);
+        }
+        m_terminal.setText(below, "_NET_WM_NAME", "");
+        for (const pid_t pid : {4242, 4444, 0}) // without a title, without a window, and no process
+            QCOMPARE(m_workspace.windowTitle(pid), std::nullopt);
+    }
+
     void anAnnouncedHostIsPreferredToATrayForAWhile()
     {
         openTray();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QMap>
+
 #include "Platform/Workspace.h"
 
 namespace nubble {
@@ -24,9 +26,17 @@ public:
                 }
         return allowed ? Activation::NotFound : Activation::Impossible;
     }
+    [[nodiscard]] std::optional<RunningApplication> frontApplication() const override { return front; }
+    [[nodiscard]] std::optional<QString> windowTitle(pid_t pid) const override
+    {
+        const auto title = titles.constFind(pid);
+        return title == titles.constEnd() ? std::nullopt : std::optional(*title);
+    }
 
     bool allowed = true;
     QList<RunningApplication> applications;
+    std::optional<RunningApplication> front;
+    QMap<pid_t, QString> titles;
     QList<pid_t> activated;
     int lookups = 0;
 };

@@ -26,6 +26,7 @@ enum class X11Atom {
     NetRestackWindow,
     NetSupported,
     NetWmDesktop,
+    NetWmName,
     NetWmPid,
     NetWmState,
     NetWmStateHidden,
@@ -33,6 +34,9 @@ enum class X11Atom {
     NetWmStateSticky,
     NetWmStateSkipTaskbar,
     NetWmStateSkipPager,
+    NetWmWindowType,
+    NetWmWindowTypeDialog,
+    NetWmWindowTypeNormal,
     NetSystemTrayColors,
     CompositingManager, // the selection that one owns on this screen
     SystemTray,         // likewise

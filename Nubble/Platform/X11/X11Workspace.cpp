@@ -1,5 +1,7 @@
 #include "Platform/X11/X11Workspace.h"
 
+#include <QStringDecoder>
+
 #include <algorithm>
 #include <limits>
 #include <unistd.h>
@@ -41,6 +43,22 @@ pid_t processId(const std::vector<uint32_t> &property)
     return valid ? static_cast<pid_t>(property[0]) : 0;
 }
 
+RunningApplication application(pid_t pid, const QByteArray &windowClass)
+{
+    const auto names = windowClass.split('\0');
+    return {
+        pid > 0 ? std::optional(pid) : std::nullopt, QString::fromUtf8(names.value(1)),
+        QString::fromUtf8(names.value(0))};
+}
+
+// Without the half character that a bounded read may end with. None when it is no UTF-8.
+std::optional<QString> fromUtf8(const QByteArray &bytes)
+{
+    QStringDecoder decoder(QStringDecoder::Utf8);
+    QString text = decoder(bytes);
+    return decoder.hasError() ? std::nullopt : std::optional(text);
+}
+
 } // namespace
 
 X11Workspace::X11Workspace(std::shared_ptr<const X11Connection> x11) : m_x11(std::move(x11)) { }
@@ -78,10 +96,8 @@ QList<RunningApplication> X11Workspace::runningApplications() const
     QList<RunningApplication> result;
     for (size_t i = 0; i < windows.size(); ++i) {
         const auto isThis = [pid = pids[i]](const RunningApplication &each) { return each.pid == pid; };
-        if (pids[i] == 0 || std::any_of(result.begin(), result.end(), isThis))
-            continue;
-        const auto names = classes[i].text().split('\0');
-        result.append({pids[i], QString::fromUtf8(names.value(1)), QString::fromUtf8(names.value(0))});
+        if (pids[i] != 0 && std::none_of(result.begin(), result.end(), isThis))
+            result.append(application(pids[i], classes[i].text()));
     }
     return result;
 }
@@ -101,9 +117,7 @@ Activation X11Workspace::activate(const RunningApplication &application)
 
 Activation X11Workspace::activateNearest(const QList<pid_t> &chain)
 {
-    auto windows = managedWindows(X11Atom::NetClientListStacking);
-    if (windows.empty())
-        windows = managedWindows(X11Atom::NetClientList);
+    const auto windows = stackedWindows();
     const auto pids = owners(windows);
     for (const pid_t pid : chain) {
         std::vector<xcb_window_t> own;
@@ -116,6 +130,70 @@ Activation X11Workspace::activateNearest(const QList<pid_t> &chain)
         return Activation::Requested;
     }
     return canActivate() ? Activation::NotFound : Activation::Impossible;
+}
+
+std::optional<RunningApplication> X11Workspace::frontApplication() const
+{
+    // Some window managers write another value behind the window.
+    const auto active = X11Property(*m_x11, m_x11->root(), m_x11->atom(X11Atom::NetActiveWindow)).numbers();
+    if (active.empty() || active.front() == XCB_WINDOW_NONE)
+        return std::nullopt;
+    const xcb_window_t window = active.front();
+    const QByteArray windowClass = X11Property(*m_x11, window, XCB_ATOM_WM_CLASS).text();
+    const pid_t pid = owners({window}).front();
+    return pid == 0 && windowClass.isEmpty() ? std::nullopt : std::optional(application(pid, windowClass));
+}
+
+std::optional<QString> X11Workspace::windowTitle(pid_t pid) const
+{
+    const auto windows = stackedWindows();
+    const auto pids = owners(windows);
+    const uint32_t desktop = currentDesktop();
+    for (size_t i = windows.size(); i-- > 0;) {
+        if (pid <= 0 || pids[i] != pid || !isOrdinary(windows[i]))
+            continue;
+        const Window window = withStates({windows[i]}).front();
+        const bool isInView =
+            window.desktop == desktop || window.desktop == everyDesktop || desktop == everyDesktop;
+        if (isInView && !window.iconified)
+            return title(windows[i]);
+    }
+    return std::nullopt;
+}
+
+std::vector<xcb_window_t> X11Workspace::stackedWindows() const
+{
+    const auto windows = managedWindows(X11Atom::NetClientListStacking);
+    return windows.empty() ? managedWindows(X11Atom::NetClientList) : windows;
+}
+
+uint32_t X11Workspace::currentDesktop() const
+{
+    const auto current =
+        X11Property(*m_x11, m_x11->root(), m_x11->atom(X11Atom::NetCurrentDesktop)).numbers();
+    return current.empty() ? everyDesktop : current[0];
+}
+
+// A window may name several types, also such as nobody knows.
+bool X11Workspace::isOrdinary(xcb_window_t window) const
+{
+    const auto types = X11Property(*m_x11, window, m_x11->atom(X11Atom::NetWmWindowType)).numbers();
+    return types.empty() || std::ranges::any_of(types, [this](xcb_atom_t each) {
+               return each == m_x11->atom(X11Atom::NetWmWindowTypeNormal)
+                   || each == m_x11->atom(X11Atom::NetWmWindowTypeDialog);
+           });
+}
+
+std::optional<QString> X11Workspace::title(xcb_window_t window) const
+{
+    X11Property modern(*m_x11, window, m_x11->atom(X11Atom::NetWmName));
+    X11Property old(*m_x11, window, XCB_ATOM_WM_NAME);
+    QByteArray bytes = modern.text();
+    if (bytes.isEmpty())
+        bytes = old.text();
+    if (bytes.isEmpty())
+        return std::nullopt;
+    return fromUtf8(bytes).value_or(QString::fromLatin1(bytes));
 }
 
 // The one used last comes last.
@@ -136,9 +214,7 @@ std::vector<X11Workspace::Window> X11Workspace::withStates(const std::vector<xcb
 
 void X11Workspace::bringForward(const std::vector<Window> &windows) const
 {
-    const auto current =
-        X11Property(*m_x11, m_x11->root(), m_x11->atom(X11Atom::NetCurrentDesktop)).numbers();
-    uint32_t desktop = current.empty() ? everyDesktop : current[0];
+    uint32_t desktop = currentDesktop();
     const uint32_t wanted = windows.back().desktop;
     // Some window managers do not go to another desktop for a window that is activated there.
     if (wanted != everyDesktop && wanted != desktop) {

@@ -21,6 +21,8 @@ public:
     [[nodiscard]] QList<RunningApplication> runningApplications() const override;
     [[nodiscard]] Activation activate(const RunningApplication &application) override;
     [[nodiscard]] Activation activateNearest(const QList<pid_t> &chain) override;
+    [[nodiscard]] std::optional<RunningApplication> frontApplication() const override;
+    [[nodiscard]] std::optional<QString> windowTitle(pid_t pid) const override;
 
 private:
     struct Window {
@@ -30,6 +32,10 @@ private:
     };
 
     [[nodiscard]] std::vector<xcb_window_t> managedWindows(X11Atom list) const;
+    [[nodiscard]] std::vector<xcb_window_t> stackedWindows() const; // the foremost last
+    [[nodiscard]] uint32_t currentDesktop() const; // all of them where there is no such thing
+    [[nodiscard]] bool isOrdinary(xcb_window_t window) const;
+    [[nodiscard]] std::optional<QString> title(xcb_window_t window) const;
     [[nodiscard]] std::vector<pid_t> owners(const std::vector<xcb_window_t> &windows) const; // 0: unknown
     [[nodiscard]] std::vector<Window> withStates(const std::vector<xcb_window_t> &windows) const;
     void bringForward(const std::vector<Window> &windows) const; // the last one gets the keyboard

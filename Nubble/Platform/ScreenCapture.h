@@ -1,0 +1,20 @@
+#pragma once
+
+class QImage;
+
+namespace nubble {
+
+// Pictures of the screen. Main thread only.
+class ScreenCapture {
+public:
+    virtual ~ScreenCapture() = default;
+
+    // Whether this program may see the screen. Asks the user nothing.
+    [[nodiscard]] virtual bool canCapture() const = 0;
+
+    // The display under the pointer, or the first where it is under none, in device pixels. Null when it
+    // cannot be had. Blocks until it is there.
+    [[nodiscard]] virtual QImage grab() = 0;
+};
+
+} // namespace nubble

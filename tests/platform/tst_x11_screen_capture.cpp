@@ -1,0 +1,34 @@
+#include <QApplication>
+#include <QImage>
+
+#include "Platform/X11/X11ScreenCapture.h"
+#include "platform/ForeignApplication.h"
+
+using namespace Qt::StringLiterals;
+using namespace nubble;
+
+class TestX11ScreenCapture : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void thePictureIsWhatTheScreenShowsPixelByPixel()
+    {
+        X11ScreenCapture capture(X11Connection::ofThisProgram());
+        QVERIFY(capture.canCapture());
+        ForeignApplication others;
+        others.open({100, 50, 300, 200}, Qt::red);
+        others.open({200, 100, 50, 50}, QColor(1, 2, 254), ForeignApplication::Unmanaged);
+        for (const QPoint &pointer : {QPoint(0, 0), QPoint(1279, 799), QPoint(225, 125)}) {
+            userPointsAt(pointer);
+            const QImage picture = capture.grab();
+            QCOMPARE(picture.size(), QSize(1280, 800));
+            QCOMPARE(picture.pixelColor(101, 51), QColor(Qt::red));
+            QCOMPARE(picture.pixelColor(398, 248), QColor(Qt::red));
+            QCOMPARE(picture.pixelColor(225, 125), QColor(1, 2, 254));
+            QVERIFY(picture.pixelColor(402, 252) != QColor(Qt::red));
+        }
+    }
+};
+
+QTEST_MAIN(TestX11ScreenCapture)
+#include "tst_x11_screen_capture.moc"
