@@ -32,9 +32,10 @@ QString nameOf(const RunningApplication &application)
 
 ScreenContext encoded(ScreenContext context, const QImage &picture)
 {
-    context.jpeg = encodeScreenshot(picture);
-    if (context.jpeg)
-        context.thumbnail = thumbnailOf(*context.jpeg);
+    if (const std::optional<Screenshot> screenshot = encodeScreenshot(picture)) {
+        context.jpeg = screenshot->jpeg;
+        context.thumbnail = screenshot->thumbnail;
+    }
     return context;
 }
 

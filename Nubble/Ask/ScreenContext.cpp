@@ -1,7 +1,6 @@
 #include "Ask/ScreenContext.h"
 
 #include <QBuffer>
-#include <QImageReader>
 #include <QStringList>
 
 #include <algorithm>
@@ -16,11 +15,12 @@ constexpr int longestSide = 1568;
 constexpr int longestThumbnailSide = 400;
 constexpr int quality = 80;
 
-QSize fitted(const QSize &size, int longest)
+QImage fitted(const QImage &picture, int longest)
 {
-    if (std::max(size.width(), size.height()) <= longest)
-        return size;
-    return size.scaled(longest, longest, Qt::KeepAspectRatio).expandedTo({1, 1});
+    if (std::max(picture.width(), picture.height()) <= longest)
+        return picture;
+    const QSize size = picture.size().scaled(longest, longest, Qt::KeepAspectRatio).expandedTo({1, 1});
+    return picture.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }
 
 } // namespace
@@ -34,27 +34,17 @@ QString ScreenContext::label() const
     return names.join(u" — "_s);
 }
 
-std::optional<QByteArray> encodeScreenshot(const QImage &picture)
+// Scaling once more is several times quicker than reading the JPEG.
+std::optional<Screenshot> encodeScreenshot(const QImage &picture)
 {
     if (picture.isNull())
         return std::nullopt;
-    const QSize size = fitted(picture.size(), longestSide);
-    const QImage scaled = size == picture.size()
-        ? picture
-        : picture.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-    QByteArray jpeg;
-    QBuffer buffer(&jpeg);
-    buffer.open(QIODevice::WriteOnly);
-    return scaled.save(&buffer, "JPEG", quality) ? std::optional(jpeg) : std::nullopt;
-}
-
-QImage thumbnailOf(const QByteArray &jpeg)
-{
-    QBuffer buffer;
-    buffer.setData(jpeg);
-    QImageReader reader(&buffer, "JPEG");
-    reader.setScaledSize(fitted(reader.size(), longestThumbnailSide));
-    return reader.read();
+    const QImage sent = fitted(picture, longestSide);
+    QBuffer jpeg;
+    jpeg.open(QIODevice::WriteOnly);
+    if (!sent.save(&jpeg, "JPEG", quality))
+        return std::nullopt;
+    return Screenshot{jpeg.data(), fitted(sent, longestThumbnailSide)};
 }
 
 } // namespace nubble

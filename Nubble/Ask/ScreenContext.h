@@ -20,11 +20,13 @@ struct ScreenContext {
     bool operator==(const ScreenContext &) const = default;
 };
 
-// The picture as it is sent: at most 1568 pixels long, never enlarged, as JPEG of quality 80. None when there
-// is no picture. Takes some 20 ms for a large display; any thread.
-[[nodiscard]] std::optional<QByteArray> encodeScreenshot(const QImage &picture);
+struct Screenshot {
+    QByteArray jpeg;
+    QImage thumbnail;
+};
 
-// What a view shows of it; null when that is no picture. Any thread.
-[[nodiscard]] QImage thumbnailOf(const QByteArray &jpeg);
+// The picture as it is sent: at most 1568 pixels long, never enlarged, as JPEG of quality 80; and as a view
+// shows it. None when there is no picture. Takes some 25 ms for a large display; any thread.
+[[nodiscard]] std::optional<Screenshot> encodeScreenshot(const QImage &picture);
 
 } // namespace nubble

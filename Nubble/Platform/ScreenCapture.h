@@ -17,7 +17,7 @@ public:
     // cannot be had. Blocks until it is there.
     [[nodiscard]] virtual QImage grab() = 0;
 
-    // That part of the screen, in screen coordinates.
+    // That part of the screen, which is in screen coordinates.
     [[nodiscard]] virtual QImage grabPart(const QRect &part) = 0;
 };
 

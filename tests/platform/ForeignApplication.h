@@ -110,15 +110,15 @@ public:
         m_x11->flush();
     }
 
-    [[nodiscard]] xcb_window_t root() const { return m_x11->root(); }
-    [[nodiscard]] const X11Connection &x11() const { return *m_x11; }
-
-private:
     [[nodiscard]] xcb_atom_t atom(const char *name) const
     {
         const auto request = xcb_intern_atom(m_x11->get(), 0, static_cast<uint16_t>(std::strlen(name)), name);
         return XcbReply<xcb_intern_atom_reply_t>(xcb_intern_atom_reply(m_x11->get(), request, nullptr))->atom;
     }
+    [[nodiscard]] xcb_window_t root() const { return m_x11->root(); }
+    [[nodiscard]] const X11Connection &x11() const { return *m_x11; }
+
+private:
     void set(
         xcb_window_t window, const char *property, const char *type, uint8_t format, size_t size,
         const void *data)

@@ -2,8 +2,6 @@
 #include <QProcess>
 #include <QTest>
 
-#include <map>
-
 #include "Platform/X11/X11Connection.h"
 #include "Platform/X11/X11HotKeys.h"
 #include "Platform/X11/XcbXkb.h"

@@ -194,13 +194,15 @@ private Q_SLOTS:
         const auto below = m_terminal.open({0, 0, 300, 300}, Qt::red);
         const auto above = m_terminal.open({50, 50, 300, 300}, Qt::red);
         const auto elsewhere = m_terminal.open({50, 50, 300, 300}, Qt::red);
-        const auto dock = m_terminal.open({0, 0, 300, 20}, Qt::red, ForeignApplication::Dock);
+        const auto tool = m_terminal.open({0, 0, 300, 20}, Qt::red);
+        m_terminal.setNumbers(
+            tool, "_NET_WM_WINDOW_TYPE", {m_terminal.atom("_NET_WM_WINDOW_TYPE_UTILITY")}, "ATOM");
         m_editor.focus(m_editor.open({100, 100, 300, 300}, Qt::blue)); // above them all
         for (const auto &[window, title] :
              {std::pair<xcb_window_t, QByteArray>(below, "below"),
               {above, "above"},
               {elsewhere, "elsewhere"},
-              {dock, "dock"}})
+              {tool, "tool"}})
             m_terminal.setText(window, "_NET_WM_NAME", title);
         ForeignApplication::manage(elsewhere, u"-r"_s, u"-t 1"_s);
         QTRY_COMPARE(m_workspace.windowTitle(4242), u"above"_s);

@@ -24,7 +24,7 @@ public:
     bool allowed = true;
     QImage picture;
     int grabs = 0;
-    std::function<void()> grabbed;   // is told
+    std::function<void()> grabbed; // is told
     std::function<QImage()> part;
 };
 

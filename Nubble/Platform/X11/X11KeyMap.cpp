@@ -56,8 +56,9 @@ std::vector<X11Key> keysOf(const xcb_xkb_get_map_reply_t &reply, const xcb_xkb_g
     for (auto each = xcb_xkb_get_map_map_syms_rtrn_iterator(&reply, &parts); each.rem > 0;
          xcb_xkb_key_sym_map_next(&each), ++code) {
         X11Key &key = keys.emplace_back(X11Key{.code = code});
-        for (uint8_t layout = 0; layout < key.symbols.size(); ++layout)
-            key.symbols.at(layout) = plainSymbol(*each.data, layout);
+        uint8_t layout = 0;
+        for (xcb_keysym_t &symbol : key.symbols)
+            symbol = plainSymbol(*each.data, layout++);
     }
     for (uint8_t i = 0; i < reply.totalModMapKeys; ++i) {
         const xcb_xkb_key_mod_map_t &each = parts.modmap_rtrn[i];
