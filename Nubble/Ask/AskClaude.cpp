@@ -108,6 +108,8 @@ bool AskClaude::ensureRunning()
     QDir().mkpath(folder);
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"PATH"_s, Tools::searchPath(m_home));
+    // Else it reads whatever file follows an @ in the question or the title of a window, which is foreign.
+    environment.insert(u"CLAUDE_CODE_DISABLE_ATTACHMENTS"_s, u"1"_s);
     m_process = std::make_unique<ChildProcess>(
         Command{
             .program = *claude,

@@ -52,7 +52,8 @@ def done(**more):
     return {"type": "result", "subtype": "success", "is_error": False, **more}
 def failed(**more):
     return {"type": "result", "is_error": True, **more}
-keep("starts", json.dumps({"arguments": sys.argv[1:], "folder": os.getcwd(), "path": os.environ["PATH"], "pid": os.getpid()}))
+keep("starts", json.dumps({"arguments": sys.argv[1:], "folder": os.getcwd(), "path": os.environ["PATH"],
+    "reads no files": os.environ.get("CLAUDE_CODE_DISABLE_ATTACHMENTS"), "pid": os.getpid()}))
 )";
 
     [[nodiscard]] QList<QJsonObject> lines(const QString &name) const

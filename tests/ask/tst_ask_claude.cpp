@@ -86,6 +86,7 @@ private Q_SLOTS:
         const QJsonObject start = m_claude->starts().first();
         QCOMPARE(start["folder"_L1].toString(), AskClaude::workingDirectory(m_home->home()));
         QCOMPARE(start["path"_L1].toString(), Tools::searchPath(m_home->home()));
+        QCOMPARE(start["reads no files"_L1], u"1"_s);
         const QStringList arguments = argumentsOf(0);
         QCOMPARE(
             arguments.first(15).join(u' '),
