@@ -72,6 +72,8 @@ void AskClaude::send(const QString &text)
     }
     m_messages.append(question);
     m_messages.append({.role = AskMessage::Role::Assistant, .text = {}});
+    m_whole = {};
+    m_replaced.clear();
     Q_EMIT turnBegun();
     setBusy(true);
     if (ensureRunning())
@@ -190,7 +192,8 @@ void AskClaude::handle(const std::optional<ClaudeProtocol::Event> &event)
 {
     if (!event)
         return;
-    m_resumes = false;
+    const auto *end = std::get_if<ClaudeProtocol::TurnEnd>(&event->content);
+    m_resumes = m_resumes && end && end->error;
     if (event->sessionId)
         m_sessionId = event->sessionId;
     std::visit([this](const auto &content) { handle(content); }, event->content);
@@ -205,12 +208,15 @@ void AskClaude::handle(const ClaudeProtocol::TextDelta &delta)
     Q_EMIT replyGrew(delta.text);
 }
 
-void AskClaude::handle(const ClaudeProtocol::Reply &whole)
+// `claude` gives each block of a message as a part of its own.
+void AskClaude::handle(const ClaudeProtocol::Reply &part)
 {
     AskMessage *message = reply();
-    if (!message || message->text == whole.text)
+    const bool goesOn = !part.messageId.isEmpty() && part.messageId == m_whole.messageId;
+    m_whole = {goesOn ? m_whole.text + "\n\n"_L1 + part.text : part.text, part.messageId};
+    if (!message || message->text == m_whole.text)
         return;
-    message->text = whole.text;
+    m_replaced = std::exchange(message->text, m_whole.text);
     Q_EMIT replyReplaced();
 }
 
@@ -220,9 +226,11 @@ void AskClaude::handle(const ClaudeProtocol::TurnEnd &end)
         setBusy(false);
         return;
     }
-    const AskMessage *message = reply();
-    if (message && message->text.trimmed() == end.error->trimmed())
-        removeReply(); // `claude` tells an error of the service as a reply, too
+    AskMessage *message = reply();
+    if (message && message->text.trimmed() == end.error->trimmed()) {
+        message->text = m_replaced; // `claude` tells an error of the service as a reply, too
+        Q_EMIT replyReplaced();
+    }
     fail(*end.error);
 }
 

@@ -148,6 +148,14 @@ private Q_SLOTS:
         row("true, not something like it", "say(delta('a'), {'type': 'result', 'is_error': 1})", u"|A: a"_s);
         row("an error that is told twice", "say(reply('API Error: x'), failed(result='API Error: x'))",
             u"|! API Error: x"_s);
+        row("an error that is told twice, after some text",
+            "say(delta('a'), reply('API Error: x'), failed(result='API Error: x'))",
+            u"|A: a|! API Error: x"_s);
+        row("an error in a list", "say(failed(subtype='x', errors=['one', 'two']))", u"|! one\ntwo"_s);
+        row("a message in parts",
+            "def part(message, text): e = reply(text); e['message']['id'] = message; return e\n"
+            "say(part('1', 'x'), part('2', 'a'), delta('b'), part('2', 'b'), done())",
+            u"|A: a\n\nb"_s);
         row("the end in the middle of a line", "raw(b'{\"type\": \"result\"')",
             u"|! Claude stopped unexpectedly."_s);
         row("the end with a reason", "say(delta('a'))\ncomplain(b'\\xff' * 900 + b' why \\n')\nsys.exit(3)",
@@ -218,17 +226,26 @@ private Q_SLOTS:
 
     void aConversationThatIsNotKnownAnyMoreIsGivenUp()
     {
-        m_claude->follow("turn()\nsay({'session_id': 'old'}, done())");
-        ask(u"one"_s);
-        m_ask->stop();
-        m_claude->follow("complain(b'No conversation found \\n')\nsys.exit(1)");
-        ask(u"two"_s);
-        QCOMPARE(m_ask->problem(), u"No conversation found"_s);
-        m_claude->follow("turn()\nsay(reply('new'), done())");
-        ask(u"three"_s);
-        QCOMPARE(m_ask->messages().last().text, u"new"_s);
-        QCOMPARE(argumentsOf(1).size(), 18);
-        QCOMPARE(argumentsOf(2).size(), 16);
+        qsizetype start = 0;
+        for (const QByteArray script :
+             {"complain(b'No conversation found \\n')",
+              "say(failed(subtype='e', session_id='old', errors=['No conversation found']))"}) {
+            m_claude->follow("turn()\nsay({'session_id': 'old'}, done())");
+            ask(u"one"_s);
+            m_ask->stop();
+            m_claude->follow(script + "\nsys.exit(1)");
+            ask(u"two"_s);
+            QCOMPARE(m_ask->problem(), u"No conversation found"_s);
+            QTRY_VERIFY(::kill(m_claude->starts().last()["pid"_L1].toInt(), 0) != 0);
+            QCoreApplication::processEvents();
+            m_claude->follow("turn()\nsay(reply('new'), done())");
+            ask(u"three"_s);
+            QCOMPARE(m_ask->messages().last().text, u"new"_s);
+            QCOMPARE(argumentsOf(start + 1).size(), 18);
+            QCOMPARE(argumentsOf(start + 2).size(), 16);
+            m_ask->reset();
+            start += 3;
+        }
     }
 
     void neitherAFullPipeNorADeafChildHoldsItUp()
