@@ -6,22 +6,12 @@
 #include "Ask/AskClaude.h"
 #include "Shell/Tools.h"
 #include "ask/ClaudeStandIn.h"
+#include "ask/PrintedConversation.h"
 
 using namespace nubble;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// "Q: …" and "A: …" of each message, and what the user is told at the end.
-QString printed(const AskClaude &ask)
-{
-    QStringList lines;
-    for (const AskMessage &message : ask.messages())
-        lines.append((message.role == AskMessage::Role::User ? "Q: "_L1 : "A: "_L1) + message.text);
-    if (ask.problem())
-        lines.append("! "_L1 + *ask.problem());
-    return lines.join(u'|');
-}
 
 ScreenContext screen(const QByteArray &jpeg, const QString &app, const QString &title)
 {
