@@ -72,8 +72,7 @@ void AskClaude::send(const QString &text)
     }
     m_messages.append(question);
     m_messages.append({.role = AskMessage::Role::Assistant, .text = {}});
-    m_whole = {};
-    m_replaced.clear();
+    m_parts = {};
     Q_EMIT turnBegun();
     setBusy(true);
     if (ensureRunning())
@@ -212,11 +211,12 @@ void AskClaude::handle(const ClaudeProtocol::TextDelta &delta)
 void AskClaude::handle(const ClaudeProtocol::Reply &part)
 {
     AskMessage *message = reply();
-    const bool goesOn = !part.messageId.isEmpty() && part.messageId == m_whole.messageId;
-    m_whole = {goesOn ? m_whole.text + "\n\n"_L1 + part.text : part.text, part.messageId};
-    if (!message || message->text == m_whole.text)
+    ClaudeProtocol::Reply &whole = m_parts.whole;
+    const bool goesOn = !part.messageId.isEmpty() && part.messageId == whole.messageId;
+    whole = {goesOn ? whole.text + "\n\n"_L1 + part.text : part.text, part.messageId};
+    if (!message || message->text == whole.text)
         return;
-    m_replaced = std::exchange(message->text, m_whole.text);
+    m_parts.before = std::exchange(message->text, whole.text);
     Q_EMIT replyReplaced();
 }
 
@@ -228,7 +228,7 @@ void AskClaude::handle(const ClaudeProtocol::TurnEnd &end)
     }
     AskMessage *message = reply();
     if (message && message->text.trimmed() == end.error->trimmed()) {
-        message->text = m_replaced; // `claude` tells an error of the service as a reply, too
+        message->text = m_parts.before; // `claude` tells an error of the service as a reply, too
         Q_EMIT replyReplaced();
     }
     fail(*end.error);

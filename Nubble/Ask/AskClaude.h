@@ -82,9 +82,11 @@ private:
     bool m_capturing = false;
     std::unique_ptr<ChildProcess> m_process;
     std::optional<QString> m_sessionId;
-    bool m_resumes = false;        // the process was told to, and has not begun to
-    ClaudeProtocol::Reply m_whole; // the parts that have come of a message
-    QString m_replaced;            // what stood there before the last of them
+    bool m_resumes = false; // the process was told to, and has not begun to
+    struct {
+        ClaudeProtocol::Reply whole; // what has come of the message
+        QString before;              // what stood in its place before the last part
+    } m_parts;
     LineBuffer m_lines;
     std::shared_ptr<void> m_decoding; // while the worker has a long line; what follows it waits
     std::optional<CommandEnd> m_end;  // waits for that as well
