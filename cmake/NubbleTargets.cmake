@@ -40,16 +40,16 @@ function(nubble_display_test name program)
         ENVIRONMENT "NUBBLE_WINDOW_MANAGER=${ARG_WINDOW_MANAGER}")
 endfunction()
 
-# nubble_test(NAME [DISPLAY] SOURCES file… LINK library… [VIA command…]): one Qt Test program. Without DISPLAY it never
-# sees one. VIA is a command that runs it.
+# nubble_test(NAME [DISPLAY | ON_REQUEST] SOURCES file… LINK library… [VIA command…]): one Qt Test program. Without DISPLAY it
+# never sees one. VIA is a command that runs it. ON_REQUEST: it is built, but is none of the tests that CTest runs.
 function(nubble_test name)
-    cmake_parse_arguments(ARG "DISPLAY" "" "SOURCES;LINK;VIA" ${ARGN})
+    cmake_parse_arguments(ARG "DISPLAY;ON_REQUEST" "" "SOURCES;LINK;VIA" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
     target_link_libraries(${name} PRIVATE nubble_test_support ${ARG_LINK} Qt6::Test)
     if(ARG_DISPLAY)
         nubble_display_test(${name} ${name})
-    else()
+    elseif(NOT ARG_ON_REQUEST)
         add_test(NAME ${name} COMMAND ${ARG_VIA} $<TARGET_FILE:${name}>)
         set_tests_properties(${name} PROPERTIES TIMEOUT 120
             ENVIRONMENT "QT_QPA_PLATFORM=offscreen" ENVIRONMENT_MODIFICATION "DISPLAY=unset:")

@@ -72,6 +72,7 @@ void AskClaude::send(const QString &text)
     }
     m_messages.append(question);
     m_messages.append({.role = AskMessage::Role::Assistant, .text = {}});
+    m_parts = {};
     Q_EMIT turnBegun();
     setBusy(true);
     if (ensureRunning())
@@ -108,6 +109,8 @@ bool AskClaude::ensureRunning()
     QDir().mkpath(folder);
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"PATH"_s, Tools::searchPath(m_home));
+    // Else it reads whatever file follows an @ in the question or the title of a window, which is foreign.
+    environment.insert(u"CLAUDE_CODE_DISABLE_ATTACHMENTS"_s, u"1"_s);
     m_process = std::make_unique<ChildProcess>(
         Command{
             .program = *claude,
@@ -188,7 +191,8 @@ void AskClaude::handle(const std::optional<ClaudeProtocol::Event> &event)
 {
     if (!event)
         return;
-    m_resumes = false;
+    const auto *end = std::get_if<ClaudeProtocol::TurnEnd>(&event->content);
+    m_resumes = m_resumes && end && end->error;
     if (event->sessionId)
         m_sessionId = event->sessionId;
     std::visit([this](const auto &content) { handle(content); }, event->content);
@@ -203,12 +207,16 @@ void AskClaude::handle(const ClaudeProtocol::TextDelta &delta)
     Q_EMIT replyGrew(delta.text);
 }
 
-void AskClaude::handle(const ClaudeProtocol::Reply &whole)
+// `claude` gives each block of a message as a part of its own.
+void AskClaude::handle(const ClaudeProtocol::Reply &part)
 {
     AskMessage *message = reply();
+    ClaudeProtocol::Reply &whole = m_parts.whole;
+    const bool goesOn = !part.messageId.isEmpty() && part.messageId == whole.messageId;
+    whole = {goesOn ? whole.text + "\n\n"_L1 + part.text : part.text, part.messageId};
     if (!message || message->text == whole.text)
         return;
-    message->text = whole.text;
+    m_parts.before = std::exchange(message->text, whole.text);
     Q_EMIT replyReplaced();
 }
 
@@ -218,9 +226,11 @@ void AskClaude::handle(const ClaudeProtocol::TurnEnd &end)
         setBusy(false);
         return;
     }
-    const AskMessage *message = reply();
-    if (message && message->text.trimmed() == end.error->trimmed())
-        removeReply(); // `claude` tells an error of the service as a reply, too
+    AskMessage *message = reply();
+    if (message && message->text.trimmed() == end.error->trimmed()) {
+        message->text = m_parts.before; // `claude` tells an error of the service as a reply, too
+        Q_EMIT replyReplaced();
+    }
     fail(*end.error);
 }
 

@@ -63,7 +63,7 @@ private:
     void handle(const std::optional<ClaudeProtocol::Event> &event);
     void handle(std::monostate) { }
     void handle(const ClaudeProtocol::TextDelta &delta);
-    void handle(const ClaudeProtocol::Reply &reply);
+    void handle(const ClaudeProtocol::Reply &part);
     void handle(const ClaudeProtocol::TurnEnd &end);
     void handleEnd();
     void awaitEnd(const QString &whyItDoesNotRead);
@@ -82,7 +82,11 @@ private:
     bool m_capturing = false;
     std::unique_ptr<ChildProcess> m_process;
     std::optional<QString> m_sessionId;
-    bool m_resumes = false; // the process was told to, and has said nothing yet
+    bool m_resumes = false; // the process was told to, and has not begun to
+    struct {
+        ClaudeProtocol::Reply whole; // what has come of the message
+        QString before;              // what stood in its place before the last part
+    } m_parts;
     LineBuffer m_lines;
     std::shared_ptr<void> m_decoding; // while the worker has a long line; what follows it waits
     std::optional<CommandEnd> m_end;  // waits for that as well

@@ -52,17 +52,19 @@ decltype(Event::content) replyIn(const QJsonObject &message)
         if (block["type"_L1] == "text"_L1 && block["text"_L1].isString())
             texts.append(block["text"_L1].toString());
     const QString text = texts.join("\n\n"_L1);
-    return text.isEmpty() ? decltype(Event::content)() : Reply{text};
+    return text.isEmpty() ? decltype(Event::content)() : Reply{text, message.value("id"_L1).toString()};
 }
 
 TurnEnd turnEndIn(const QJsonObject &event)
 {
     if (event.value("is_error"_L1) != true)
         return {};
-    for (const auto key : {"result"_L1, "subtype"_L1})
-        if (const auto text = stringIn(event, key))
-            return {text};
-    return {u"unknown error"_s};
+    if (const auto text = stringIn(event, "result"_L1))
+        return {text};
+    const QStringList errors = event.value("errors"_L1).toVariant().toStringList();
+    if (!errors.isEmpty())
+        return {errors.join(u'\n')};
+    return {stringIn(event, "subtype"_L1).value_or(u"unknown error"_s)};
 }
 
 } // namespace

@@ -27,8 +27,9 @@ namespace ClaudeProtocol {
 struct TextDelta {
     QString text;
 };
-struct Reply { // one whole message of the assistant
+struct Reply { // a whole message of the assistant, or the next part of one
     QString text;
+    QString messageId; // empty: not told
 };
 struct TurnEnd {
     std::optional<QString> error; // why the turn has failed

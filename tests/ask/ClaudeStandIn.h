@@ -10,7 +10,7 @@ namespace nubble {
 
 // A `claude` of a home's own that follows a script: Python, with these words.
 //   turn()        the next turn that it is given, also kept in "turns"
-//   say(OBJECT…)  writes events, a line each; delta(TEXT), reply(TEXT), done(), failed(TEXT) make some
+//   say(OBJECT…)  writes events, a line each; delta(TEXT), reply(TEXT…), done(), failed() make some
 //   raw(BYTES), complain(BYTES)   to standard output and standard error
 // How it was started is kept in "starts", a line of JSON each time.
 class ClaudeStandIn {
@@ -46,13 +46,14 @@ def turn():
     keep("turns", line.strip())
 def delta(text):
     return {"type": "stream_event", "event": {"type": "content_block_delta", "delta": {"type": "text_delta", "text": text}}}
-def reply(*texts):
-    return {"type": "assistant", "message": {"content": [{"type": "text", "text": text} for text in texts]}}
+def reply(*texts, **more):
+    return {"type": "assistant", "message": {"content": [{"type": "text", "text": text} for text in texts], **more}}
 def done(**more):
     return {"type": "result", "subtype": "success", "is_error": False, **more}
 def failed(**more):
     return {"type": "result", "is_error": True, **more}
-keep("starts", json.dumps({"arguments": sys.argv[1:], "folder": os.getcwd(), "path": os.environ["PATH"], "pid": os.getpid()}))
+keep("starts", json.dumps({"arguments": sys.argv[1:], "folder": os.getcwd(), "pid": os.getpid(),
+    "environment": [os.environ.get(name) for name in ("PATH", "OURS", "CLAUDE_CODE_DISABLE_ATTACHMENTS")]}))
 )";
 
     [[nodiscard]] QList<QJsonObject> lines(const QString &name) const

@@ -6,26 +6,17 @@
 #include "Ask/AskClaude.h"
 #include "Shell/Tools.h"
 #include "ask/ClaudeStandIn.h"
+#include "ask/PrintedConversation.h"
 
 using namespace nubble;
 using namespace Qt::StringLiterals;
 
 namespace {
 
-// "Q: …" and "A: …" of each message, and what the user is told at the end.
-QString printed(const AskClaude &ask)
-{
-    QStringList lines;
-    for (const AskMessage &message : ask.messages())
-        lines.append((message.role == AskMessage::Role::User ? "Q: "_L1 : "A: "_L1) + message.text);
-    if (ask.problem())
-        lines.append("! "_L1 + *ask.problem());
-    return lines.join(u'|');
-}
-
 ScreenContext screen(const QByteArray &jpeg, const QString &app, const QString &title)
 {
-    ScreenContext context{.appName = app, .windowTitle = title};
+    ScreenContext context{
+        .thumbnail = QImage(1, 1, QImage::Format_RGB32), .appName = app, .windowTitle = title};
     if (!jpeg.isEmpty())
         context.jpeg = jpeg;
     return context;
@@ -53,6 +44,11 @@ private:
     {
         return m_claude->starts().value(start)["arguments"_L1].toVariant().toStringList();
     }
+    void awaitItsEnd() const
+    {
+        QTRY_VERIFY(::kill(m_claude->starts().last()["pid"_L1].toInt(), 0) != 0);
+        QCoreApplication::processEvents();
+    }
 
     std::optional<TemporaryHome> m_home;
     std::optional<ClaudeStandIn> m_claude;
@@ -69,10 +65,12 @@ private Q_SLOTS:
 
     void oneProcessServesTheWholeConversation()
     {
-        m_claude->follow("while True:\n"
-                         " turn()\n"
-                         " say({'type': 'system', 'session_id': 'first'}, delta('Hel'), delta('lo'),"
-                         " {'type': 'rate_limit_event', 'session_id': 'second'}, done())\n");
+        qputenv("OURS", "1");
+        m_claude->follow(
+            "while True:\n"
+            " turn()\n"
+            " say({'type': 'system', 'session_id': 'first'}, delta('Hel'), delta('lo'),"
+            " {'type': 'rate_limit_event', 'session_id': 'second'}, reply('Hello', id='m'), done())\n");
         QSignalSpy grown(&*m_ask, &AskClaude::replyGrew);
         ask(u"  one \n"_s);
         m_ask->setAttachment(screen("\xff\xd8", u"Editor"_s, u"a.txt"_s));
@@ -80,12 +78,15 @@ private Q_SLOTS:
         QCOMPARE(printed(*m_ask), u"Q: one|A: Hello|Q: two|A: Hello"_s);
         QCOMPARE(grown.size(), 4);
         QCOMPARE(m_ask->messages().at(2).context, u"Editor — a.txt"_s);
+        QVERIFY(m_ask->messages().at(2).thumbnail);
         QVERIFY(!m_ask->attachment());
 
         QCOMPARE(m_claude->starts().size(), 1);
         const QJsonObject start = m_claude->starts().first();
         QCOMPARE(start["folder"_L1].toString(), AskClaude::workingDirectory(m_home->home()));
-        QCOMPARE(start["path"_L1].toString(), Tools::searchPath(m_home->home()));
+        QCOMPARE(
+            start["environment"_L1].toVariant().toStringList(),
+            QStringList({Tools::searchPath(m_home->home()), u"1"_s, u"1"_s}));
         const QStringList arguments = argumentsOf(0);
         QCOMPARE(
             arguments.first(15).join(u' '),
@@ -100,24 +101,21 @@ private Q_SLOTS:
         QCOMPARE(content[1]["text"_L1], u"[On screen: Editor — a.txt]\n\ntwo"_s);
     }
 
-    void whatIsOnTheScreenStandsBeforeTheQuestion_data()
-    {
-        QTest::addColumn<ScreenContext>("context");
-        QTest::addColumn<QString>("prompt");
-        QTest::addColumn<int>("blocks");
-        QTest::newRow("no picture") << screen({}, u"App"_s, {})
-                                    << u"[On screen: App (no screenshot available)]\n\nq"_s << 1;
-        QTest::newRow("no names") << screen("x", {}, {}) << u"q"_s << 2;
-        QTest::newRow("nothing") << ScreenContext() << u"q"_s << 1;
-    }
     void whatIsOnTheScreenStandsBeforeTheQuestion()
     {
-        QFETCH(ScreenContext, context);
-        const QByteArray line = ClaudeProtocol::turn(u"q"_s, context);
-        const QJsonArray content = QJsonDocument::fromJson(line)["message"_L1]["content"_L1].toArray();
-        QTEST(static_cast<int>(content.size()), "blocks");
-        QTEST(content.last()["text"_L1].toString(), "prompt");
-        QVERIFY(line.endsWith('\n') && line.count('\n') == 1);
+        for (const auto &[context, blocks] :
+             {std::pair(
+                  screen({}, u"App"_s, {}),
+                  QByteArray(R"({"text":"[On screen: App (no screenshot available)]\n\nq","type":"text"})")),
+              {screen("x", {}, {}),
+               R"({"source":{"data":"eA==","media_type":"image/jpeg","type":"base64"},"type":"image"},)"
+               R"({"text":"q","type":"text"})"},
+              {ScreenContext(), R"({"text":"q","type":"text"})"}})
+            QCOMPARE(
+                ClaudeProtocol::turn(u"q"_s, context),
+                R"({"message":{"content":[)" + blocks
+                    + R"(],"role":"user"},"type":"user"})"
+                      "\n");
     }
 
     void eventsAreTakenAsTheyCome_data()
@@ -133,6 +131,12 @@ private Q_SLOTS:
             "for byte in json.dumps(delta('ä€😀'), ensure_ascii=False).encode() + b'\\n':\n"
             "  raw(bytes([byte])); time.sleep(0.001)\nsay(done())",
             u"|A: ä€😀"_s);
+        row("other deltas and blocks are skipped",
+            "say({'type': 'stream_event', 'event': {'type': 'x', 'delta': delta('no')['event']['delta']}},"
+            "{'type': 'stream_event', 'event': {'type': 'content_block_delta', 'delta': {'text': 'no'}}},"
+            "delta('a'), {'type': 'assistant', 'message': {'content': [{'text': 'no'}]}}, done())",
+            u"|A: a"_s);
+        row("what comes after an error", "say(failed(result='x'), delta('late'), reply('late'))", u"|! x"_s);
         row("what is no event is skipped",
             "raw(b'\\n[1]\\n\\xff\\xfe\\n{\"type\": 5}\\n{\"a\\nnull\\n')\nsay({}, {'type': "
             "'stream_event'},"
@@ -147,10 +151,18 @@ private Q_SLOTS:
         row("true, not something like it", "say(delta('a'), {'type': 'result', 'is_error': 1})", u"|A: a"_s);
         row("an error that is told twice", "say(reply('API Error: x'), failed(result='API Error: x'))",
             u"|! API Error: x"_s);
+        row("an error that is told twice, after some text",
+            "say(delta('a'), reply('API Error: x'), failed(result='API Error: x'))",
+            u"|A: a|! API Error: x"_s);
+        row("an error in a list", "say(failed(subtype='x', errors=['one', 'two']))", u"|! one\ntwo"_s);
+        row("a message in parts",
+            "say(reply('x', id='1'), reply('a', id='2'), delta('b'), reply('b', id='2'), done())",
+            u"|A: a\n\nb"_s);
         row("the end in the middle of a line", "raw(b'{\"type\": \"result\"')",
             u"|! Claude stopped unexpectedly."_s);
-        row("the end with a reason", "say(delta('a'))\ncomplain(b'\\xff' * 900 + b' why \\n')\nsys.exit(3)",
-            u"|A: a|! "_s + QString(594, QChar::ReplacementCharacter) + u" why"_s);
+        row("the end with a reason",
+            "say(delta('a'))\ncomplain('€'.encode() * 900 + b'\\xff why \\n')\nsys.exit(3)",
+            u"|A: a|! "_s + QString(593, u'€') + QChar::ReplacementCharacter + u" why"_s);
         row("killed", "os.kill(os.getpid(), 9)", u"|! Claude stopped unexpectedly."_s);
         row("a million deltas",
             "line = json.dumps(delta('ab')).encode() + b'\\n'\nfor _ in range(200): raw(line * 5000)\n"
@@ -190,15 +202,20 @@ private Q_SLOTS:
         m_ask->reset();
         m_ask->setAttachment(screen(QByteArray(3'000'000, 'x'), {}, {}));
         QVERIFY(resultOf("os.close(0)\ntime.sleep(60)").startsWith(u"Q: q|! Couldn't reach Claude: "_s));
+        m_ask->setAttachment(screen("x", {}, {}));
         m_ask->reset();
-        QCOMPARE(resultOf("turn()\nsay(reply('ok'), done())"), u"Q: q|A: ok"_s);
+        QCOMPARE(printed(*m_ask), QString());
+        QVERIFY(!m_ask->attachment());
+        resultOf("sys.exit(0)");
+        QCOMPARE(resultOf("turn()\nsay(reply('ok'), done())"), u"Q: q|Q: q|A: ok"_s);
         ask(u"  \n "_s);
-        QCOMPARE(m_ask->messages().size(), 2);
+        QCOMPARE(m_ask->messages().size(), 3);
     }
 
     void aConversationGoesOnInANewProcessUnlessItIsNew()
     {
-        m_claude->follow("turn()\nsay({'type': 'x', 'session_id': 'abc'}, delta('part'))\nturn()\n");
+        m_claude->follow("turn()\nsay({'type': 'x', 'session_id': 'abc'})\n"
+                         "raw(json.dumps(delta('part')).encode() + b'\\n{')\nturn()\n");
         m_ask->send(u"one"_s);
         QTRY_COMPARE(printed(*m_ask), u"Q: one|A: part"_s);
         m_ask->send(u"busy"_s);
@@ -217,17 +234,26 @@ private Q_SLOTS:
 
     void aConversationThatIsNotKnownAnyMoreIsGivenUp()
     {
-        m_claude->follow("turn()\nsay({'session_id': 'old'}, done())");
-        ask(u"one"_s);
-        m_ask->stop();
-        m_claude->follow("complain(b'No conversation found \\n')\nsys.exit(1)");
-        ask(u"two"_s);
-        QCOMPARE(m_ask->problem(), u"No conversation found"_s);
-        m_claude->follow("turn()\nsay(reply('new'), done())");
-        ask(u"three"_s);
-        QCOMPARE(m_ask->messages().last().text, u"new"_s);
-        QCOMPARE(argumentsOf(1).size(), 18);
-        QCOMPARE(argumentsOf(2).size(), 16);
+        qsizetype start = 0;
+        for (const auto &[script, argumentsAfterwards] :
+             {std::pair<QByteArray, qsizetype>("complain(b'No conversation \\n')\nsys.exit(1)", 16),
+              {"say(failed(subtype='x', session_id='old', errors=['No conversation']))\nsys.exit(1)", 16},
+              {"complain(b'No conversation')\nsys.exit(3)", 18},
+              {"turn()\nsay({})\ncomplain(b'No conversation')\nsys.exit(1)", 18}}) {
+            m_claude->follow("turn()\nsay({'session_id': 'old'}, done())\nsys.exit(1)");
+            ask(u"one"_s);
+            awaitItsEnd();
+            m_claude->follow(script);
+            ask(u"two"_s);
+            QCOMPARE(m_ask->problem(), u"No conversation"_s);
+            awaitItsEnd();
+            m_claude->follow("turn()\nsay(done())");
+            ask(u"three"_s);
+            QCOMPARE(argumentsOf(start + 1).size(), 18);
+            QCOMPARE(argumentsOf(start + 2).size(), argumentsAfterwards);
+            m_ask->reset();
+            start += 3;
+        }
     }
 
     void neitherAFullPipeNorADeafChildHoldsItUp()
