@@ -186,8 +186,9 @@ void BlockDocument::addLink(const TextLink &link)
 
 void BlockDocument::formatTable(QStringView source, const Block &block, double width)
 {
-    const QList<QTextFrame *> frames = rootFrame()->childFrames();
-    m_table = frames.isEmpty() ? nullptr : qobject_cast<QTextTable *>(frames.first());
+    // Until the editing ends, frames do not know their children.
+    for (int i = 0; !m_table && object(i); ++i)
+        m_table = qobject_cast<QTextTable *>(object(i));
     if (!m_table)
         return;
     const QString sample = BlockSource::tableSample(source, block);

@@ -398,6 +398,7 @@ Block &BlockSplitter::begin(Block::Kind kind, qsizetype start, qsizetype end)
     block.number = m_state.lists.isEmpty() ? 0 : m_state.lists.back().mark.number;
     block.depth = static_cast<int>(m_state.lists.size() + m_state.outside.size());
     block.quotes = m_state.quotes;
+    block.outside = static_cast<int>(m_state.outside.size());
     block.start = start;
     block.length = end - start;
     m_blocks.push_back(block);

@@ -22,6 +22,7 @@ struct Block {
     int number = 0;         // beside the first line of an item
     int depth = 0;          // of the lists around it
     int quotes = 0;         // around it
+    int outside = 0;        // how many of the lists stand around the quotes
     int column = 0;         // of code: what stands before it belongs to what is around it
     qsizetype start = 0;    // its lines, without marks of lists and headings, fences and a table's head
     qsizetype length = 0;

@@ -68,20 +68,15 @@ private:
 
     void drawQuotes() const
     {
-        constexpr int deepest = 7;
-        const int quotes = m_isReply ? std::min(m_block.quotes, deepest) : 0;
-        const bool joins = m_index > 0 && !m_rows.isFirst(m_index)
-            && m_rows.block(m_index - 1).quotes >= m_block.quotes;
-        const double text = m_corner.y() + std::min(m_row.box.text.y(), m_row.box.panel.isNull() ? 1 << 20 : m_row.box.panel.y());
-        const double top = snapped(joins ? m_corner.y() : text);
-        const int below = m_row.box.copyReply.isNull() ? 0 : m_row.box.height - m_row.box.copyReply.top() + 4;
-        const double bottom = snapped(m_corner.y() + m_row.box.height - below);
-        m_painter.setPen(Qt::NoPen);
-        m_painter.setBrush(Palette::ringTrack);
+        const int quotes = m_isReply ? std::min(m_block.quotes, RowBoxes::deepest) : 0;
+        const bool joins = !m_rows.isFirst(m_index) && m_rows.block(m_index - 1).quotes >= m_block.quotes;
+        const int above = m_row.box.panel.isNull() ? m_row.box.text.y() : m_row.box.panel.top();
+        const int below = m_row.box.copyReply.isNull() ? m_row.box.height : m_row.box.copyReply.top() - 4;
+        const double top = snapped(m_corner.y() + (joins ? 0 : above));
+        const double bottom = snapped(m_corner.y() + below);
         for (int i = 0; i < quotes; ++i) {
-            const double x = m_corner.x() + m_row.box.text.x() - (quotes - i) * RowBoxes::quoteWidth
-                - (m_row.box.panel.isNull() ? 0 : m_row.box.text.x() - m_row.box.panel.x());
-            m_painter.drawRect(QRectF(x, top, 2, bottom - top));
+            const double x = m_corner.x() + RowBoxes::quoteLine(m_block) + i * RowBoxes::quoteWidth;
+            m_painter.fillRect(QRectF(x, top, 2, bottom - top), Palette::ringTrack);
         }
     }
 
