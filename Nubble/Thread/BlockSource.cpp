@@ -167,8 +167,7 @@ QString tableSample(QStringView source, const Block &block)
     if (first.length <= 0)
         return headLines(source, block).first().toString();
     const QString rows = joined(source, first, allColumns);
-    return headLines(source, block).first() + u'\n'
-        + rows.section(u'\n', 0, BlockSplitter::mostRows - 1);
+    return headLines(source, block).first() + u'\n' + rows.section(u'\n', 0, BlockSplitter::mostRows - 1);
 }
 
 } // namespace nubble::BlockSource

@@ -54,9 +54,7 @@ Block::Marker taskMarker(QStringView rest)
     if (rest.size() < 4 || rest.front() != u'[' || rest.at(2) != u']' || rest.at(3) != u' ')
         return Block::Marker::None;
     const QChar state = rest.at(1).toLower();
-    return state == u'x' ? Block::Marker::Done
-        : state == u' '  ? Block::Marker::ToDo
-                         : Block::Marker::None;
+    return state == u'x' ? Block::Marker::Done : state == u' ' ? Block::Marker::ToDo : Block::Marker::None;
 }
 
 } // namespace
@@ -336,8 +334,7 @@ bool BlockSplitter::beginTable(const Line &line)
         return false;
     if (header > last.start) { // there is text above
         const Block above = last;
-        m_blocks.back().length =
-            m_text.first(header).lastIndexOf(u'\n', header - 1) - above.start;
+        m_blocks.back().length = m_text.first(header).lastIndexOf(u'\n', header - 1) - above.start;
         begin(Block::Kind::Table, header, line.end);
     }
     Block &table = m_blocks.back();
@@ -408,8 +405,7 @@ Block &BlockSplitter::begin(Block::Kind kind, qsizetype start, qsizetype end)
 // Adds the line to the last block, or to a new one that continues it.
 void BlockSplitter::extend(const Line &line, qsizetype longest, int mostLines)
 {
-    if (m_state.lines > 0
-        && (line.end - m_blocks.back().start > longest || m_state.lines >= mostLines)) {
+    if (m_state.lines > 0 && (line.end - m_blocks.back().start > longest || m_state.lines >= mostLines)) {
         m_blocks.push_back(m_blocks.back());
         m_blocks.back().continues = true;
         m_blocks.back().marker = Block::Marker::None;
@@ -431,7 +427,8 @@ std::vector<Block> plainBlocks(QStringView text)
     std::vector<Block> blocks{Block{}};
     int lines = 0;
     for (qsizetype at = 0; at < text.size();) {
-        const Piece piece = nextPiece(text.sliced(at)).value_or(Piece{text.size() - at, text.size() - at, true});
+        const Piece piece =
+            nextPiece(text.sliced(at)).value_or(Piece{text.size() - at, text.size() - at, true});
         const bool isFull = at + piece.length - blocks.back().start > BlockSplitter::longestPart
             || lines >= BlockSplitter::mostCodeLines;
         if (isFull) {

@@ -33,9 +33,9 @@ struct Block {
     bool operator==(const Block &) const = default;
 };
 
-// Cuts a growing Markdown text into blocks, looking at each complete line once: the cost follows what has been
-// added. Lists and quotes are flat, every item a block that knows its depth and its number. More lenient than
-// the standard where replies are commonly careless about indentation. Pure.
+// Cuts a growing Markdown text into blocks, looking at each complete line once: the cost follows what has
+// been added. Lists and quotes are flat, every item a block that knows its depth and its number. More lenient
+// than the standard where replies are commonly careless about indentation. Pure.
 class BlockSplitter {
 public:
     static constexpr qsizetype longestParagraph = 2048; // characters, also of a line
@@ -61,7 +61,7 @@ private:
         MarkdownLine::Fence fence;
         int quotes = 0;
         Lists lists;
-        Lists outside; // the quote
+        Lists outside;                              // the quote
         Block::Marker marker = Block::Marker::None; // waits for the item's first block
         int lines = 0;                              // of the open block
         qsizetype lastLine = 0;                     // of the open paragraph: where it starts
@@ -73,7 +73,10 @@ private:
         int column = 0;   // there
     };
 
-    [[nodiscard]] QStringView rest(const Line &line) const { return m_text.sliced(line.at, line.end - line.at); }
+    [[nodiscard]] QStringView rest(const Line &line) const
+    {
+        return m_text.sliced(line.at, line.end - line.at);
+    }
     void readLine(Line line, bool isWhole);
     void resumeLine(const Line &line);
     [[nodiscard]] bool readFenced(Line line);

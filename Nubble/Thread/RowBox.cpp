@@ -95,8 +95,8 @@ void addCode(RowBox &box, const ThreadRows &rows, int row, int documentHeight, i
     box.panel = QRect(left, box.height, viewWidth - side - left, above + documentHeight + below);
     box.text = box.panel.topLeft() + QPoint(codePaddingX, above);
     if (row == first)
-        box.copyCode = QRect(
-            QPoint(box.panel.right() - copyCodeSize.width() - 3, box.panel.top() + 4), copyCodeSize);
+        box.copyCode =
+            QRect(QPoint(box.panel.right() - copyCodeSize.width() - 3, box.panel.top() + 4), copyCodeSize);
     box.height += box.panel.height();
 }
 
@@ -128,6 +128,8 @@ RowBox make(const ThreadRows &rows, int row, BlockDocument &document, int viewWi
     box.height = gapAbove(rows, row);
     box.text = {side + indent(rows.block(row)), box.height};
     const Block::Kind kind = rows.block(row).kind;
+    if (kind == Block::Kind::Table)
+        box.text.rx() -= static_cast<int>(BlockDocument::tablePadding);
     if (kind == Block::Kind::Code)
         addCode(box, rows, row, document.height(), viewWidth);
     else

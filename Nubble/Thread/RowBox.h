@@ -24,8 +24,8 @@ namespace RowBoxes {
 inline constexpr int side = 18;       // between the view's edge and the text
 inline constexpr int quoteWidth = 14; // that each quote takes
 inline constexpr int listWidth = 20;  // that each list takes
-inline constexpr int deepest = 7;      // that is shown; what is deeper stands below one another
-inline constexpr int footerGap = 12;  // below the last row
+inline constexpr int deepest = 7;     // that is shown; what is deeper stands below one another
+inline constexpr int footerGap = 12;  // below the last row, and around the footer
 
 [[nodiscard]] int indent(const Block &block); // of a reply's text
 // Where the line beside the outermost quote is; the next ones follow, a `quoteWidth` apart.

@@ -1,7 +1,7 @@
 #include "Thread/ThreadAccessible.h"
 
-#include <QAccessibleWidget>
 #include <QAbstractButton>
+#include <QAccessibleWidget>
 #include <QHash>
 #include <QPointer>
 #include <QTextDocument>
@@ -56,7 +56,10 @@ public:
 
     [[nodiscard]] bool isValid() const override { return m_view && m_row < scene().rows().count(); }
     [[nodiscard]] QObject *object() const override { return nullptr; }
-    [[nodiscard]] QWindow *window() const override { return m_view ? m_view->window()->windowHandle() : nullptr; }
+    [[nodiscard]] QWindow *window() const override
+    {
+        return m_view ? m_view->window()->windowHandle() : nullptr;
+    }
     void setText(QAccessible::Text, const QString &) override { }
 
 protected:
@@ -85,7 +88,10 @@ public:
     {
     }
 
-    [[nodiscard]] bool isValid() const override { return PartAccessible::isValid() && m_index < all().size(); }
+    [[nodiscard]] bool isValid() const override
+    {
+        return PartAccessible::isValid() && m_index < all().size();
+    }
     [[nodiscard]] QAccessibleInterface *parent() const override { return m_parent; }
     [[nodiscard]] QAccessibleInterface *child(int) const override { return nullptr; }
     [[nodiscard]] int childCount() const override { return 0; }
@@ -126,7 +132,8 @@ public:
     }
     void *interface_cast(QAccessible::InterfaceType type) override
     {
-        return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface *>(this) : nullptr;
+        return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface *>(this)
+                                                    : nullptr;
     }
 
     [[nodiscard]] QStringList actionNames() const override { return {pressAction(), setFocusAction()}; }
@@ -193,8 +200,7 @@ public:
     [[nodiscard]] QRect rect() const override
     {
         return onScreen(
-            view(),
-            {0, scene().layout().yOf(row()), view().viewport()->width(), laid().box.height});
+            view(), {0, scene().layout().yOf(row()), view().viewport()->width(), laid().box.height});
     }
     [[nodiscard]] QAccessible::State state() const override
     {

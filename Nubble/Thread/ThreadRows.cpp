@@ -30,9 +30,10 @@ qsizetype commonLength(QStringView one, QStringView other)
 
 int ThreadRows::messageOf(int row) const
 {
-    const auto behind = std::upper_bound(
-        m_messages.begin(), m_messages.end(), row,
-        [](int each, const Message &message) { return each < message.firstRow; });
+    const auto behind =
+        std::upper_bound(m_messages.begin(), m_messages.end(), row, [](int each, const Message &message) {
+            return each < message.firstRow;
+        });
     return static_cast<int>(behind - m_messages.begin()) - 1;
 }
 

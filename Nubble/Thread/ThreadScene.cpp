@@ -179,7 +179,8 @@ void ThreadScene::paint(QPainter &painter, const QRect &area)
         const ThreadLayout::Row &row = m_layout.row(index);
         if (y + row.box.height < area.top() || y > area.bottom())
             continue;
-        RowLook look{m_selection.inRow(index, row.document->lastPosition()), m_hovered, m_focused, m_copied, false};
+        RowLook look{
+            m_selection.inRow(index, row.document->lastPosition()), m_hovered, m_focused, m_copied, false};
         const int message = m_rows.messageOf(index);
         const auto isOfThis = [&](const auto &target) {
             return target && target->kind == ThreadTarget::Kind::CopyReply && target->row == index;

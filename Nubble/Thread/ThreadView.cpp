@@ -198,7 +198,7 @@ void ThreadView::showChange(int y)
     verticalScrollBar()->setValue(layout.value());
     m_isSyncing = false;
     if (m_footer)
-        m_footer->move(RowBoxes::side, layout.end() + (m_scene->rows().count() > 0 ? 0 : RowBoxes::footerGap));
+        m_footer->move(RowBoxes::side, layout.end() + RowBoxes::footerGap);
     placeJump();
     viewport()->update(QRect(0, y, viewport()->width(), viewport()->height() - y));
 }
@@ -206,8 +206,9 @@ void ThreadView::showChange(int y)
 void ThreadView::placeJump()
 {
     const QSize size = m_jump->size();
-    m_jump->move(viewport()->geometry().right() - size.width() - 6,
-                 viewport()->geometry().bottom() - size.height() - 8);
+    m_jump->move(
+        viewport()->geometry().right() - size.width() - 6,
+        viewport()->geometry().bottom() - size.height() - 8);
     m_jump->setVisible(!m_scene->layout().follows());
 }
 
@@ -338,7 +339,8 @@ void ThreadView::contextMenuEvent(QContextMenuEvent *event)
     const auto target = isMouse ? m_scene->targetAt(event->pos()) : m_scene->focused();
     const QUrl url = target ? ThreadTargets::url(m_scene->layout(), *target) : QUrl();
     QMenu menu(this);
-    QAction *copy = menu.addAction(u"Copy"_s, this, [this] { m_scene->copySelection(QClipboard::Clipboard); });
+    QAction *copy =
+        menu.addAction(u"Copy"_s, this, [this] { m_scene->copySelection(QClipboard::Clipboard); });
     copy->setEnabled(!m_scene->selection().isEmpty());
     if (!url.isEmpty())
         menu.addAction(u"Copy Link"_s, this, [url] {
