@@ -3,7 +3,7 @@
 #include <QTextDocument>
 #include <QUrl>
 
-#include "Thread/BlockSplitter.h"
+#include "Thread/Block.h"
 
 class QTextTable;
 

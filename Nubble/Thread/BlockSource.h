@@ -2,7 +2,7 @@
 
 #include <QString>
 
-#include "Thread/BlockSplitter.h"
+#include "Thread/Block.h"
 
 // What a block says, without what it stands in: quotation marks and indentation are gone. Pure; `source` is
 // the text that the block was cut from. What would cost far more to lay out than it is long, or would take

@@ -13,34 +13,6 @@ namespace {
 
 constexpr int anyNumber = std::numeric_limits<int>::max();
 
-// Where a piece of a line that is too long ends: behind a space in its second half, else where it must.
-qsizetype cutPoint(QStringView longest)
-{
-    const qsizetype space = longest.lastIndexOf(u' ');
-    if (space > longest.size() / 2)
-        return space + 1;
-    return longest.size() - (longest.back().isHighSurrogate() ? 1 : 0);
-}
-
-struct Piece {
-    qsizetype length = 0;
-    qsizetype next = 0; // from the piece's start
-    bool endsLine = true;
-};
-
-// The next line, or as much of it as a line may have; nothing when more may be missing.
-std::optional<Piece> nextPiece(QStringView text)
-{
-    const QStringView window = text.left(BlockSplitter::longestParagraph + 1);
-    const qsizetype newline = window.indexOf(u'\n');
-    if (newline >= 0)
-        return Piece{newline, newline + 1, true};
-    if (window.size() <= BlockSplitter::longestParagraph)
-        return std::nullopt;
-    const qsizetype cut = cutPoint(window.chopped(1));
-    return Piece{cut, cut, false};
-}
-
 QStringView withoutClosingMarks(QStringView heading)
 {
     const QStringView trimmed = heading.trimmed();
@@ -118,9 +90,9 @@ void BlockSplitter::resumeLine(const Line &line)
     case Open::Fence:
     case Open::Indented:
     case Open::Table:
-        return extend(line, longestPart, anyNumber);
+        return extend(line, BlockLimits::part, anyNumber);
     case Open::Paragraph:
-        return extend(line, longestParagraph, anyNumber);
+        return extend(line, BlockLimits::paragraph, anyNumber);
     case Open::None:
         break;
     }
@@ -144,7 +116,7 @@ bool BlockSplitter::readFenced(Line line)
         return true;
     }
     skipColumns(line, column);
-    extend(line, longestPart, mostCodeLines);
+    extend(line, BlockLimits::part, BlockLimits::lines);
     return true;
 }
 
@@ -196,7 +168,7 @@ void BlockSplitter::readContent(Line line)
             begin(Block::Kind::Code, line.at, line.at).column = 4;
         m_state.open = Open::Indented;
         skipColumns(line, 4);
-        return extend(line, longestPart, mostCodeLines);
+        return extend(line, BlockLimits::part, BlockLimits::lines);
     }
     const bool isText = isIndented && m_state.open == Open::Paragraph;
     if (isText || (!readOpen(start) && !readBlockStart(start)))
@@ -208,7 +180,7 @@ bool BlockSplitter::readOpen(const Line &line)
 {
     if (m_state.open == Open::Table) {
         if (rest(line).contains(u'|') && !startsBlock(line)) {
-            extend(line, longestPart, mostRows);
+            extend(line, BlockLimits::part, BlockLimits::rows);
             return true;
         }
         close();
@@ -359,7 +331,7 @@ void BlockSplitter::readText(const Line &line)
         m_state.open = Open::Paragraph;
     }
     m_state.lastLine = line.at;
-    extend(line, longestParagraph, anyNumber);
+    extend(line, BlockLimits::paragraph, anyNumber);
 }
 
 void BlockSplitter::leaveLists(int column)
@@ -420,29 +392,6 @@ void BlockSplitter::close()
 {
     m_state.open = Open::None;
     m_state.lines = 0;
-}
-
-std::vector<Block> plainBlocks(QStringView text)
-{
-    std::vector<Block> blocks{Block{}};
-    int lines = 0;
-    for (qsizetype at = 0; at < text.size();) {
-        const Piece piece =
-            nextPiece(text.sliced(at)).value_or(Piece{text.size() - at, text.size() - at, true});
-        const bool isFull = at + piece.length - blocks.back().start > BlockSplitter::longestPart
-            || lines >= BlockSplitter::mostCodeLines;
-        if (isFull) {
-            Block next;
-            next.start = at;
-            next.continues = true;
-            blocks.push_back(next);
-            lines = 0;
-        }
-        blocks.back().length = at + piece.length - blocks.back().start;
-        lines += piece.endsLine ? 1 : 0;
-        at += piece.next;
-    }
-    return blocks;
 }
 
 } // namespace nubble

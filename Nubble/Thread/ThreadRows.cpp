@@ -163,7 +163,7 @@ qsizetype ThreadRows::readable(const Message &message)
     const QStringView text = message.content.text;
     if (message.isFinished || m_seen < 0 || m_seen == text.size())
         return text.size();
-    const QStringView end = text.last(std::min(text.size(), BlockSplitter::longestParagraph));
+    const QStringView end = text.last(std::min(text.size(), BlockLimits::paragraph));
     const qsizetype newline = end.lastIndexOf(u'\n');
     if (newline < 0 && end.size() < text.size())
         return text.size();
