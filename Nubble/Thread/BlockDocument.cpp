@@ -156,8 +156,6 @@ void BlockDocument::describePictures()
         if (!piece.format.isImageFormat())
             continue;
         QTextCharFormat text;
-        text.setAnchor(piece.format.isAnchor());
-        text.setAnchorHref(piece.format.anchorHref());
         text.setFontItalic(true);
         const QString name = piece.format.stringProperty(QTextFormat::ImageAltText).simplified();
         select(this, piece).insertText(name.isEmpty() ? u"[picture]"_s : name, text);

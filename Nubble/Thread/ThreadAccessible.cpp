@@ -353,8 +353,6 @@ void installThreadAccessibility()
 
 void announceLast(ThreadView &view)
 {
-    if (!QAccessible::isActive())
-        return;
     QAccessibleEvent event(&view, QAccessible::Alert);
     event.setChild(std::max(0, view.scene().rows().count() - 1));
     QAccessible::updateAccessibility(&event);
@@ -362,8 +360,6 @@ void announceLast(ThreadView &view)
 
 void tellFocus(ThreadView &view)
 {
-    if (!QAccessible::isActive())
-        return;
     QAccessibleInterface *document = QAccessible::queryAccessibleInterface(&view);
     QAccessibleInterface *focused = document->focusChild();
     QAccessibleEvent event(focused ? focused : document, QAccessible::Focus);

@@ -136,34 +136,28 @@ void ThreadView::setFooter(QWidget *footer)
     if (m_footer == footer)
         return;
     if (m_footer) {
-        m_footer->removeEventFilter(this);
         m_footer->hide();
         m_footer->deleteLater();
     }
     m_footer = footer;
     if (footer) {
         footer->setParent(viewport());
-        footer->installEventFilter(this);
         footer->show();
     }
     placeFooter();
-}
-
-bool ThreadView::eventFilter(QObject *watched, QEvent *event)
-{
-    if (watched == m_footer && event->type() == QEvent::LayoutRequest)
-        placeFooter();
-    return QAbstractScrollArea::eventFilter(watched, event);
 }
 
 // Its height counts, so everything may move.
 void ThreadView::placeFooter()
 {
     const int width = std::max(0, viewport()->width() - 2 * RowBoxes::side);
-    const bool followsWidth = m_footer && m_footer->sizePolicy().hasHeightForWidth();
+    const bool followsWidth = m_footer && m_footer->hasHeightForWidth();
     const int height = !m_footer ? 0
         : followsWidth           ? m_footer->heightForWidth(width)
-                                 : m_footer->sizeHint().height();
+                                 : m_footer->sizeHint()
+                             .expandedTo(m_footer->minimumSize())
+                             .boundedTo(m_footer->maximumSize())
+                             .height();
     m_scene->layout().setFooterHeight(height);
     if (m_footer)
         m_footer->resize(width, height);
@@ -215,6 +209,9 @@ void ThreadView::placeJump()
 bool ThreadView::viewportEvent(QEvent *event)
 {
     switch (event->type()) {
+    case QEvent::LayoutRequest: // of the footer
+        placeFooter();
+        break;
     case QEvent::Leave:
         m_scene->hover(std::nullopt);
         break;

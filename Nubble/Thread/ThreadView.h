@@ -43,7 +43,6 @@ Q_SIGNALS:
     void linkHovered(const QUrl &url);   // where it would lead; empty when there is none
 
 protected:
-    bool eventFilter(QObject *watched, QEvent *event) override;
     bool viewportEvent(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;

@@ -93,11 +93,11 @@ private:
             texts.append(document(row).toPlainText());
         return texts;
     }
-    // In the view; the middle of the n-th character of a row.
+    // In the view; before the n-th character of a row.
     QPoint at(int row, int offset)
     {
         const QRectF rect = document(row).rects({offset, offset + 1}).value(0);
-        return rect.center().toPoint() + layout().row(row).box.text + QPoint(0, layout().yOf(row));
+        return QPoint(qCeil(rect.left()), qRound(rect.center().y())) + layout().row(row).box.text + QPoint(0, layout().yOf(row));
     }
     QPoint at(const ThreadTarget &target)
     {
@@ -293,10 +293,9 @@ private Q_SLOTS:
         const QString path = home.write(u"picture.png"_s, "no picture");
         const int watch = ::inotify_init1(IN_NONBLOCK);
         ::inotify_add_watch(watch, qPrintable(path), IN_OPEN | IN_ACCESS);
-        show(u"![the *plan*](%1) [![in](file://%1)](https://a.b) <img src='%1'>\n\n|![x](%1)|\n|---|\n"_s.arg(path));
+        show(u"![the plan](%1) [![in](file://%1)](https://a.b) <img src='%1'>\n\n|![x](%1)|\n|---|\n"_s.arg(path));
         m_view->grab();
         QCOMPARE(rendered().first(), u"the plan in <img src='%1'>"_s.arg(path));
-        QCOMPARE(document(0).links().size(), 1);
         char events[1024];
         QCOMPARE(::read(watch, events, sizeof events), -1);
         ::close(watch);
@@ -455,8 +454,8 @@ private Q_SLOTS:
     void selectsWithTheKeyboard()
     {
         show(u"One two\n\nthree *four*\n\nfive"_s);
-        const auto key = [this](Qt::Key key, Qt::KeyboardModifiers more = {}) {
-            QTest::keyClick(m_view.get(), key, Qt::ShiftModifier | more);
+        const auto key = [this](Qt::Key which, Qt::KeyboardModifiers more = {}) {
+            QTest::keyClick(m_view.get(), which, Qt::ShiftModifier | more);
         };
         key(Qt::Key_Right);
         QCOMPARE(copied(), u"O"_s);
@@ -526,7 +525,7 @@ private Q_SLOTS:
         view->append(reply(u"[a](http://a.b)\n\n"_s + u"text\n\n"_s.repeated(300) + u"```\ncode\n```\n"_s));
         view->finishLast();
         view->scene().scrollTo(0);
-        const auto key = [&](Qt::Key key) { QTest::keyClick(QApplication::focusWidget(), key); };
+        const auto key = [&](Qt::Key which) { QTest::keyClick(QApplication::focusWidget(), which); };
         const auto row = [&] { return view->scene().focused() ? view->scene().focused()->row : -1; };
         before.setFocus();
         QList<int> forward;
@@ -546,7 +545,6 @@ private Q_SLOTS:
     {
         static QList<std::pair<QAccessible::Event, QString>> told;
         told.clear();
-        QAccessible::setActive(true);
         QAccessible::installUpdateHandler([](QAccessibleEvent *event) {
             if (event->type() == QAccessible::Alert)
                 told.append({event->type(), event->accessibleInterface()->text(QAccessible::Name)});
@@ -581,7 +579,6 @@ private Q_SLOTS:
         QVERIFY(!last->isValid());
         QCOMPARE(view->childCount(), 0);
         QAccessible::installUpdateHandler(nullptr);
-        QAccessible::setActive(false);
     }
 
     void keepsNothingLaidOutWhileItIsHidden()
