@@ -280,15 +280,53 @@ private:
     mutable Children m_children;
 };
 
+// The reply that has ended last, as a message that appears: the bridge to the desktop knows no announcement.
+class Announcement : public PartAccessible {
+public:
+    Announcement(ThreadView &view, int row) : PartAccessible(view, row) { }
+
+    [[nodiscard]] QAccessibleInterface *parent() const override
+    {
+        return QAccessible::queryAccessibleInterface(&view());
+    }
+    [[nodiscard]] QAccessibleInterface *child(int) const override { return nullptr; }
+    [[nodiscard]] int childCount() const override { return 0; }
+    [[nodiscard]] int indexOfChild(const QAccessibleInterface *) const override { return -1; }
+    [[nodiscard]] QAccessibleInterface *childAt(int, int) const override { return nullptr; }
+    [[nodiscard]] QAccessible::Role role() const override { return QAccessible::Notification; }
+    [[nodiscard]] QRect rect() const override { return onScreen(view(), view().viewport()->rect()); }
+    [[nodiscard]] QAccessible::State state() const override { return visibility(rect()); }
+    [[nodiscard]] QString text(QAccessible::Text type) const override
+    {
+        constexpr int mostRows = 40; // more than anybody listens to at once
+        if (type != QAccessible::Name)
+            return {};
+        const int last = std::min(scene().rows().messageAt(row()).endRow(), row() + mostRows) - 1;
+        const int end = scene().layout().row(last).document->lastPosition();
+        return ThreadPositions::text(scene().rows(), scene().layout(), {{row(), 0}, {last, end}});
+    }
+};
+
 class ViewAccessible : public QAccessibleWidget {
 public:
     explicit ViewAccessible(ThreadView *view) : QAccessibleWidget(view, QAccessible::Document) { }
+    Q_DISABLE_COPY_MOVE(ViewAccessible)
+    ~ViewAccessible() override
+    {
+        if (m_announcement != 0)
+            QAccessible::deleteAccessibleInterface(m_announcement);
+    }
 
-    [[nodiscard]] int childCount() const override { return rows() + static_cast<int>(widgets().size()); }
+    [[nodiscard]] int childCount() const override
+    {
+        return rows() + static_cast<int>(widgets().size()) + (announcement() ? 1 : 0);
+    }
     [[nodiscard]] QAccessibleInterface *child(int index) const override
     {
         if (index < 0 || index >= childCount())
             return nullptr;
+        if (announcement() && index + 1 == childCount())
+            return announcement();
         if (index >= rows())
             return QAccessible::queryAccessibleInterface(widgets().at(index - rows()));
         return m_children.get(index, [=, this] { return new RowAccessible(view(), index); });
@@ -316,7 +354,21 @@ public:
         return child(focused->row)->child(static_cast<int>(all.indexOf(*focused)));
     }
 
+    void announce(int row)
+    {
+        if (m_announcement != 0)
+            QAccessible::deleteAccessibleInterface(m_announcement);
+        m_announcement = QAccessible::registerAccessibleInterface(new Announcement(view(), row));
+        QAccessibleEvent event(announcement(), QAccessible::ObjectShow);
+        QAccessible::updateAccessibility(&event);
+    }
+
 private:
+    [[nodiscard]] QAccessibleInterface *announcement() const
+    {
+        QAccessibleInterface *known = QAccessible::accessibleInterface(m_announcement);
+        return known && known->isValid() ? known : nullptr;
+    }
     [[nodiscard]] ThreadView &view() const { return *static_cast<ThreadView *>(widget()); }
     [[nodiscard]] ThreadScene &scene() const { return view().scene(); }
     [[nodiscard]] int rows() const { return scene().rows().count(); }
@@ -336,6 +388,7 @@ private:
     }
 
     mutable Children m_children;
+    QAccessible::Id m_announcement = 0;
 };
 
 QAccessibleInterface *make(const QString &, QObject *object)
@@ -353,13 +406,16 @@ void installThreadAccessibility()
 
 void announceLast(ThreadView &view)
 {
-    QAccessibleEvent event(&view, QAccessible::Alert);
-    event.setChild(std::max(0, view.scene().rows().count() - 1));
-    QAccessible::updateAccessibility(&event);
+    const ThreadRows &rows = view.scene().rows();
+    if (rows.count() > 0)
+        static_cast<ViewAccessible *>(QAccessible::queryAccessibleInterface(&view))
+            ->announce(rows.message(rows.messageCount() - 1).firstRow);
 }
 
 void tellFocus(ThreadView &view)
 {
+    if (!QAccessible::isActive())
+        return;
     QAccessibleInterface *document = QAccessible::queryAccessibleInterface(&view);
     QAccessibleInterface *focused = document->focusChild();
     QAccessibleEvent event(focused ? focused : document, QAccessible::Focus);
