@@ -141,6 +141,15 @@ RowBox make(const ThreadRows &rows, int row, BlockDocument &document, int viewWi
     return box;
 }
 
+QImage thumbnail(const QImage &picture)
+{
+    constexpr int sharpest = 3; // pixels to a point
+    const QSize most = largestPicture * sharpest;
+    if (picture.width() <= most.width() && picture.height() <= most.height())
+        return picture;
+    return picture.scaled(most, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+}
+
 int estimate(const ThreadRows &rows, int row, int viewWidth)
 {
     constexpr double characterWidth = 6.6;

@@ -2,6 +2,8 @@
 
 #include <QRect>
 
+class QImage;
+
 namespace nubble {
 
 class BlockDocument;
@@ -33,6 +35,8 @@ inline constexpr int footerGap = 12;  // below the last row, and around the foot
 [[nodiscard]] int textWidth(const ThreadRows &rows, int row, int viewWidth);
 // Fits the document of a question, too.
 [[nodiscard]] RowBox make(const ThreadRows &rows, int row, BlockDocument &document, int viewWidth);
+// What is kept of a question's picture.
+[[nodiscard]] QImage thumbnail(const QImage &picture);
 // About how tall the row will be.
 [[nodiscard]] int estimate(const ThreadRows &rows, int row, int viewWidth);
 

@@ -49,6 +49,13 @@ QRect onScreen(ThreadView &view, const QRect &inView)
     return {view.viewport()->mapToGlobal(inView.topLeft()), inView.size()};
 }
 
+QString describe(const ThreadMessage &message)
+{
+    if (message.kind == ThreadMessage::Kind::Reply)
+        return u"Reply"_s;
+    return message.caption.isEmpty() ? u"Question"_s : u"Question, with "_s + message.caption;
+}
+
 // Has no object of its own: it is found by its row, which may be gone.
 class PartAccessible : public QAccessibleInterface {
 public:
@@ -213,7 +220,7 @@ public:
     [[nodiscard]] QString text(QAccessible::Text type) const override
     {
         if (type == QAccessible::Description)
-            return scene().rows().messageAt(row()).isReply() ? u"Reply"_s : u"Question"_s;
+            return describe(scene().rows().messageAt(row()).content);
         if (type != QAccessible::Name)
             return {};
         const int end = laid().document->lastPosition();
@@ -407,7 +414,7 @@ void installThreadAccessibility()
 void announceLast(ThreadView &view)
 {
     const ThreadRows &rows = view.scene().rows();
-    if (rows.count() > 0)
+    if (rows.messageCount() > 0 && !rows.message(rows.messageCount() - 1).blocks().empty())
         static_cast<ViewAccessible *>(QAccessible::queryAccessibleInterface(&view))
             ->announce(rows.message(rows.messageCount() - 1).firstRow);
 }

@@ -43,6 +43,7 @@ public:
     [[nodiscard]] const std::optional<ThreadTarget> &hovered() const { return m_hovered; }
     [[nodiscard]] const std::optional<ThreadTarget> &focused() const { return m_focused; }
     [[nodiscard]] QUrl hoveredUrl() const { return m_hoveredUrl; }
+    [[nodiscard]] QString toolTipAt(const QPoint &point);
     void hover(const std::optional<QPoint> &point);
     void focus(const std::optional<ThreadTarget> &target); // and shows it
     [[nodiscard]] bool focusNext(int step);                // false: there is no further one

@@ -95,7 +95,9 @@ void ThreadView::clear()
 
 void ThreadView::append(const ThreadMessage &message)
 {
-    m_scene->rows().append(message);
+    ThreadMessage added = message;
+    added.picture = RowBoxes::thumbnail(message.picture);
+    m_scene->rows().append(added);
     if (message.kind == ThreadMessage::Kind::Question)
         m_scene->layout().scrollToEnd();
     takeInSoon();
@@ -135,10 +137,8 @@ void ThreadView::setFooter(QWidget *footer)
 {
     if (m_footer == footer)
         return;
-    if (m_footer) {
+    if (m_footer)
         m_footer->hide();
-        m_footer->deleteLater();
-    }
     m_footer = footer;
     if (footer) {
         footer->setParent(viewport());
@@ -150,6 +150,8 @@ void ThreadView::setFooter(QWidget *footer)
 // Its height counts, so everything may move.
 void ThreadView::placeFooter()
 {
+    if (m_footer && m_footer->parentWidget() != viewport())
+        m_footer.clear();
     const int width = std::max(0, viewport()->width() - 2 * RowBoxes::side);
     const bool followsWidth = m_footer && m_footer->hasHeightForWidth();
     const int height = !m_footer ? 0
@@ -210,16 +212,18 @@ bool ThreadView::viewportEvent(QEvent *event)
 {
     switch (event->type()) {
     case QEvent::LayoutRequest: // of the footer
+    case QEvent::ChildRemoved:  // perhaps it
         placeFooter();
         break;
     case QEvent::Leave:
         m_scene->hover(std::nullopt);
         break;
     case QEvent::ToolTip: {
-        const QString text = shownLink(m_scene->hoveredUrl());
+        const auto *help = static_cast<const QHelpEvent *>(event);
+        const QString text = m_scene->toolTipAt(help->pos());
         // Escaped and told to be rich, so that no address is taken for what it looks like.
         const QString rich = text.isEmpty() ? text : u"<qt>"_s + text.toHtmlEscaped() + u"</qt>"_s;
-        QToolTip::showText(static_cast<const QHelpEvent *>(event)->globalPos(), rich, viewport());
+        QToolTip::showText(help->globalPos(), rich, viewport());
         return true;
     }
     default:
@@ -294,7 +298,11 @@ void ThreadView::mouseReleaseEvent(QMouseEvent *event)
 
 void ThreadView::wheelEvent(QWheelEvent *event)
 {
-    QAbstractScrollArea::wheelEvent(event);
+    // Not by way of the scroll bar, which only knows how much there may be above.
+    constexpr int notch = 60;
+    const int pixels =
+        event->pixelDelta().y() != 0 ? event->pixelDelta().y() : event->angleDelta().y() * notch / 120;
+    m_scene->scrollBy(-pixels);
     event->accept(); // at either end too: the wheel is meant for this text
     m_scene->hover(event->position().toPoint());
 }

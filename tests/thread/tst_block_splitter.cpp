@@ -105,10 +105,19 @@ const std::initializer_list<std::pair<QString, QStringList>> structures{
 
 QString randomText(QRandomGenerator &random)
 {
-    static const QStringList pieces{
-        u"- "_s,   u"1. "_s, u"10) "_s,  u"> "_s,    u"```\n"_s, u"~~~"_s,  u"\n"_s,   u"\n\n"_s,    u"  "_s,
-        u"    "_s, u"\t"_s,  u"# "_s,    u"---"_s,   u"==="_s,   u"| a "_s, u"|"_s,    u"\n|-|-|\n"_s, u"*b*"_s,
-        u"`c`"_s,  u"\r\n"_s, u"[x] "_s, u"word "_s, u"😀"_s,     u"[a](b)"_s, u"\\"_s, u"long"_s.repeated(700)};
+    static const QStringList pieces{u"- "_s,        u"1. "_s,
+                                    u"10) "_s,      u"> "_s,
+                                    u"```\n"_s,     u"~~~"_s,
+                                    u"\n"_s,        u"\n\n"_s,
+                                    u"  "_s,        u"    "_s,
+                                    u"\t"_s,        u"# "_s,
+                                    u"---"_s,       u"==="_s,
+                                    u"| a "_s,      u"|"_s,
+                                    u"\n|-|-|\n"_s, u"*b*"_s,
+                                    u"`c`"_s,       u"\r\n"_s,
+                                    u"[x] "_s,      u"word "_s,
+                                    u"😀"_s,         u"[a](b)"_s,
+                                    u"\\"_s,        u"long"_s.repeated(700)};
     QString text;
     for (int i = random.bounded(40); i >= 0; --i)
         text += pieces.at(random.bounded(pieces.size()));
@@ -169,7 +178,8 @@ private Q_SLOTS:
         QTest::newRow("item") << u"- "_s + words << words;
         QTest::newRow("heading") << u"# "_s + words << QString();
         QTest::newRow("table") << u"|a|b|\n|-|-|\n"_s + u"|c|d|\n"_s.repeated(5000) << QString();
-        QTest::newRow("columns") << u"|"_s.repeated(400) + u"\n"_s + u"|-"_s.repeated(399) + u"|\n|1|\n"_s << QString();
+        QTest::newRow("columns") << u"|"_s.repeated(400) + u"\n"_s + u"|-"_s.repeated(399) + u"|\n|1|\n"_s
+                                 << QString();
         QTest::newRow("quotes") << u">"_s.repeated(100'000) << QString();
         QTest::newRow("markers") << u"- "_s.repeated(20'000) << QString();
         QTest::newRow("spaces") << u" "_s.repeated(100'000) << QString();
@@ -193,7 +203,8 @@ private Q_SLOTS:
         if (!joined.isNull())
             QVERIFY(together.trimmed() == joined.trimmed());
         std::vector<Block> plain = plainBlocks(text);
-        QVERIFY(std::all_of(plain.begin(), plain.end(), [](const Block &each) { return each.length <= 4096; }));
+        QVERIFY(
+            std::all_of(plain.begin(), plain.end(), [](const Block &each) { return each.length <= 4096; }));
         QCOMPARE(plain.back().end(), text.endsWith(u'\n') ? text.size() - 1 : text.size());
     }
 
@@ -213,7 +224,8 @@ private Q_SLOTS:
 
     void takesOutWhatDocumentsCannotBear()
     {
-        const QString text = u"a"_s + QString(500, QChar(0x301)) + u"b\u2029c\uFDD0d\uFFFC"_s + QChar(u'\0') + u"e\r"_s;
+        const QString text =
+            u"a"_s + QString(500, QChar(0x301)) + u"b\u2029c\uFDD0d\uFFFC"_s + QChar(u'\0') + u"e\r"_s;
         Block block;
         block.length = text.size();
         const QString expected = u"a"_s + QString(8, QChar(0x301)) + u"b�c�d��e"_s;
