@@ -21,7 +21,6 @@ namespace nubble {
 
 namespace {
 
-constexpr double tablePadding = 6;
 qsizetype imported = 0;
 
 QTextBlockFormat lines(double percent)
@@ -118,7 +117,7 @@ BlockDocument::BlockDocument(QStringView source, const Block &block, double widt
     else if (block.kind == Block::Kind::Code)
         cursor.insertText(BlockSource::code(source, block));
     else if (block.kind == Block::Kind::Table)
-        import(BlockSource::table(source, block));
+        importTable(source, block);
     else if (block.kind != Block::Kind::Rule)
         import(BlockSource::paragraph(source, block));
     cursor.select(QTextCursor::Document);
@@ -138,6 +137,16 @@ void BlockDocument::import(const QString &markdown)
     setMarkdown(markdown, MarkdownFeatures(MarkdownDialectGitHub) | MarkdownNoHTML);
 }
 
+void BlockDocument::importTable(QStringView source, const Block &block)
+{
+    import(BlockSource::table(source, block));
+    // Until the editing ends, frames do not know their children.
+    for (int i = 0; !m_table && object(i); ++i)
+        m_table = qobject_cast<QTextTable *>(object(i));
+    if (m_table && block.continues && m_table->rows() > 1)
+        m_table->removeRows(0, 1); // the header, which the first part shows
+}
+
 // A picture is never shown; what it is called stands in its place.
 void BlockDocument::describePictures()
 {
@@ -147,8 +156,6 @@ void BlockDocument::describePictures()
         if (!piece.format.isImageFormat())
             continue;
         QTextCharFormat text;
-        text.setAnchor(piece.format.isAnchor());
-        text.setAnchorHref(piece.format.anchorHref());
         text.setFontItalic(true);
         const QString name = piece.format.stringProperty(QTextFormat::ImageAltText).simplified();
         select(this, piece).insertText(name.isEmpty() ? u"[picture]"_s : name, text);
@@ -186,13 +193,12 @@ void BlockDocument::addLink(const TextLink &link)
 
 void BlockDocument::formatTable(QStringView source, const Block &block, double width)
 {
-    const QList<QTextFrame *> frames = rootFrame()->childFrames();
-    m_table = frames.isEmpty() ? nullptr : qobject_cast<QTextTable *>(frames.first());
     if (!m_table)
         return;
     const QString sample = BlockSource::tableSample(source, block);
     QList<QTextLength> columns;
-    for (const double each : tableColumns(sample, QFontMetricsF(defaultFont()), tablePadding, width))
+    for (const double each :
+         tableColumns(sample, QFontMetricsF(defaultFont()), tablePadding, width + 2 * tablePadding))
         columns.append(QTextLength(QTextLength::FixedLength, each));
     QTextTableFormat format;
     format.setBorder(0);
@@ -200,10 +206,29 @@ void BlockDocument::formatTable(QStringView source, const Block &block, double w
     format.setCellPadding(tablePadding);
     format.setColumnWidthConstraints(columns);
     m_table->setFormat(format);
-    if (block.continues && m_table->rows() > 1) {
-        m_table->removeRows(0, 1);
-        return;
+    if (!block.continues)
+        formatHeader();
+    lowerCode();
+}
+
+// A cell that begins with code would stand higher than the text beside it.
+void BlockDocument::lowerCode()
+{
+    const QFontMetricsF text(defaultFont());
+    for (const TextRange &span : m_codeSpans) {
+        QTextCursor cursor(this);
+        cursor.setPosition(span.from);
+        if (!cursor.atBlockStart() || span.to - span.from + 1 < cursor.block().length())
+            continue;
+        const QFontMetricsF code(cursor.block().begin().fragment().charFormat().font());
+        QTextBlockFormat format;
+        format.setTopMargin(std::max(0.0, text.ascent() - code.ascent()));
+        cursor.mergeBlockFormat(format);
     }
+}
+
+void BlockDocument::formatHeader()
+{
     QTextCharFormat header;
     header.setFontWeight(QFont::DemiBold);
     header.setForeground(Palette::textSecondary);
@@ -212,6 +237,11 @@ void BlockDocument::formatTable(QStringView source, const Block &block, double w
         QTextCursor text = cell.firstCursorPosition();
         text.setPosition(cell.lastPosition(), QTextCursor::KeepAnchor);
         text.mergeCharFormat(header);
+        if (m_table->rows() == 1)
+            continue;
+        QTextBlockFormat aligned; // which the importer forgets
+        aligned.setAlignment(m_table->cellAt(1, column).firstCursorPosition().blockFormat().alignment());
+        text.mergeBlockFormat(aligned);
     }
 }
 
@@ -236,8 +266,9 @@ QList<QRectF> BlockDocument::rects(const TextRange &range) const
             const double left = line.cursorToX(from - block.position());
             const double right = line.cursorToX(to - block.position());
             const double top = line.y() + line.height() - line.ascent() - line.descent();
-            result.append(QRectF(std::min(left, right), top, std::abs(right - left), line.height() - top + line.y())
-                              .translated(origin));
+            result.append(
+                QRectF(std::min(left, right), top, std::abs(right - left), line.height() - top + line.y())
+                    .translated(origin));
         }
     }
     return result;

@@ -3,7 +3,7 @@
 #include <QTextDocument>
 #include <QUrl>
 
-#include "Thread/BlockSplitter.h"
+#include "Thread/Block.h"
 
 class QTextTable;
 
@@ -25,6 +25,8 @@ struct TextLink : TextRange {
 // One block laid out. What it says is foreign: nothing outside is looked at, whatever it names.
 class BlockDocument : public QTextDocument {
 public:
+    static constexpr double tablePadding = 6; // of cells; the outer ones hang over the width
+
     // `isPlain`: the text stands for itself, whatever kind the block is of.
     BlockDocument(QStringView source, const Block &block, double width, bool isPlain);
 
@@ -44,10 +46,13 @@ protected:
 
 private:
     void import(const QString &markdown);
+    void importTable(QStringView source, const Block &block);
     void describePictures();
     void formatText();
     void addLink(const TextLink &link);
     void formatTable(QStringView source, const Block &block, double width);
+    void formatHeader();
+    void lowerCode();
 
     QList<TextLink> m_links;
     QList<TextRange> m_codeSpans;

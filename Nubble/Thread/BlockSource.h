@@ -2,11 +2,11 @@
 
 #include <QString>
 
-#include "Thread/BlockSplitter.h"
+#include "Thread/Block.h"
 
-// What a block says, without what it stands in: quotation marks and indentation are gone. Pure; `source` is the
-// text that the block was cut from. What would cost far more to lay out than it is long, or would take the
-// toolkit's documents apart, is gone as well: stacks of accents, control characters of documents.
+// What a block says, without what it stands in: quotation marks and indentation are gone. Pure; `source` is
+// the text that the block was cut from. What would cost far more to lay out than it is long, or would take
+// the toolkit's documents apart, is gone as well: stacks of accents, control characters of documents.
 namespace nubble::BlockSource {
 
 [[nodiscard]] QString plain(QStringView source, const Block &block);

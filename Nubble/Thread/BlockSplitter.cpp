@@ -13,34 +13,6 @@ namespace {
 
 constexpr int anyNumber = std::numeric_limits<int>::max();
 
-// Where a piece of a line that is too long ends: behind a space in its second half, else where it must.
-qsizetype cutPoint(QStringView longest)
-{
-    const qsizetype space = longest.lastIndexOf(u' ');
-    if (space > longest.size() / 2)
-        return space + 1;
-    return longest.size() - (longest.back().isHighSurrogate() ? 1 : 0);
-}
-
-struct Piece {
-    qsizetype length = 0;
-    qsizetype next = 0; // from the piece's start
-    bool endsLine = true;
-};
-
-// The next line, or as much of it as a line may have; nothing when more may be missing.
-std::optional<Piece> nextPiece(QStringView text)
-{
-    const QStringView window = text.left(BlockSplitter::longestParagraph + 1);
-    const qsizetype newline = window.indexOf(u'\n');
-    if (newline >= 0)
-        return Piece{newline, newline + 1, true};
-    if (window.size() <= BlockSplitter::longestParagraph)
-        return std::nullopt;
-    const qsizetype cut = cutPoint(window.chopped(1));
-    return Piece{cut, cut, false};
-}
-
 QStringView withoutClosingMarks(QStringView heading)
 {
     const QStringView trimmed = heading.trimmed();
@@ -54,9 +26,7 @@ Block::Marker taskMarker(QStringView rest)
     if (rest.size() < 4 || rest.front() != u'[' || rest.at(2) != u']' || rest.at(3) != u' ')
         return Block::Marker::None;
     const QChar state = rest.at(1).toLower();
-    return state == u'x' ? Block::Marker::Done
-        : state == u' '  ? Block::Marker::ToDo
-                         : Block::Marker::None;
+    return state == u'x' ? Block::Marker::Done : state == u' ' ? Block::Marker::ToDo : Block::Marker::None;
 }
 
 } // namespace
@@ -120,9 +90,9 @@ void BlockSplitter::resumeLine(const Line &line)
     case Open::Fence:
     case Open::Indented:
     case Open::Table:
-        return extend(line, longestPart, anyNumber);
+        return extend(line, BlockLimits::part, anyNumber);
     case Open::Paragraph:
-        return extend(line, longestParagraph, anyNumber);
+        return extend(line, BlockLimits::paragraph, anyNumber);
     case Open::None:
         break;
     }
@@ -146,7 +116,7 @@ bool BlockSplitter::readFenced(Line line)
         return true;
     }
     skipColumns(line, column);
-    extend(line, longestPart, mostCodeLines);
+    extend(line, BlockLimits::part, BlockLimits::lines);
     return true;
 }
 
@@ -198,7 +168,7 @@ void BlockSplitter::readContent(Line line)
             begin(Block::Kind::Code, line.at, line.at).column = 4;
         m_state.open = Open::Indented;
         skipColumns(line, 4);
-        return extend(line, longestPart, mostCodeLines);
+        return extend(line, BlockLimits::part, BlockLimits::lines);
     }
     const bool isText = isIndented && m_state.open == Open::Paragraph;
     if (isText || (!readOpen(start) && !readBlockStart(start)))
@@ -210,7 +180,7 @@ bool BlockSplitter::readOpen(const Line &line)
 {
     if (m_state.open == Open::Table) {
         if (rest(line).contains(u'|') && !startsBlock(line)) {
-            extend(line, longestPart, mostRows);
+            extend(line, BlockLimits::part, BlockLimits::rows);
             return true;
         }
         close();
@@ -336,8 +306,7 @@ bool BlockSplitter::beginTable(const Line &line)
         return false;
     if (header > last.start) { // there is text above
         const Block above = last;
-        m_blocks.back().length =
-            m_text.first(header).lastIndexOf(u'\n', header - 1) - above.start;
+        m_blocks.back().length = m_text.first(header).lastIndexOf(u'\n', header - 1) - above.start;
         begin(Block::Kind::Table, header, line.end);
     }
     Block &table = m_blocks.back();
@@ -362,7 +331,7 @@ void BlockSplitter::readText(const Line &line)
         m_state.open = Open::Paragraph;
     }
     m_state.lastLine = line.at;
-    extend(line, longestParagraph, anyNumber);
+    extend(line, BlockLimits::paragraph, anyNumber);
 }
 
 void BlockSplitter::leaveLists(int column)
@@ -398,6 +367,7 @@ Block &BlockSplitter::begin(Block::Kind kind, qsizetype start, qsizetype end)
     block.number = m_state.lists.isEmpty() ? 0 : m_state.lists.back().mark.number;
     block.depth = static_cast<int>(m_state.lists.size() + m_state.outside.size());
     block.quotes = m_state.quotes;
+    block.outside = static_cast<int>(m_state.outside.size());
     block.start = start;
     block.length = end - start;
     m_blocks.push_back(block);
@@ -407,8 +377,7 @@ Block &BlockSplitter::begin(Block::Kind kind, qsizetype start, qsizetype end)
 // Adds the line to the last block, or to a new one that continues it.
 void BlockSplitter::extend(const Line &line, qsizetype longest, int mostLines)
 {
-    if (m_state.lines > 0
-        && (line.end - m_blocks.back().start > longest || m_state.lines >= mostLines)) {
+    if (m_state.lines > 0 && (line.end - m_blocks.back().start > longest || m_state.lines >= mostLines)) {
         m_blocks.push_back(m_blocks.back());
         m_blocks.back().continues = true;
         m_blocks.back().marker = Block::Marker::None;
@@ -423,28 +392,6 @@ void BlockSplitter::close()
 {
     m_state.open = Open::None;
     m_state.lines = 0;
-}
-
-std::vector<Block> plainBlocks(QStringView text)
-{
-    std::vector<Block> blocks{Block{}};
-    int lines = 0;
-    for (qsizetype at = 0; at < text.size();) {
-        const Piece piece = nextPiece(text.sliced(at)).value_or(Piece{text.size() - at, text.size() - at, true});
-        const bool isFull = at + piece.length - blocks.back().start > BlockSplitter::longestPart
-            || lines >= BlockSplitter::mostCodeLines;
-        if (isFull) {
-            Block next;
-            next.start = at;
-            next.continues = true;
-            blocks.push_back(next);
-            lines = 0;
-        }
-        blocks.back().length = at + piece.length - blocks.back().start;
-        lines += piece.endsLine ? 1 : 0;
-        at += piece.next;
-    }
-    return blocks;
 }
 
 } // namespace nubble

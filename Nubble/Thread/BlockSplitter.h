@@ -5,42 +5,16 @@
 
 #include <vector>
 
+#include "Thread/Block.h"
 #include "Thread/MarkdownLine.h"
 
 namespace nubble {
 
-// A piece of a text that is laid out and drawn by itself, so bounded in size. Positions are characters of the
-// text; a block whose thing is larger than a block may be is continued by the next one.
-struct Block {
-    enum class Kind { Paragraph, Heading, Code, Table, Rule };
-    enum class Marker { None, Bullet, Number, ToDo, Done };
-
-    Kind kind = Kind::Paragraph;
-    Marker marker = Marker::None;
-    bool continues = false; // the same thing as the block before
-    int level = 0;          // of a heading
-    int number = 0;         // beside the first line of an item
-    int depth = 0;          // of the lists around it
-    int quotes = 0;         // around it
-    int column = 0;         // of code: what stands before it belongs to what is around it
-    qsizetype start = 0;    // its lines, without marks of lists and headings, fences and a table's head
-    qsizetype length = 0;
-    qsizetype head = 0; // the language of a fence; a table's header and the line below
-    qsizetype headLength = 0;
-
-    [[nodiscard]] qsizetype end() const { return start + length; }
-    bool operator==(const Block &) const = default;
-};
-
-// Cuts a growing Markdown text into blocks, looking at each complete line once: the cost follows what has been
-// added. Lists and quotes are flat, every item a block that knows its depth and its number. More lenient than
-// the standard where replies are commonly careless about indentation. Pure.
+// Cuts a growing Markdown text into blocks, looking at each complete line once: the cost follows what has
+// been added. Lists and quotes are flat, every item a block that knows its depth and its number. More lenient
+// than the standard where replies are commonly careless about indentation. Pure.
 class BlockSplitter {
 public:
-    static constexpr qsizetype longestParagraph = 2048; // characters, also of a line
-    static constexpr qsizetype longestPart = 4096;      // of code and tables
-    static constexpr int mostRows = 40;                 // of a table's part
-    static constexpr int mostCodeLines = 128;
     static constexpr qsizetype mostColumns = 32; // wider tables are code
     static constexpr int deepest = 32;           // lists and quotes
 
@@ -60,7 +34,7 @@ private:
         MarkdownLine::Fence fence;
         int quotes = 0;
         Lists lists;
-        Lists outside; // the quote
+        Lists outside;                              // the quote
         Block::Marker marker = Block::Marker::None; // waits for the item's first block
         int lines = 0;                              // of the open block
         qsizetype lastLine = 0;                     // of the open paragraph: where it starts
@@ -72,7 +46,10 @@ private:
         int column = 0;   // there
     };
 
-    [[nodiscard]] QStringView rest(const Line &line) const { return m_text.sliced(line.at, line.end - line.at); }
+    [[nodiscard]] QStringView rest(const Line &line) const
+    {
+        return m_text.sliced(line.at, line.end - line.at);
+    }
     void readLine(Line line, bool isWhole);
     void resumeLine(const Line &line);
     [[nodiscard]] bool readFenced(Line line);
@@ -105,8 +82,5 @@ private:
     std::vector<Block>::size_type m_settledBlocks = 0;
     Block m_settledLast;
 };
-
-// The same for plain text: parts of at most 4 KB, cut at a line's end where there is one.
-[[nodiscard]] std::vector<Block> plainBlocks(QStringView text);
 
 } // namespace nubble

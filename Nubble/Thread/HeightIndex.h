@@ -4,8 +4,8 @@
 
 namespace nubble {
 
-// Heights in a row, and where each begins: adding one, changing one and finding one cost the logarithm of their
-// number (a Fenwick tree). Pure.
+// Heights in a row, and where each begins: adding one, changing one and finding one cost the logarithm of
+// their number (a Fenwick tree). Pure.
 class HeightIndex {
 public:
     [[nodiscard]] int count() const { return static_cast<int>(m_heights.size()); }

@@ -5,8 +5,8 @@
 
 #include <optional>
 
-// What one line of Markdown can be the start of. Pure; a line has no line break, and where it is called `rest`
-// no indentation either.
+// What one line of Markdown can be the start of. Pure; a line has no line break, and where it is called
+// `rest` no indentation either.
 namespace nubble::MarkdownLine {
 
 struct Indent {

@@ -18,7 +18,7 @@ constexpr int codePaddingX = 12;
 constexpr int codePaddingY = 10;
 constexpr int codeHeader = 30;
 constexpr int captionHeight = 20;
-constexpr int actions = 30; // below a reply
+constexpr int actions = 28; // below a reply
 constexpr QSize largestPicture(200, 120);
 constexpr QSize copyCodeSize(62, 22);
 constexpr QSize copyReplySize(24, 24);
@@ -42,7 +42,7 @@ int gapAbove(const ThreadRows &rows, int row)
 {
     if (!rows.isFirst(row))
         return rows.messageAt(row).isReply() ? gapWithinReply(rows.block(row - 1), rows.block(row)) : 0;
-    return row == 0 ? 14 : rows.messageAt(row).isReply() ? 18 : 10;
+    return row == 0 ? 14 : rows.messageAt(row).isReply() ? 16 : 8;
 }
 
 int bubbleWidth(int viewWidth)
@@ -89,24 +89,27 @@ RowBox questionBox(const ThreadRows &rows, int row, BlockDocument &document, int
 void addCode(RowBox &box, const ThreadRows &rows, int row, int documentHeight, int viewWidth)
 {
     const auto [first, end] = rows.parts(row);
-    const int left = side + indent(rows, row);
+    const int left = side + indent(rows.block(row));
     const int above = row == first ? codeHeader : 0;
     const int below = row + 1 == end ? codePaddingY : 0;
     box.panel = QRect(left, box.height, viewWidth - side - left, above + documentHeight + below);
     box.text = box.panel.topLeft() + QPoint(codePaddingX, above);
     if (row == first)
-        box.copyCode = QRect(
-            QPoint(box.panel.right() - copyCodeSize.width() - 3, box.panel.top() + 4), copyCodeSize);
+        box.copyCode =
+            QRect(QPoint(box.panel.right() - copyCodeSize.width() - 3, box.panel.top() + 4), copyCodeSize);
     box.height += box.panel.height();
 }
 
 } // namespace
 
-int indent(const ThreadRows &rows, int row)
+int indent(const Block &block)
 {
-    constexpr int deepest = 7; // is shown; what is deeper stands below one another
-    const Block &block = rows.block(row);
     return std::min(block.depth, deepest) * listWidth + std::min(block.quotes, deepest) * quoteWidth;
+}
+
+int quoteLine(const Block &block)
+{
+    return side + std::min(block.outside, deepest) * listWidth;
 }
 
 int textWidth(const ThreadRows &rows, int row, int viewWidth)
@@ -114,7 +117,7 @@ int textWidth(const ThreadRows &rows, int row, int viewWidth)
     if (!rows.messageAt(row).isReply())
         return bubbleWidth(viewWidth) - 2 * bubblePaddingX;
     const int padding = rows.block(row).kind == Block::Kind::Code ? codePaddingX : 0;
-    return std::max(60, viewWidth - 2 * side - indent(rows, row) - 2 * padding);
+    return std::max(60, viewWidth - 2 * side - indent(rows.block(row)) - 2 * padding);
 }
 
 RowBox make(const ThreadRows &rows, int row, BlockDocument &document, int viewWidth)
@@ -123,8 +126,10 @@ RowBox make(const ThreadRows &rows, int row, BlockDocument &document, int viewWi
         return questionBox(rows, row, document, viewWidth);
     RowBox box;
     box.height = gapAbove(rows, row);
-    box.text = {side + indent(rows, row), box.height};
+    box.text = {side + indent(rows.block(row)), box.height};
     const Block::Kind kind = rows.block(row).kind;
+    if (kind == Block::Kind::Table)
+        box.text.rx() -= static_cast<int>(BlockDocument::tablePadding);
     if (kind == Block::Kind::Code)
         addCode(box, rows, row, document.height(), viewWidth);
     else
@@ -134,6 +139,15 @@ RowBox make(const ThreadRows &rows, int row, BlockDocument &document, int viewWi
         box.height += actions;
     }
     return box;
+}
+
+QImage thumbnail(const QImage &picture)
+{
+    constexpr int sharpest = 3; // pixels to a point
+    const QSize most = largestPicture * sharpest;
+    if (picture.width() <= most.width() && picture.height() <= most.height())
+        return picture;
+    return picture.scaled(most, Qt::KeepAspectRatio, Qt::SmoothTransformation);
 }
 
 int estimate(const ThreadRows &rows, int row, int viewWidth)

@@ -2,10 +2,13 @@
 
 #include <QRect>
 
+class QImage;
+
 namespace nubble {
 
 class BlockDocument;
 class ThreadRows;
+struct Block;
 
 // Where the parts of a row are, from its own upper left corner; device-independent pixels. Pure.
 struct RowBox {
@@ -23,12 +26,17 @@ namespace RowBoxes {
 inline constexpr int side = 18;       // between the view's edge and the text
 inline constexpr int quoteWidth = 14; // that each quote takes
 inline constexpr int listWidth = 20;  // that each list takes
-inline constexpr int footerGap = 12;  // below the last row
+inline constexpr int deepest = 7;     // that is shown; what is deeper stands below one another
+inline constexpr int footerGap = 12;  // below the last row, and around the footer
 
-[[nodiscard]] int indent(const ThreadRows &rows, int row); // of a reply's text
+[[nodiscard]] int indent(const Block &block); // of a reply's text
+// Where the line beside the outermost quote is; the next ones follow, a `quoteWidth` apart.
+[[nodiscard]] int quoteLine(const Block &block);
 [[nodiscard]] int textWidth(const ThreadRows &rows, int row, int viewWidth);
 // Fits the document of a question, too.
 [[nodiscard]] RowBox make(const ThreadRows &rows, int row, BlockDocument &document, int viewWidth);
+// What is kept of a question's picture.
+[[nodiscard]] QImage thumbnail(const QImage &picture);
 // About how tall the row will be.
 [[nodiscard]] int estimate(const ThreadRows &rows, int row, int viewWidth);
 

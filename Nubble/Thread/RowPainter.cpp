@@ -25,8 +25,9 @@ constexpr double codeRadius = 10;
 // Everything that drawing one row needs to know.
 class RowDrawing {
 public:
-    RowDrawing(QPainter &painter, const QPoint &corner, const ThreadRows &rows, int index,
-               const ThreadLayout::Row &row, const RowLook &look)
+    RowDrawing(
+        QPainter &painter, const QPoint &corner, const ThreadRows &rows, int index,
+        const ThreadLayout::Row &row, const RowLook &look)
         : m_painter(painter), m_corner(corner), m_rows(rows), m_index(index), m_row(row), m_look(look),
           m_block(rows.block(index)), m_isReply(rows.messageAt(index).isReply())
     {
@@ -59,7 +60,8 @@ private:
     void drawLine(double left, double right, double y) const
     {
         const double scale = m_painter.device()->devicePixelRatioF();
-        m_painter.fillRect(QRectF(left, snapped(y), right - left, std::floor(scale) / scale), Palette::cardLine);
+        m_painter.fillRect(
+            QRectF(left, snapped(y), right - left, std::floor(scale) / scale), Palette::cardLine);
     }
     [[nodiscard]] bool isLook(const std::optional<ThreadTarget> &target, ThreadTarget::Kind kind) const
     {
@@ -68,20 +70,15 @@ private:
 
     void drawQuotes() const
     {
-        constexpr int deepest = 7;
-        const int quotes = m_isReply ? std::min(m_block.quotes, deepest) : 0;
-        const bool joins = m_index > 0 && !m_rows.isFirst(m_index)
-            && m_rows.block(m_index - 1).quotes >= m_block.quotes;
-        const double text = m_corner.y() + std::min(m_row.box.text.y(), m_row.box.panel.isNull() ? 1 << 20 : m_row.box.panel.y());
-        const double top = snapped(joins ? m_corner.y() : text);
-        const int below = m_row.box.copyReply.isNull() ? 0 : m_row.box.height - m_row.box.copyReply.top() + 4;
-        const double bottom = snapped(m_corner.y() + m_row.box.height - below);
-        m_painter.setPen(Qt::NoPen);
-        m_painter.setBrush(Palette::ringTrack);
+        const int quotes = m_isReply ? std::min(m_block.quotes, RowBoxes::deepest) : 0;
+        const bool joins = !m_rows.isFirst(m_index) && m_rows.block(m_index - 1).quotes >= m_block.quotes;
+        const int above = m_row.box.panel.isNull() ? m_row.box.text.y() : m_row.box.panel.top();
+        const int below = m_row.box.copyReply.isNull() ? m_row.box.height : m_row.box.copyReply.top() - 4;
+        const double top = snapped(m_corner.y() + (joins ? 0 : above));
+        const double bottom = snapped(m_corner.y() + below);
         for (int i = 0; i < quotes; ++i) {
-            const double x = m_corner.x() + m_row.box.text.x() - (quotes - i) * RowBoxes::quoteWidth
-                - (m_row.box.panel.isNull() ? 0 : m_row.box.text.x() - m_row.box.panel.x());
-            m_painter.drawRect(QRectF(x, top, 2, bottom - top));
+            const double x = m_corner.x() + RowBoxes::quoteLine(m_block) + i * RowBoxes::quoteWidth;
+            m_painter.fillRect(QRectF(x, top, 2, bottom - top), Palette::ringTrack);
         }
     }
 
@@ -112,7 +109,8 @@ private:
         m_painter.setBrush(Palette::codeSpan);
         for (const TextRange &span : m_row.document->codeSpans())
             for (const QRectF &rect : m_row.document->rects(span))
-                m_painter.drawRoundedRect(rect.translated(m_row.box.text + m_corner).adjusted(-2, 0, 2, 1), 4, 4);
+                m_painter.drawRoundedRect(
+                    rect.translated(m_row.box.text + m_corner).adjusted(-2, 0, 2, 1), 4, 4);
     }
 
     void drawMarker() const
@@ -121,7 +119,8 @@ private:
             return;
         const QFontMetricsF metrics(Typography::reading());
         const QRectF line = m_row.document->rects({0, 1}).value(0, QRectF(0, 2, 1, metrics.height()));
-        const QPointF text = m_corner + (m_row.box.panel.isNull() ? m_row.box.text : m_row.box.panel.topLeft());
+        const QPointF text =
+            m_corner + (m_row.box.panel.isNull() ? m_row.box.text : m_row.box.panel.topLeft());
         const QRectF gutter(text.x() - 60, text.y() + line.top(), 60, line.height());
         if (m_block.marker == Block::Marker::Number)
             drawNumber(gutter);
@@ -136,7 +135,8 @@ private:
         m_painter.setFont(Typography::reading());
         m_painter.setPen(Palette::textSecondary);
         m_painter.drawText(
-            gutter.adjusted(0, 0, -6, 0), Qt::AlignRight | Qt::AlignVCenter, QString::number(m_block.number) + u'.');
+            gutter.adjusted(0, 0, -6, 0), Qt::AlignRight | Qt::AlignVCenter,
+            QString::number(m_block.number) + u'.');
     }
 
     void drawBullet(double y, double x) const
@@ -162,18 +162,14 @@ private:
     void drawText() const
     {
         if (m_isReply && m_block.kind == Block::Kind::Rule)
-            return drawLine(m_corner.x() + m_row.box.text.x(), m_corner.x() + textRight(), m_corner.y() + m_row.box.text.y());
+            return drawLine(
+                m_corner.x() + m_row.box.text.x(), m_corner.x() + textRight(),
+                m_corner.y() + m_row.box.text.y());
         QAbstractTextDocumentLayout::PaintContext context;
         const bool isDimmed = m_isReply && m_block.quotes > 0;
         context.palette.setColor(QPalette::Text, isDimmed ? Palette::textSecondary : Palette::textPrimary);
-        if (m_look.selected.from < m_look.selected.to) {
-            QAbstractTextDocumentLayout::Selection selection;
-            selection.cursor = QTextCursor(m_row.document.get());
-            selection.cursor.setPosition(m_look.selected.from);
-            selection.cursor.setPosition(m_look.selected.to, QTextCursor::KeepAnchor);
-            selection.format.setBackground(Palette::selection);
-            context.selections.append(selection);
-        }
+        if (m_look.selected.from < m_look.selected.to)
+            context.selections.append(selection());
         const QPointF origin = m_corner + m_row.box.text;
         m_painter.save();
         m_painter.translate(origin);
@@ -183,18 +179,34 @@ private:
         m_painter.restore();
     }
 
+    [[nodiscard]] QAbstractTextDocumentLayout::Selection selection() const
+    {
+        TextRange range = m_look.selected;
+        if (const QTextTable *table = m_row.document->table()) // not the empty lines around it
+            range = {std::max(range.from, table->firstPosition()), std::min(range.to, table->lastPosition())};
+        QAbstractTextDocumentLayout::Selection selection;
+        selection.cursor = QTextCursor(m_row.document.get());
+        selection.cursor.setPosition(range.from);
+        selection.cursor.setPosition(range.to, QTextCursor::KeepAnchor);
+        selection.format.setBackground(Palette::selection);
+        return selection;
+    }
+
     [[nodiscard]] double textRight() const { return m_row.box.text.x() + m_row.document->textWidth(); }
 
     void drawHairlines() const
     {
         const QTextTable &table = *m_row.document->table();
         const auto *layout = m_row.document->documentLayout();
-        const QRectF frame = layout->frameBoundingRect(const_cast<QTextTable *>(&table));
         const QPointF origin = m_corner + m_row.box.text;
+        const double padding = table.format().cellPadding();
+        double right = -padding;
+        for (const QTextLength &column : table.format().columnWidthConstraints())
+            right += column.rawValue();
         for (int row = m_block.continues ? 0 : 1; row < table.rows(); ++row) {
             const QTextBlock first = table.cellAt(row, 0).firstCursorPosition().block();
-            const double y = layout->blockBoundingRect(first).top() - table.format().cellPadding();
-            drawLine(origin.x() + frame.left(), origin.x() + frame.right(), origin.y() + y);
+            const double y = layout->blockBoundingRect(first).top() - padding;
+            drawLine(origin.x() + padding, origin.x() + right, origin.y() + y);
         }
     }
 
@@ -209,8 +221,9 @@ private:
             m_painter.setRenderHint(QPainter::SmoothPixmapTransform);
             QBrush brush(message.picture);
             brush.setTransform(QTransform::fromTranslate(picture.x(), picture.y())
-                                   .scale(picture.width() / message.picture.width(),
-                                          picture.height() / message.picture.height()));
+                                   .scale(
+                                       picture.width() / message.picture.width(),
+                                       picture.height() / message.picture.height()));
             m_painter.setPen(QPen(Palette::cardLine, 1));
             m_painter.setBrush(brush);
             m_painter.drawPath(rounded);
@@ -252,10 +265,16 @@ private:
             m_painter, isCopied ? u"checkmark"_s : u"doc.on.doc"_s,
             QRectF(button.left() + 7, button.center().y() - 6, 12, 12), tint);
         m_painter.drawText(
-            button.adjusted(23, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter, isCopied ? u"Copied"_s : u"Copy"_s);
-        const QString language = m_rows.messageAt(m_index).content.text.mid(m_block.head, m_block.headLength)
-                                     .left(40).trimmed().section(u' ', 0, 0);
-        const QRectF label(m_corner.x() + m_row.box.text.x(), button.top(), button.left() - 8 - m_row.box.text.x(), button.height());
+            button.adjusted(23, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter,
+            isCopied ? u"Copied"_s : u"Copy"_s);
+        const QString language = m_rows.messageAt(m_index)
+                                     .content.text.mid(m_block.head, m_block.headLength)
+                                     .left(40)
+                                     .trimmed()
+                                     .section(u' ', 0, 0);
+        const QRectF label(
+            m_corner.x() + m_row.box.text.x(), button.top(), button.left() - 8 - m_row.box.text.x(),
+            button.height());
         m_painter.setPen(Palette::textSecondary);
         m_painter.drawText(label, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, language);
     }
@@ -269,7 +288,8 @@ private:
         drawButton(button, ThreadTarget::Kind::CopyReply, 7);
         Symbols::draw(
             m_painter, isCopied ? u"checkmark"_s : u"doc.on.doc"_s, button.adjusted(5, 5, -5, -5),
-            isLook(m_look.hovered, ThreadTarget::Kind::CopyReply) ? Palette::textPrimary : Palette::textSecondary);
+            isLook(m_look.hovered, ThreadTarget::Kind::CopyReply) ? Palette::textPrimary
+                                                                  : Palette::textSecondary);
     }
 
     void drawFocusedLink() const

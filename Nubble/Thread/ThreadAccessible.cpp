@@ -1,7 +1,7 @@
 #include "Thread/ThreadAccessible.h"
 
-#include <QAccessibleWidget>
 #include <QAbstractButton>
+#include <QAccessibleWidget>
 #include <QHash>
 #include <QPointer>
 #include <QTextDocument>
@@ -49,6 +49,13 @@ QRect onScreen(ThreadView &view, const QRect &inView)
     return {view.viewport()->mapToGlobal(inView.topLeft()), inView.size()};
 }
 
+QString describe(const ThreadMessage &message)
+{
+    if (message.kind == ThreadMessage::Kind::Reply)
+        return u"Reply"_s;
+    return message.caption.isEmpty() ? u"Question"_s : u"Question, with "_s + message.caption;
+}
+
 // Has no object of its own: it is found by its row, which may be gone.
 class PartAccessible : public QAccessibleInterface {
 public:
@@ -56,7 +63,10 @@ public:
 
     [[nodiscard]] bool isValid() const override { return m_view && m_row < scene().rows().count(); }
     [[nodiscard]] QObject *object() const override { return nullptr; }
-    [[nodiscard]] QWindow *window() const override { return m_view ? m_view->window()->windowHandle() : nullptr; }
+    [[nodiscard]] QWindow *window() const override
+    {
+        return m_view ? m_view->window()->windowHandle() : nullptr;
+    }
     void setText(QAccessible::Text, const QString &) override { }
 
 protected:
@@ -85,7 +95,10 @@ public:
     {
     }
 
-    [[nodiscard]] bool isValid() const override { return PartAccessible::isValid() && m_index < all().size(); }
+    [[nodiscard]] bool isValid() const override
+    {
+        return PartAccessible::isValid() && m_index < all().size();
+    }
     [[nodiscard]] QAccessibleInterface *parent() const override { return m_parent; }
     [[nodiscard]] QAccessibleInterface *child(int) const override { return nullptr; }
     [[nodiscard]] int childCount() const override { return 0; }
@@ -126,7 +139,8 @@ public:
     }
     void *interface_cast(QAccessible::InterfaceType type) override
     {
-        return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface *>(this) : nullptr;
+        return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface *>(this)
+                                                    : nullptr;
     }
 
     [[nodiscard]] QStringList actionNames() const override { return {pressAction(), setFocusAction()}; }
@@ -193,8 +207,7 @@ public:
     [[nodiscard]] QRect rect() const override
     {
         return onScreen(
-            view(),
-            {0, scene().layout().yOf(row()), view().viewport()->width(), laid().box.height});
+            view(), {0, scene().layout().yOf(row()), view().viewport()->width(), laid().box.height});
     }
     [[nodiscard]] QAccessible::State state() const override
     {
@@ -207,7 +220,7 @@ public:
     [[nodiscard]] QString text(QAccessible::Text type) const override
     {
         if (type == QAccessible::Description)
-            return scene().rows().messageAt(row()).isReply() ? u"Reply"_s : u"Question"_s;
+            return describe(scene().rows().messageAt(row()).content);
         if (type != QAccessible::Name)
             return {};
         const int end = laid().document->lastPosition();
@@ -274,15 +287,53 @@ private:
     mutable Children m_children;
 };
 
+// The reply that has ended last, as a message that appears: the bridge to the desktop knows no announcement.
+class Announcement : public PartAccessible {
+public:
+    Announcement(ThreadView &view, int row) : PartAccessible(view, row) { }
+
+    [[nodiscard]] QAccessibleInterface *parent() const override
+    {
+        return QAccessible::queryAccessibleInterface(&view());
+    }
+    [[nodiscard]] QAccessibleInterface *child(int) const override { return nullptr; }
+    [[nodiscard]] int childCount() const override { return 0; }
+    [[nodiscard]] int indexOfChild(const QAccessibleInterface *) const override { return -1; }
+    [[nodiscard]] QAccessibleInterface *childAt(int, int) const override { return nullptr; }
+    [[nodiscard]] QAccessible::Role role() const override { return QAccessible::Notification; }
+    [[nodiscard]] QRect rect() const override { return onScreen(view(), view().viewport()->rect()); }
+    [[nodiscard]] QAccessible::State state() const override { return visibility(rect()); }
+    [[nodiscard]] QString text(QAccessible::Text type) const override
+    {
+        constexpr int mostRows = 40; // more than anybody listens to at once
+        if (type != QAccessible::Name)
+            return {};
+        const int last = std::min(scene().rows().messageAt(row()).endRow(), row() + mostRows) - 1;
+        const int end = scene().layout().row(last).document->lastPosition();
+        return ThreadPositions::text(scene().rows(), scene().layout(), {{row(), 0}, {last, end}});
+    }
+};
+
 class ViewAccessible : public QAccessibleWidget {
 public:
     explicit ViewAccessible(ThreadView *view) : QAccessibleWidget(view, QAccessible::Document) { }
+    Q_DISABLE_COPY_MOVE(ViewAccessible)
+    ~ViewAccessible() override
+    {
+        if (m_announcement != 0)
+            QAccessible::deleteAccessibleInterface(m_announcement);
+    }
 
-    [[nodiscard]] int childCount() const override { return rows() + static_cast<int>(widgets().size()); }
+    [[nodiscard]] int childCount() const override
+    {
+        return rows() + static_cast<int>(widgets().size()) + (announcement() ? 1 : 0);
+    }
     [[nodiscard]] QAccessibleInterface *child(int index) const override
     {
         if (index < 0 || index >= childCount())
             return nullptr;
+        if (announcement() && index + 1 == childCount())
+            return announcement();
         if (index >= rows())
             return QAccessible::queryAccessibleInterface(widgets().at(index - rows()));
         return m_children.get(index, [=, this] { return new RowAccessible(view(), index); });
@@ -310,7 +361,21 @@ public:
         return child(focused->row)->child(static_cast<int>(all.indexOf(*focused)));
     }
 
+    void announce(int row)
+    {
+        if (m_announcement != 0)
+            QAccessible::deleteAccessibleInterface(m_announcement);
+        m_announcement = QAccessible::registerAccessibleInterface(new Announcement(view(), row));
+        QAccessibleEvent event(announcement(), QAccessible::ObjectShow);
+        QAccessible::updateAccessibility(&event);
+    }
+
 private:
+    [[nodiscard]] QAccessibleInterface *announcement() const
+    {
+        QAccessibleInterface *known = QAccessible::accessibleInterface(m_announcement);
+        return known && known->isValid() ? known : nullptr;
+    }
     [[nodiscard]] ThreadView &view() const { return *static_cast<ThreadView *>(widget()); }
     [[nodiscard]] ThreadScene &scene() const { return view().scene(); }
     [[nodiscard]] int rows() const { return scene().rows().count(); }
@@ -330,6 +395,7 @@ private:
     }
 
     mutable Children m_children;
+    QAccessible::Id m_announcement = 0;
 };
 
 QAccessibleInterface *make(const QString &, QObject *object)
@@ -347,11 +413,10 @@ void installThreadAccessibility()
 
 void announceLast(ThreadView &view)
 {
-    if (!QAccessible::isActive())
-        return;
-    QAccessibleEvent event(&view, QAccessible::Alert);
-    event.setChild(std::max(0, view.scene().rows().count() - 1));
-    QAccessible::updateAccessibility(&event);
+    const ThreadRows &rows = view.scene().rows();
+    if (rows.messageCount() > 0 && !rows.message(rows.messageCount() - 1).blocks().empty())
+        static_cast<ViewAccessible *>(QAccessible::queryAccessibleInterface(&view))
+            ->announce(rows.message(rows.messageCount() - 1).firstRow);
 }
 
 void tellFocus(ThreadView &view)

@@ -89,8 +89,8 @@ bool handleThreadKey(ThreadScene &scene, const QKeyEvent &event)
         return scene.selectAll(), true;
     if (event.matches(QKeySequence::Copy))
         return !scene.selection().isEmpty() && (scene.copySelection(QClipboard::Clipboard), true);
-    const bool isActivation
-        = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter || event.key() == Qt::Key_Space;
+    const bool isActivation =
+        event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter || event.key() == Qt::Key_Space;
     if (isActivation)
         return scene.focused() && (scene.activate(*scene.focused()), true);
     if (event.modifiers() & Qt::ShiftModifier)

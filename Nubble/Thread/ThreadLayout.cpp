@@ -34,8 +34,7 @@ void ThreadLayout::rowsChanged(int first)
         m_heights.append(RowBoxes::estimate(m_rows, row, m_size.width()));
     // The row before is the last of its message or its thing no longer.
     if (const auto before = m_live.find(first - 1); before != m_live.end() && first <= m_rows.count()) {
-        before->second.box =
-            RowBoxes::make(m_rows, first - 1, *before->second.document, m_size.width());
+        before->second.box = RowBoxes::make(m_rows, first - 1, *before->second.document, m_size.width());
         m_heights.set(first - 1, before->second.box.height);
     }
     if (m_top >= m_heights.count()) {
@@ -66,7 +65,7 @@ int ThreadLayout::measure(int index)
 
 int ThreadLayout::below() const
 {
-    return m_footer > 0 ? m_footer + RowBoxes::footerGap : 0;
+    return RowBoxes::footerGap + (m_footer > 0 ? m_footer + RowBoxes::footerGap : 0);
 }
 
 void ThreadLayout::arrange()
@@ -82,7 +81,8 @@ void ThreadLayout::arrange()
     int row = m_top;
     for (; row < count && y < m_size.height(); ++row)
         y += measure(row);
-    if (!m_follows && row == count && y + below() <= m_size.height()) // there is nothing to fill the rest with
+    if (!m_follows && row == count
+        && y + below() <= m_size.height()) // there is nothing to fill the rest with
         m_follows = arrangeFromEnd() || m_follows;
     y = -m_hidden;
     for (row = m_top; row < count && y < m_size.height(); ++row) {
@@ -120,12 +120,15 @@ void ThreadLayout::scrollBy(int pixels)
 void ThreadLayout::scrollTo(int value)
 {
     constexpr int nearby = 3; // views
+    if (value >= maximum())
+        return scrollToEnd();
     const int distance = value - this->value();
-    if (std::abs(distance) <= nearby * m_size.height())
+    if (value > 0 && std::abs(distance) <= nearby * m_size.height())
         return scrollBy(distance);
     m_follows = false;
     m_top = std::max(0, m_heights.at(value));
-    m_hidden = m_heights.count() > 0 ? std::clamp(value - m_heights.start(m_top), 0, m_heights.height(m_top)) : 0;
+    m_hidden =
+        m_heights.count() > 0 ? std::clamp(value - m_heights.start(m_top), 0, m_heights.height(m_top)) : 0;
 }
 
 void ThreadLayout::reveal(int row, const QRect &rect)
@@ -181,9 +184,8 @@ void ThreadLayout::evict()
         ages.push_back(each.second.used);
     const auto oldest = ages.begin() + static_cast<std::ptrdiff_t>(ages.size() - most);
     std::nth_element(ages.begin(), oldest, ages.end());
-    std::erase_if(m_live, [&](const auto &each) {
-        return each.second.used < *oldest && each.second.used != m_clock;
-    });
+    std::erase_if(
+        m_live, [&](const auto &each) { return each.second.used < *oldest && each.second.used != m_clock; });
 }
 
 } // namespace nubble

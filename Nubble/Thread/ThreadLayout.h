@@ -14,9 +14,9 @@ namespace nubble {
 
 class ThreadRows;
 
-// Which rows are seen and where. Only rows that are seen have a document; the heights of others are guessed until
-// they come into sight. The truth is the row at the upper edge and how much of it is hidden: what is corrected
-// above never moves what is seen. While it follows, the truth is the end. Main thread only.
+// Which rows are seen and where. Only rows that are seen have a document; the heights of others are guessed
+// until they come into sight. The truth is the row at the upper edge and how much of it is hidden: what is
+// corrected above never moves what is seen. While it follows, the truth is the end. Main thread only.
 class ThreadLayout {
 public:
     struct Row {
@@ -56,7 +56,7 @@ public:
 
 private:
     [[nodiscard]] int measure(int row);
-    [[nodiscard]] int below() const; // the last row
+    [[nodiscard]] int below() const; // how much is below the last row
     bool arrangeFromEnd();
     void evict();
 

@@ -67,9 +67,8 @@ void ThreadMouse::begin(const QPoint &point, QTextCursor::SelectionType unit)
     m_unit = unit;
     m_start = point;
     const ThreadPosition position = m_scene.positionAt(point);
-    m_first = unit == QTextCursor::Document
-        ? ThreadSelection{position, position}
-        : ThreadPositions::around(m_scene.layout(), position, unit);
+    m_first = unit == QTextCursor::Document ? ThreadSelection{position, position}
+                                            : ThreadPositions::around(m_scene.layout(), position, unit);
     m_scene.select(m_first);
 }
 

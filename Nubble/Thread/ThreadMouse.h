@@ -16,8 +16,8 @@ namespace nubble {
 
 class ThreadScene;
 
-// What the mouse does in a conversation: marks text by characters, words and paragraphs, scrolls while it is drawn
-// over an edge, and activates what is pressed and released without being dragged.
+// What the mouse does in a conversation: marks text by characters, words and paragraphs, scrolls while it is
+// drawn over an edge, and activates what is pressed and released without being dragged.
 class ThreadMouse : public QObject {
     Q_OBJECT
 

@@ -30,9 +30,10 @@ qsizetype commonLength(QStringView one, QStringView other)
 
 int ThreadRows::messageOf(int row) const
 {
-    const auto behind = std::upper_bound(
-        m_messages.begin(), m_messages.end(), row,
-        [](int each, const Message &message) { return each < message.firstRow; });
+    const auto behind =
+        std::upper_bound(m_messages.begin(), m_messages.end(), row, [](int each, const Message &message) {
+            return each < message.firstRow;
+        });
     return static_cast<int>(behind - m_messages.begin()) - 1;
 }
 
@@ -162,7 +163,7 @@ qsizetype ThreadRows::readable(const Message &message)
     const QStringView text = message.content.text;
     if (message.isFinished || m_seen < 0 || m_seen == text.size())
         return text.size();
-    const QStringView end = text.last(std::min(text.size(), BlockSplitter::longestParagraph));
+    const QStringView end = text.last(std::min(text.size(), BlockLimits::paragraph));
     const qsizetype newline = end.lastIndexOf(u'\n');
     if (newline < 0 && end.size() < text.size())
         return text.size();

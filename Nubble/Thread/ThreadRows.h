@@ -7,26 +7,32 @@
 
 namespace nubble {
 
-// The messages of a conversation and the blocks they are made of, numbered through: a row is a block. Text that
-// arrives is only stored; `update()` cuts it. Rows change at the end alone.
+// The messages of a conversation and the blocks they are made of, numbered through: a row is a block. Text
+// that arrives is only stored; `update()` cuts it. Rows change at the end alone.
 class ThreadRows {
 public:
     struct Message {
         ThreadMessage content;
-        BlockSplitter splitter;    // of a reply
-        std::vector<Block> plain;  // of a question
-        qsizetype read = 0;        // how much of the text is cut
+        BlockSplitter splitter;   // of a reply
+        std::vector<Block> plain; // of a question
+        qsizetype read = 0;       // how much of the text is cut
         int firstRow = 0;
         bool isFinished = false;
 
         [[nodiscard]] bool isReply() const { return content.kind == ThreadMessage::Kind::Reply; }
-        [[nodiscard]] const std::vector<Block> &blocks() const { return isReply() ? splitter.blocks() : plain; }
+        [[nodiscard]] const std::vector<Block> &blocks() const
+        {
+            return isReply() ? splitter.blocks() : plain;
+        }
         [[nodiscard]] int endRow() const { return firstRow + static_cast<int>(blocks().size()); }
     };
 
     [[nodiscard]] int count() const { return m_messages.empty() ? 0 : m_messages.back().endRow(); }
     [[nodiscard]] int messageCount() const { return static_cast<int>(m_messages.size()); }
-    [[nodiscard]] const Message &message(int index) const { return m_messages.at(static_cast<std::size_t>(index)); }
+    [[nodiscard]] const Message &message(int index) const
+    {
+        return m_messages.at(static_cast<std::size_t>(index));
+    }
     [[nodiscard]] int messageOf(int row) const;
     [[nodiscard]] const Message &messageAt(int row) const { return message(messageOf(row)); }
     [[nodiscard]] const Block &block(int row) const;
@@ -51,7 +57,7 @@ private:
     [[nodiscard]] qsizetype readable(const Message &message);
 
     std::vector<Message> m_messages;
-    int m_changed = 0; // the first row touched since the last update
+    int m_changed = 0;    // the first row touched since the last update
     qsizetype m_seen = 0; // of the last message's text at the last update
 };
 

@@ -102,6 +102,17 @@ std::optional<ThreadTarget> ThreadScene::targetAt(const QPoint &point)
     return ThreadTargets::at(m_rows, m_layout, point);
 }
 
+// Where a link leads, or what is cut short.
+QString ThreadScene::toolTipAt(const QPoint &point)
+{
+    if (const auto target = targetAt(point))
+        return shownLink(ThreadTargets::url(m_layout, *target));
+    const int row = m_layout.rowAt(point.y());
+    if (row < 0 || !m_layout.row(row).box.caption.translated(0, m_layout.yOf(row)).contains(point))
+        return {};
+    return m_rows.messageAt(row).content.caption.left(600);
+}
+
 void ThreadScene::hover(const std::optional<QPoint> &point)
 {
     const auto target = point ? targetAt(*point) : std::nullopt;
@@ -179,7 +190,8 @@ void ThreadScene::paint(QPainter &painter, const QRect &area)
         const ThreadLayout::Row &row = m_layout.row(index);
         if (y + row.box.height < area.top() || y > area.bottom())
             continue;
-        RowLook look{m_selection.inRow(index, row.document->lastPosition()), m_hovered, m_focused, m_copied, false};
+        RowLook look{
+            m_selection.inRow(index, row.document->lastPosition()), m_hovered, m_focused, m_copied, false};
         const int message = m_rows.messageOf(index);
         const auto isOfThis = [&](const auto &target) {
             return target && target->kind == ThreadTarget::Kind::CopyReply && target->row == index;

@@ -15,8 +15,8 @@ class QPainter;
 
 namespace nubble {
 
-// A conversation as it is being read: its text, what of it is seen, and what the user does with it. No widget: the
-// view hands on events and shows what this paints. Main thread only.
+// A conversation as it is being read: its text, what of it is seen, and what the user does with it. No
+// widget: the view hands on events and shows what this paints. Main thread only.
 class ThreadScene : public QObject {
     Q_OBJECT
 
@@ -27,8 +27,8 @@ public:
     [[nodiscard]] const ThreadRows &rows() const { return m_rows; }
     [[nodiscard]] ThreadLayout &layout() { return m_layout; }
 
-    void takeIn();         // what has come to the rows
-    void arrange();        // behind any change of the layout
+    void takeIn();  // what has come to the rows
+    void arrange(); // behind any change of the layout
     void scrollBy(int pixels);
     void scrollTo(int value);
     void scrollToEnd();
@@ -43,6 +43,7 @@ public:
     [[nodiscard]] const std::optional<ThreadTarget> &hovered() const { return m_hovered; }
     [[nodiscard]] const std::optional<ThreadTarget> &focused() const { return m_focused; }
     [[nodiscard]] QUrl hoveredUrl() const { return m_hoveredUrl; }
+    [[nodiscard]] QString toolTipAt(const QPoint &point);
     void hover(const std::optional<QPoint> &point);
     void focus(const std::optional<ThreadTarget> &target); // and shows it
     [[nodiscard]] bool focusNext(int step);                // false: there is no further one

@@ -18,8 +18,9 @@ TextRange ThreadSelection::inRow(int row, int end) const
 {
     if (isEmpty() || row < first().row || row > last().row)
         return {};
-    return {row == first().row ? std::min(first().offset, end) : 0,
-            row == last().row ? std::min(last().offset, end) : end};
+    return {
+        row == first().row ? std::min(first().offset, end) : 0,
+        row == last().row ? std::min(last().offset, end) : end};
 }
 
 namespace ThreadPositions {
@@ -86,7 +87,8 @@ QString rendered(const ThreadRows &rows, ThreadLayout &layout, int row, const Th
 {
     BlockDocument &document = *layout.row(row).document;
     const TextRange range = selection.inRow(row, document.lastPosition());
-    const QString marker = range.from == 0 && rows.messageAt(row).isReply() ? markerText(rows.block(row)) : u""_s;
+    const QString marker =
+        range.from == 0 && rows.messageAt(row).isReply() ? markerText(rows.block(row)) : u""_s;
     if (document.table())
         return tableText(document, range);
     QTextCursor cursor(&document);
@@ -141,7 +143,8 @@ ThreadPosition held(const ThreadRows &rows, ThreadLayout &layout, ThreadPosition
 }
 
 ThreadPosition moved(
-    const ThreadRows &rows, ThreadLayout &layout, ThreadPosition position, QTextCursor::MoveOperation operation)
+    const ThreadRows &rows, ThreadLayout &layout, ThreadPosition position,
+    QTextCursor::MoveOperation operation)
 {
     if (rows.count() == 0)
         return {};

@@ -37,13 +37,14 @@ namespace ThreadPositions {
 [[nodiscard]] ThreadPosition end(const ThreadRows &rows, ThreadLayout &layout);
 [[nodiscard]] ThreadPosition held(const ThreadRows &rows, ThreadLayout &layout, ThreadPosition position);
 [[nodiscard]] ThreadPosition moved(
-    const ThreadRows &rows, ThreadLayout &layout, ThreadPosition position, QTextCursor::MoveOperation operation);
+    const ThreadRows &rows, ThreadLayout &layout, ThreadPosition position,
+    QTextCursor::MoveOperation operation);
 // The word or the paragraph around a place.
 [[nodiscard]] ThreadSelection around(
     ThreadLayout &layout, ThreadPosition position, QTextCursor::SelectionType type);
 [[nodiscard]] QRect caret(ThreadLayout &layout, ThreadPosition position); // from the row's corner
-// What is marked, as plain text. More than a few hundred rows come as they were written, for nobody waits until all
-// of them are laid out.
+// What is marked, as plain text. More than a few hundred rows come as they were written, for nobody waits
+// until all of them are laid out.
 [[nodiscard]] QString text(const ThreadRows &rows, ThreadLayout &layout, const ThreadSelection &selection);
 
 } // namespace ThreadPositions

@@ -21,7 +21,6 @@ bool mayHaveLinks(const ThreadRows &rows, int row)
     return text.contains(u':') || text.contains(u'@') || text.contains(u"www.");
 }
 
-
 } // namespace
 
 QList<ThreadTarget> ofRow(const ThreadRows &rows, ThreadLayout &layout, int row)

@@ -25,7 +25,8 @@ struct ThreadTarget {
 namespace ThreadTargets {
 
 [[nodiscard]] QList<ThreadTarget> ofRow(const ThreadRows &rows, ThreadLayout &layout, int row);
-[[nodiscard]] std::optional<ThreadTarget> at(const ThreadRows &rows, ThreadLayout &layout, const QPoint &point);
+[[nodiscard]] std::optional<ThreadTarget> at(
+    const ThreadRows &rows, ThreadLayout &layout, const QPoint &point);
 // The nearest one from `row` on, over all rows; `step` is 1 or -1.
 [[nodiscard]] std::optional<ThreadTarget> from(
     const ThreadRows &rows, ThreadLayout &layout, int row, int step);

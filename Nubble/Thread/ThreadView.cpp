@@ -94,7 +94,9 @@ void ThreadView::clear()
 
 void ThreadView::append(const ThreadMessage &message)
 {
-    m_scene->rows().append(message);
+    ThreadMessage added = message;
+    added.picture = RowBoxes::thumbnail(message.picture);
+    m_scene->rows().append(added);
     if (message.kind == ThreadMessage::Kind::Question)
         m_scene->layout().scrollToEnd();
     takeInSoon();
@@ -134,35 +136,29 @@ void ThreadView::setFooter(QWidget *footer)
 {
     if (m_footer == footer)
         return;
-    if (m_footer) {
-        m_footer->removeEventFilter(this);
+    if (m_footer)
         m_footer->hide();
-        m_footer->deleteLater();
-    }
     m_footer = footer;
     if (footer) {
         footer->setParent(viewport());
-        footer->installEventFilter(this);
         footer->show();
     }
     placeFooter();
 }
 
-bool ThreadView::eventFilter(QObject *watched, QEvent *event)
-{
-    if (watched == m_footer && event->type() == QEvent::LayoutRequest)
-        placeFooter();
-    return QAbstractScrollArea::eventFilter(watched, event);
-}
-
 // Its height counts, so everything may move.
 void ThreadView::placeFooter()
 {
+    if (m_footer && m_footer->parentWidget() != viewport())
+        m_footer.clear();
     const int width = std::max(0, viewport()->width() - 2 * RowBoxes::side);
     const bool followsWidth = m_footer && m_footer->hasHeightForWidth();
     const int height = !m_footer ? 0
         : followsWidth           ? m_footer->heightForWidth(width)
-                                 : m_footer->sizeHint().height();
+                                 : m_footer->sizeHint()
+                             .expandedTo(m_footer->minimumSize())
+                             .boundedTo(m_footer->maximumSize())
+                             .height();
     m_scene->layout().setFooterHeight(height);
     if (m_footer)
         m_footer->resize(width, height);
@@ -197,7 +193,7 @@ void ThreadView::showChange(int y)
     verticalScrollBar()->setValue(layout.value());
     m_isSyncing = false;
     if (m_footer)
-        m_footer->move(RowBoxes::side, layout.end() + (m_scene->rows().count() > 0 ? 0 : RowBoxes::footerGap));
+        m_footer->move(RowBoxes::side, layout.end() + RowBoxes::footerGap);
     placeJump();
     viewport()->update(QRect(0, y, viewport()->width(), viewport()->height() - y));
 }
@@ -205,22 +201,28 @@ void ThreadView::showChange(int y)
 void ThreadView::placeJump()
 {
     const QSize size = m_jump->size();
-    m_jump->move(viewport()->geometry().right() - size.width() - 6,
-                 viewport()->geometry().bottom() - size.height() - 8);
+    m_jump->move(
+        viewport()->geometry().right() - size.width() - 6,
+        viewport()->geometry().bottom() - size.height() - 8);
     m_jump->setVisible(!m_scene->layout().follows());
 }
 
 bool ThreadView::viewportEvent(QEvent *event)
 {
     switch (event->type()) {
+    case QEvent::LayoutRequest: // of the footer
+    case QEvent::ChildRemoved:  // perhaps it
+        placeFooter();
+        break;
     case QEvent::Leave:
         m_scene->hover(std::nullopt);
         break;
     case QEvent::ToolTip: {
-        const QString text = shownLink(m_scene->hoveredUrl());
+        const auto *help = static_cast<const QHelpEvent *>(event);
+        const QString text = m_scene->toolTipAt(help->pos());
         // Escaped and told to be rich, so that no address is taken for what it looks like.
         const QString rich = text.isEmpty() ? text : u"<qt>"_s + text.toHtmlEscaped() + u"</qt>"_s;
-        QToolTip::showText(static_cast<const QHelpEvent *>(event)->globalPos(), rich, viewport());
+        QToolTip::showText(help->globalPos(), rich, viewport());
         return true;
     }
     default:
@@ -295,7 +297,11 @@ void ThreadView::mouseReleaseEvent(QMouseEvent *event)
 
 void ThreadView::wheelEvent(QWheelEvent *event)
 {
-    QAbstractScrollArea::wheelEvent(event);
+    // Not by way of the scroll bar, which only knows how much there may be above.
+    constexpr int notch = 60;
+    const int pixels =
+        event->pixelDelta().y() != 0 ? event->pixelDelta().y() : event->angleDelta().y() * notch / 120;
+    m_scene->scrollBy(-pixels);
     event->accept(); // at either end too: the wheel is meant for this text
     m_scene->hover(event->position().toPoint());
 }
@@ -337,7 +343,8 @@ void ThreadView::contextMenuEvent(QContextMenuEvent *event)
     const auto target = isMouse ? m_scene->targetAt(event->pos()) : m_scene->focused();
     const QUrl url = target ? ThreadTargets::url(m_scene->layout(), *target) : QUrl();
     QMenu menu(this);
-    QAction *copy = menu.addAction(u"Copy"_s, this, [this] { m_scene->copySelection(QClipboard::Clipboard); });
+    QAction *copy =
+        menu.addAction(u"Copy"_s, this, [this] { m_scene->copySelection(QClipboard::Clipboard); });
     copy->setEnabled(!m_scene->selection().isEmpty());
     if (!url.isEmpty())
         menu.addAction(u"Copy Link"_s, this, [url] {

@@ -15,9 +15,9 @@ namespace nubble {
 class ThreadMouse;
 class ThreadScene;
 
-// A conversation: questions as bubbles of plain text, replies as Markdown that may still be arriving. It follows
-// the end until the user scrolls up. What a text says is foreign: nothing is loaded or opened for it, links are only
-// told of. Cost follows what is seen, not what there is. Transparent; main thread only.
+// A conversation: questions as bubbles of plain text, replies as Markdown that may still be arriving. It
+// follows the end until the user scrolls up. What a text says is foreign: nothing is loaded or opened for it,
+// links are only told of. Cost follows what is seen, not what there is. Transparent; main thread only.
 class ThreadView : public QAbstractScrollArea {
     Q_OBJECT
 
@@ -31,8 +31,8 @@ public:
     void setText(const QString &text);         // of the last message; what is the same is kept as it is shown
     void finishLast(); // the reply has ended: is announced to assistive technology, can be copied as a whole
     void removeLast();
-    // Scrolls with the text, below the last message, as tall as it wants to be; null for none. The one before is
-    // deleted.
+    // Scrolls with the text, below the last message, as tall as it wants to be; null for none. The one before
+    // is deleted.
     void setFooter(QWidget *footer);
     void scrollToEnd();
 
@@ -43,7 +43,6 @@ Q_SIGNALS:
     void linkHovered(const QUrl &url);   // where it would lead; empty when there is none
 
 protected:
-    bool eventFilter(QObject *watched, QEvent *event) override;
     bool viewportEvent(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
