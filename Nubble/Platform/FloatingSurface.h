@@ -26,8 +26,9 @@ public:
     // Whoever had the keyboard before gets it back.
     virtual void orderOut() = 0;
 
-    // Of the whole window, from 0 to 1, at once. Has no effect where isTranslucent() is false.
-    virtual void setOpacity(double opacity) = 0;
+    // Whether the window leaves no trace on the screen, though it is there and keeps the keyboard. The desktop
+    // may take a while to draw what is below.
+    virtual void setUnseen(bool unseen) = 0;
 
     // The window's own menus and dialogs count, and so does a moment in which somebody grabs the keys.
     [[nodiscard]] virtual bool hasKeyboard() const = 0;

@@ -45,11 +45,12 @@ void PlainFloatingSurface::orderOut()
 {
     m_grip.reset();
     m_window.hide();
+    m_hadKeyboard = false; // Qt says so later, maybe when the window is shown again
 }
 
-void PlainFloatingSurface::setOpacity(double opacity)
+void PlainFloatingSurface::setUnseen(bool unseen)
 {
-    m_window.setWindowOpacity(opacity);
+    m_window.setWindowOpacity(unseen ? 0 : 1);
 }
 
 void PlainFloatingSurface::startMove()
@@ -84,7 +85,7 @@ bool PlainFloatingSurface::isOwn(const QWindow *focused) const
 
 bool PlainFloatingSurface::hasKeyboard() const
 {
-    return isOwn(QGuiApplication::focusWindow());
+    return m_hadKeyboard && isOwn(QGuiApplication::focusWindow());
 }
 
 void PlainFloatingSurface::followKeyboard(QWindow *focused)

@@ -21,7 +21,7 @@ public:
     void place(const QRect &frame) override;
     void orderFront() override;
     void orderOut() override;
-    void setOpacity(double opacity) override;
+    void setUnseen(bool unseen) override;
     [[nodiscard]] bool hasKeyboard() const override;
     void startMove() override;
     [[nodiscard]] bool isTranslucent() const override { return true; }
@@ -31,10 +31,10 @@ public:
 
 protected:
     [[nodiscard]] QWidget &window() const { return m_window; }
+    void followKeyboard(QWindow *focused);
 
 private:
     [[nodiscard]] bool isOwn(const QWindow *focused) const;
-    void followKeyboard(QWindow *focused);
     void takeKeyboardBack(bool dialogVisible);
 
     QWidget &m_window;

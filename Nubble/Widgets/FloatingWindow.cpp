@@ -66,7 +66,7 @@ void FloatingWindow::close()
         return;
     m_open = false;
     m_surface->orderOut();
-    setUnseen(false);
+    m_surface->setUnseen(false);
     Q_EMIT closed();
 }
 
@@ -86,17 +86,8 @@ FloatingWindow::Hold FloatingWindow::holdOpen()
 
 void FloatingWindow::setUnseen(bool unseen)
 {
-    if (unseen == (m_unseen != nullptr) || (unseen && !m_open))
-        return;
-    if (unseen) {
-        m_unseen = holdOpen();
-        m_surface->isTranslucent() ? m_surface->setOpacity(0) : m_surface->orderOut();
-    } else {
-        m_surface->setOpacity(1);
-        if (m_open && !m_frame->isVisible())
-            open();
-        m_unseen.reset();
-    }
+    if (m_open)
+        m_surface->setUnseen(unseen);
 }
 
 QRect FloatingWindow::frame() const

@@ -44,8 +44,7 @@ public:
     using Hold = std::shared_ptr<void>;
     [[nodiscard]] Hold holdOpen();
 
-    // Takes an open window out of every picture of the screen, and back. It stays open meanwhile, also where
-    // it has to leave the screen for that, but for a user who has turned to another window.
+    // Takes an open window out of every picture of the screen, and back. It keeps the keyboard meanwhile.
     void setUnseen(bool unseen);
 
     // The window's place in screen coordinates, its shadow included; empty before it is first opened.
@@ -69,7 +68,6 @@ private:
     std::unique_ptr<FloatingSurface> m_surface;
     QWidget *m_content = nullptr;
     std::weak_ptr<void> m_hold;
-    Hold m_unseen; // while it is
     bool m_open = false;
     bool m_keyboardAskedFor = false; // and not come yet
     bool m_lostWhileHeld = false;

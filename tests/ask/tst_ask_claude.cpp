@@ -78,7 +78,7 @@ private Q_SLOTS:
         QCOMPARE(printed(*m_ask), u"Q: one|A: Hello|Q: two|A: Hello"_s);
         QCOMPARE(grown.size(), 4);
         QCOMPARE(m_ask->messages().at(2).context, u"Editor — a.txt"_s);
-        QVERIFY(m_ask->messages().at(2).thumbnail);
+        QVERIFY(!m_ask->messages().at(2).thumbnail.isNull());
         QVERIFY(!m_ask->attachment());
 
         QCOMPARE(m_claude->starts().size(), 1);

@@ -20,7 +20,7 @@ public:
     }
     void orderOut() override { window.hide(); }
     [[nodiscard]] bool hasKeyboard() const override { return keyboard; }
-    void setOpacity(double value) override { opacity = value; }
+    void setUnseen(bool is) override { unseen = is; }
     void startMove() override { ++moves; }
     [[nodiscard]] bool isTranslucent() const override { return translucent; }
     void setOutline(const QPainterPath &path) override { outline = path; }
@@ -40,7 +40,7 @@ public:
     QPainterPath outline;
     int ordersFront = 0;
     int moves = 0;
-    double opacity = 1;
+    bool unseen = false;
     bool keyboard = false;
     bool translucent = false;
 };

@@ -71,9 +71,12 @@ void X11FloatingSurface::orderOut()
     m_x11->flush();
 }
 
-void X11FloatingSurface::setOpacity(double opacity)
+// By opacity where somebody heeds that, else by an outline without anything in it.
+void X11FloatingSurface::setUnseen(bool unseen)
 {
-    PlainFloatingSurface::setOpacity(opacity);
+    m_unseen = unseen;
+    PlainFloatingSurface::setUnseen(unseen);
+    applyOutline();
     m_x11->flush(); // Qt would wait for its next own request
 }
 
@@ -123,8 +126,12 @@ bool X11FloatingSurface::nativeEventFilter(const QByteArray &type, void *message
     const int kind = focus->response_type & 0x7f;
     if ((kind != XCB_FOCUS_IN && kind != XCB_FOCUS_OUT) || focus->event != nativeWindow())
         return false;
-    if (kind == XCB_FOCUS_IN && focus->detail != XCB_NOTIFY_DETAIL_POINTER)
+    if (kind == XCB_FOCUS_IN && focus->detail != XCB_NOTIFY_DETAIL_POINTER) {
         m_keyboardCame = true;
+        // Qt tells nobody when the window was hidden so shortly that it has not noticed.
+        QMetaObject::invokeMethod(
+            this, [this] { followKeyboard(QGuiApplication::focusWindow()); }, Qt::QueuedConnection);
+    }
     return kind == XCB_FOCUS_OUT && focus->mode == XCB_NOTIFY_MODE_GRAB;
 }
 
@@ -198,7 +205,8 @@ void X11FloatingSurface::applyOutline() const
     const auto native = nativeWindow();
     if (!native)
         return;
-    const auto rects = X11Geometry::deviceRects(m_outline, window().size(), window().devicePixelRatioF());
+    const QPainterPath &outline = m_unseen && !isTranslucent() ? QPainterPath() : m_outline;
+    const auto rects = X11Geometry::deviceRects(outline, window().size(), window().devicePixelRatioF());
     const auto used = isTranslucent() ? XCB_SHAPE_SK_INPUT : XCB_SHAPE_SK_BOUNDING;
     const auto unused = isTranslucent() ? XCB_SHAPE_SK_BOUNDING : XCB_SHAPE_SK_INPUT;
     m_x11->ignoreErrors(

@@ -23,7 +23,7 @@ public:
     void place(const QRect &frame) override;
     void orderFront() override;
     void orderOut() override;
-    void setOpacity(double opacity) override;
+    void setUnseen(bool unseen) override;
     void startMove() override;
     [[nodiscard]] bool isTranslucent() const override { return m_compositor.isOwned(); }
     void setOutline(const QPainterPath &outline) override;
@@ -43,6 +43,7 @@ private:
     std::shared_ptr<const X11Connection> m_x11;
     X11SelectionWatch m_compositor;
     QTimer m_settling;           // runs while the window manager may still be busy with an opening
+    bool m_unseen = false;
     bool m_keyboardCame = false; // since the last opening
     QRect m_frame;               // empty once the user has dragged the window
     QPainterPath m_outline;
