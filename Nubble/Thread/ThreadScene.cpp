@@ -186,7 +186,9 @@ void ThreadScene::showCopied(const ThreadTarget &target)
 
 void ThreadScene::paint(QPainter &painter, const QRect &area)
 {
-    for (const auto &[index, y] : m_layout.shown()) {
+    for (const ThreadLayout::Shown &shown : m_layout.shown()) {
+        const int index = shown.row;
+        const int y = shown.y;
         const ThreadLayout::Row &row = m_layout.row(index);
         if (y + row.box.height < area.top() || y > area.bottom())
             continue;
