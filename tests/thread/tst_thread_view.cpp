@@ -516,6 +516,27 @@ private Q_SLOTS:
         QCOMPARE(copied(), u""_s);
     }
 
+    void bearsThatWhatIsBeingMarkedGoes()
+    {
+        for (const bool all : {false, true}) {
+            m_view->append(question(u"Stays"_s));
+            m_view->append(reply(sample));
+            m_view->finishLast();
+            frame();
+            scene().hover(at(targets().last()));
+            scene().focus(targets().last());
+            press(Qt::LeftButton, at(rows() - 1, 2));
+            all ? m_view->clear() : m_view->removeLast();
+            QMouseEvent move(QEvent::MouseMove, QPointF(90, 90), QPointF(), Qt::NoButton, Qt::LeftButton, {});
+            QCoreApplication::sendEvent(m_view->viewport(), &move);
+            QTest::mouseRelease(m_view->viewport(), Qt::LeftButton, {}, QPoint(90, 90));
+            QTest::keyClick(m_view.get(), Qt::Key_Right, Qt::ShiftModifier);
+            QTest::keyClick(m_view.get(), Qt::Key_Return);
+            m_view->grab();
+            QVERIFY(u"Stays"_s.contains(copied()));
+        }
+    }
+
     void everythingIsCopiedAsItWasWrittenWhenItIsVeryLong()
     {
         const QString text = sample.repeated(200);
