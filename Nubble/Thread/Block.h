@@ -26,6 +26,7 @@ struct Block {
     qsizetype length = 0;
     qsizetype head = 0; // the language of a fence; a table's header and the line below
     qsizetype headLength = 0;
+    qsizetype sampleEnd = 0; // of a table that continues: where its first part ends, whose columns it has
 
     [[nodiscard]] qsizetype end() const { return start + length; }
     bool operator==(const Block &) const = default;
@@ -37,6 +38,7 @@ namespace BlockLimits {
 inline constexpr qsizetype paragraph = 2048; // characters, also of a line that is looked at whole
 inline constexpr qsizetype part = 4096;      // of code, tables and plain text
 inline constexpr int rows = 40;              // of a table's part
+inline constexpr int cells = 200;            // of that, where it has many columns
 inline constexpr int lines = 128;            // of code and plain text
 
 } // namespace BlockLimits

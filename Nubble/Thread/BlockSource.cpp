@@ -163,11 +163,10 @@ QString tableSample(QStringView source, const Block &block)
     Block first = block;
     const qsizetype newline = source.indexOf(u'\n', block.head + block.headLength);
     first.start = newline < 0 ? source.size() : newline + 1;
-    first.length = std::min(BlockLimits::part, block.end() - first.start);
+    first.length = (block.continues ? block.sampleEnd : block.end()) - first.start;
     if (first.length <= 0)
         return headLines(source, block).first().toString();
-    const QString rows = joined(source, first, allColumns);
-    return headLines(source, block).first() + u'\n' + rows.section(u'\n', 0, BlockLimits::rows - 1);
+    return headLines(source, block).first() + u'\n' + joined(source, first, allColumns);
 }
 
 } // namespace nubble::BlockSource

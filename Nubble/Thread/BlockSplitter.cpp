@@ -13,14 +13,6 @@ namespace {
 
 constexpr int anyNumber = std::numeric_limits<int>::max();
 
-QStringView withoutClosingMarks(QStringView heading)
-{
-    const QStringView trimmed = heading.trimmed();
-    const auto last = std::find_if(trimmed.rbegin(), trimmed.rend(), [](QChar each) { return each != u'#'; });
-    const QStringView text = trimmed.first(trimmed.rend() - last);
-    return text.isEmpty() || text.back().isSpace() ? text.trimmed() : trimmed;
-}
-
 Block::Marker taskMarker(QStringView rest)
 {
     if (rest.size() < 4 || rest.front() != u'[' || rest.at(2) != u']' || rest.at(3) != u' ')
@@ -180,7 +172,7 @@ bool BlockSplitter::readOpen(const Line &line)
 {
     if (m_state.open == Open::Table) {
         if (rest(line).contains(u'|') && !startsBlock(line)) {
-            extend(line, BlockLimits::part, BlockLimits::rows);
+            extend(line, BlockLimits::part, m_state.rows);
             return true;
         }
         close();
@@ -288,7 +280,7 @@ void BlockSplitter::beginHeading(int level, Line line)
 {
     leaveLists(line.column);
     line.at += level;
-    const QStringView text = withoutClosingMarks(rest(line));
+    const QStringView text = MarkdownLine::headingText(rest(line));
     const qsizetype start = text.isEmpty() ? line.end : text.data() - m_text.data();
     begin(Block::Kind::Heading, start, start + text.size()).level = level;
 }
@@ -311,6 +303,7 @@ bool BlockSplitter::beginTable(const Line &line)
     }
     Block &table = m_blocks.back();
     m_state.open = Open::Table;
+    m_state.rows = std::min(BlockLimits::rows, static_cast<int>(BlockLimits::cells / columns));
     table.kind = columns > mostColumns ? Block::Kind::Code : Block::Kind::Table;
     table.length = line.end - header;
     m_state.lines = 2;
@@ -378,8 +371,10 @@ Block &BlockSplitter::begin(Block::Kind kind, qsizetype start, qsizetype end)
 void BlockSplitter::extend(const Line &line, qsizetype longest, int mostLines)
 {
     if (m_state.lines > 0 && (line.end - m_blocks.back().start > longest || m_state.lines >= mostLines)) {
-        m_blocks.push_back(m_blocks.back());
-        m_blocks.back().continues = true;
+        Block next = m_blocks.back();
+        next.sampleEnd = next.continues ? next.sampleEnd : next.end();
+        next.continues = true;
+        m_blocks.push_back(next);
         m_blocks.back().marker = Block::Marker::None;
         m_state.lines = 0;
     }

@@ -37,6 +37,7 @@ private:
         Lists outside;                              // the quote
         Block::Marker marker = Block::Marker::None; // waits for the item's first block
         int lines = 0;                              // of the open block
+        int rows = 0;                               // that a part of the open table may have
         qsizetype lastLine = 0;                     // of the open paragraph: where it starts
     };
     struct Line {

@@ -89,6 +89,14 @@ int headingLevel(QStringView rest)
     return level >= 1 && level <= 6 && endsWord(rest, level) ? static_cast<int>(level) : 0;
 }
 
+QStringView headingText(QStringView behindMark)
+{
+    const QStringView trimmed = behindMark.trimmed();
+    const auto last = std::find_if(trimmed.rbegin(), trimmed.rend(), [](QChar each) { return each != u'#'; });
+    const QStringView text = trimmed.first(trimmed.rend() - last);
+    return text.isEmpty() || text.back().isSpace() ? text.trimmed() : trimmed;
+}
+
 int underlineLevel(QStringView rest)
 {
     const QStringView line = rest.trimmed();

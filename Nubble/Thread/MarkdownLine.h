@@ -32,7 +32,8 @@ struct ListMark {
 };
 [[nodiscard]] std::optional<ListMark> listMark(QStringView rest);
 
-[[nodiscard]] int headingLevel(QStringView rest);   // 0: it is none
+[[nodiscard]] int headingLevel(QStringView rest);              // 0: it is none
+[[nodiscard]] QStringView headingText(QStringView behindMark); // without the marks that may close it
 [[nodiscard]] int underlineLevel(QStringView rest); // of the heading in the line above; 0: it is none
 [[nodiscard]] bool isRule(QStringView rest);
 [[nodiscard]] bool isDefinition(QStringView rest); // "[label]: where it leads"

@@ -20,7 +20,7 @@ constexpr int codeHeader = 30;
 constexpr int captionHeight = 20;
 constexpr int actions = 28; // below a reply
 constexpr QSize largestPicture(200, 120);
-constexpr QSize copyCodeSize(62, 22);
+constexpr QSize copyCodeSize(72, 22);
 constexpr QSize copyReplySize(24, 24);
 
 int gapWithinReply(const Block &before, const Block &block)

@@ -29,6 +29,7 @@ void ThreadLayout::forget()
 void ThreadLayout::rowsChanged(int first)
 {
     std::erase_if(m_live, [first](const auto &each) { return each.first >= first; });
+    std::erase_if(m_shown, [this](const Shown &each) { return each.row >= m_rows.count(); });
     m_heights.truncate(std::min(first, m_heights.count()));
     for (int row = m_heights.count(); row < m_rows.count(); ++row)
         m_heights.append(RowBoxes::estimate(m_rows, row, m_size.width()));

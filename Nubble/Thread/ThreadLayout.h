@@ -44,6 +44,7 @@ public:
     void reveal(int row, const QRect &rect); // of the row
     [[nodiscard]] bool follows() const { return m_follows; }
 
+    [[nodiscard]] int count() const { return m_heights.count(); }
     [[nodiscard]] QSize size() const { return m_size; }
     [[nodiscard]] const std::vector<Shown> &shown() const { return m_shown; }
     [[nodiscard]] const Row &row(int index); // lays it out if need be

@@ -95,6 +95,8 @@ void ThreadMouse::move(const QMouseEvent &event)
 
 void ThreadMouse::drawTo(const QPoint &point)
 {
+    if (m_scene.rows().count() == 0)
+        return;
     const QSize size = m_scene.layout().size();
     const QPoint inside(point.x(), std::clamp(point.y(), 0, std::max(0, size.height() - 1)));
     const ThreadPosition position = m_scene.positionAt(inside);

@@ -21,17 +21,76 @@ ThreadScene::ThreadScene(QObject *parent) : QObject(parent)
     });
 }
 
+void ThreadScene::clear()
+{
+    m_rows.clear();
+    m_layout.scrollToEnd();
+    takeIn();
+}
+
+void ThreadScene::append(const ThreadMessage &message)
+{
+    m_rows.append(message);
+    if (message.kind == ThreadMessage::Kind::Question)
+        m_layout.scrollToEnd();
+    takeIn();
+}
+
+void ThreadScene::appendText(QStringView text)
+{
+    m_rows.appendText(text);
+    if (!m_rows.message(m_rows.messageCount() - 1).isReply())
+        takeIn();
+}
+
+void ThreadScene::setText(const QString &text)
+{
+    m_rows.setText(text);
+    takeIn();
+}
+
+void ThreadScene::finishLast()
+{
+    m_rows.finishLast();
+    takeIn();
+}
+
+void ThreadScene::removeLast()
+{
+    m_rows.removeLast();
+    takeIn();
+}
+
 void ThreadScene::takeIn()
 {
-    const int first = m_rows.update();
-    const int before = std::max(0, first - 1); // it may go on now
+    const int last = m_layout.count() - 1;
+    const int from = std::max(0, last - 1); // the one before the last may turn out to go on
+    const int y = m_layout.yOf(from);
     const int value = m_layout.value();
-    const int y = first <= 0 ? 0 : m_layout.yOf(before);
+    const int first = readRows();
+    if (!m_isShown)
+        return;
+    m_layout.arrange();
+    const bool isInPlace =
+        first >= last && from < m_layout.count() && value == m_layout.value() && m_layout.yOf(from) == y;
+    Q_EMIT changed(isInPlace ? y : 0);
+}
+
+int ThreadScene::readRows()
+{
+    const int first = m_rows.update();
     m_layout.rowsChanged(first);
     holdState();
-    m_layout.arrange();
-    const bool isInPlace = before < m_rows.count() && value == m_layout.value() && m_layout.yOf(before) == y;
-    Q_EMIT changed(isInPlace ? y : 0);
+    return first;
+}
+
+void ThreadScene::setShown(bool shown)
+{
+    m_isShown = shown;
+    if (shown)
+        takeIn();
+    else
+        m_layout.forget();
 }
 
 // What was said about rows that are gone.
@@ -51,6 +110,8 @@ void ThreadScene::holdState()
 
 void ThreadScene::arrange()
 {
+    if (!m_isShown)
+        return;
     m_layout.arrange();
     Q_EMIT changed(0);
 }
@@ -76,6 +137,7 @@ void ThreadScene::scrollToEnd()
 void ThreadScene::select(const ThreadSelection &selection)
 {
     m_selection = selection;
+    holdState();
     Q_EMIT changed(0);
 }
 
@@ -186,7 +248,9 @@ void ThreadScene::showCopied(const ThreadTarget &target)
 
 void ThreadScene::paint(QPainter &painter, const QRect &area)
 {
-    for (const auto &[index, y] : m_layout.shown()) {
+    for (const ThreadLayout::Shown &shown : m_layout.shown()) {
+        const int index = shown.row;
+        const int y = shown.y;
         const ThreadLayout::Row &row = m_layout.row(index);
         if (y + row.box.height < area.top() || y > area.bottom())
             continue;

@@ -23,12 +23,19 @@ class ThreadScene : public QObject {
 public:
     explicit ThreadScene(QObject *parent = nullptr);
 
-    [[nodiscard]] ThreadRows &rows() { return m_rows; } // to be followed by `takeIn()`
     [[nodiscard]] const ThreadRows &rows() const { return m_rows; }
     [[nodiscard]] ThreadLayout &layout() { return m_layout; }
 
-    void takeIn();  // what has come to the rows
-    void arrange(); // behind any change of the layout
+    void clear();
+    void append(const ThreadMessage &message);
+    void appendText(QStringView text); // of a reply, is only stored until `takeIn()`
+    void setText(const QString &text);
+    void finishLast();
+    void removeLast();
+    void takeIn();
+
+    void setShown(bool shown); // what is not seen is not laid out
+    void arrange();            // behind any change of the layout
     void scrollBy(int pixels);
     void scrollTo(int value);
     void scrollToEnd();
@@ -59,6 +66,7 @@ Q_SIGNALS:
     void focusChanged();
 
 private:
+    [[nodiscard]] int readRows();
     void holdState();
     void showCopied(const ThreadTarget &target);
 
@@ -70,6 +78,7 @@ private:
     std::optional<ThreadTarget> m_copied;
     QUrl m_hoveredUrl;
     int m_hoveredMessage = -1;
+    bool m_isShown = false;
     QTimer m_forgetCopied;
 };
 

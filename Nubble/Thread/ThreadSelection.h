@@ -15,7 +15,11 @@ struct ThreadPosition {
     int row = 0;
     int offset = 0; // in the row's document
 
-    auto operator<=>(const ThreadPosition &) const = default;
+    bool operator==(const ThreadPosition &) const = default;
+    bool operator<(const ThreadPosition &other) const
+    {
+        return row < other.row || (row == other.row && offset < other.offset);
+    }
 };
 
 // What is marked: from where it began to where it has been drawn. Places stay true while a text grows.

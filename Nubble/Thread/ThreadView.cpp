@@ -87,44 +87,36 @@ void ThreadView::connectScene()
 
 void ThreadView::clear()
 {
-    m_scene->rows().clear();
-    m_scene->layout().scrollToEnd();
-    takeInNow();
+    m_scene->clear();
 }
 
 void ThreadView::append(const ThreadMessage &message)
 {
     ThreadMessage added = message;
     added.picture = RowBoxes::thumbnail(message.picture);
-    m_scene->rows().append(added);
-    if (message.kind == ThreadMessage::Kind::Question)
-        m_scene->layout().scrollToEnd();
-    takeInSoon();
+    m_scene->append(added);
 }
 
 void ThreadView::appendText(QStringView text)
 {
-    m_scene->rows().appendText(text);
+    m_scene->appendText(text);
     takeInSoon();
 }
 
 void ThreadView::setText(const QString &text)
 {
-    m_scene->rows().setText(text);
-    takeInSoon();
+    m_scene->setText(text);
 }
 
 void ThreadView::finishLast()
 {
-    m_scene->rows().finishLast();
-    takeInNow();
+    m_scene->finishLast();
     announceLast(*this);
 }
 
 void ThreadView::removeLast()
 {
-    m_scene->rows().removeLast();
-    takeInNow();
+    m_scene->removeLast();
 }
 
 void ThreadView::scrollToEnd()
@@ -175,9 +167,6 @@ void ThreadView::takeInSoon()
 
 void ThreadView::takeInNow()
 {
-    if (!isVisible())
-        return; // showing it does
-    m_frame.stop();
     m_sinceFrame.start();
     m_scene->takeIn();
     if (m_scene->rows().isBehind())
@@ -261,14 +250,14 @@ void ThreadView::resizeEvent(QResizeEvent *)
 void ThreadView::showEvent(QShowEvent *event)
 {
     QAbstractScrollArea::showEvent(event);
-    takeInNow();
+    m_scene->setShown(true);
 }
 
 void ThreadView::hideEvent(QHideEvent *event)
 {
     QAbstractScrollArea::hideEvent(event);
     m_frame.stop();
-    m_scene->layout().forget();
+    m_scene->setShown(false);
     releaseFreedMemory();
 }
 

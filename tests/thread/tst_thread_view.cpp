@@ -9,6 +9,7 @@
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTextTable>
 
 #include <sys/inotify.h>
 #include <unistd.h>
@@ -155,6 +156,21 @@ private Q_SLOTS:
             u""_s,
             u"The end, and <b>more</b> at http://example.org."_s};
         QCOMPARE(rendered(), expected);
+    }
+
+    void partsOfATableStandBelowOneAnother()
+    {
+        show(
+            u"> | a | b |\n> |---|---|\n"_s + u"> | `code` | some words |\n"_s.repeated(50)
+            + u"> | much longer than the rows above it | c |\n"_s);
+        QCOMPARE(rows(), 2);
+        const QTextTable *first = document(0).table();
+        const QTextTable *second = document(1).table();
+        QCOMPARE(second->format().columnWidthConstraints(), first->format().columnWidthConstraints());
+        QCOMPARE(first->rows() + second->rows(), 52); // one header
+        QCOMPARE(layout().row(1).box.text.y(), 0);
+        for (const TextRange &span : document(1).codeSpans())
+            QCOMPARE(document(1).toPlainText().mid(span.from, span.to - span.from), u"code"_s);
     }
 
     void streamedInPiecesIsWhatComesAtOnce()
@@ -498,6 +514,27 @@ private Q_SLOTS:
         (void)copied();
         m_view->clear();
         QCOMPARE(copied(), u""_s);
+    }
+
+    void bearsThatWhatIsBeingMarkedGoes()
+    {
+        for (const bool all : {false, true}) {
+            m_view->append(question(u"Stays"_s));
+            m_view->append(reply(sample));
+            m_view->finishLast();
+            frame();
+            scene().hover(at(targets().last()));
+            scene().focus(targets().last());
+            press(Qt::LeftButton, at(rows() - 1, 2));
+            all ? m_view->clear() : m_view->removeLast();
+            QMouseEvent move(QEvent::MouseMove, QPointF(90, 90), QPointF(), Qt::NoButton, Qt::LeftButton, {});
+            QCoreApplication::sendEvent(m_view->viewport(), &move);
+            QTest::mouseRelease(m_view->viewport(), Qt::LeftButton, {}, QPoint(90, 90));
+            QTest::keyClick(m_view.get(), Qt::Key_Right, Qt::ShiftModifier);
+            QTest::keyClick(m_view.get(), Qt::Key_Return);
+            m_view->grab();
+            QVERIFY(u"Stays"_s.contains(copied()));
+        }
     }
 
     void everythingIsCopiedAsItWasWrittenWhenItIsVeryLong()
