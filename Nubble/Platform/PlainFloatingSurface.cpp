@@ -90,7 +90,7 @@ bool PlainFloatingSurface::hasKeyboard() const
 
 void PlainFloatingSurface::followKeyboard(QWindow *focused)
 {
-    const bool has = isOwn(focused);
+    const bool has = m_window.isVisible() && isOwn(focused);
     if (has && focused->type() == Qt::Dialog)
         connect(
             focused, &QWindow::visibleChanged, this, &PlainFloatingSurface::takeKeyboardBack,
