@@ -6,8 +6,6 @@
 #include "Thread/ThreadScene.h"
 #include "Thread/ThreadView.h"
 
-using namespace Qt::StringLiterals;
-
 namespace nubble {
 
 namespace {
