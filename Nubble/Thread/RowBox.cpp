@@ -31,8 +31,8 @@ int gapWithinReply(const Block &before, const Block &block)
         return block.level <= 2 ? 20 : 16;
     if (before.kind == Block::Kind::Heading)
         return 7;
-    const bool isItem = block.depth > 0 && before.depth > 0 && block.kind == Block::Kind::Paragraph
-        && before.kind == Block::Kind::Paragraph;
+    const bool isItem = block.depth > 0 && before.depth > 0 && block.quotes == before.quotes
+        && block.kind == Block::Kind::Paragraph && before.kind == Block::Kind::Paragraph;
     if (isItem && block.marker != Block::Marker::None)
         return 5;
     return block.kind == Block::Kind::Rule || before.kind == Block::Kind::Rule ? 16 : 11;

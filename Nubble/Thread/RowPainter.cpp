@@ -71,12 +71,12 @@ private:
     void drawQuotes() const
     {
         const int quotes = m_isReply ? std::min(m_block.quotes, RowBoxes::deepest) : 0;
-        const bool joins = !m_rows.isFirst(m_index) && m_rows.block(m_index - 1).quotes >= m_block.quotes;
+        const int before = m_rows.isFirst(m_index) ? 0 : m_rows.block(m_index - 1).quotes;
         const int above = m_row.box.panel.isNull() ? m_row.box.text.y() : m_row.box.panel.top();
         const int below = m_row.box.copyReply.isNull() ? m_row.box.height : m_row.box.copyReply.top() - 4;
-        const double top = snapped(m_corner.y() + (joins ? 0 : above));
         const double bottom = snapped(m_corner.y() + below);
         for (int i = 0; i < quotes; ++i) {
+            const double top = snapped(m_corner.y() + (i < before ? 0 : above));
             const double x = m_corner.x() + RowBoxes::quoteLine(m_block) + i * RowBoxes::quoteWidth;
             m_painter.fillRect(QRectF(x, top, 2, bottom - top), Palette::ringTrack);
         }
@@ -261,12 +261,12 @@ private:
         drawButton(button, ThreadTarget::Kind::CopyCode, 6);
         m_painter.setFont(Typography::cardBody());
         m_painter.setPen(tint);
-        Symbols::draw(
-            m_painter, isCopied ? u"checkmark"_s : u"doc.on.doc"_s,
-            QRectF(button.left() + 7, button.center().y() - 6, 12, 12), tint);
-        m_painter.drawText(
-            button.adjusted(23, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter,
-            isCopied ? u"Copied"_s : u"Copy"_s);
+        const QString word = isCopied ? u"Copied"_s : u"Copy"_s;
+        QRectF text = button.adjusted(0, 0, -9, 0);
+        text.setLeft(text.right() - std::ceil(m_painter.fontMetrics().horizontalAdvance(word)));
+        m_painter.drawText(text, Qt::AlignLeft | Qt::AlignVCenter, word);
+        const QRectF symbol(text.left() - 16, button.center().y() - 6, 12, 12);
+        Symbols::draw(m_painter, isCopied ? u"checkmark"_s : u"doc.on.doc"_s, symbol, tint);
         const QString language = m_rows.messageAt(m_index)
                                      .content.text.mid(m_block.head, m_block.headLength)
                                      .left(40)
