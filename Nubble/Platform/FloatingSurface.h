@@ -26,8 +26,8 @@ public:
     // Whoever had the keyboard before gets it back.
     virtual void orderOut() = 0;
 
-    // Whether the window leaves no trace on the screen, though it is there and keeps the keyboard. The desktop
-    // may take a while to draw what is below.
+    // Whether the window leaves no trace on the screen, though it is there and keeps the keyboard. The
+    // desktop may take a while to draw what is below.
     virtual void setUnseen(bool unseen) = 0;
 
     // The window's own menus and dialogs count, and so does a moment in which somebody grabs the keys.

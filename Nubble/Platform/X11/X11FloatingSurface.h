@@ -42,7 +42,7 @@ private:
 
     std::shared_ptr<const X11Connection> m_x11;
     X11SelectionWatch m_compositor;
-    QTimer m_settling;           // runs while the window manager may still be busy with an opening
+    QTimer m_settling; // runs while the window manager may still be busy with an opening
     bool m_unseen = false;
     bool m_keyboardCame = false; // since the last opening
     QRect m_frame;               // empty once the user has dragged the window
