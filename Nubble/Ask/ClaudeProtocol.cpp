@@ -48,7 +48,7 @@ decltype(Event::content) replyIn(const QJsonObject &message)
 {
     QStringList texts;
     const QJsonArray blocks = message.value("content"_L1).toArray();
-    for (const QJsonValue &block : blocks)
+    for (const auto &block : blocks)
         if (block["type"_L1] == "text"_L1 && block["text"_L1].isString())
             texts.append(block["text"_L1].toString());
     const QString text = texts.join("\n\n"_L1);

@@ -20,7 +20,7 @@ constexpr int chipHeight = 28;
 constexpr double radius = 8;
 constexpr int padding = 5;
 constexpr QSize pictureSize(28, 18);
-constexpr int previewWidth = 384;
+constexpr QSize previewSize(384, 384);
 
 void drawRounded(QPainter &painter, const QRectF &rect, double corner, const QImage &picture)
 {
@@ -40,25 +40,27 @@ void drawRounded(QPainter &painter, const QRectF &rect, double corner, const QIm
     painter.restore();
 }
 
-// The picture alone, beside the pointer and never in its way.
+// The picture alone, above the chip and never in the pointer's way.
 class PicturePreview : public QWidget {
 public:
     PicturePreview(const QImage &picture, QWidget *parent)
-        : QWidget(parent, Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowTransparentForInput),
-          m_picture(picture)
+        : QWidget(parent, Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowTransparentForInput)
     {
         setAttribute(Qt::WA_ShowWithoutActivating);
         setAttribute(Qt::WA_DeleteOnClose);
-        resize(QSize(previewWidth, previewWidth)
-                   .boundedTo(picture.size().scaled(previewWidth, previewWidth, Qt::KeepAspectRatio)));
+        const QSize size = picture.size().scaled(previewSize, Qt::KeepAspectRatio);
+        m_picture =
+            picture.scaled(size * devicePixelRatioF(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        resize(size.expandedTo({1, 1}));
     }
 
 protected:
     void paintEvent(QPaintEvent *) override
     {
         QPainter painter(this);
-        painter.setRenderHint(QPainter::SmoothPixmapTransform);
         painter.drawImage(rect(), m_picture);
+        painter.setPen(QPen(Palette::ringTrack, 1));
+        painter.drawRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5));
     }
 
 private:
@@ -86,6 +88,7 @@ void ScreenChip::show(const std::optional<ScreenContext> &screen, bool capturing
     const std::optional<QString> text = chipText(screen, capturing);
     m_text = text.value_or(QString());
     m_picture = !capturing && screen ? screen->thumbnail : QImage();
+    m_jpeg = !capturing && screen ? screen->jpeg.value_or(QByteArray()) : QByteArray();
     m_remove->setVisible(!capturing);
     setAccessibleName(m_text);
     setToolTip(m_picture.isNull() ? m_text : QString());
@@ -129,7 +132,7 @@ void ScreenChip::enterEvent(QEnterEvent *)
 {
     if (m_picture.isNull() || m_preview)
         return;
-    m_preview = new PicturePreview(m_picture, this);
+    m_preview = new PicturePreview(QImage::fromData(m_jpeg), this);
     const QPoint above = mapToGlobal(QPoint(0, -m_preview->height() - 8));
     m_preview->move(above);
     m_preview->show();

@@ -35,7 +35,8 @@ private:
     [[nodiscard]] QRect pictureRect() const; // empty when there is none
 
     QString m_text;
-    QImage m_picture;
+    QByteArray m_jpeg;
+    QImage m_picture; // the same, small
     NotchButton *m_remove;
     QPointer<QWidget> m_preview;
 };

@@ -88,6 +88,12 @@ bool PlainFloatingSurface::hasKeyboard() const
     return m_hadKeyboard && isOwn(QGuiApplication::focusWindow());
 }
 
+void PlainFloatingSurface::noteKeyboard()
+{
+    if (QWindow *focused = QGuiApplication::focusWindow(); isOwn(focused))
+        followKeyboard(focused);
+}
+
 void PlainFloatingSurface::followKeyboard(QWindow *focused)
 {
     const bool has = m_window.isVisible() && isOwn(focused);

@@ -31,10 +31,11 @@ public:
 
 protected:
     [[nodiscard]] QWidget &window() const { return m_window; }
-    void followKeyboard(QWindow *focused);
+    void noteKeyboard(); // Qt tells nobody when the window was hidden so shortly that it has not noticed
 
 private:
     [[nodiscard]] bool isOwn(const QWindow *focused) const;
+    void followKeyboard(QWindow *focused);
     void takeKeyboardBack(bool dialogVisible);
 
     QWidget &m_window;

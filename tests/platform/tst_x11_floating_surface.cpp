@@ -87,6 +87,38 @@ private Q_SLOTS:
         QVERIFY(!m_surface->hasKeyboard());
     }
 
+    void leavesThePictureWithTheKeyboardInIt()
+    {
+        openAt(frame);
+        const auto shown = [this] { return colourOf(pixelAt({100, 100})) == QColor(Qt::white); };
+        QTRY_VERIFY(shown());
+        for (const bool unseen : {true, false}) {
+            m_surface->setUnseen(unseen);
+            QTRY_COMPARE(shown(), !unseen);
+            QVERIFY(m_surface->hasKeyboard());
+        }
+    }
+
+    void isSoonOpenedAgainWithoutALossOfTheKeyboard()
+    {
+        QSignalSpy taken(m_surface.get(), &FloatingSurface::keyboardTaken);
+        for (const auto pause : {0, 40, 80, 95, 120}) {
+            openAt(frame);
+            m_surface->orderOut();
+            QVERIFY(!m_surface->hasKeyboard());
+            QTest::qWait(pause); // the toolkit notices after a tenth of a second
+            QSignalSpy lost(m_surface.get(), &FloatingSurface::keyboardLost);
+            taken.clear();
+            openAt(frame);
+            QTRY_COMPARE(taken.size(), 1);
+            QTest::qWait(150);
+            QCOMPARE(lost.size(), 0);
+            m_others->focus(m_work);
+            QTRY_COMPARE(lost.size(), 1);
+            m_surface->orderOut();
+        }
+    }
+
     void followsThePointerUntilTheButtonIsReleased()
     {
         openAt(frame);

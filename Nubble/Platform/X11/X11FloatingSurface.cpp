@@ -128,9 +128,7 @@ bool X11FloatingSurface::nativeEventFilter(const QByteArray &type, void *message
         return false;
     if (kind == XCB_FOCUS_IN && focus->detail != XCB_NOTIFY_DETAIL_POINTER) {
         m_keyboardCame = true;
-        // Qt tells nobody when the window was hidden so shortly that it has not noticed.
-        QMetaObject::invokeMethod(
-            this, [this] { followKeyboard(QGuiApplication::focusWindow()); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, &X11FloatingSurface::noteKeyboard, Qt::QueuedConnection);
     }
     return kind == XCB_FOCUS_OUT && focus->mode == XCB_NOTIFY_MODE_GRAB;
 }
