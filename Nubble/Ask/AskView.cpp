@@ -42,17 +42,16 @@ ThreadMessage shown(const AskMessage &message)
 } // namespace
 
 AskView::AskView(AskClaude &ask, const DesktopPreferences &preferences, QWidget *parent)
-    : QWidget(parent), m_ask(ask), m_preferences(preferences), m_thread(new ThreadView),
-      m_empty(new EmptyConversation), m_footer(new ReplyFooter), m_chip(new ScreenChip),
-      m_composer(new Composer(m_chip)), m_stack(new QStackedLayout)
+    : QWidget(parent), m_ask(ask), m_preferences(preferences), m_header(makeHeader()),
+      m_thread(new ThreadView(this)), m_empty(new EmptyConversation(this)), m_footer(new ReplyFooter),
+      m_chip(new ScreenChip), m_composer(new Composer(m_chip, this)), m_stack(new QStackedLayout)
 {
-    setFocusProxy(m_composer);
     m_thread->setFooter(m_footer);
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, margin - 2, 0, 0);
     layout->setSpacing(8);
-    layout->addWidget(makeHeader());
+    layout->addWidget(m_header);
     layout->addLayout(m_stack, 1);
     auto *foot = new QVBoxLayout;
     foot->setContentsMargins(margin, 0, margin, margin);
@@ -68,9 +67,15 @@ AskView::AskView(AskClaude &ask, const DesktopPreferences &preferences, QWidget 
     showState();
 }
 
+// Not by a focus proxy: on its way through the window, Tab goes from whoever has one to that at once.
+void AskView::focusInEvent(QFocusEvent *)
+{
+    m_composer->setFocus(Qt::OtherFocusReason);
+}
+
 QWidget *AskView::makeHeader()
 {
-    auto *header = new CardHeader(u"Ask Claude"_s);
+    auto *header = new CardHeader(u"Ask Claude"_s, this);
     header->setContentsMargins(margin + 2, 0, margin, 0);
     const auto add = [header, this](const QString &symbol, const QString &help, auto wanted) {
         auto *button = new NotchButton(symbol, help);

@@ -31,6 +31,9 @@ Q_SIGNALS:
     void closeWanted();
     void linkActivated(const QUrl &url);
 
+protected:
+    void focusInEvent(QFocusEvent *event) override;
+
 private:
     [[nodiscard]] QWidget *makeHeader();
     void followTurns();
@@ -43,6 +46,7 @@ private:
 
     AskClaude &m_ask;
     const DesktopPreferences &m_preferences;
+    QWidget *m_header; // Tab goes through all in this order
     ThreadView *m_thread;
     EmptyConversation *m_empty;
     ReplyFooter *m_footer;

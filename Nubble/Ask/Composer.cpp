@@ -46,7 +46,6 @@ Composer::Composer(QWidget *above, QWidget *parent)
     colours.setColor(QPalette::Highlight, Palette::selection);
     m_field->setPalette(colours);
     m_field->installEventFilter(this);
-    setFocusProxy(m_field);
 
     auto *line = new QHBoxLayout;
     line->setContentsMargins(fieldMargins);
@@ -94,6 +93,11 @@ void Composer::paintEvent(QPaintEvent *)
     painter.setBrush(Palette::control);
     painter.setPen(QPen(m_field->hasFocus() ? Palette::ringTrack : Palette::cardLine, 1));
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+}
+
+void Composer::focusInEvent(QFocusEvent *)
+{
+    m_field->setFocus(Qt::OtherFocusReason);
 }
 
 bool Composer::eventFilter(QObject *watched, QEvent *event)

@@ -239,6 +239,35 @@ private Q_SLOTS:
         QVERIFY(!m_ask->isOpen());
     }
 
+    void everythingIsReachedWithTabAndHasAName()
+    {
+        m_ask->activate();
+        untilSeen();
+        const auto namesOnTheWay = [this](const QString &last) {
+            QStringList names;
+            field()->setFocus();
+            do {
+                QTest::keyClick(m_surface->window.focusWidget(), Qt::Key_Tab);
+                const auto *button = qobject_cast<QAbstractButton *>(m_surface->window.focusWidget());
+                const QString name = m_surface->window.focusWidget()->accessibleName();
+                names.append(name.isEmpty() && button ? button->text() : name);
+            } while (names.last() != last && names.size() < 20);
+            return names;
+        };
+        type(u"a"_s);
+        QCOMPARE(
+            namesOnTheWay(u"Question"_s),
+            QStringList(
+                {u"Send"_s, u"New conversation"_s, u"Take a new screenshot  Ctrl+Alt+S"_s, u"Close"_s})
+                + suggestions() + QStringList({u"Don't send the screen"_s, u"Question"_s}));
+        press(Qt::Key_Return);
+        untilAnswered(2);
+        QVERIFY(namesOnTheWay(u"Question"_s).contains(u"Conversation"_s));
+        press(Qt::Key_PageUp);
+        press(Qt::Key_PageDown);
+        QVERIFY(field()->hasFocus());
+    }
+
     void saysWhatClaudeSees()
     {
         ScreenContext seen{.jpeg = "x", .appName = u"A"_s, .windowTitle = u"b\n\u202ec"_s};
