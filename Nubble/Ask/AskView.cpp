@@ -42,10 +42,11 @@ ThreadMessage shown(const AskMessage &message)
 } // namespace
 
 AskView::AskView(AskClaude &ask, const DesktopPreferences &preferences, QWidget *parent)
-    : QWidget(parent), m_ask(ask), m_preferences(preferences), m_header(makeHeader()),
-      m_thread(new ThreadView(this)), m_empty(new EmptyConversation(this)), m_footer(new ReplyFooter),
-      m_chip(new ScreenChip), m_composer(new Composer(m_chip, this)), m_stack(new QStackedLayout)
+    : QWidget(parent), m_ask(ask), m_preferences(preferences), m_chip(new ScreenChip),
+      m_composer(new Composer(m_chip, this)), m_header(makeHeader()), m_empty(new EmptyConversation(this)),
+      m_thread(new ThreadView(this)), m_footer(new ReplyFooter), m_stack(new QStackedLayout)
 {
+    setFocusProxy(m_composer);
     m_thread->setFooter(m_footer);
 
     auto *layout = new QVBoxLayout(this);
@@ -65,12 +66,6 @@ AskView::AskView(AskClaude &ask, const DesktopPreferences &preferences, QWidget 
     followTurns();
     followState();
     showState();
-}
-
-// Not by a focus proxy: on its way through the window, Tab goes from whoever has one to that at once.
-void AskView::focusInEvent(QFocusEvent *)
-{
-    m_composer->setFocus(Qt::OtherFocusReason);
 }
 
 QWidget *AskView::makeHeader()

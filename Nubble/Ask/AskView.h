@@ -31,9 +31,6 @@ Q_SIGNALS:
     void closeWanted();
     void linkActivated(const QUrl &url);
 
-protected:
-    void focusInEvent(QFocusEvent *event) override;
-
 private:
     [[nodiscard]] QWidget *makeHeader();
     void followTurns();
@@ -46,12 +43,13 @@ private:
 
     AskClaude &m_ask;
     const DesktopPreferences &m_preferences;
-    QWidget *m_header; // Tab goes through all in this order
-    ThreadView *m_thread;
-    EmptyConversation *m_empty;
-    ReplyFooter *m_footer;
+    // In the order of Tab. The composer comes first: from a widget with a focus proxy, Tab jumps to that.
     ScreenChip *m_chip;
     Composer *m_composer;
+    QWidget *m_header;
+    EmptyConversation *m_empty;
+    ThreadView *m_thread;
+    ReplyFooter *m_footer;
     QStackedLayout *m_stack;
     bool m_sendsWhenSeen = false; // the screen
 };

@@ -28,7 +28,8 @@ constexpr QMargins fieldMargins{6, 2, 2, 2}; // beside the text's own
 } // namespace
 
 Composer::Composer(QWidget *above, QWidget *parent)
-    : QWidget(parent), m_field(new QPlainTextEdit), m_button(new NotchButton(u"arrow.up"_s, u"Send"_s))
+    : QWidget(parent), m_field(new QPlainTextEdit(this)),
+      m_button(new NotchButton(u"arrow.up"_s, u"Send"_s, this))
 {
     m_field->setFont(Typography::reading());
     m_field->setPlaceholderText(u"Ask about your screen…"_s);
@@ -46,6 +47,7 @@ Composer::Composer(QWidget *above, QWidget *parent)
     colours.setColor(QPalette::Highlight, Palette::selection);
     m_field->setPalette(colours);
     m_field->installEventFilter(this);
+    setFocusProxy(m_field);
 
     auto *line = new QHBoxLayout;
     line->setContentsMargins(fieldMargins);
@@ -93,11 +95,6 @@ void Composer::paintEvent(QPaintEvent *)
     painter.setBrush(Palette::control);
     painter.setPen(QPen(m_field->hasFocus() ? Palette::ringTrack : Palette::cardLine, 1));
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
-}
-
-void Composer::focusInEvent(QFocusEvent *)
-{
-    m_field->setFocus(Qt::OtherFocusReason);
 }
 
 bool Composer::eventFilter(QObject *watched, QEvent *event)

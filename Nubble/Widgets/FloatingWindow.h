@@ -21,7 +21,7 @@ class FloatingWindow : public QObject {
     Q_OBJECT
 
 public:
-    // The content gets the focus on each opening, and hands it on.
+    // The content's focus proxy gets the keyboard on each opening.
     using ContentFactory = std::function<QWidget *()>;
     using SurfaceFactory = std::function<std::unique_ptr<FloatingSurface>(QWidget &)>;
 
