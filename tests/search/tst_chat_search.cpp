@@ -1,0 +1,244 @@
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <csignal>
+
+#include "Search/ChatDecoding.h"
+#include "Search/ChatSearch.h"
+#include "support/TemporaryHome.h"
+
+using namespace nubble;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QJsonObject hitJson(const QString &title, const QJsonObject &more = {})
+{
+    QJsonObject hit{
+        {u"id"_s, QString(u"id-"_s + title)},
+        {u"source"_s, u"chat"_s},
+        {u"title"_s, title},
+        {u"project"_s, u"p"_s},
+        {u"category"_s, u"c"_s},
+        {u"tags"_s, QJsonArray{u"t"_s}},
+        {u"updated"_s, u"today"_s},
+        {u"starred"_s, true},
+        {u"snippet"_s, u"s"_s}};
+    for (auto each = more.begin(); each != more.end(); ++each)
+        each.key() == u"remove" ? hit.remove(each.value().toString()) : void(hit[each.key()] = each.value());
+    return hit;
+}
+
+QByteArray searchJson(const QJsonArray &hits, const QJsonObject &corrected = {})
+{
+    return QJsonDocument({{u"results"_s, hits}, {u"corrected"_s, corrected}}).toJson();
+}
+
+} // namespace
+
+class ChatSearchTest : public QObject {
+    Q_OBJECT
+
+private:
+    // The tool: keeps its arguments, a line each, and goes on with the script, for which they are $1 and so
+    // on.
+    void follow(const QByteArray &script)
+    {
+        m_home->writeScript(
+            u".local/bin/yarnbin"_s,
+            "#!/bin/bash\nhome=$(dirname \"$0\")/../..\nIFS='|'; echo \"$*\" >>$home/calls; echo $$ "
+            ">>$home/pids\n"
+                + script);
+    }
+    void answers(const QByteArray &json)
+    {
+        m_home->write(u"answer"_s, json);
+        follow("cat $home/answer");
+    }
+    [[nodiscard]] QList<QByteArray> calls() const
+    {
+        QList<QByteArray> lines = m_home->read(u"calls"_s).split('\n');
+        lines.removeLast();
+        return lines;
+    }
+    [[nodiscard]] QStringList titles() const
+    {
+        QStringList all;
+        for (const ChatHit &hit : m_search->results())
+            all.append(hit.title);
+        return all;
+    }
+    void untilAnswered()
+    {
+        QSignalSpy answered(&*m_search, &ChatSearch::answered);
+        QVERIFY(answered.wait(20000));
+    }
+    void search(const QString &query)
+    {
+        m_search->setQuery(query);
+        untilAnswered();
+    }
+
+    std::optional<TemporaryHome> m_home;
+    std::optional<ChatSearch> m_search;
+
+private Q_SLOTS:
+    void initTestCase() { qputenv("PATH", "/usr/bin:/bin"); }
+    void init()
+    {
+        m_search.reset();
+        m_home.emplace();
+        m_search.emplace(m_home->home());
+    }
+
+    void decodesAllOrNothing_data()
+    {
+        QTest::addColumn<QJsonObject>("change");
+        QTest::addColumn<bool>("sound");
+        QTest::newRow("as it is") << QJsonObject() << true;
+        QTest::newRow("links") << QJsonObject{{u"url"_s, u"u"_s}, {u"app_url"_s, QJsonValue::Null}} << true;
+        QTest::newRow("unknown keys") << QJsonObject{{u"deep"_s, QJsonArray{QJsonArray{1}}}} << true;
+        QTest::newRow("link of another type") << QJsonObject{{u"resume"_s, 1}} << false;
+        QTest::newRow("null") << QJsonObject{{u"title"_s, QJsonValue::Null}} << false;
+        QTest::newRow("number for text") << QJsonObject{{u"id"_s, 5}} << false;
+        QTest::newRow("text for a flag") << QJsonObject{{u"starred"_s, u"true"_s}} << false;
+        QTest::newRow("number for a flag") << QJsonObject{{u"starred"_s, 1}} << false;
+        QTest::newRow("one text for a list") << QJsonObject{{u"tags"_s, u"t"_s}} << false;
+        QTest::newRow("a number in a list") << QJsonObject{{u"tags"_s, QJsonArray{u"t"_s, 1}}} << false;
+        for (const auto &key : hitJson({}).keys())
+            QTest::addRow("without %s", qPrintable(key)) << QJsonObject{{u"remove"_s, key}} << false;
+    }
+    void decodesAllOrNothing()
+    {
+        QFETCH(QJsonObject, change);
+        const auto response = decodeSearch(searchJson({hitJson(u"a"_s), hitJson(u"b"_s, change)}));
+        QTEST(response.has_value(), "sound");
+        if (response)
+            QCOMPARE(response->results.first().tags, QStringList{u"t"_s});
+    }
+    void decodesThreadsAndCategories()
+    {
+        const QByteArray head = R"({"id":"1","source":"code","title":"t","updated":"u","resume":"r",)";
+        const QByteArray messages = R"("messages":[{"me":true,"text":"a"},{"me":false,"text":"b"}])";
+        const auto thread = decodeThread(head + messages + R"(,"hits":[1,0,7,-1]})");
+        QVERIFY(thread && thread->resume == u"r" && !thread->url);
+        QCOMPARE(thread->hits, (QList<qsizetype>{1, 0}));
+        QCOMPARE(thread->messages.last(), (ChatThread::Message{false, u"b"_s}));
+        for (const QByteArray wrong : {R"(,"hits":[0.5]})", R"(,"hits":["1"]})", R"(,"hits":[1e30]})", "}"})
+            QVERIFY2(!decodeThread(head + messages + wrong), wrong);
+        QVERIFY(!decodeThread(head + R"("messages":[{"text":"a"}],"hits":[]})"));
+        QCOMPARE(
+            decodeCategories(R"([{"category":"c","count":3}])"),
+            (QList<ChatCategory>{ChatCategory{u"c"_s, 3}}));
+        for (const QByteArray wrong : {"{}", R"([{"category":"c","count":3.5}])", "[1]", "", "[]x"})
+            QVERIFY2(!decodeCategories(wrong), wrong);
+    }
+
+    void askingAndShowing()
+    {
+        answers(searchJson(
+            {hitJson(u"one"_s), hitJson(u"two"_s)},
+            {{u"teh"_s, QJsonArray{u"the"_s, u"tea"_s}}, {u"x"_s, QJsonArray{u"y"_s}}}));
+        m_search->setQuery(u"first"_s);
+        search(u" \tteh x\n "_s);
+        QCOMPARE(calls(), QList<QByteArray>({"search|--json|-n|25|teh x", ""})); // and its own line's end
+        QCOMPARE(titles(), QStringList({u"one"_s, u"two"_s}));
+        QCOMPARE(m_search->corrected(), u"teh → the / tea, x → y"_s);
+        m_search->move(7);
+        QCOMPARE(m_search->selection(), 1);
+        m_search->move(-7);
+        QCOMPARE(m_search->selection(), 0);
+        m_search->move(1);
+        m_search->setQuery({});
+        m_search->setCategory(u"Work"_s);
+        untilAnswered();
+        QCOMPARE(calls().last(), "search|--json|-n|25|cat:\"Work\" ");
+        QCOMPARE(m_search->selection(), 0);
+    }
+
+    void saysWhatIsWrong_data()
+    {
+        QTest::addColumn<QByteArray>("script");
+        QTest::newRow("fails") << QByteArray("cat $home/answer; exit 1");
+        QTest::newRow("half") << QByteArray("head -c 30 $home/answer");
+        QTest::newRow("two") << QByteArray("cat $home/answer $home/answer");
+        QTest::newRow("floods") << QByteArray("yes >&2 & cat /dev/zero");
+        QTest::newRow("killed") << QByteArray("cat $home/answer; kill -9 $$");
+    }
+    void saysWhatIsWrong()
+    {
+        QFETCH(QByteArray, script);
+        answers(searchJson({hitJson(u"one"_s)}, {{u"a"_s, QJsonArray{u"b"_s}}}));
+        search(u"q"_s);
+        QCOMPARE(titles().size(), 1);
+        follow(script);
+        search(u"r"_s);
+        QCOMPARE(m_search->problem(), u"Search failed — run `yarnbin sync` in Terminal"_s);
+        QVERIFY(titles().isEmpty());
+        QFile::remove(m_home->path(u".local/bin/yarnbin"_s));
+        search(u"s"_s);
+        QCOMPARE(m_search->problem(), u"yarnbin isn't installed — the `yarnbin` command wasn't found"_s);
+        answers(searchJson({}));
+        search(u"t"_s);
+        QVERIFY(!m_search->problem());
+    }
+
+    void onlyTheNewestSearchCountsAndOthersAreEnded()
+    {
+        answers(searchJson({hitJson(u"new"_s)}));
+        follow("trap '' TERM; [[ $5 = old ]] && sleep 60; cat $home/answer");
+        for (int i = 0; i < 3; ++i) {
+            m_search->setQuery(u"old"_s);
+            QTRY_COMPARE(calls().size(), i + 1);
+            QVERIFY(m_search->isSearching());
+            m_search->setQuery(u"older"_s);
+        }
+        search(u"new"_s);
+        QCOMPARE(titles(), QStringList{u"new"_s});
+        QVERIFY(!m_search->isSearching());
+        const auto alive = [this] {
+            int count = 0;
+            for (const QByteArray &pid : m_home->read(u"pids"_s).trimmed().split('\n'))
+                count += ::kill(pid.toInt(), 0) == 0;
+            return count;
+        };
+        QTRY_COMPARE(alive(), 0);
+    }
+
+    void aThreadIsReadSteppedThroughAndClosed()
+    {
+        answers(searchJson({hitJson(u"one"_s)}));
+        m_search->openThread();
+        search(u"q"_s);
+        m_home->write(u"thread"_s, R"({"id":"1","source":"c","title":"t","updated":"u","messages":[
+            {"me":true,"text":"a"},{"me":true,"text":"b"},{"me":true,"text":"c"}],"hits":[0,2]})");
+        follow("sleep 0.2; cat $home/thread");
+        m_search->openThread();
+        QTRY_VERIFY(m_search->thread());
+        QCOMPARE(calls().last(), "thread|id-one|--query|q");
+        m_search->stepHit(-1);
+        QCOMPARE(m_search->hit(), 1);
+        m_search->stepHit(1);
+        QCOMPARE(m_search->hit(), 0);
+        m_search->closeThread();
+        QSignalSpy changed(&*m_search, &ChatSearch::threadChanged);
+        m_search->openThread();
+        m_search->closeThread();
+        m_search->openThread();
+        m_search->setQuery(u"other"_s);
+        follow("[[ $1 = categories ]] && echo '[{\"category\":\"c\",\"count\":1}]'");
+        m_search->loadCategories();
+        QTRY_COMPARE(m_search->categories().size(), 1);
+        follow("echo nonsense");
+        m_search->loadCategories();
+        QTest::qWait(500);
+        QCOMPARE(changed.size(), 0);
+        QCOMPARE(m_search->categories().size(), 1);
+    }
+};
+
+QTEST_GUILESS_MAIN(ChatSearchTest)
+#include "tst_chat_search.moc"
