@@ -31,7 +31,7 @@ private:
     void ask(const QString &text)
     {
         m_ask->send(text);
-        QTRY_VERIFY_WITH_TIMEOUT(!m_ask->isBusy(), 20000);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_ask->isBusy(), 60000);
     }
     // What a reply to one question comes to when `claude` follows that script.
     QString resultOf(const QByteArray &script)
