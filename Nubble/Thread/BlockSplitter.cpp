@@ -291,7 +291,7 @@ bool BlockSplitter::beginTable(const Line &line)
     const qsizetype columns = MarkdownLine::announcedColumns(rest(line));
     Block &last = m_blocks.back();
     const qsizetype header = m_state.lastLine;
-    if (columns == 0 || m_state.lines == 0 || last.end() <= header)
+    if (columns == 0 || m_state.lines == 0 || last.end() <= header || header < last.start) // which was cut
         return false;
     const QStringView headerText = m_text.sliced(header, last.end() - header);
     if (!headerText.contains(u'|') || MarkdownLine::cells(headerText).size() != columns)
