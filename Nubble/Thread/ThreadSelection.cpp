@@ -169,12 +169,18 @@ ThreadSelection around(ThreadLayout &layout, ThreadPosition position, QTextCurso
     QTextCursor cursor(layout.row(position.row).document.get());
     cursor.setPosition(position.offset);
     cursor.select(type);
+    if (type == QTextCursor::BlockUnderCursor) { // the toolkit's begins with the end of the one before
+        cursor.setPosition(position.offset);
+        cursor.movePosition(QTextCursor::StartOfBlock);
+        cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
+    }
     return {{position.row, cursor.selectionStart()}, {position.row, cursor.selectionEnd()}};
 }
 
 QRect caret(ThreadLayout &layout, ThreadPosition position)
 {
     const ThreadLayout::Row &row = layout.row(position.row);
+    position.offset = std::clamp(position.offset, 0, row.document->lastPosition());
     const QTextBlock block = row.document->findBlock(position.offset);
     const QTextLine line = block.layout()->lineForTextPosition(position.offset - block.position());
     const QPointF origin = row.document->documentLayout()->blockBoundingRect(block).topLeft();

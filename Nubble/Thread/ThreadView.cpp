@@ -257,6 +257,7 @@ void ThreadView::hideEvent(QHideEvent *event)
 {
     QAbstractScrollArea::hideEvent(event);
     m_frame.stop();
+    m_mouse->cancel();
     m_scene->setShown(false);
     releaseFreedMemory();
 }
@@ -331,16 +332,17 @@ void ThreadView::contextMenuEvent(QContextMenuEvent *event)
     const bool isMouse = event->reason() == QContextMenuEvent::Mouse;
     const auto target = isMouse ? m_scene->targetAt(event->pos()) : m_scene->focused();
     const QUrl url = target ? ThreadTargets::url(m_scene->layout(), *target) : QUrl();
-    QMenu menu(this);
+    auto *menu = new QMenu(this); // may be open when the view goes
+    menu->setAttribute(Qt::WA_DeleteOnClose);
     QAction *copy =
-        menu.addAction(u"Copy"_s, this, [this] { m_scene->copySelection(QClipboard::Clipboard); });
+        menu->addAction(u"Copy"_s, this, [this] { m_scene->copySelection(QClipboard::Clipboard); });
     copy->setEnabled(!m_scene->selection().isEmpty());
     if (!url.isEmpty())
-        menu.addAction(u"Copy Link"_s, this, [url] {
+        menu->addAction(u"Copy Link"_s, this, [url] {
             QGuiApplication::clipboard()->setText(url.toString(QUrl::FullyEncoded));
         });
-    menu.addAction(u"Select All"_s, m_scene, &ThreadScene::selectAll);
-    menu.exec(event->globalPos());
+    menu->addAction(u"Select All"_s, m_scene, &ThreadScene::selectAll);
+    menu->popup(event->globalPos());
 }
 
 void ThreadView::scrollContentsBy(int, int)

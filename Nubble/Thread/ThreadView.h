@@ -32,7 +32,7 @@ public:
     void finishLast(); // the reply has ended: is announced to assistive technology, can be copied as a whole
     void removeLast();
     // Scrolls with the text, below the last message, as tall as it wants to be; null for none. The one before
-    // is deleted.
+    // is hidden.
     void setFooter(QWidget *footer);
     void scrollToEnd();
 
