@@ -163,12 +163,14 @@ private Q_SLOTS:
     {
         show(
             u"> | a | b |\n> |---|---|\n"_s + u"> | `code` | some words |\n"_s.repeated(50)
-            + u"> | much longer than the rows above it | c |\n"_s);
-        QCOMPARE(rows(), 2);
+            + u"> | much longer than the rows above it | c |\n"_s + u"> | c | d |\n"_s.repeated(40));
+        QCOMPARE(rows(), 3);
         const QTextTable *first = document(0).table();
         const QTextTable *second = document(1).table();
         QCOMPARE(second->format().columnWidthConstraints(), first->format().columnWidthConstraints());
-        QCOMPARE(first->rows() + second->rows(), 52); // one header
+        QCOMPARE(
+            document(2).table()->format().columnWidthConstraints(), first->format().columnWidthConstraints());
+        QCOMPARE(first->rows() + second->rows() + document(2).table()->rows(), 92); // one header
         QCOMPARE(layout().row(1).box.text.y(), 0);
         for (const TextRange &span : document(1).codeSpans())
             QCOMPARE(document(1).toPlainText().mid(span.from, span.to - span.from), u"code"_s);
@@ -186,6 +188,8 @@ private Q_SLOTS:
                 m_view->appendText(QStringView(sample).sliced(at).left(length));
                 at += length;
                 scene().takeIn();
+                for (const auto &each : layout().shown())
+                    QCOMPARE(layout().yOf(each.row + 1), each.y + layout().row(each.row).box.height);
             }
             m_view->finishLast();
             QCOMPARE(rendered(), whole);
@@ -275,7 +279,7 @@ private Q_SLOTS:
         add("links", u"[a](http://b.c) "_s, 10'000);
         add("emphasis", u"*a**a*"_s, 40'000);
         add("one list", u"- a\n"_s, 40'000);
-        add("deep list", u"- "_s, 10'000);
+        add("deep list", u"+ "_s, 10'000);
         add("rows", u"|a|b|\n|---|---|\n|c|d|\n"_s, 4000);
         add("columns", u"|"_s.repeated(400) + u"\n"_s + u"|---"_s.repeated(399) + u"\n1|2\n"_s, 20);
         add("definitions", u"[a]: http://b\n[a]\n"_s, 5000);
@@ -332,6 +336,7 @@ private Q_SLOTS:
         QTest::newRow("https") << u"[a](https://b.c/d?e=f)"_s << QUrl(u"https://b.c/d?e=f"_s);
         QTest::newRow("bare") << u"http://b.c"_s << QUrl(u"http://b.c"_s);
         QTest::newRow("mail") << u"[*a* b](mailto:a@b.c)"_s << QUrl(u"mailto:a@b.c"_s);
+        QTest::newRow("bare mail") << u"to a@b.c"_s << QUrl(u"mailto:a@b.c"_s);
         QTest::newRow("in a table") << u"|a|\n|-|\n|[b](http://c.d)|"_s << QUrl(u"http://c.d"_s);
         for (const QString &bad :
              {u"javascript:alert(1)"_s, u"file:///etc/passwd"_s, u"vscode://a/b"_s, u"a.html"_s, u"//b.c"_s,
@@ -504,8 +509,17 @@ private Q_SLOTS:
         for (int i = 0; i < 5; ++i)
             key(Qt::Key_Left);
         QCOMPARE(copied(), u"One two\n\nthree four"_s);
+        for (int i = 0; i < 11; ++i)
+            key(Qt::Key_Left);
+        QCOMPARE(copied(), u"One two"_s);
         key(Qt::Key_Up);
-        QVERIFY(copied().startsWith(u"One two"_s));
+        QCOMPARE(copied(), u""_s);
+        show(u"line\n\n"_s.repeated(40));
+        scene().scrollTo(0);
+        for (int i = 0; i < 30; ++i)
+            key(Qt::Key_Down);
+        const int row = scene().selection().cursor.row;
+        QVERIFY(row > 20 && layout().yOf(row) < 400);
     }
 
     void aSelectionSurvivesStreaming()
@@ -533,8 +547,8 @@ private Q_SLOTS:
             m_view->finishLast();
             frame();
             scene().hover(at(targets().last()));
-            scene().focus(targets().last());
             press(Qt::LeftButton, at(rows() - 1, 2));
+            scene().focus(targets().last());
             all ? m_view->clear() : m_view->removeLast();
             QMouseEvent move(QEvent::MouseMove, QPointF(90, 90), QPointF(), Qt::NoButton, Qt::LeftButton, {});
             QCoreApplication::sendEvent(m_view->viewport(), &move);
@@ -554,6 +568,8 @@ private Q_SLOTS:
         QTest::keyClick(m_view.get(), Qt::Key_A, Qt::ControlModifier);
         QCOMPARE(copied(), text);
         QVERIFY(BlockDocument::importedCharacters() - before < 5000);
+        scene().select({{3, 0}, {rows() - 2, 0}});
+        QVERIFY(copied().startsWith(u"second\n"_s) && copied().endsWith(u"---"_s));
     }
 
     void dragsOverAnEdgeScroll()
