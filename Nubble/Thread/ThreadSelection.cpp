@@ -59,7 +59,9 @@ QString separator(const ThreadRows &rows, int row)
         const QString &text = rows.messageAt(row).content.text;
         const bool isLineEnd = text.mid(before.end(), block.start - before.end()).contains(u'\n');
         const bool isText = rows.messageAt(row).isReply() && block.kind == Block::Kind::Paragraph;
-        return !isLineEnd ? QString() : isText ? u" "_s : u"\n"_s;
+        if (isText) // which loses the space that it ends with
+            return isLineEnd || text.at(block.start - 1).isSpace() ? u" "_s : QString();
+        return isLineEnd ? u"\n"_s : QString();
     }
     return block.marker != Block::Marker::None && before.depth > 0 ? u"\n"_s : u"\n\n"_s;
 }

@@ -11,6 +11,7 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QTextTable>
+#include <QWheelEvent>
 
 #include <sys/inotify.h>
 #include <unistd.h>
@@ -230,7 +231,7 @@ private Q_SLOTS:
         QCOMPARE(shown(u"\n|---|---|\n| c"_s), u"Text/\na\nb\n"_s);
         QCOMPARE(shown(u""_s), u"Text/\na\nb\nc\n\n"_s); // nothing more has come
         show(u"Text\n\n"_s);
-        QCOMPARE(shown(u"| a"_s), u"Text"_s);
+        m_view->appendText(u"| a"_s);
         m_view->append(question(u"And?"_s)); // so nothing more comes
         QCOMPARE(rendered().join(u'/'), u"Text/| a/And?"_s);
     }
@@ -419,6 +420,11 @@ private Q_SLOTS:
         QCOMPARE(layout().shown().front().row, row);
         QTest::keyClick(m_view.get(), Qt::Key_Home);
         QCOMPARE(layout().value(), 0);
+        for (const int turn : {-120, 60}) {
+            QWheelEvent wheel({50, 50}, {50, 50}, {}, {0, turn}, {}, {}, Qt::NoScrollPhase, false);
+            QCoreApplication::sendEvent(m_view->viewport(), &wheel);
+        }
+        QCOMPARE(layout().value(), 30);
         QTest::keyClick(m_view.get(), Qt::Key_End);
         QVERIFY(layout().follows());
     }
@@ -438,6 +444,7 @@ private Q_SLOTS:
         QCOMPARE(m_view->verticalScrollBar()->maximum(), maximum);
         m_view->setFooter(dots);
         QVERIFY(dots->isVisible());
+        QCOMPARE(dots->y(), layout().end() + RowBoxes::footerGap);
         delete dots;
         QCOMPARE(m_view->verticalScrollBar()->maximum(), maximum);
     }
@@ -488,6 +495,62 @@ private Q_SLOTS:
         QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, at(0, 13));
         QCOMPARE(copied(), u"second line"_s);
         m_view->grab(); // painting it
+    }
+
+    void partsThatContinueAreCopiedAsOne()
+    {
+        for (const QString &text : {u"some words "_s.repeated(900), u"some words\n"_s.repeated(900)}) {
+            show(text);
+            scene().selectAll();
+            QVERIFY(rows() > 2);
+            QCOMPARE(copied(), text.trimmed().replace(u'\n', u' '));
+            show(u"```\n"_s + text);
+            scene().selectAll();
+            QCOMPARE(copied().trimmed(), text.trimmed());
+        }
+    }
+
+    void drawsWhatStandsBesideTheText()
+    {
+        const auto isDrawn = [this](const QRect &rect) {
+            const QImage all = m_view->viewport()->grab(rect).toImage();
+            for (int y = 0; y < all.height(); ++y)
+                for (int x = 0; x < all.width(); ++x)
+                    if (all.pixel(x, y) != all.pixel(0, 0))
+                        return true;
+            return false;
+        };
+        const auto besideRow = [&](int row) {
+            const QRect box(10, layout().yOf(row), layout().row(row).box.text.x() - 12, 0);
+            return isDrawn(box.adjusted(0, 0, 0, layout().row(row).box.height));
+        };
+        show(u"a\n> b\n\n- c\n1. d\n- [ ] e\n- [x] f\n"_s);
+        QVERIFY(!besideRow(0));
+        for (int row = 1; row < rows(); ++row)
+            QVERIFY2(besideRow(row), qPrintable(QString::number(row)));
+
+        const auto changes = [this](const auto &change) {
+            const QImage before = m_view->grab().toImage();
+            change();
+            return m_view->grab().toImage() != before;
+        };
+        show(u"[a](http://b.c)\n```\nb\n```"_s);
+        QVERIFY(changes([&] { scene().selectAll(); }));
+        QVERIFY(changes([&] { scene().focus(targets().first()); }));
+        QVERIFY(changes([&] { m_view->finishLast(); }));
+        scene().focus(std::nullopt);
+        const QImage before = m_view->grab().toImage();
+        QVERIFY(changes([&] { scene().activate(targets().at(1)); }));
+        QTRY_COMPARE(m_view->grab().toImage(), before);
+
+        QImage picture(1000, 20, QImage::Format_RGB32);
+        picture.fill(Qt::red);
+        m_view->append({ThreadMessage::Kind::Question, u"Short"_s, picture, u"a caption"_s});
+        const RowBox &box = layout().row(rows() - 1).box;
+        QCOMPARE(box.picture.size(), QSize(200, 4));
+        QCOMPARE(box.panel.right(), box.picture.right());
+        QVERIFY(box.panel.left() > 200);
+        QVERIFY(isDrawn(box.caption.translated(0, layout().yOf(rows() - 1))));
     }
 
     void selectsWithTheKeyboard()
@@ -570,6 +633,9 @@ private Q_SLOTS:
         QVERIFY(BlockDocument::importedCharacters() - before < 5000);
         scene().select({{3, 0}, {rows() - 2, 0}});
         QVERIFY(copied().startsWith(u"second\n"_s) && copied().endsWith(u"---"_s));
+        scene().select({{300, 0}, {1900, 0}});
+        m_view->setText(u"Short"_s);
+        QCOMPARE(copied(), u""_s);
     }
 
     void dragsOverAnEdgeScroll()
