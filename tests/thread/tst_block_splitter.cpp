@@ -82,6 +82,7 @@ const std::initializer_list<std::pair<QString, QStringList>> structures{
     {u"- a\n  - b\n    - c\n- d\n * e"_s, {u"* a"_s, u"-* b"_s, u"--* c"_s, u"* d"_s, u"* e"_s}},
     {u"1. a\n  - b\n      c\n\n  text"_s, {u"1. a"_s, u"-* b\\nc"_s, u"_ text"_s}},
     {u"- [x] a\n- [ ] b\n- [y] c\n-\n- - d"_s, {u"[x] a"_s, u"[ ] b"_s, u"* [y] c"_s, u"* "_s, u"-* d"_s}},
+    {u"1234567890. a\n\n123456789. b"_s, {u"1234567890. a"_s, u"123456789. b"_s}},
     {u"a\n-\n+\nb"_s, {u"a\\n\\-\\n\\+\\nb"_s}},
     {u"-not\n1.not\n+ yes"_s, {u"-not\\n1.not"_s, u"* yes"_s}},
     // Code keeps what is its own, and loses what is its surroundings'.
