@@ -49,10 +49,10 @@ bool announcesColumn(QStringView cell)
 
 } // namespace
 
-Indent indent(QStringView line, qsizetype from, int column)
+Indent indent(QStringView line, qsizetype from, int column, int until)
 {
     qsizetype at = from;
-    for (; at < line.size() && isSpace(line.at(at)); ++at)
+    for (; at < line.size() && column < until && isSpace(line.at(at)); ++at)
         column = line.at(at) == u'\t' ? column / 4 * 4 + 4 : column + 1;
     return {at - from, column};
 }

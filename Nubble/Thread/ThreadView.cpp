@@ -78,7 +78,6 @@ void ThreadView::connectScene()
 {
     connect(m_scene, &ThreadScene::changed, this, &ThreadView::showChange);
     connect(m_scene, &ThreadScene::linkActivated, this, &ThreadView::linkActivated);
-    connect(m_scene, &ThreadScene::hoverChanged, this, &ThreadView::showHover);
     connect(m_scene, &ThreadScene::focusChanged, this, [this] {
         m_showsFocus = false; // what has it shows it
         tellFocus(*this);
@@ -211,21 +210,15 @@ bool ThreadView::viewportEvent(QEvent *event)
         const QString text = m_scene->toolTipAt(help->pos());
         // Escaped and told to be rich, so that no address is taken for what it looks like.
         const QString rich = text.isEmpty() ? text : u"<qt>"_s + text.toHtmlEscaped() + u"</qt>"_s;
-        QToolTip::showText(help->globalPos(), rich, viewport());
+        constexpr QMargins nearby(4, 4, 4, 4); // farther away it goes
+        QToolTip::showText(
+            help->globalPos(), rich, viewport(), QRect(help->pos(), QSize(1, 1)).marginsAdded(nearby));
         return true;
     }
     default:
         break;
     }
     return QAbstractScrollArea::viewportEvent(event);
-}
-
-void ThreadView::showHover()
-{
-    const QUrl url = m_scene->hoveredUrl();
-    if (url.isEmpty())
-        QToolTip::hideText();
-    Q_EMIT linkHovered(url);
 }
 
 void ThreadView::paintEvent(QPaintEvent *event)

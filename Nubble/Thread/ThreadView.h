@@ -40,7 +40,6 @@ public:
 
 Q_SIGNALS:
     void linkActivated(const QUrl &url); // clicked, or by keyboard; http, https or mailto only
-    void linkHovered(const QUrl &url);   // where it would lead; empty when there is none
 
 protected:
     bool viewportEvent(QEvent *event) override;
@@ -67,7 +66,6 @@ private:
     void showChange(int y);
     void placeFooter();
     void placeJump();
-    void showHover();
 
     ThreadScene *m_scene;
     ThreadMouse *m_mouse;
