@@ -759,6 +759,8 @@ private Q_SLOTS:
         QTRY_VERIFY(changed.count() > 0);
         QCOMPARE(changed.count(), 1);
         QTRY_VERIFY(document(rows() - 1).toPlainText().endsWith(u"word"_s));
+        m_view->appendText(u"\n\n| a |"_s); // is held back for a frame
+        QTRY_COMPARE(document(rows() - 1).toPlainText(), u"| a |"_s);
     }
 };
 
