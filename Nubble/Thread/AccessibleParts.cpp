@@ -39,6 +39,26 @@ public:
         return m_view ? m_view->window()->windowHandle() : nullptr;
     }
     void setText(QAccessible::Text, const QString &) override { }
+    [[nodiscard]] QAccessibleInterface *parent() const override
+    {
+        return QAccessible::queryAccessibleInterface(&view());
+    }
+    [[nodiscard]] QAccessibleInterface *child(int) const override { return nullptr; }
+    [[nodiscard]] int childCount() const override { return 0; }
+    [[nodiscard]] int indexOfChild(const QAccessibleInterface *child) const override
+    {
+        for (int i = 0; i < childCount(); ++i)
+            if (this->child(i) == child)
+                return i;
+        return -1;
+    }
+    [[nodiscard]] QAccessibleInterface *childAt(int x, int y) const override
+    {
+        for (int i = 0; i < childCount(); ++i)
+            if (child(i)->rect().contains(x, y))
+                return child(i);
+        return nullptr;
+    }
 
 protected:
     [[nodiscard]] ThreadView &view() const { return *m_view; }
@@ -71,10 +91,6 @@ public:
         return PartAccessible::isValid() && m_index < all().size();
     }
     [[nodiscard]] QAccessibleInterface *parent() const override { return m_parent; }
-    [[nodiscard]] QAccessibleInterface *child(int) const override { return nullptr; }
-    [[nodiscard]] int childCount() const override { return 0; }
-    [[nodiscard]] int indexOfChild(const QAccessibleInterface *) const override { return -1; }
-    [[nodiscard]] QAccessibleInterface *childAt(int, int) const override { return nullptr; }
     [[nodiscard]] QAccessible::Role role() const override
     {
         return isLink() ? QAccessible::Link : QAccessible::Button;
@@ -141,10 +157,6 @@ class RowAccessible : public PartAccessible, public QAccessibleTextInterface {
 public:
     RowAccessible(ThreadView &view, int row) : PartAccessible(view, row) { }
 
-    [[nodiscard]] QAccessibleInterface *parent() const override
-    {
-        return QAccessible::queryAccessibleInterface(&view());
-    }
     [[nodiscard]] int childCount() const override { return static_cast<int>(targets().size()); }
     [[nodiscard]] QAccessibleInterface *child(int index) const override
     {
@@ -153,20 +165,6 @@ public:
         return m_children.get(index, [=, this] {
             return new TargetAccessible(view(), row(), index, const_cast<RowAccessible *>(this));
         });
-    }
-    [[nodiscard]] int indexOfChild(const QAccessibleInterface *child) const override
-    {
-        for (int i = 0; i < childCount(); ++i)
-            if (this->child(i) == child)
-                return i;
-        return -1;
-    }
-    [[nodiscard]] QAccessibleInterface *childAt(int x, int y) const override
-    {
-        for (int i = 0; i < childCount(); ++i)
-            if (child(i)->rect().contains(x, y))
-                return child(i);
-        return nullptr;
     }
     [[nodiscard]] QAccessible::Role role() const override
     {
@@ -263,14 +261,6 @@ class Announcement : public PartAccessible {
 public:
     Announcement(ThreadView &view, int row) : PartAccessible(view, row) { }
 
-    [[nodiscard]] QAccessibleInterface *parent() const override
-    {
-        return QAccessible::queryAccessibleInterface(&view());
-    }
-    [[nodiscard]] QAccessibleInterface *child(int) const override { return nullptr; }
-    [[nodiscard]] int childCount() const override { return 0; }
-    [[nodiscard]] int indexOfChild(const QAccessibleInterface *) const override { return -1; }
-    [[nodiscard]] QAccessibleInterface *childAt(int, int) const override { return nullptr; }
     [[nodiscard]] QAccessible::Role role() const override { return QAccessible::Notification; }
     [[nodiscard]] QRect rect() const override { return onScreen(view(), view().viewport()->rect()); }
     [[nodiscard]] QAccessible::State state() const override { return visibility(rect()); }

@@ -60,14 +60,9 @@ QStringView withoutQuotes(QStringView line, int quotes)
     return line;
 }
 
-QStringView withoutColumns(QStringView line, int columns)
+QStringView withoutIndent(QStringView line, int columns)
 {
-    int column = 0;
-    while (column < columns && !line.isEmpty() && (line.front() == u' ' || line.front() == u'\t')) {
-        column = MarkdownLine::indent(line.first(1), 0, column).column;
-        line = line.sliced(1);
-    }
-    return line;
+    return line.sliced(MarkdownLine::indent(line, 0, 0, columns).length);
 }
 
 // Calls `add` for each line; the first has been stripped when the block was cut.
@@ -75,7 +70,7 @@ template <typename Add> void eachLine(QStringView source, const Block &block, in
 {
     const QList<QStringView> lines = source.sliced(block.start, block.length).split(u'\n');
     for (qsizetype i = 0; i < lines.size(); ++i)
-        add(i == 0 ? lines.at(i) : withoutColumns(withoutQuotes(lines.at(i), block.quotes), columns));
+        add(i == 0 ? lines.at(i) : withoutIndent(withoutQuotes(lines.at(i), block.quotes), columns));
 }
 
 constexpr int allColumns = 1 << 20;

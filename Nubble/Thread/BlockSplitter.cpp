@@ -107,7 +107,7 @@ bool BlockSplitter::readFenced(Line line)
         close();
         return true;
     }
-    skipColumns(line, column);
+    skipIndent(line, column);
     extend(line, BlockLimits::part, BlockLimits::lines);
     return true;
 }
@@ -159,7 +159,7 @@ void BlockSplitter::readContent(Line line)
         if (m_state.open == Open::None)
             begin(Block::Kind::Code, line.at, line.at).column = 4;
         m_state.open = Open::Indented;
-        skipColumns(line, 4);
+        skipIndent(line, 4);
         return extend(line, BlockLimits::part, BlockLimits::lines);
     }
     const bool isText = isIndented && m_state.open == Open::Paragraph;
@@ -291,7 +291,7 @@ bool BlockSplitter::beginTable(const Line &line)
     const qsizetype columns = MarkdownLine::announcedColumns(rest(line));
     Block &last = m_blocks.back();
     const qsizetype header = m_state.lastLine;
-    if (columns == 0 || m_state.lines == 0 || last.end() <= header)
+    if (columns == 0 || m_state.lines == 0 || last.end() <= header || header < last.start) // which was cut
         return false;
     const QStringView headerText = m_text.sliced(header, last.end() - header);
     if (!headerText.contains(u'|') || MarkdownLine::cells(headerText).size() != columns)
@@ -333,22 +333,11 @@ void BlockSplitter::leaveLists(int column)
         m_state.lists.removeLast();
 }
 
-void BlockSplitter::skipIndent(Line &line) const
+void BlockSplitter::skipIndent(Line &line, int until) const
 {
-    const auto indent = MarkdownLine::indent(m_text.first(line.end), line.at, line.column);
+    const auto indent = MarkdownLine::indent(m_text.first(line.end), line.at, line.column, until);
     line.at += indent.length;
     line.column = indent.column;
-}
-
-// White space up to that column.
-void BlockSplitter::skipColumns(Line &line, int column) const
-{
-    for (bool isSpace = true; isSpace && line.column < column && line.at < line.end;) {
-        const auto indent = MarkdownLine::indent(m_text.first(line.at + 1), line.at, line.column);
-        isSpace = indent.length > 0;
-        line.at += indent.length;
-        line.column = indent.column;
-    }
 }
 
 Block &BlockSplitter::begin(Block::Kind kind, qsizetype start, qsizetype end)

@@ -67,8 +67,7 @@ private:
     [[nodiscard]] bool beginTable(const Line &line);
     void readText(const Line &line);
     void leaveLists(int column);
-    void skipIndent(Line &line) const;
-    void skipColumns(Line &line, int column) const;
+    void skipIndent(Line &line, int until = 1 << 20) const;
     Block &begin(Block::Kind kind, qsizetype start, qsizetype end);
     void extend(const Line &line, qsizetype longest, int mostLines);
     void close();

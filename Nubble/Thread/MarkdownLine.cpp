@@ -29,8 +29,8 @@ std::optional<ListMark> numberMark(QStringView rest)
     constexpr qsizetype mostDigits = 9;
     qsizetype digits = 0;
     int number = 0;
-    while (digits < rest.size() && digits <= mostDigits && rest.at(digits) >= u'0' && rest.at(digits) <= u'9')
-        number = digits == mostDigits ? number : number * 10 + rest.at(digits++).digitValue();
+    while (digits < rest.size() && digits < mostDigits && rest.at(digits) >= u'0' && rest.at(digits) <= u'9')
+        number = number * 10 + rest.at(digits++).digitValue();
     if (digits == 0 || digits == rest.size() || !endsWord(rest, digits + 1))
         return std::nullopt;
     const QChar mark = rest.at(digits);
@@ -49,10 +49,10 @@ bool announcesColumn(QStringView cell)
 
 } // namespace
 
-Indent indent(QStringView line, qsizetype from, int column)
+Indent indent(QStringView line, qsizetype from, int column, int until)
 {
     qsizetype at = from;
-    for (; at < line.size() && isSpace(line.at(at)); ++at)
+    for (; at < line.size() && column < until && isSpace(line.at(at)); ++at)
         column = line.at(at) == u'\t' ? column / 4 * 4 + 4 : column + 1;
     return {at - from, column};
 }

@@ -13,8 +13,8 @@ struct Indent {
     qsizetype length = 0; // characters
     int column = 0;       // where the text begins; a tab goes to the next multiple of four
 };
-// The white space at `from`, where column `column` is.
-[[nodiscard]] Indent indent(QStringView line, qsizetype from = 0, int column = 0);
+// The white space at `from`, where column `column` is; not beyond column `until`.
+[[nodiscard]] Indent indent(QStringView line, qsizetype from = 0, int column = 0, int until = 1 << 20);
 
 struct Fence {
     QChar mark; // ` or ~, null for none

@@ -2,6 +2,7 @@
 
 #include <QKeyEvent>
 
+#include <algorithm>
 #include <optional>
 
 #include "Thread/ThreadScene.h"
@@ -62,7 +63,7 @@ bool mark(ThreadScene &scene, const QKeyEvent &event)
 
 bool scroll(ThreadScene &scene, int key)
 {
-    const int page = scene.layout().size().height() - lineStep;
+    const int page = std::max(lineStep, scene.layout().size().height() - lineStep);
     switch (key) {
     case Qt::Key_Up:
         return scene.scrollBy(-lineStep), true;

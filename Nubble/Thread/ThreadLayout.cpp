@@ -82,9 +82,10 @@ void ThreadLayout::arrange()
     int row = m_top;
     for (; row < count && y < m_size.height(); ++row)
         y += measure(row);
-    if (!m_follows && row == count
-        && y + below() <= m_size.height()) // there is nothing to fill the rest with
-        m_follows = arrangeFromEnd() || m_follows;
+    if (!m_follows && row == count && y + below() <= m_size.height()) {
+        m_follows = true; // there is nothing to fill the rest with
+        arrangeFromEnd();
+    }
     y = -m_hidden;
     for (row = m_top; row < count && y < m_size.height(); ++row) {
         m_shown.push_back({row, y});
@@ -93,8 +94,8 @@ void ThreadLayout::arrange()
     evict();
 }
 
-// The last row ends where the view does, or the first one begins there. Returns true: the end is seen.
-bool ThreadLayout::arrangeFromEnd()
+// The last row ends where the view does, or the first one begins there.
+void ThreadLayout::arrangeFromEnd()
 {
     int left = m_size.height() - below();
     int row = m_heights.count();
@@ -102,7 +103,6 @@ bool ThreadLayout::arrangeFromEnd()
         left -= measure(--row);
     m_top = std::min(row, m_heights.count() - 1);
     m_hidden = left > 0 ? 0 : row == m_heights.count() ? m_heights.height(m_top) - left : -left;
-    return true;
 }
 
 void ThreadLayout::scrollBy(int pixels)

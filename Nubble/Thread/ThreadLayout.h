@@ -58,7 +58,7 @@ public:
 private:
     [[nodiscard]] int measure(int row);
     [[nodiscard]] int below() const; // how much is below the last row
-    bool arrangeFromEnd();
+    void arrangeFromEnd();
     void evict();
 
     const ThreadRows &m_rows;

@@ -117,6 +117,13 @@ void ThreadMouse::scroll()
     drawTo(m_last);
 }
 
+void ThreadMouse::cancel()
+{
+    m_scrolling.stop();
+    m_isMarking = false;
+    m_pressed.reset();
+}
+
 void ThreadMouse::release(const QMouseEvent &event)
 {
     if (event.button() != Qt::LeftButton)

@@ -28,6 +28,7 @@ public:
     void pressTwice(const QMouseEvent &event);
     void move(const QMouseEvent &event);
     void release(const QMouseEvent &event);
+    void cancel(); // a release will not come
 
 private:
     void begin(const QPoint &point, QTextCursor::SelectionType unit);

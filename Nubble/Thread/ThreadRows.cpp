@@ -72,6 +72,8 @@ void ThreadRows::clear()
 
 void ThreadRows::append(const ThreadMessage &message)
 {
+    if (!m_messages.empty())
+        m_messages.back().isFinished = true; // nothing of it is held back any longer
     m_changed = std::min(m_changed, update());
     Message added;
     added.content = message;

@@ -67,21 +67,15 @@ void ThreadScene::takeIn()
     const int from = std::max(0, last - 1); // the one before the last may turn out to go on
     const int y = m_layout.yOf(from);
     const int value = m_layout.value();
-    const int first = readRows();
+    const int first = m_rows.update();
+    m_layout.rowsChanged(first);
+    holdState();
     if (!m_isShown)
         return;
     m_layout.arrange();
     const bool isInPlace =
         first >= last && from < m_layout.count() && value == m_layout.value() && m_layout.yOf(from) == y;
     Q_EMIT changed(isInPlace ? y : 0);
-}
-
-int ThreadScene::readRows()
-{
-    const int first = m_rows.update();
-    m_layout.rowsChanged(first);
-    holdState();
-    return first;
 }
 
 void ThreadScene::setShown(bool shown)
@@ -184,11 +178,7 @@ void ThreadScene::hover(const std::optional<QPoint> &point)
         return;
     m_hovered = target;
     m_hoveredMessage = message;
-    const QUrl url = target ? ThreadTargets::url(m_layout, *target) : QUrl();
-    const bool isNew = std::exchange(m_hoveredUrl, url) != url;
     Q_EMIT changed(0);
-    if (isNew)
-        Q_EMIT hoverChanged();
 }
 
 void ThreadScene::focus(const std::optional<ThreadTarget> &target)
@@ -228,19 +218,9 @@ void ThreadScene::activate(const ThreadTarget &target)
         return;
     }
     if (target.kind == ThreadTarget::Kind::CopyReply)
-        copyReply(m_rows.messageOf(target.row));
+        QGuiApplication::clipboard()->setText(m_rows.messageAt(target.row).content.text);
     else
         QGuiApplication::clipboard()->setText(m_rows.codeAt(target.row));
-    showCopied(target);
-}
-
-void ThreadScene::copyReply(int message)
-{
-    QGuiApplication::clipboard()->setText(m_rows.message(message).content.text);
-}
-
-void ThreadScene::showCopied(const ThreadTarget &target)
-{
     m_copied = target;
     m_forgetCopied.start();
     Q_EMIT changed(0);

@@ -49,26 +49,21 @@ public:
     [[nodiscard]] std::optional<ThreadTarget> targetAt(const QPoint &point);
     [[nodiscard]] const std::optional<ThreadTarget> &hovered() const { return m_hovered; }
     [[nodiscard]] const std::optional<ThreadTarget> &focused() const { return m_focused; }
-    [[nodiscard]] QUrl hoveredUrl() const { return m_hoveredUrl; }
     [[nodiscard]] QString toolTipAt(const QPoint &point);
     void hover(const std::optional<QPoint> &point);
     void focus(const std::optional<ThreadTarget> &target); // and shows it
     [[nodiscard]] bool focusNext(int step);                // false: there is no further one
     void activate(const ThreadTarget &target);
-    void copyReply(int message);
 
     void paint(QPainter &painter, const QRect &area);
 
 Q_SIGNALS:
     void changed(int y); // what is seen, from there down
     void linkActivated(const QUrl &url);
-    void hoverChanged();
     void focusChanged();
 
 private:
-    [[nodiscard]] int readRows();
     void holdState();
-    void showCopied(const ThreadTarget &target);
 
     ThreadRows m_rows;
     ThreadLayout m_layout{m_rows};
@@ -76,7 +71,6 @@ private:
     std::optional<ThreadTarget> m_hovered;
     std::optional<ThreadTarget> m_focused;
     std::optional<ThreadTarget> m_copied;
-    QUrl m_hoveredUrl;
     int m_hoveredMessage = -1;
     bool m_isShown = false;
     QTimer m_forgetCopied;

@@ -59,7 +59,9 @@ QString separator(const ThreadRows &rows, int row)
         const QString &text = rows.messageAt(row).content.text;
         const bool isLineEnd = text.mid(before.end(), block.start - before.end()).contains(u'\n');
         const bool isText = rows.messageAt(row).isReply() && block.kind == Block::Kind::Paragraph;
-        return !isLineEnd ? QString() : isText ? u" "_s : u"\n"_s;
+        if (isText) // which loses the space that it ends with
+            return isLineEnd || text.at(block.start - 1).isSpace() ? u" "_s : QString();
+        return isLineEnd ? u"\n"_s : QString();
     }
     return block.marker != Block::Marker::None && before.depth > 0 ? u"\n"_s : u"\n\n"_s;
 }
@@ -169,12 +171,18 @@ ThreadSelection around(ThreadLayout &layout, ThreadPosition position, QTextCurso
     QTextCursor cursor(layout.row(position.row).document.get());
     cursor.setPosition(position.offset);
     cursor.select(type);
+    if (type == QTextCursor::BlockUnderCursor) { // the toolkit's begins with the end of the one before
+        cursor.setPosition(position.offset);
+        cursor.movePosition(QTextCursor::StartOfBlock);
+        cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
+    }
     return {{position.row, cursor.selectionStart()}, {position.row, cursor.selectionEnd()}};
 }
 
 QRect caret(ThreadLayout &layout, ThreadPosition position)
 {
     const ThreadLayout::Row &row = layout.row(position.row);
+    position.offset = std::clamp(position.offset, 0, row.document->lastPosition());
     const QTextBlock block = row.document->findBlock(position.offset);
     const QTextLine line = block.layout()->lineForTextPosition(position.offset - block.position());
     const QPointF origin = row.document->documentLayout()->blockBoundingRect(block).topLeft();

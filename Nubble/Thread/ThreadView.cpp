@@ -78,7 +78,6 @@ void ThreadView::connectScene()
 {
     connect(m_scene, &ThreadScene::changed, this, &ThreadView::showChange);
     connect(m_scene, &ThreadScene::linkActivated, this, &ThreadView::linkActivated);
-    connect(m_scene, &ThreadScene::hoverChanged, this, &ThreadView::showHover);
     connect(m_scene, &ThreadScene::focusChanged, this, [this] {
         m_showsFocus = false; // what has it shows it
         tellFocus(*this);
@@ -211,21 +210,15 @@ bool ThreadView::viewportEvent(QEvent *event)
         const QString text = m_scene->toolTipAt(help->pos());
         // Escaped and told to be rich, so that no address is taken for what it looks like.
         const QString rich = text.isEmpty() ? text : u"<qt>"_s + text.toHtmlEscaped() + u"</qt>"_s;
-        QToolTip::showText(help->globalPos(), rich, viewport());
+        constexpr QMargins nearby(4, 4, 4, 4); // farther away it goes
+        QToolTip::showText(
+            help->globalPos(), rich, viewport(), QRect(help->pos(), QSize(1, 1)).marginsAdded(nearby));
         return true;
     }
     default:
         break;
     }
     return QAbstractScrollArea::viewportEvent(event);
-}
-
-void ThreadView::showHover()
-{
-    const QUrl url = m_scene->hoveredUrl();
-    if (url.isEmpty())
-        QToolTip::hideText();
-    Q_EMIT linkHovered(url);
 }
 
 void ThreadView::paintEvent(QPaintEvent *event)
@@ -257,6 +250,7 @@ void ThreadView::hideEvent(QHideEvent *event)
 {
     QAbstractScrollArea::hideEvent(event);
     m_frame.stop();
+    m_mouse->cancel();
     m_scene->setShown(false);
     releaseFreedMemory();
 }
@@ -331,16 +325,17 @@ void ThreadView::contextMenuEvent(QContextMenuEvent *event)
     const bool isMouse = event->reason() == QContextMenuEvent::Mouse;
     const auto target = isMouse ? m_scene->targetAt(event->pos()) : m_scene->focused();
     const QUrl url = target ? ThreadTargets::url(m_scene->layout(), *target) : QUrl();
-    QMenu menu(this);
+    auto *menu = new QMenu(this); // may be open when the view goes
+    menu->setAttribute(Qt::WA_DeleteOnClose);
     QAction *copy =
-        menu.addAction(u"Copy"_s, this, [this] { m_scene->copySelection(QClipboard::Clipboard); });
+        menu->addAction(u"Copy"_s, this, [this] { m_scene->copySelection(QClipboard::Clipboard); });
     copy->setEnabled(!m_scene->selection().isEmpty());
     if (!url.isEmpty())
-        menu.addAction(u"Copy Link"_s, this, [url] {
+        menu->addAction(u"Copy Link"_s, this, [url] {
             QGuiApplication::clipboard()->setText(url.toString(QUrl::FullyEncoded));
         });
-    menu.addAction(u"Select All"_s, m_scene, &ThreadScene::selectAll);
-    menu.exec(event->globalPos());
+    menu->addAction(u"Select All"_s, m_scene, &ThreadScene::selectAll);
+    menu->popup(event->globalPos());
 }
 
 void ThreadView::scrollContentsBy(int, int)

@@ -32,7 +32,7 @@ public:
     void finishLast(); // the reply has ended: is announced to assistive technology, can be copied as a whole
     void removeLast();
     // Scrolls with the text, below the last message, as tall as it wants to be; null for none. The one before
-    // is deleted.
+    // is hidden.
     void setFooter(QWidget *footer);
     void scrollToEnd();
 
@@ -40,7 +40,6 @@ public:
 
 Q_SIGNALS:
     void linkActivated(const QUrl &url); // clicked, or by keyboard; http, https or mailto only
-    void linkHovered(const QUrl &url);   // where it would lead; empty when there is none
 
 protected:
     bool viewportEvent(QEvent *event) override;
@@ -67,7 +66,6 @@ private:
     void showChange(int y);
     void placeFooter();
     void placeJump();
-    void showHover();
 
     ThreadScene *m_scene;
     ThreadMouse *m_mouse;
