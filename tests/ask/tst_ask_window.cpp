@@ -136,7 +136,18 @@ private Q_SLOTS:
         m_ask->toggle(); // closed meanwhile, and stays so
         QTRY_VERIFY(!m_ask->conversation().isCapturing());
         QVERIFY(!m_ask->isOpen() && !isSeen());
-        QCOMPARE(m_pictures, QStringList(4, u"not"_s));
+        m_ask->toggle();
+        m_ask->toggle(); // before it has opened
+        QTRY_VERIFY(!m_ask->conversation().isCapturing());
+        QVERIFY(!m_ask->isOpen());
+        m_screen.grabbed = [this, picture = m_screen.grabbed] {
+            picture();
+            if (m_pictures.size() == 6)
+                m_ask->recapture(); // while one is being taken
+        };
+        m_ask->recapture();
+        untilSeen();
+        QCOMPARE(m_pictures, QStringList(7, u"not"_s));
     }
 
     void theTargetIsWhatWasInFrontBeforeTheWindow()
@@ -181,8 +192,11 @@ private Q_SLOTS:
 
         m_ask->activate(u"asked elsewhere"_s);
         m_ask->recapture();
+        type(u"draft"_s);
+        press(Qt::Key_Return);
         untilAnswered(2);
         QCOMPARE(said().first(), u"asked elsewhere"_s);
+        QCOMPARE(field()->toPlainText(), u"draft"_s);
     }
 
     void theFieldGrowsAndTakesKeys()
