@@ -24,10 +24,7 @@ AskWindow::AskWindow(const Home &home, Surroundings surroundings, QObject *paren
       m_settling([this] { return m_surroundings.capture.grabPart(m_window.frame()); }),
       m_capturer(m_surroundings.workspace, m_surroundings.capture)
 {
-    connect(&m_window, &FloatingWindow::closed, this, [this] {
-        m_sinceClosed.start();
-        m_opens = false;
-    });
+    connect(&m_window, &FloatingWindow::closed, this, [this] { m_sinceClosed.start(); });
     connect(&m_settling, &ScreenSettling::settled, this, &AskWindow::grab);
 }
 

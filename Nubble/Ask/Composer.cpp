@@ -148,7 +148,10 @@ void Composer::fit()
 
 void Composer::followText()
 {
-    m_button->setEnabled(m_busy || !m_field->document()->isEmpty());
+    const bool does = m_busy || !m_field->document()->isEmpty();
+    if (!does && m_button->hasFocus())
+        m_field->setFocus(); // else the next button has it, and the next key
+    m_button->setEnabled(does);
 }
 
 } // namespace nubble
