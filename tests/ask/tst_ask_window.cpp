@@ -139,7 +139,11 @@ private Q_SLOTS:
                 .place = [](const QSize &) { return QPoint(100, 90); },
                 .openLink = [this](const QUrl &url) { m_opened = url; }});
     }
-    void cleanup() { m_ask.reset(); }
+    void cleanup()
+    {
+        QVERIFY(!m_pictures.contains(u"seen"_s));
+        m_ask.reset();
+    }
 
     void isNeverInItsOwnPicture()
     {
@@ -166,12 +170,14 @@ private Q_SLOTS:
         QVERIFY(!m_ask->isOpen());
         m_screen.grabbed = [this, picture = m_screen.grabbed] {
             picture();
+            m_workspace.front = RunningApplication{8, u"Other"_s, {}};
             if (m_pictures.size() == 6)
                 m_ask->recapture(); // while one is being taken
         };
         m_ask->recapture();
         untilSeen();
         QCOMPARE(m_pictures, QStringList(7, u"not"_s));
+        QCOMPARE(chip(), u"Other"_s);
     }
 
     void theTargetIsWhatWasInFrontBeforeTheWindow()
@@ -184,7 +190,9 @@ private Q_SLOTS:
         untilSeen();
         QCOMPARE(chip(), u"Editor — a.txt"_s);
         m_workspace.front.reset();
+        comeToChip();
         m_ask->screenshot();
+        QVERIFY(!isPreviewed());
         untilSeen();
         QCOMPARE(chip(), u"Your screen"_s);
         comeToChip();
@@ -280,12 +288,13 @@ private Q_SLOTS:
         m_preferences.setReducedMotion(false);
         QVERIFY(!areAlike(dots->grab().toImage()));
         QTRY_VERIFY(said().last() == u"part" && !dots->isVisible());
+        const ThreadRows &rows = m_surface->window.findChild<ThreadView *>()->scene().rows();
+        QVERIFY(!rows.message(1).isFinished);
         type(u"draft"_s);
         press(Qt::Key_Return);
         click(u"Stop"_s);
         QVERIFY(!m_ask->conversation().isBusy());
         QCOMPARE(field()->toPlainText(), u"draft"_s);
-        const ThreadRows &rows = m_surface->window.findChild<ThreadView *>()->scene().rows();
         QVERIFY(rows.messageCount() == 2 && rows.message(1).isFinished);
 
         m_claude->follow("turn()\nsay(failed(result='It is broken.'))");
