@@ -1,4 +1,6 @@
 #include <QAbstractButton>
+#include <QClipboard>
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QSignalSpy>
@@ -270,6 +272,13 @@ private Q_SLOTS:
         QVERIFY(field()->hasFocus());
         press(Qt::Key_Up);
         QCOMPARE(field()->toPlainText(), u"ab"_s);
+
+        QGuiApplication::clipboard()->setText(QString(300'000, u'x'));
+        QElapsedTimer taken;
+        taken.start();
+        field()->paste();
+        QVERIFY2(taken.elapsed() < 3000, "by the square it is 10 s");
+        QCOMPARE(field()->toPlainText().size(), 300'002);
     }
 
     void aReplyIsAwaitedAndCanBeStopped()
