@@ -109,7 +109,8 @@ void AskView::followTurns()
 void AskView::followState()
 {
     connect(&m_ask, &AskClaude::busyChanged, this, [this] {
-        if (!m_ask.isBusy())
+        const QList<AskMessage> &messages = m_ask.messages();
+        if (!m_ask.isBusy() && !messages.isEmpty() && messages.last().role == AskMessage::Role::Assistant)
             m_thread->finishLast();
     });
     for (const auto changed :
@@ -118,8 +119,13 @@ void AskView::followState()
         connect(&m_ask, changed, this, &AskView::showState);
     connect(&m_ask, &AskClaude::capturingChanged, this, &AskView::sendWhenSeen);
     connect(&m_preferences, &DesktopPreferences::reducedMotionChanged, this, &AskView::showState);
-    connect(m_chip, &ScreenChip::removed, this, [this] { m_ask.setAttachment({}); });
+    connect(&m_ask, &AskClaude::wasReset, this, [this] { m_sendsWhenSeen = false; });
+    connect(m_chip, &ScreenChip::removed, this, [this] {
+        m_composer->setFocus(); // before what has it is hidden
+        m_ask.setAttachment({});
+    });
     connect(m_empty, &EmptyConversation::suggested, this, [this](const QString &question) {
+        m_composer->setFocus();
         m_composer->setText(question);
         send();
     });

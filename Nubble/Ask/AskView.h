@@ -14,7 +14,6 @@ class EmptyConversation;
 class ReplyFooter;
 class ScreenChip;
 class ThreadView;
-struct AskMessage;
 
 // The conversation with Claude: what has been said, and where the user writes. Draws its model and calls what
 // it can do; the rest it asks of whoever has made it.
@@ -35,7 +34,6 @@ private:
     [[nodiscard]] QWidget *makeHeader();
     void followTurns();
     void followState();
-    void append(const AskMessage &message);
     void showState();
     void showAwaited();
     void send();

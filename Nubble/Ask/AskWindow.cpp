@@ -24,10 +24,7 @@ AskWindow::AskWindow(const Home &home, Surroundings surroundings, QObject *paren
       m_settling([this] { return m_surroundings.capture.grabPart(m_window.frame()); }),
       m_capturer(m_surroundings.workspace, m_surroundings.capture)
 {
-    connect(&m_window, &FloatingWindow::closed, this, [this] {
-        m_sinceClosed.start();
-        m_opens = false;
-    });
+    connect(&m_window, &FloatingWindow::closed, this, [this] { m_sinceClosed.start(); });
     connect(&m_settling, &ScreenSettling::settled, this, &AskWindow::grab);
 }
 
@@ -57,6 +54,8 @@ void AskWindow::toggle()
 {
     if (isOpen())
         m_window.close();
+    else if (m_opens)
+        m_opens = false;
     else
         activate();
 }
@@ -72,12 +71,15 @@ void AskWindow::screenshot()
 void AskWindow::shoot()
 {
     noteFront();
+    ++m_shot;
     m_ask.setCapturing(true);
     m_opens = !isOpen();
+    if (m_settling.isActive())
+        return;
     const bool isFading = m_sinceClosed.isValid() && !m_sinceClosed.hasExpired(fadesWithin / 1ms);
     if (m_opens && !isFading) {
         grab();
-    } else if (!m_settling.isActive()) {
+    } else {
         const QImage before = m_opens ? QImage() : m_surroundings.capture.grabPart(m_window.frame());
         m_window.setUnseen(true);
         m_settling.start(before);
@@ -94,11 +96,15 @@ void AskWindow::noteFront()
 
 void AskWindow::grab()
 {
-    const auto done = [this, shot = ++m_shot](const ScreenContext &screen) {
+    const auto done = [this, shot = m_shot](const ScreenContext &screen) {
         if (shot == m_shot)
             accept(screen);
     };
-    m_capturer.capture(m_lastFront, done, [this] { appear(); });
+    const auto grabbed = [this, shot = m_shot] {
+        if (shot == m_shot) // else it would be in the next picture
+            appear();
+    };
+    m_capturer.capture(m_lastFront, done, grabbed);
 }
 
 void AskWindow::appear()
@@ -114,9 +120,9 @@ void AskWindow::appear()
 void AskWindow::accept(const ScreenContext &screen)
 {
     m_ask.setAttachment(screen);
-    m_ask.setCapturing(false);
     if (const std::optional<QString> question = std::exchange(m_question, std::nullopt))
         m_ask.send(*question);
+    m_ask.setCapturing(false); // lets what the user has written go, which stays written behind that question
 }
 
 } // namespace nubble

@@ -2,6 +2,7 @@
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QVBoxLayout>
@@ -24,12 +25,37 @@ constexpr int mostLines = 6;
 constexpr double radius = 13;
 constexpr double buttonSide = 26;
 constexpr QMargins fieldMargins{6, 2, 2, 2}; // beside the text's own
+constexpr int longestWord = 4096;
+
+// Breaking lines between words takes time by the square of the longest one: minutes for a megabyte.
+QTextOption::WrapMode wrapModeFor(const QString &text)
+{
+    int length = 0;
+    for (const QChar each : text) {
+        length = each.isSpace() ? 0 : length + 1;
+        if (length > longestWord)
+            return QTextOption::WrapAnywhere;
+    }
+    return QTextOption::WrapAtWordBoundaryOrAnywhere;
+}
+
+class Field : public QPlainTextEdit {
+public:
+    using QPlainTextEdit::QPlainTextEdit;
+
+protected:
+    void insertFromMimeData(const QMimeData *source) override
+    {
+        if (wrapModeFor(source->text()) == QTextOption::WrapAnywhere)
+            setWordWrapMode(QTextOption::WrapAnywhere); // until another text is set: it can be undone
+        QPlainTextEdit::insertFromMimeData(source);
+    }
+};
 
 } // namespace
 
 Composer::Composer(QWidget *above, QWidget *parent)
-    : QWidget(parent), m_field(new QPlainTextEdit(this)),
-      m_button(new NotchButton(u"arrow.up"_s, u"Send"_s, this))
+    : QWidget(parent), m_field(new Field(this)), m_button(new NotchButton(u"arrow.up"_s, u"Send"_s, this))
 {
     m_field->setFont(Typography::reading());
     m_field->setPlaceholderText(u"Ask about your screen…"_s);
@@ -76,6 +102,8 @@ QString Composer::text() const
 
 void Composer::setText(const QString &text)
 {
+    m_field->clear();
+    m_field->setWordWrapMode(wrapModeFor(text));
     m_field->setPlainText(text);
     m_field->moveCursor(QTextCursor::End);
 }
@@ -148,7 +176,10 @@ void Composer::fit()
 
 void Composer::followText()
 {
-    m_button->setEnabled(m_busy || !m_field->document()->isEmpty());
+    const bool does = m_busy || !m_field->document()->isEmpty();
+    if (!does && m_button->hasFocus())
+        m_field->setFocus(); // else the next button has it, and the next key
+    m_button->setEnabled(does);
 }
 
 } // namespace nubble

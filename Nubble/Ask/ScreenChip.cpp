@@ -91,7 +91,8 @@ void ScreenChip::show(const std::optional<ScreenContext> &screen, bool capturing
     m_jpeg = !capturing && screen ? screen->jpeg.value_or(QByteArray()) : QByteArray();
     m_remove->setVisible(!capturing);
     setAccessibleName(m_text);
-    setToolTip(m_picture.isNull() ? m_text : QString());
+    // What stands in a title is no markup.
+    setToolTip(m_picture.isNull() ? u"<qt>"_s + m_text.toHtmlEscaped() + u"</qt>"_s : QString());
     setVisible(text.has_value());
     if (m_preview)
         m_preview->close();

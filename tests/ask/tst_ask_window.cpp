@@ -1,4 +1,6 @@
 #include <QAbstractButton>
+#include <QClipboard>
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QSignalSpy>
@@ -11,6 +13,8 @@
 #include "Ask/Composer.h"
 #include "Ask/ScreenChip.h"
 #include "Ask/ThinkingDots.h"
+#include "Thread/ThreadScene.h"
+#include "Thread/ThreadView.h"
 #include "ask/ClaudeStandIn.h"
 #include "support/FakeDesktopPreferences.h"
 #include "support/FakeFloatingSurface.h"
@@ -29,6 +33,8 @@ private:
     {
         return m_surface && m_surface->window.isVisible() && !m_surface->unseen;
     }
+    // The desktop takes its time until it draws what is below an open window, and fades it.
+    [[nodiscard]] bool isDrawn() const { return isSeen() || (m_ask->isOpen() && m_looks < 8); }
     void untilSeen() { QTRY_VERIFY(!m_ask->conversation().isCapturing() && isSeen()); }
     void type(const QString &text) { QTest::keyClicks(field(), text); }
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {})
@@ -41,14 +47,31 @@ private:
         const auto *chip = m_surface->window.findChild<ScreenChip *>();
         return chip->isVisible() ? chip->accessibleName() : QString();
     }
-    void click(const QString &name) const
+    [[nodiscard]] QAbstractButton *button(const QString &name) const
     {
         for (auto *button : m_surface->window.findChildren<QAbstractButton *>())
-            if ((button->accessibleName() == name || button->text() == name) && button->isVisible()) {
-                button->click();
-                return;
-            }
-        QFAIL(qPrintable(name));
+            if ((button->accessibleName() == name || button->text() == name) && button->isVisible())
+                return button;
+        return nullptr;
+    }
+    void click(const QString &name) const
+    {
+        QVERIFY2(button(name) && button(name)->isEnabled(), qPrintable(name));
+        button(name)->click();
+    }
+    // Whether the whole picture is, once the pointer has come to the small one.
+    [[nodiscard]] bool isPreviewed() const
+    {
+        for (const auto *each : m_surface->window.findChild<ScreenChip *>()->findChildren<QWidget *>())
+            if (each->isWindow() && each->isVisible())
+                return true;
+        return false;
+    }
+    void comeToChip()
+    {
+        QEnterEvent enter({}, {}, {});
+        QCoreApplication::sendEvent(m_surface->window.findChild<ScreenChip *>(), &enter);
+        QVERIFY(isPreviewed());
     }
     [[nodiscard]] QStringList said() const
     {
@@ -77,6 +100,7 @@ private:
     FakeScreenCapture m_screen;
     FakeDesktopPreferences m_preferences;
     FakeFloatingSurface *m_surface = nullptr;
+    int m_looks = 0;        // at the screen since it was seen last
     QStringList m_pictures; // of each grab: what was seen then
     QUrl m_opened;
     std::unique_ptr<AskWindow> m_ask;
@@ -91,15 +115,17 @@ private Q_SLOTS:
         m_claude->follow("while True:\n turn()\n say(reply('answer'), done())\n");
         m_workspace.front = RunningApplication{7, u"Editor"_s, u"editor"_s};
         m_workspace.titles = {{7, u"a.txt"_s}};
+        m_preferences.setReducedMotion(true);
         m_screen.allowed = true;
         m_screen.picture = QImage(800, 600, QImage::Format_RGB32);
         m_screen.picture.fill(Qt::red);
         m_screen.part = [this] {
             QImage part(1, 1, QImage::Format_RGB32);
-            part.fill(isSeen() ? Qt::black : Qt::white);
+            m_looks = isSeen() ? 0 : m_looks + 1;
+            part.fill(qRgb(0, 0, std::clamp((m_looks - 4) / 2, 0, 2)));
             return part;
         };
-        m_screen.grabbed = [this] { m_pictures.append(isSeen() ? u"seen"_s : u"not"_s); };
+        m_screen.grabbed = [this] { m_pictures.append(isDrawn() ? u"seen"_s : u"not"_s); };
         m_ask = std::make_unique<AskWindow>(
             m_home->home(),
             AskWindow::Surroundings{
@@ -115,7 +141,11 @@ private Q_SLOTS:
                 .place = [](const QSize &) { return QPoint(100, 90); },
                 .openLink = [this](const QUrl &url) { m_opened = url; }});
     }
-    void cleanup() { m_ask.reset(); }
+    void cleanup()
+    {
+        QVERIFY(!m_pictures.contains(u"seen"_s));
+        m_ask.reset();
+    }
 
     void isNeverInItsOwnPicture()
     {
@@ -136,7 +166,20 @@ private Q_SLOTS:
         m_ask->toggle(); // closed meanwhile, and stays so
         QTRY_VERIFY(!m_ask->conversation().isCapturing());
         QVERIFY(!m_ask->isOpen() && !isSeen());
-        QCOMPARE(m_pictures, QStringList(4, u"not"_s));
+        m_ask->toggle();
+        m_ask->toggle(); // before it has opened
+        QTRY_VERIFY(!m_ask->conversation().isCapturing());
+        QVERIFY(!m_ask->isOpen());
+        m_screen.grabbed = [this, picture = m_screen.grabbed] {
+            picture();
+            m_workspace.front = RunningApplication{8, u"Other"_s, {}};
+            if (m_pictures.size() == 6)
+                m_ask->recapture(); // while one is being taken
+        };
+        m_ask->recapture();
+        untilSeen();
+        QCOMPARE(m_pictures, QStringList(7, u"not"_s));
+        QCOMPARE(chip(), u"Other"_s);
     }
 
     void theTargetIsWhatWasInFrontBeforeTheWindow()
@@ -149,11 +192,21 @@ private Q_SLOTS:
         untilSeen();
         QCOMPARE(chip(), u"Editor — a.txt"_s);
         m_workspace.front.reset();
+        comeToChip();
         m_ask->screenshot();
+        QVERIFY(!isPreviewed());
         untilSeen();
         QCOMPARE(chip(), u"Your screen"_s);
+        comeToChip();
+        QEvent leave(QEvent::Leave);
+        QCoreApplication::sendEvent(m_surface->window.findChild<ScreenChip *>(), &leave);
+        QVERIFY(!isPreviewed());
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        comeToChip();
+        button(u"Don't send the screen"_s)->setFocus();
         click(u"Don't send the screen"_s);
         QCOMPARE(chip(), QString());
+        QVERIFY(!isPreviewed() && field()->hasFocus());
         QCOMPARE(said().size(), 2);
         m_screen.allowed = false;
         m_workspace.front = RunningApplication{7, u"Editor"_s, u"editor"_s};
@@ -172,6 +225,7 @@ private Q_SLOTS:
     {
         m_ask->activate();
         QCOMPARE(chip(), u"Looking at your screen…"_s);
+        QVERIFY(!button(u"Don't send the screen"_s));
         type(u"early"_s);
         press(Qt::Key_Return);
         QCOMPARE(said().size(), 0);
@@ -180,9 +234,14 @@ private Q_SLOTS:
         QVERIFY(field()->toPlainText().isEmpty());
 
         m_ask->activate(u"asked elsewhere"_s);
+        m_workspace.front = RunningApplication{8, u"Other"_s, {}};
         m_ask->recapture();
+        type(u"draft"_s);
+        press(Qt::Key_Return);
         untilAnswered(2);
+        QVERIFY(promptOfTurn(1).startsWith(u"[On screen: Other]"));
         QCOMPARE(said().first(), u"asked elsewhere"_s);
+        QCOMPARE(field()->toPlainText(), u"draft"_s);
     }
 
     void theFieldGrowsAndTakesKeys()
@@ -197,6 +256,7 @@ private Q_SLOTS:
             QVERIFY(
                 qAbs(field()->height() - one - (lines - 1) * QFontMetricsF(field()->font()).lineSpacing())
                 <= 1);
+            QCOMPARE(field()->verticalScrollBarPolicy() == Qt::ScrollBarAlwaysOn, line > 6);
         }
         press(Qt::Key_Up);
         QVERIFY(field()->toPlainText().startsWith(u"a\n"_s));
@@ -204,24 +264,47 @@ private Q_SLOTS:
         untilAnswered(2);
         QCOMPARE(field()->height(), one);
         press(Qt::Key_Up);
-        QCOMPARE(field()->toPlainText(), u"a"_s);
+        type(u"b"_s);
+        QCOMPARE(field()->toPlainText(), u"ab"_s);
+        button(u"Send"_s)->setFocus();
         click(u"Send"_s);
         untilAnswered(4);
+        QVERIFY(field()->hasFocus());
+        press(Qt::Key_Up);
+        QCOMPARE(field()->toPlainText(), u"ab"_s);
+
+        QGuiApplication::clipboard()->setText(QString(300'000, u'x'));
+        QElapsedTimer taken;
+        taken.start();
+        field()->paste();
+        QVERIFY2(taken.elapsed() < 3000, "by the square it is 10 s");
+        QCOMPARE(field()->toPlainText().size(), 300'002);
     }
 
     void aReplyIsAwaitedAndCanBeStopped()
     {
-        m_claude->follow("turn()\ntime.sleep(60)");
+        m_claude->follow("turn()\ntime.sleep(0.3)\nsay(delta('part'))\ntime.sleep(60)");
         m_ask->activate();
         untilSeen();
         click(u"Explain what I'm looking at"_s);
-        QTRY_VERIFY(m_surface->window.findChild<ThinkingDots *>()->isVisible());
+        auto *dots = m_surface->window.findChild<ThinkingDots *>();
+        QTRY_VERIFY(dots->isVisible() && dots->height() > 0);
+        QVERIFY(button(u"Stop"_s)->isEnabled());
+        const auto areAlike = [dots](const QImage &all) {
+            return all.copy(0, 0, 6, all.height()) == all.copy(11, 0, 6, all.height());
+        };
+        QVERIFY(areAlike(dots->grab().toImage()));
+        m_preferences.setReducedMotion(false);
+        QVERIFY(!areAlike(dots->grab().toImage()));
+        QTRY_VERIFY(said().last() == u"part" && !dots->isVisible());
+        const ThreadRows &rows = m_surface->window.findChild<ThreadView *>()->scene().rows();
+        QVERIFY(!rows.message(1).isFinished);
         type(u"draft"_s);
         press(Qt::Key_Return);
         click(u"Stop"_s);
         QVERIFY(!m_ask->conversation().isBusy());
         QCOMPARE(field()->toPlainText(), u"draft"_s);
-        QVERIFY(!m_surface->window.findChild<ThinkingDots *>()->isVisible());
+        QVERIFY(rows.messageCount() == 2 && rows.message(1).isFinished);
 
         m_claude->follow("turn()\nsay(failed(result='It is broken.'))");
         press(Qt::Key_Return);
@@ -232,9 +315,11 @@ private Q_SLOTS:
             return false;
         };
         QTRY_VERIFY(problem());
+        QVERIFY(rows.messageCount() == 3 && !rows.message(2).isFinished); // the question
         click(u"New conversation"_s);
         untilSeen();
         QVERIFY(!problem());
+        QCOMPARE(rows.messageCount(), 0);
         click(u"Close"_s);
         QVERIFY(!m_ask->isOpen());
     }
