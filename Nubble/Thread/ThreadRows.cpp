@@ -72,7 +72,7 @@ void ThreadRows::clear()
 
 void ThreadRows::append(const ThreadMessage &message)
 {
-    if (!m_messages.empty())
+    if (!m_messages.empty() && m_messages.back().isReply())
         m_messages.back().isFinished = true; // nothing of it is held back any longer
     m_changed = std::min(m_changed, update());
     Message added;
