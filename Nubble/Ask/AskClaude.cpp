@@ -18,7 +18,7 @@ namespace {
 constexpr qsizetype longestLine = 64 * 1024 * 1024;
 constexpr qsizetype decodedAtOnce = 512 * 1024; // takes a millisecond or so
 constexpr auto endFollowsWithin = 500ms;
-constexpr qsizetype errorCharacters = 600; // the last ones are shown
+constexpr qsizetype errorCharacters = 600; // are shown
 constexpr qsizetype bytesPerCharacter = 4; // at most
 
 QString errorText(const CommandEnd &end)
@@ -231,7 +231,7 @@ void AskClaude::handle(const ClaudeProtocol::TurnEnd &end)
         message->text = m_parts.before; // `claude` tells an error of the service as a reply, too
         Q_EMIT replyReplaced();
     }
-    fail(*end.error);
+    fail(end.error->left(errorCharacters), Words::Claudes);
 }
 
 void AskClaude::handleEnd()
@@ -245,8 +245,10 @@ void AskClaude::handleEnd()
         return;
     if (end.kind == CommandEnd::Kind::NotStarted)
         fail(u"Couldn't start Claude: "_s + end.whyNotStarted);
+    else if (const QString text = errorText(end); !text.isEmpty())
+        fail(text, Words::Claudes);
     else
-        fail(errorText(end).isEmpty() ? u"Claude stopped unexpectedly."_s : errorText(end));
+        fail(u"Claude stopped unexpectedly."_s);
 }
 
 AskMessage *AskClaude::reply()
@@ -261,11 +263,12 @@ void AskClaude::removeReply()
     Q_EMIT replyRemoved();
 }
 
-void AskClaude::fail(const QString &message)
+void AskClaude::fail(const QString &message, Words words)
 {
     const AskMessage *last = reply();
     if (last && last->text.isEmpty())
         removeReply();
+    m_isProblemQuoted = words == Words::Claudes;
     setProblem(message);
     setBusy(false);
 }

@@ -33,6 +33,8 @@ public:
     [[nodiscard]] const QList<AskMessage> &messages() const { return m_messages; } // oldest first
     [[nodiscard]] bool isBusy() const { return m_busy; } // from a question to the end of its reply
     [[nodiscard]] const std::optional<QString> &problem() const { return m_problem; } // for the user
+    // Whether it is in `claude`'s words, which may be some of the conversation.
+    [[nodiscard]] bool isProblemQuoted() const { return m_problem && m_isProblemQuoted; }
 
     // What the user's screen shows; goes with the next question.
     [[nodiscard]] const std::optional<ScreenContext> &attachment() const { return m_attachment; }
@@ -70,7 +72,8 @@ private:
     void endProcess();
     [[nodiscard]] AskMessage *reply();
     void removeReply();
-    void fail(const QString &message);
+    enum class Words { Ours, Claudes };
+    void fail(const QString &message, Words words = Words::Ours);
     void setBusy(bool busy);
     void setProblem(std::optional<QString> problem);
 
@@ -78,6 +81,7 @@ private:
     QList<AskMessage> m_messages;
     bool m_busy = false;
     std::optional<QString> m_problem;
+    bool m_isProblemQuoted = false;
     std::optional<ScreenContext> m_attachment;
     bool m_capturing = false;
     std::unique_ptr<ChildProcess> m_process;

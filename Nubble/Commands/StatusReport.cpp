@@ -162,6 +162,9 @@ void reportPanel(const PanelState &state, const NotchPlacement &placement, QJson
 void reportAsk(const AskWindow &window, QJsonObject &status)
 {
     const AskClaude &ask = window.conversation();
+    std::optional<QString> problem = ask.problem();
+    if (ask.isProblemQuoted())
+        problem = u"Claude reported an error."_s; // what it says stays in the conversation
     status.insert(
         "ask"_L1,
         QJsonObject{
@@ -169,7 +172,7 @@ void reportAsk(const AskWindow &window, QJsonObject &status)
             {u"busy"_s, ask.isBusy()},
             {u"capturing"_s, ask.isCapturing()},
             {u"messages"_s, ask.messages().size()},
-            {u"problem"_s, ask.problem() ? QJsonValue(*ask.problem()) : QJsonValue()},
+            {u"problem"_s, problem ? QJsonValue(*problem) : QJsonValue()},
         });
 }
 

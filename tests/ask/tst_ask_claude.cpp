@@ -147,6 +147,7 @@ private Q_SLOTS:
             u"|A: a"_s);
         row("an error after some text", "say(delta('a'), failed(result='broken'))", u"|A: a|! broken"_s);
         row("an error without text", "say(failed(subtype='error_x'))", u"|! error_x"_s);
+        row("a long error", "say(failed(result='x' * 9000))", u"|! "_s + QString(600, u'x'));
         row("an unknown error", "say(failed())", u"|! unknown error"_s);
         row("true, not something like it", "say(delta('a'), {'type': 'result', 'is_error': 1})", u"|A: a"_s);
         row("an error that is told twice", "say(reply('API Error: x'), failed(result='API Error: x'))",

@@ -18,7 +18,7 @@ for line in sys.stdin:
     print(line, end="", file=turns, flush=True)
     print(json.dumps({"type": "assistant", "session_id": "own", "message": {"content": [
         {"type": "text", "text": "A **reply**"}]}}), flush=True)
-    print(json.dumps({"type": "result"}), flush=True)
+    print(json.dumps({"type": "result", "is_error": "secret" in line, "result": "a secret"}), flush=True)
 """
 ASK = ("Control_L", "Alt_L", "a")
 SCREENSHOT = ("Control_L", "Alt_L", "s")
@@ -122,6 +122,9 @@ class AskingAboutTheScreen(DesktopTest):
         self.open(nubble)  # begins anew, at once after it was closed
         self.assertEqual(nubble.status()["ask"]["messages"], 0)
         self.assert_without_window(self.ask(nubble, "new")[0], self.card())
+        self.ask(nubble, "secret")
+        self.until_ask(nubble, problem="Claude reported an error.")
+        self.assertNotIn("secret", json.dumps(nubble.status()))
         self.assertEqual(nubble.status()["sessions"], [])
         self.assertEqual(nubble.quit(), 0)  # with the window open
 
