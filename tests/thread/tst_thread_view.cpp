@@ -8,10 +8,13 @@
 #include <QMenu>
 #include <QRandomGenerator>
 #include <QScrollBar>
+#include <QSet>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTextTable>
 #include <QWheelEvent>
+
+#include <functional>
 
 #include <sys/inotify.h>
 #include <unistd.h>
@@ -419,11 +422,11 @@ private Q_SLOTS:
         QCOMPARE(layout().shown().front().row, row);
         QTest::keyClick(m_view.get(), Qt::Key_Home);
         QCOMPARE(layout().value(), 0);
-        for (const int turn : {-120, 60}) {
+        for (const int turn : {60, -120}) {
             QWheelEvent wheel({50, 50}, {50, 50}, {}, {0, turn}, {}, {}, Qt::NoScrollPhase, false);
             QCoreApplication::sendEvent(m_view->viewport(), &wheel);
         }
-        QCOMPARE(layout().value(), 30);
+        QCOMPARE(layout().value(), 60);
         QTest::keyClick(m_view.get(), Qt::Key_End);
         QVERIFY(layout().follows());
     }
@@ -619,6 +622,67 @@ private Q_SLOTS:
             QTest::keyClick(m_view.get(), Qt::Key_Return);
             m_view->grab();
             QVERIFY(u"Stays"_s.contains(copied()));
+        }
+    }
+
+    void bearsAnythingInAnyOrder()
+    {
+        QRandomGenerator random(7);
+        const auto point = [&] { return QPoint(random.bounded(-20, 440), random.bounded(-20, 420)); };
+        const auto some = [&] { return sample.mid(random.bounded(400), random.bounded(600)); };
+        const auto sent = [this](QEvent::Type type, const QPoint &where, Qt::MouseButton button) {
+            QMouseEvent event(type, where, where, button, Qt::LeftButton, {});
+            QCoreApplication::sendEvent(m_view->viewport(), &event);
+        };
+        const QList<std::function<void()>> deeds{
+            [&] { m_view->append(question(some())); },
+            [&] { m_view->append(reply(some())); },
+            [&] { scene().rows().messageCount() > 0 ? m_view->appendText(some()) : m_view->clear(); },
+            [&] { scene().rows().messageCount() > 0 ? m_view->setText(some()) : m_view->clear(); },
+            [&] { m_view->finishLast(); },
+            [&] { m_view->removeLast(); },
+            [&] { random.bounded(4) == 0 ? m_view->clear() : m_view->scrollToEnd(); },
+            [&] { scene().takeIn(); },
+            [&] { m_view->resize(random.bounded(5) * 100, random.bounded(5) * 100); },
+            [&] { m_view->setVisible(random.bounded(4) > 0); },
+            [&] { m_view->setFooter(random.bounded(2) > 0 ? new QLabel(u"below"_s) : nullptr); },
+            [&] { qDeleteAll(m_view->viewport()->findChildren<QLabel *>()); },
+            [&] { scene().hover(point()); },
+            [&] { (void)scene().toolTipAt(point()); },
+            [&] { sent(QEvent::MouseButtonPress, point(), Qt::LeftButton); },
+            [&] { sent(QEvent::MouseButtonDblClick, point(), Qt::LeftButton); },
+            [&] { sent(QEvent::MouseMove, point(), Qt::NoButton); },
+            [&] { sent(QEvent::MouseButtonRelease, point(), Qt::LeftButton); },
+            [&] { (void)scene().focusNext(random.bounded(2) > 0 ? 1 : -1); },
+            [&] { scene().scrollTo(random.bounded(3000)); },
+            [&] { scene().selectAll(); },
+            [&] { (void)ThreadPositions::text(scene().rows(), layout(), scene().selection()); },
+            [&] { m_view->viewport()->grab(); }};
+        const QList<Qt::Key> keys{Qt::Key_Left, Qt::Key_Up,     Qt::Key_Down,   Qt::Key_Home,
+                                  Qt::Key_End,  Qt::Key_Return, Qt::Key_PageUp, Qt::Key_PageDown};
+        QAccessibleInterface *document = QAccessible::queryAccessibleInterface(m_view.get());
+        QSet<QAccessible::Id> known; // as assistive technology holds on to what it has been told
+        for (int i = 0; i < 4000; ++i) {
+            deeds.at(random.bounded(deeds.size()))();
+            const auto modifiers = random.bounded(2) > 0 ? Qt::ShiftModifier : Qt::NoModifier;
+            QTest::keyClick(m_view.get(), keys.at(random.bounded(keys.size())), modifiers);
+            if (QAccessibleInterface *row = document->child(random.bounded(12))) {
+                known.insert(QAccessible::uniqueId(row));
+                if (QAccessibleInterface *part = row->child(random.bounded(3)))
+                    known.insert(QAccessible::uniqueId(part));
+            }
+            (void)document->focusChild();
+            for (const QAccessible::Id id : std::as_const(known)) {
+                QAccessibleInterface *each = QAccessible::accessibleInterface(id);
+                if (i % 10 > 0 || !each || !each->isValid())
+                    continue;
+                (void)each->text(QAccessible::Name);
+                (void)each->rect();
+                (void)each->state();
+                (void)each->role();
+                if (QAccessibleTextInterface *text = each->textInterface())
+                    text->setSelection(0, random.bounded(-5, 200), random.bounded(-5, 200));
+            }
         }
     }
 
