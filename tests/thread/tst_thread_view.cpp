@@ -74,6 +74,7 @@ class TestThreadView : public QObject {
 
 private:
     std::unique_ptr<ThreadView> m_view;
+    QRandomGenerator m_random{7};
 
     ThreadScene &scene() { return m_view->scene(); }
     ThreadLayout &layout() { return scene().layout(); }
@@ -134,6 +135,43 @@ private:
         for (int row = 0; row < rows(); ++row)
             all += ThreadTargets::ofRow(scene().rows(), layout(), row);
         return all;
+    }
+
+    QPoint somewhere() { return {m_random.bounded(-20, 440), m_random.bounded(-20, 420)}; }
+    QString some() { return sample.mid(m_random.bounded(400), m_random.bounded(600)); }
+    void mouse(QEvent::Type type, Qt::MouseButton button = Qt::LeftButton)
+    {
+        const QPoint point = somewhere();
+        QMouseEvent event(type, point, point, button, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(m_view->viewport(), &event);
+    }
+    // What may happen to a view.
+    QList<std::function<void()>> deeds()
+    {
+        return {
+            [this] { m_view->append(question(some())); },
+            [this] { m_view->append(reply(some())); },
+            [this] { scene().rows().messageCount() > 0 ? m_view->appendText(some()) : m_view->clear(); },
+            [this] { scene().rows().messageCount() > 0 ? m_view->setText(some()) : m_view->clear(); },
+            [this] { m_view->finishLast(); },
+            [this] { m_view->removeLast(); },
+            [this] { m_random.bounded(4) == 0 ? m_view->clear() : m_view->scrollToEnd(); },
+            [this] { scene().takeIn(); },
+            [this] { m_view->resize(m_random.bounded(5) * 100, m_random.bounded(5) * 100); },
+            [this] { m_view->setVisible(m_random.bounded(4) > 0); },
+            [this] { m_view->setFooter(m_random.bounded(2) > 0 ? new QLabel(u"below"_s) : nullptr); },
+            [this] { qDeleteAll(m_view->viewport()->findChildren<QLabel *>()); },
+            [this] { scene().hover(somewhere()); },
+            [this] { (void)scene().toolTipAt(somewhere()); },
+            [this] { mouse(QEvent::MouseButtonPress); },
+            [this] { mouse(QEvent::MouseButtonDblClick); },
+            [this] { mouse(QEvent::MouseMove, Qt::NoButton); },
+            [this] { mouse(QEvent::MouseButtonRelease); },
+            [this] { (void)scene().focusNext(m_random.bounded(2) > 0 ? 1 : -1); },
+            [this] { scene().scrollTo(m_random.bounded(3000)); },
+            [this] { scene().selectAll(); },
+            [this] { (void)ThreadPositions::text(scene().rows(), layout(), scene().selection()); },
+            [this] { m_view->viewport()->grab(); }};
     }
 
 private Q_SLOTS:
@@ -627,48 +665,18 @@ private Q_SLOTS:
 
     void bearsAnythingInAnyOrder()
     {
-        QRandomGenerator random(7);
-        const auto point = [&] { return QPoint(random.bounded(-20, 440), random.bounded(-20, 420)); };
-        const auto some = [&] { return sample.mid(random.bounded(400), random.bounded(600)); };
-        const auto sent = [this](QEvent::Type type, const QPoint &where, Qt::MouseButton button) {
-            QMouseEvent event(type, where, where, button, Qt::LeftButton, {});
-            QCoreApplication::sendEvent(m_view->viewport(), &event);
-        };
-        const QList<std::function<void()>> deeds{
-            [&] { m_view->append(question(some())); },
-            [&] { m_view->append(reply(some())); },
-            [&] { scene().rows().messageCount() > 0 ? m_view->appendText(some()) : m_view->clear(); },
-            [&] { scene().rows().messageCount() > 0 ? m_view->setText(some()) : m_view->clear(); },
-            [&] { m_view->finishLast(); },
-            [&] { m_view->removeLast(); },
-            [&] { random.bounded(4) == 0 ? m_view->clear() : m_view->scrollToEnd(); },
-            [&] { scene().takeIn(); },
-            [&] { m_view->resize(random.bounded(5) * 100, random.bounded(5) * 100); },
-            [&] { m_view->setVisible(random.bounded(4) > 0); },
-            [&] { m_view->setFooter(random.bounded(2) > 0 ? new QLabel(u"below"_s) : nullptr); },
-            [&] { qDeleteAll(m_view->viewport()->findChildren<QLabel *>()); },
-            [&] { scene().hover(point()); },
-            [&] { (void)scene().toolTipAt(point()); },
-            [&] { sent(QEvent::MouseButtonPress, point(), Qt::LeftButton); },
-            [&] { sent(QEvent::MouseButtonDblClick, point(), Qt::LeftButton); },
-            [&] { sent(QEvent::MouseMove, point(), Qt::NoButton); },
-            [&] { sent(QEvent::MouseButtonRelease, point(), Qt::LeftButton); },
-            [&] { (void)scene().focusNext(random.bounded(2) > 0 ? 1 : -1); },
-            [&] { scene().scrollTo(random.bounded(3000)); },
-            [&] { scene().selectAll(); },
-            [&] { (void)ThreadPositions::text(scene().rows(), layout(), scene().selection()); },
-            [&] { m_view->viewport()->grab(); }};
+        const QList<std::function<void()>> all = deeds();
         const QList<Qt::Key> keys{Qt::Key_Left, Qt::Key_Up,     Qt::Key_Down,   Qt::Key_Home,
                                   Qt::Key_End,  Qt::Key_Return, Qt::Key_PageUp, Qt::Key_PageDown};
         QAccessibleInterface *document = QAccessible::queryAccessibleInterface(m_view.get());
         QSet<QAccessible::Id> known; // as assistive technology holds on to what it has been told
         for (int i = 0; i < 4000; ++i) {
-            deeds.at(random.bounded(deeds.size()))();
-            const auto modifiers = random.bounded(2) > 0 ? Qt::ShiftModifier : Qt::NoModifier;
-            QTest::keyClick(m_view.get(), keys.at(random.bounded(keys.size())), modifiers);
-            if (QAccessibleInterface *row = document->child(random.bounded(12))) {
+            all.at(m_random.bounded(all.size()))();
+            const auto modifiers = m_random.bounded(2) > 0 ? Qt::ShiftModifier : Qt::NoModifier;
+            QTest::keyClick(m_view.get(), keys.at(m_random.bounded(keys.size())), modifiers);
+            if (QAccessibleInterface *row = document->child(m_random.bounded(12))) {
                 known.insert(QAccessible::uniqueId(row));
-                if (QAccessibleInterface *part = row->child(random.bounded(3)))
+                if (QAccessibleInterface *part = row->child(m_random.bounded(3)))
                     known.insert(QAccessible::uniqueId(part));
             }
             (void)document->focusChild();
@@ -681,7 +689,7 @@ private Q_SLOTS:
                 (void)each->state();
                 (void)each->role();
                 if (QAccessibleTextInterface *text = each->textInterface())
-                    text->setSelection(0, random.bounded(-5, 200), random.bounded(-5, 200));
+                    text->setSelection(0, m_random.bounded(-5, 200), m_random.bounded(-5, 200));
             }
         }
     }
