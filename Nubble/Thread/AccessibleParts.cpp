@@ -213,7 +213,11 @@ public:
     }
     void addSelection(int start, int end) override { setSelection(0, start, end); }
     void removeSelection(int) override { scene().select({}); }
-    void setSelection(int, int start, int end) override { scene().select({{row(), start}, {row(), end}}); }
+    void setSelection(int, int start, int end) override
+    {
+        const int last = characterCount();
+        scene().select({{row(), std::clamp(start, 0, last)}, {row(), std::clamp(end, 0, last)}});
+    }
     [[nodiscard]] int cursorPosition() const override
     {
         const ThreadPosition cursor = scene().selection().cursor;

@@ -8,10 +8,13 @@
 #include <QMenu>
 #include <QRandomGenerator>
 #include <QScrollBar>
+#include <QSet>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTextTable>
 #include <QWheelEvent>
+
+#include <functional>
 
 #include <sys/inotify.h>
 #include <unistd.h>
@@ -71,6 +74,7 @@ class TestThreadView : public QObject {
 
 private:
     std::unique_ptr<ThreadView> m_view;
+    QRandomGenerator m_random{7};
 
     ThreadScene &scene() { return m_view->scene(); }
     ThreadLayout &layout() { return scene().layout(); }
@@ -131,6 +135,43 @@ private:
         for (int row = 0; row < rows(); ++row)
             all += ThreadTargets::ofRow(scene().rows(), layout(), row);
         return all;
+    }
+
+    QPoint somewhere() { return {m_random.bounded(-20, 440), m_random.bounded(-20, 420)}; }
+    QString some() { return sample.mid(m_random.bounded(400), m_random.bounded(600)); }
+    void mouse(QEvent::Type type, Qt::MouseButton button = Qt::LeftButton)
+    {
+        const QPoint point = somewhere();
+        QMouseEvent event(type, point, point, button, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(m_view->viewport(), &event);
+    }
+    // What may happen to a view.
+    QList<std::function<void()>> deeds()
+    {
+        return {
+            [this] { m_view->append(question(some())); },
+            [this] { m_view->append(reply(some())); },
+            [this] { scene().rows().messageCount() > 0 ? m_view->appendText(some()) : m_view->clear(); },
+            [this] { scene().rows().messageCount() > 0 ? m_view->setText(some()) : m_view->clear(); },
+            [this] { m_view->finishLast(); },
+            [this] { m_view->removeLast(); },
+            [this] { m_random.bounded(4) == 0 ? m_view->clear() : m_view->scrollToEnd(); },
+            [this] { scene().takeIn(); },
+            [this] { m_view->resize(m_random.bounded(5) * 100, m_random.bounded(5) * 100); },
+            [this] { m_view->setVisible(m_random.bounded(4) > 0); },
+            [this] { m_view->setFooter(m_random.bounded(2) > 0 ? new QLabel(u"below"_s) : nullptr); },
+            [this] { qDeleteAll(m_view->viewport()->findChildren<QLabel *>()); },
+            [this] { scene().hover(somewhere()); },
+            [this] { (void)scene().toolTipAt(somewhere()); },
+            [this] { mouse(QEvent::MouseButtonPress); },
+            [this] { mouse(QEvent::MouseButtonDblClick); },
+            [this] { mouse(QEvent::MouseMove, Qt::NoButton); },
+            [this] { mouse(QEvent::MouseButtonRelease); },
+            [this] { (void)scene().focusNext(m_random.bounded(2) > 0 ? 1 : -1); },
+            [this] { scene().scrollTo(m_random.bounded(3000)); },
+            [this] { scene().selectAll(); },
+            [this] { (void)ThreadPositions::text(scene().rows(), layout(), scene().selection()); },
+            [this] { m_view->viewport()->grab(); }};
     }
 
 private Q_SLOTS:
@@ -419,11 +460,11 @@ private Q_SLOTS:
         QCOMPARE(layout().shown().front().row, row);
         QTest::keyClick(m_view.get(), Qt::Key_Home);
         QCOMPARE(layout().value(), 0);
-        for (const int turn : {-120, 60}) {
+        for (const int turn : {60, -120}) {
             QWheelEvent wheel({50, 50}, {50, 50}, {}, {0, turn}, {}, {}, Qt::NoScrollPhase, false);
             QCoreApplication::sendEvent(m_view->viewport(), &wheel);
         }
-        QCOMPARE(layout().value(), 30);
+        QCOMPARE(layout().value(), 60);
         QTest::keyClick(m_view.get(), Qt::Key_End);
         QVERIFY(layout().follows());
     }
@@ -619,6 +660,37 @@ private Q_SLOTS:
             QTest::keyClick(m_view.get(), Qt::Key_Return);
             m_view->grab();
             QVERIFY(u"Stays"_s.contains(copied()));
+        }
+    }
+
+    void bearsAnythingInAnyOrder()
+    {
+        const QList<std::function<void()>> all = deeds();
+        const QList<Qt::Key> keys{Qt::Key_Left, Qt::Key_Up,     Qt::Key_Down,   Qt::Key_Home,
+                                  Qt::Key_End,  Qt::Key_Return, Qt::Key_PageUp, Qt::Key_PageDown};
+        QAccessibleInterface *document = QAccessible::queryAccessibleInterface(m_view.get());
+        QSet<QAccessible::Id> known; // as assistive technology holds on to what it has been told
+        for (int i = 0; i < 4000; ++i) {
+            all.at(m_random.bounded(all.size()))();
+            const auto modifiers = m_random.bounded(2) > 0 ? Qt::ShiftModifier : Qt::NoModifier;
+            QTest::keyClick(m_view.get(), keys.at(m_random.bounded(keys.size())), modifiers);
+            if (QAccessibleInterface *row = document->child(m_random.bounded(12))) {
+                known.insert(QAccessible::uniqueId(row));
+                if (QAccessibleInterface *part = row->child(m_random.bounded(3)))
+                    known.insert(QAccessible::uniqueId(part));
+            }
+            (void)document->focusChild();
+            for (const QAccessible::Id id : std::as_const(known)) {
+                QAccessibleInterface *each = QAccessible::accessibleInterface(id);
+                if (i % 10 > 0 || !each || !each->isValid())
+                    continue;
+                (void)each->text(QAccessible::Name);
+                (void)each->rect();
+                (void)each->state();
+                (void)each->role();
+                if (QAccessibleTextInterface *text = each->textInterface())
+                    text->setSelection(0, m_random.bounded(-5, 200), m_random.bounded(-5, 200));
+            }
         }
     }
 
