@@ -12,7 +12,7 @@ std::optional<QString> chipText(const std::optional<ScreenContext> &screen, bool
         return u"Looking at your screen…"_s;
     if (!screen)
         return std::nullopt;
-    const QString label = plainLine(screen->label());
+    const QString label = screen->label();
     if (screen->jpeg)
         return label.isEmpty() ? u"Your screen"_s : label;
     return label.isEmpty() ? u"No screenshot"_s : u"No screenshot · "_s + label;
@@ -28,15 +28,6 @@ QString invitation(const std::optional<ScreenContext> &screen, bool capturing)
 QStringList suggestions()
 {
     return {u"Explain what I'm looking at"_s, u"Improve this writing"_s, u"What should I do next here?"_s};
-}
-
-QString plainLine(const QString &text)
-{
-    QString line = text.simplified();
-    line.removeIf([](QChar character) {
-        return character.category() == QChar::Other_Control || character.category() == QChar::Other_Format;
-    });
-    return line;
 }
 
 } // namespace nubble

@@ -20,7 +20,4 @@ struct ScreenContext;
 
 [[nodiscard]] QStringList suggestions();
 
-// One line of what another program has named itself, without anything that turns the line's direction.
-[[nodiscard]] QString plainLine(const QString &text);
-
 } // namespace nubble

