@@ -29,11 +29,15 @@ QByteArray printed(const CommandEnd &end)
         + causes.at(static_cast<size_t>(end.cause)) + ": " + end.output + '|' + end.errors;
 }
 
-// A process that has ended has no command line, even while nobody has taken note of its end.
+// Whether it has ended, even while nobody has taken note of that. Its command line would not tell: that can
+// be empty for a moment before.
 bool isGone(const QByteArray &pid)
 {
-    QFile commandLine(u"/proc/%1/cmdline"_s.arg(pid.trimmed().toInt()));
-    return !commandLine.open(QIODevice::ReadOnly) || commandLine.readAll().isEmpty();
+    QFile file(u"/proc/%1/stat"_s.arg(pid.trimmed().toInt()));
+    if (!file.open(QIODevice::ReadOnly))
+        return true;
+    const QByteArray stat = file.readAll();
+    return stat.isEmpty() || QByteArray("ZX").contains(stat.mid(stat.lastIndexOf(')') + 2, 1));
 }
 
 // Collects what it gives.
