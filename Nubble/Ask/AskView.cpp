@@ -63,8 +63,7 @@ AskView::AskView(AskClaude &ask, const DesktopPreferences &preferences, QWidget 
 
     for (const AskMessage &message : m_ask.messages())
         m_thread->append(shown(message));
-    if (!m_ask.isBusy())
-        m_thread->finishLast();
+    finishReply();
     followTurns();
     followState();
     showState();
@@ -110,11 +109,7 @@ void AskView::followTurns()
 
 void AskView::followState()
 {
-    connect(&m_ask, &AskClaude::busyChanged, this, [this] {
-        const QList<AskMessage> &messages = m_ask.messages();
-        if (!m_ask.isBusy() && !messages.isEmpty() && messages.last().role == AskMessage::Role::Assistant)
-            m_thread->finishLast();
-    });
+    connect(&m_ask, &AskClaude::busyChanged, this, &AskView::finishReply);
     for (const auto changed :
          {&AskClaude::turnBegun, &AskClaude::wasReset, &AskClaude::busyChanged, &AskClaude::problemChanged,
           &AskClaude::attachmentChanged, &AskClaude::capturingChanged})
@@ -145,6 +140,14 @@ void AskView::followState()
         if (last != messages.crend())
             m_composer->setText(last->text);
     });
+}
+
+// If it has come to its end: the last message is the question when there is none.
+void AskView::finishReply()
+{
+    const QList<AskMessage> &messages = m_ask.messages();
+    if (!m_ask.isBusy() && !messages.isEmpty() && messages.last().role == AskMessage::Role::Assistant)
+        m_thread->finishLast();
 }
 
 void AskView::showState()

@@ -34,6 +34,7 @@ private:
     [[nodiscard]] QWidget *makeHeader();
     void followTurns();
     void followState();
+    void finishReply();
     void showState();
     void showAwaited();
     void send();

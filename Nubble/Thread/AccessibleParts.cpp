@@ -47,10 +47,7 @@ public:
     [[nodiscard]] int childCount() const override { return 0; }
     [[nodiscard]] int indexOfChild(const QAccessibleInterface *child) const override
     {
-        for (int i = 0; i < childCount(); ++i)
-            if (this->child(i) == child)
-                return i;
-        return -1;
+        return indexAmongChildren(*this, child);
     }
     [[nodiscard]] QAccessibleInterface *childAt(int x, int y) const override
     {
@@ -294,6 +291,14 @@ QAccessibleInterface *AccessibleChildren::get(int index, const std::function<QAc
     QAccessibleInterface *made = make();
     m_ids.insert(index, QAccessible::registerAccessibleInterface(made));
     return made;
+}
+
+int indexAmongChildren(const QAccessibleInterface &parent, const QAccessibleInterface *child)
+{
+    for (int i = 0; i < parent.childCount(); ++i)
+        if (parent.child(i) == child)
+            return i;
+    return -1;
 }
 
 QAccessibleInterface *makeRowAccessible(ThreadView &view, int row)

@@ -22,6 +22,9 @@ private:
     QHash<int, QAccessible::Id> m_ids;
 };
 
+// -1 when it is none of them.
+[[nodiscard]] int indexAmongChildren(const QAccessibleInterface &parent, const QAccessibleInterface *child);
+
 // A row of a conversation, with its links and buttons: a paragraph, an item, a heading, a piece of code.
 [[nodiscard]] QAccessibleInterface *makeRowAccessible(ThreadView &view, int row);
 // What says that the reply which begins with that row has ended.

@@ -36,10 +36,7 @@ public:
     }
     [[nodiscard]] int indexOfChild(const QAccessibleInterface *child) const override
     {
-        for (int i = 0; i < childCount(); ++i)
-            if (this->child(i) == child)
-                return i;
-        return -1;
+        return indexAmongChildren(*this, child);
     }
     [[nodiscard]] QAccessibleInterface *childAt(int x, int y) const override
     {
