@@ -32,6 +32,7 @@ class PartAccessible : public QAccessibleInterface {
 public:
     PartAccessible(ThreadView &view, int row) : m_view(&view), m_row(row) { }
 
+    [[nodiscard]] int row() const { return m_row; }
     [[nodiscard]] bool isValid() const override { return m_view && m_row < scene().rows().count(); }
     [[nodiscard]] QObject *object() const override { return nullptr; }
     [[nodiscard]] QWindow *window() const override
@@ -61,7 +62,6 @@ protected:
     [[nodiscard]] ThreadView &view() const { return *m_view; }
     [[nodiscard]] ThreadScene &scene() const { return m_view->scene(); }
     [[nodiscard]] const ThreadLayout::Row &laid() const { return scene().layout().row(m_row); }
-    [[nodiscard]] int row() const { return m_row; }
     [[nodiscard]] QAccessible::State visibility(const QRect &onScreenRect) const
     {
         QAccessible::State state;
@@ -238,8 +238,7 @@ public:
     }
     void scrollToSubstring(int start, int) override
     {
-        scene().layout().reveal(row(), ThreadPositions::caret(scene().layout(), {row(), start}));
-        scene().arrange();
+        scene().reveal(row(), ThreadPositions::caret(scene().layout(), {row(), start}));
     }
     [[nodiscard]] QString attributes(int, int *start, int *end) const override
     {
@@ -270,7 +269,7 @@ public:
         constexpr int mostRows = 40; // more than anybody listens to at once
         if (type != QAccessible::Name)
             return {};
-        const int last = std::min(scene().rows().messageAt(row()).endRow(), row() + mostRows) - 1;
+        const int last = std::min(scene().rows().messageAt(row()).endRow, row() + mostRows) - 1;
         const int end = scene().layout().row(last).document->lastPosition();
         return ThreadPositions::text(scene().rows(), scene().layout(), {{row(), 0}, {last, end}});
     }
@@ -291,6 +290,12 @@ QAccessibleInterface *AccessibleChildren::get(int index, const std::function<QAc
     QAccessibleInterface *made = make();
     m_ids.insert(index, QAccessible::registerAccessibleInterface(made));
     return made;
+}
+
+int rowOf(const QAccessibleInterface *child)
+{
+    const auto *row = dynamic_cast<const RowAccessible *>(child);
+    return row ? row->row() : -1;
 }
 
 int indexAmongChildren(const QAccessibleInterface &parent, const QAccessibleInterface *child)

@@ -22,6 +22,8 @@ private:
     QHash<int, QAccessible::Id> m_ids;
 };
 
+// The row that it stands for; -1 when it is none.
+[[nodiscard]] int rowOf(const QAccessibleInterface *child);
 // -1 when it is none of them.
 [[nodiscard]] int indexAmongChildren(const QAccessibleInterface &parent, const QAccessibleInterface *child);
 

@@ -10,8 +10,8 @@ namespace nubble {
 // A piece of a text that is laid out and drawn by itself, so bounded in size. Positions are characters of the
 // text; a block whose thing is larger than a block may be is continued by the next one.
 struct Block {
-    enum class Kind { Paragraph, Heading, Code, Table, Rule };
-    enum class Marker { None, Bullet, Number, ToDo, Done };
+    enum class Kind : quint8 { Paragraph, Heading, Code, Table, Rule };
+    enum class Marker : quint8 { None, Bullet, Number, ToDo, Done };
 
     Kind kind = Kind::Paragraph;
     Marker marker = Marker::None;

@@ -250,6 +250,17 @@ int BlockDocument::height() const
     return static_cast<int>(std::ceil(size().height()));
 }
 
+QList<TextRange> BlockDocument::find(const TextMatcher &matcher) const
+{
+    QList<TextRange> ranges;
+    if (matcher.isEmpty())
+        return ranges;
+    for (QTextBlock block = begin(); block.isValid(); block = block.next())
+        for (const TextRange &each : matcher.in(block.text()))
+            ranges.append({block.position() + each.from, block.position() + each.to});
+    return ranges;
+}
+
 QList<QRectF> BlockDocument::rects(const TextRange &range) const
 {
     QList<QRectF> result;

@@ -4,15 +4,12 @@
 #include <QUrl>
 
 #include "Thread/Block.h"
+#include "Thread/TextMatcher.h"
 
 class QTextTable;
 
 namespace nubble {
 
-struct TextRange {
-    int from = 0;
-    int to = 0;
-};
 struct TextLink : TextRange {
     QUrl url;
 };
@@ -35,6 +32,7 @@ public:
     [[nodiscard]] const QTextTable *table() const { return m_table; }
     [[nodiscard]] int height() const;
     [[nodiscard]] int lastPosition() const { return characterCount() - 1; }
+    [[nodiscard]] QList<TextRange> find(const TextMatcher &matcher) const; // in what is shown
     // Where a range is, line by line, in the document's coordinates.
     [[nodiscard]] QList<QRectF> rects(const TextRange &range) const;
 

@@ -6,7 +6,6 @@
 #include <cmath>
 
 #include "Thread/BlockDocument.h"
-#include "Thread/ThreadRows.h"
 
 namespace nubble::RowBoxes {
 
@@ -38,11 +37,17 @@ int gapWithinReply(const Block &before, const Block &block)
     return block.kind == Block::Kind::Rule || before.kind == Block::Kind::Rule ? 16 : 11;
 }
 
-int gapAbove(const ThreadRows &rows, int row)
+int gapAbove(const ThreadRows &rows, const ThreadRows::Message &message, int row)
 {
-    if (!rows.isFirst(row))
-        return rows.messageAt(row).isReply() ? gapWithinReply(rows.block(row - 1), rows.block(row)) : 0;
-    return row == 0 ? 14 : rows.messageAt(row).isReply() ? 16 : 8;
+    if (message.firstRow != row)
+        return message.isReply() ? gapWithinReply(rows.block(row - 1), rows.block(row)) : 0;
+    return row == 0 ? 14 : message.isReply() ? 16 : 8;
+}
+
+int replyWidth(const Block &block, int viewWidth)
+{
+    const int padding = block.kind == Block::Kind::Code ? codePaddingX : 0;
+    return std::max(60, viewWidth - 2 * side - indent(block) - 2 * padding);
 }
 
 int bubbleWidth(int viewWidth)
@@ -56,7 +61,7 @@ RowBox questionBox(const ThreadRows &rows, int row, BlockDocument &document, int
     const ThreadMessage &message = rows.messageAt(row).content;
     const bool isOnly = rows.isFirst(row) && rows.isLast(row);
     const int right = viewWidth - side;
-    int y = gapAbove(rows, row);
+    int y = gapAbove(rows, rows.messageAt(row), row);
     if (rows.isFirst(row) && !message.picture.isNull()) {
         const QSizeF size = message.picture.size() / message.picture.devicePixelRatio();
         const QSize fitted = size.toSize().boundedTo(largestPicture) == size.toSize()
@@ -116,8 +121,7 @@ int textWidth(const ThreadRows &rows, int row, int viewWidth)
 {
     if (!rows.messageAt(row).isReply())
         return bubbleWidth(viewWidth) - 2 * bubblePaddingX;
-    const int padding = rows.block(row).kind == Block::Kind::Code ? codePaddingX : 0;
-    return std::max(60, viewWidth - 2 * side - indent(rows.block(row)) - 2 * padding);
+    return replyWidth(rows.block(row), viewWidth);
 }
 
 RowBox make(const ThreadRows &rows, int row, BlockDocument &document, int viewWidth)
@@ -125,7 +129,7 @@ RowBox make(const ThreadRows &rows, int row, BlockDocument &document, int viewWi
     if (!rows.messageAt(row).isReply())
         return questionBox(rows, row, document, viewWidth);
     RowBox box;
-    box.height = gapAbove(rows, row);
+    box.height = gapAbove(rows, rows.messageAt(row), row);
     box.text = {side + indent(rows.block(row)), box.height};
     const Block::Kind kind = rows.block(row).kind;
     if (kind == Block::Kind::Table)
@@ -150,14 +154,19 @@ QImage thumbnail(const QImage &picture)
     return picture.scaled(most, Qt::KeepAspectRatio, Qt::SmoothTransformation);
 }
 
-int estimate(const ThreadRows &rows, int row, int viewWidth)
+int estimate(const ThreadRows &rows, const ThreadRows::Message &message, int row, int viewWidth)
 {
     constexpr double characterWidth = 6.6;
     constexpr int lineHeight = 20;
     const Block &block = rows.block(row);
-    const double perLine = std::max(8.0, textWidth(rows, row, viewWidth) / characterWidth);
+    const int width =
+        message.isReply() ? replyWidth(block, viewWidth) : bubbleWidth(viewWidth) - 2 * bubblePaddingX;
+    const double perLine = std::max(8.0, width / characterWidth);
     const int lines = static_cast<int>(std::ceil(static_cast<double>(block.length) / perLine));
-    return gapAbove(rows, row) + std::max(1, lines) * lineHeight;
+    const bool isCode = message.isReply() && block.kind == Block::Kind::Code && !block.continues;
+    const int around = isCode ? codeHeader + codePaddingY : message.isReply() ? 0 : 2 * bubblePaddingY;
+    const int below = message.isReply() && row + 1 == message.endRow ? actions : 0;
+    return gapAbove(rows, message, row) + std::max(1, lines) * lineHeight + around + below;
 }
 
 } // namespace nubble::RowBoxes

@@ -2,13 +2,13 @@
 
 #include <QRect>
 
+#include "Thread/ThreadRows.h"
+
 class QImage;
 
 namespace nubble {
 
 class BlockDocument;
-class ThreadRows;
-struct Block;
 
 // Where the parts of a row are, from its own upper left corner; device-independent pixels. Pure.
 struct RowBox {
@@ -37,8 +37,9 @@ inline constexpr int footerGap = 12;  // below the last row, and around the foot
 [[nodiscard]] RowBox make(const ThreadRows &rows, int row, BlockDocument &document, int viewWidth);
 // What is kept of a question's picture.
 [[nodiscard]] QImage thumbnail(const QImage &picture);
-// About how tall the row will be.
-[[nodiscard]] int estimate(const ThreadRows &rows, int row, int viewWidth);
+// About how tall the row, which is one of the message's, will be.
+[[nodiscard]] int estimate(
+    const ThreadRows &rows, const ThreadRows::Message &message, int row, int viewWidth);
 
 } // namespace RowBoxes
 

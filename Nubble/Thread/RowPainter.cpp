@@ -38,6 +38,8 @@ public:
         drawQuotes();
         drawPanel();
         drawCodeSpans();
+        drawMatches();
+        drawCurrentMark();
         drawMarker();
         drawText();
         if (m_row.document->table())
@@ -113,6 +115,37 @@ private:
                     rect.translated(m_row.box.text + m_corner).adjusted(-2, 0, 2, 1), 4, 4);
     }
 
+    void drawMatches() const
+    {
+        const QPointF origin = m_row.box.text + m_corner;
+        const QRectF seen = m_painter.clipBoundingRect();
+        m_painter.setPen(Qt::NoPen);
+        m_painter.setBrush(m_look.isCurrent ? Palette::currentMatch : Palette::match);
+        for (const QRectF &each : m_row.lit) {
+            const QRectF rect = each.translated(origin).adjusted(-1.5, 0, 1.5, 0);
+            if (rect.intersects(seen))
+                m_painter.drawRoundedRect(
+                    QRectF(
+                        QPointF(rect.left(), snapped(rect.top())),
+                        QPointF(rect.right(), snapped(rect.bottom()))),
+                    3, 3);
+        }
+    }
+
+    // Beside the message that is being looked at.
+    void drawCurrentMark() const
+    {
+        if (!m_look.isCurrent)
+            return;
+        const bool isFirst = m_rows.isFirst(m_index);
+        const QRect &panel = m_row.box.panel;
+        const int above = !isFirst ? 0 : panel.isNull() ? m_row.box.text.y() : panel.top();
+        const int below = m_row.box.copyReply.isNull() ? m_row.box.height : m_row.box.copyReply.top() - 4;
+        const double top = snapped(m_corner.y() + above);
+        m_painter.fillRect(
+            QRectF(m_corner.x() + 6, top, 2, snapped(m_corner.y() + below) - top), Palette::currentMatch);
+    }
+
     void drawMarker() const
     {
         if (!m_isReply || m_block.marker == Block::Marker::None)
@@ -168,6 +201,9 @@ private:
         QAbstractTextDocumentLayout::PaintContext context;
         const bool isDimmed = m_isReply && m_block.quotes > 0;
         context.palette.setColor(QPalette::Text, isDimmed ? Palette::textSecondary : Palette::textPrimary);
+        if (m_look.isCurrent)
+            for (const TextRange &match : m_row.matches)
+                context.selections.append(onMatch(match));
         if (m_look.selected.from < m_look.selected.to)
             context.selections.append(selection());
         const QPointF origin = m_corner + m_row.box.text;
@@ -179,15 +215,28 @@ private:
         m_painter.restore();
     }
 
+    [[nodiscard]] QAbstractTextDocumentLayout::Selection selectionOf(const TextRange &range) const
+    {
+        QAbstractTextDocumentLayout::Selection selection;
+        selection.cursor = QTextCursor(m_row.document.get());
+        selection.cursor.setPosition(range.from);
+        selection.cursor.setPosition(range.to, QTextCursor::KeepAnchor);
+        return selection;
+    }
+
+    [[nodiscard]] QAbstractTextDocumentLayout::Selection onMatch(const TextRange &match) const
+    {
+        QAbstractTextDocumentLayout::Selection selection = selectionOf(match);
+        selection.format.setForeground(Palette::body);
+        return selection;
+    }
+
     [[nodiscard]] QAbstractTextDocumentLayout::Selection selection() const
     {
         TextRange range = m_look.selected;
         if (const QTextTable *table = m_row.document->table()) // not the empty lines around it
             range = {std::max(range.from, table->firstPosition()), std::min(range.to, table->lastPosition())};
-        QAbstractTextDocumentLayout::Selection selection;
-        selection.cursor = QTextCursor(m_row.document.get());
-        selection.cursor.setPosition(range.from);
-        selection.cursor.setPosition(range.to, QTextCursor::KeepAnchor);
+        QAbstractTextDocumentLayout::Selection selection = selectionOf(range);
         selection.format.setBackground(Palette::selection);
         return selection;
     }

@@ -18,6 +18,7 @@ struct RowLook {
     std::optional<ThreadTarget> focused; // by the keyboard
     std::optional<ThreadTarget> copied;  // just now
     bool showsCopyReply = false;
+    bool isCurrent = false; // its message
 };
 
 // Draws the row with its corner at `corner`. Decides nothing.

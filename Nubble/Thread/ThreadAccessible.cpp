@@ -36,7 +36,11 @@ public:
     }
     [[nodiscard]] int indexOfChild(const QAccessibleInterface *child) const override
     {
-        return indexAmongChildren(*this, child);
+        const int row = rowOf(child); // so that asking about one makes no others
+        for (int i = row >= 0 ? row : rows(); i < childCount(); i = std::max(i + 1, rows()))
+            if (this->child(i) == child)
+                return i;
+        return -1;
     }
     [[nodiscard]] QAccessibleInterface *childAt(int x, int y) const override
     {
@@ -107,9 +111,11 @@ void installThreadAccessibility()
 void announceLast(ThreadView &view)
 {
     const ThreadRows &rows = view.scene().rows();
-    if (rows.messageCount() > 0 && !rows.message(rows.messageCount() - 1).blocks().empty())
-        static_cast<ViewAccessible *>(QAccessible::queryAccessibleInterface(&view))
-            ->announce(rows.message(rows.messageCount() - 1).firstRow);
+    if (rows.messageCount() == 0)
+        return;
+    const ThreadRows::Message &last = rows.message(rows.messageCount() - 1);
+    if (last.firstRow < last.endRow)
+        static_cast<ViewAccessible *>(QAccessible::queryAccessibleInterface(&view))->announce(last.firstRow);
 }
 
 void tellFocus(ThreadView &view)

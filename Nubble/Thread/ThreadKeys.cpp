@@ -36,8 +36,7 @@ std::optional<QTextCursor::MoveOperation> operation(int key, bool byWord)
 void extendTo(ThreadScene &scene, const ThreadPosition &position)
 {
     scene.select({scene.selection().anchor, position});
-    scene.layout().reveal(position.row, ThreadPositions::caret(scene.layout(), position));
-    scene.arrange();
+    scene.reveal(position.row, ThreadPositions::caret(scene.layout(), position));
     scene.copySelection(QClipboard::Selection);
 }
 
@@ -63,16 +62,15 @@ bool mark(ThreadScene &scene, const QKeyEvent &event)
 
 bool scroll(ThreadScene &scene, int key)
 {
-    const int page = std::max(lineStep, scene.layout().size().height() - lineStep);
     switch (key) {
     case Qt::Key_Up:
         return scene.scrollBy(-lineStep), true;
     case Qt::Key_Down:
         return scene.scrollBy(lineStep), true;
     case Qt::Key_PageUp:
-        return scene.scrollBy(-page), true;
+        return scene.scrollPages(-1), true;
     case Qt::Key_PageDown:
-        return scene.scrollBy(page), true;
+        return scene.scrollPages(1), true;
     case Qt::Key_Home:
         return scene.scrollTo(0), true;
     case Qt::Key_End:
@@ -89,7 +87,7 @@ bool handleThreadKey(ThreadScene &scene, const QKeyEvent &event)
     if (event.matches(QKeySequence::SelectAll))
         return scene.selectAll(), true;
     if (event.matches(QKeySequence::Copy))
-        return !scene.selection().isEmpty() && (scene.copySelection(QClipboard::Clipboard), true);
+        return scene.copy();
     const bool isActivation =
         event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter || event.key() == Qt::Key_Space;
     if (isActivation)

@@ -31,17 +31,25 @@ void ThreadLayout::rowsChanged(int first)
     std::erase_if(m_live, [first](const auto &each) { return each.first >= first; });
     std::erase_if(m_shown, [this](const Shown &each) { return each.row >= m_rows.count(); });
     m_heights.truncate(std::min(first, m_heights.count()));
-    for (int row = m_heights.count(); row < m_rows.count(); ++row)
-        m_heights.append(RowBoxes::estimate(m_rows, row, m_size.width()));
+    estimateRest();
     // The row before is the last of its message or its thing no longer.
-    if (const auto before = m_live.find(first - 1); before != m_live.end() && first <= m_rows.count()) {
-        before->second.box = RowBoxes::make(m_rows, first - 1, *before->second.document, m_size.width());
-        m_heights.set(first - 1, before->second.box.height);
-    }
+    if (const auto before = m_live.find(first - 1); before != m_live.end() && first <= m_rows.count())
+        place(first - 1, before->second);
     if (m_top >= m_heights.count()) {
         m_top = std::max(0, m_heights.count() - 1);
         m_hidden = 0;
     }
+}
+
+// By message, for there may be a hundred thousand rows.
+void ThreadLayout::estimateRest()
+{
+    int row = m_heights.count();
+    if (row == m_rows.count())
+        return;
+    for (int i = m_rows.messageOf(row); i < m_rows.messageCount(); ++i)
+        for (const ThreadRows::Message &message = m_rows.message(i); row < message.endRow; ++row)
+            m_heights.append(RowBoxes::estimate(m_rows, message, row, m_size.width()));
 }
 
 const ThreadLayout::Row &ThreadLayout::row(int index)
@@ -54,9 +62,30 @@ const ThreadLayout::Row &ThreadLayout::row(int index)
     row.document = std::make_unique<BlockDocument>(
         message.content.text, m_rows.block(index), RowBoxes::textWidth(m_rows, index, m_size.width()),
         !message.isReply());
+    place(index, row);
+    return row;
+}
+
+void ThreadLayout::place(int index, Row &row)
+{
     row.box = RowBoxes::make(m_rows, index, *row.document, m_size.width());
     m_heights.set(index, row.box.height);
-    return row;
+    light(row);
+}
+
+void ThreadLayout::light(Row &row) const
+{
+    row.matches = row.document->find(m_matcher);
+    row.lit.clear();
+    for (const TextRange &match : std::as_const(row.matches))
+        row.lit += row.document->rects(match);
+}
+
+void ThreadLayout::setMatcher(const TextMatcher &matcher)
+{
+    m_matcher = matcher;
+    for (auto &each : m_live)
+        light(each.second);
 }
 
 int ThreadLayout::measure(int index)
@@ -91,6 +120,7 @@ void ThreadLayout::arrange()
         m_shown.push_back({row, y});
         y += measure(row);
     }
+    m_follows = m_follows && m_isLive;
     evict();
 }
 
@@ -140,15 +170,27 @@ void ThreadLayout::reveal(int row, const QRect &rect)
     const int bottom = yOf(row) + rect.bottom() + margin;
     const bool isFar = top < -3 * m_size.height() || bottom > 4 * m_size.height();
     if (isFar) {
-        m_follows = false;
-        m_top = row;
-        m_hidden = 0;
-        scrollBy(rect.top() - m_size.height() / 2);
+        scrollTo(row, rect.top(), m_size.height() / 2);
     } else if (top < 0) {
         scrollBy(top);
     } else if (bottom > m_size.height()) {
         scrollBy(bottom - m_size.height());
     }
+}
+
+void ThreadLayout::scrollToStart()
+{
+    m_follows = false;
+    m_top = 0;
+    m_hidden = 0;
+}
+
+void ThreadLayout::scrollTo(int row, int inRow, int y)
+{
+    m_follows = false;
+    m_top = row;
+    m_hidden = 0;
+    scrollBy(inRow - y);
 }
 
 int ThreadLayout::yOf(int row) const

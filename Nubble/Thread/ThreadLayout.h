@@ -22,6 +22,8 @@ public:
     struct Row {
         std::unique_ptr<BlockDocument> document;
         RowBox box;
+        QList<TextRange> matches;
+        QList<QRectF> lit; // where they stand, in the document
         quint64 used = 0;
     };
     struct Shown {
@@ -31,7 +33,10 @@ public:
 
     explicit ThreadLayout(const ThreadRows &rows) : m_rows(rows) { }
 
-    void resize(QSize size); // of the view
+    void resize(QSize size);                         // of the view
+    void setLive(bool isLive) { m_isLive = isLive; } // only what is live follows its end
+    void setMatcher(const TextMatcher &matcher);     // what is lit
+    [[nodiscard]] const TextMatcher &matcher() const { return m_matcher; }
     void setFooterHeight(int height) { m_footer = height; }
     void rowsChanged(int first); // that one and all behind it
     void forget();               // all documents
@@ -40,6 +45,8 @@ public:
 
     void scrollBy(int pixels);
     void scrollTo(int value); // of the scroll bar
+    void scrollToStart();
+    void scrollTo(int row, int inRow, int y); // so that this of the row stands there; exact
     void scrollToEnd() { m_follows = true; }
     void reveal(int row, const QRect &rect); // of the row
     [[nodiscard]] bool follows() const { return m_follows; }
@@ -56,6 +63,9 @@ public:
     [[nodiscard]] std::size_t documentCount() const { return m_live.size(); }
 
 private:
+    void estimateRest();
+    void place(int index, Row &row);
+    void light(Row &row) const;
     [[nodiscard]] int measure(int row);
     [[nodiscard]] int below() const; // how much is below the last row
     void arrangeFromEnd();
@@ -70,6 +80,8 @@ private:
     int m_top = 0;
     int m_hidden = 0; // pixels of the row at the upper edge
     bool m_follows = true;
+    bool m_isLive = true;
+    TextMatcher m_matcher;
     quint64 m_clock = 0;
 };
 

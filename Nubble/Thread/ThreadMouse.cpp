@@ -33,6 +33,7 @@ void ThreadMouse::press(const QMouseEvent &event)
     if (event.button() != Qt::LeftButton)
         return;
     const QPoint point = event.position().toPoint();
+    m_scene.click(point);
     m_pressed = m_scene.targetAt(point);
     if (m_pressed && m_pressed->kind != ThreadTarget::Kind::Link)
         return;

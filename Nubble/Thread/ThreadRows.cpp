@@ -37,12 +37,6 @@ int ThreadRows::messageOf(int row) const
     return static_cast<int>(behind - m_messages.begin()) - 1;
 }
 
-const Block &ThreadRows::block(int row) const
-{
-    const Message &message = messageAt(row);
-    return message.blocks().at(static_cast<Size>(row - message.firstRow));
-}
-
 std::pair<int, int> ThreadRows::parts(int row) const
 {
     const Message &message = messageAt(row);
@@ -50,7 +44,7 @@ std::pair<int, int> ThreadRows::parts(int row) const
     while (first > message.firstRow && block(first).continues)
         --first;
     int end = row + 1;
-    while (end < message.endRow() && block(end).continues)
+    while (end < message.endRow && block(end).continues)
         ++end;
     return {first, end};
 }
@@ -63,11 +57,24 @@ QString ThreadRows::codeAt(int row) const
     return BlockSource::code(messageAt(row).content.text, whole);
 }
 
+ThreadRows ThreadRows::of(const QList<ThreadMessage> &messages)
+{
+    ThreadRows rows;
+    rows.m_messages.reserve(static_cast<std::size_t>(messages.size()));
+    for (const ThreadMessage &message : messages) {
+        rows.add(message);
+        rows.cutLast(message.text);
+        rows.m_messages.back().isFinished = true;
+    }
+    rows.m_splitter = {};
+    rows.m_blocks.shrink_to_fit();
+    rows.m_changed = 0;
+    return rows;
+}
+
 void ThreadRows::clear()
 {
-    m_messages.clear();
-    m_changed = 0;
-    m_seen = 0;
+    *this = {};
 }
 
 void ThreadRows::append(const ThreadMessage &message)
@@ -75,13 +82,39 @@ void ThreadRows::append(const ThreadMessage &message)
     if (!m_messages.empty() && m_messages.back().isReply())
         m_messages.back().isFinished = true; // nothing of it is held back any longer
     m_changed = std::min(m_changed, update());
+    add(message);
+    if (!m_messages.back().isReply())
+        cutLast(message.text);
+    m_seen = -1; // what a message begins with is no text that is still arriving
+}
+
+// The one before is cut whole.
+void ThreadRows::add(const ThreadMessage &message)
+{
     Message added;
     added.content = message;
-    added.firstRow = count();
-    if (!added.isReply())
-        added.plain = plainBlocks(message.text);
+    added.firstRow = added.endRow = count();
     m_messages.push_back(std::move(added));
-    m_seen = -1; // what a message begins with is no text that is still arriving
+    m_splitter = {};
+    m_read = 0;
+}
+
+// `text` is the last message's, or what of it is to be shown yet.
+void ThreadRows::cutLast(QStringView text)
+{
+    Message &last = m_messages.back();
+    qsizetype first = 0;
+    std::vector<Block> plain;
+    if (last.isReply())
+        first = m_splitter.read(text);
+    else
+        plain = plainBlocks(text);
+    const std::vector<Block> &all = last.isReply() ? m_splitter.blocks() : plain;
+    m_blocks.resize(static_cast<Size>(last.firstRow + first));
+    m_blocks.insert(m_blocks.end(), all.begin() + first, all.end());
+    last.endRow = count();
+    m_read = text.size();
+    m_changed = std::min(m_changed, last.firstRow + static_cast<int>(first));
 }
 
 void ThreadRows::appendText(QStringView text)
@@ -89,10 +122,8 @@ void ThreadRows::appendText(QStringView text)
     Q_ASSERT(!m_messages.empty());
     Message &last = m_messages.back();
     last.content.text += text;
-    if (!last.isReply()) {
-        last.plain = plainBlocks(last.content.text);
-        m_changed = std::min(m_changed, last.firstRow);
-    }
+    if (!last.isReply())
+        cutLast(last.content.text);
 }
 
 void ThreadRows::setText(const QString &text)
@@ -104,20 +135,16 @@ void ThreadRows::setText(const QString &text)
     if (same == last.content.text.size())
         return appendText(QStringView(text).sliced(same));
     last.content.text = text;
-    last.read = 0;
-    const std::vector<Block> before = last.blocks();
-    if (last.isReply()) {
-        last.splitter = {};
-        last.splitter.read(text);
-        last.read = text.size();
-    } else {
-        last.plain = plainBlocks(text);
-    }
+    const int changed = m_changed;
+    const std::vector<Block> before(m_blocks.begin() + last.firstRow, m_blocks.end());
+    m_splitter = {};
+    cutLast(text);
+    const std::vector<Block> after(m_blocks.begin() + last.firstRow, m_blocks.end());
     Size first = 0;
-    while (first < std::min(before.size(), last.blocks().size()) && before[first] == last.blocks()[first]
+    while (first < std::min(before.size(), after.size()) && before[first] == after[first]
            && before[first].end() <= same)
         ++first;
-    m_changed = std::min(m_changed, last.firstRow + static_cast<int>(first));
+    m_changed = std::min(changed, last.firstRow + static_cast<int>(first));
 }
 
 void ThreadRows::finishLast()
@@ -132,23 +159,22 @@ void ThreadRows::removeLast()
 {
     if (m_messages.empty())
         return;
-    m_changed = std::min(m_changed, m_messages.back().firstRow);
+    m_blocks.resize(static_cast<Size>(m_messages.back().firstRow));
+    m_changed = std::min(m_changed, count());
     m_messages.pop_back();
+    m_splitter = {}; // which reads the one before anew if ever that grows
+    m_read = m_messages.empty() ? 0 : m_messages.back().content.text.size();
     m_seen = -1;
 }
 
 int ThreadRows::update()
 {
     if (!m_messages.empty() && m_messages.back().isReply()) {
-        Message &last = m_messages.back();
-        const QString &text = last.content.text;
-        const qsizetype until = readable(last);
+        const QString &text = m_messages.back().content.text;
+        const qsizetype until = readable(m_messages.back());
         m_seen = text.size();
-        if (until > last.read) {
-            const auto first = static_cast<int>(last.splitter.read(QStringView(text).first(until)));
-            last.read = until;
-            m_changed = std::min(m_changed, last.firstRow + first);
-        }
+        if (until > m_read)
+            cutLast(QStringView(text).first(until));
     }
     return std::exchange(m_changed, count());
 }
@@ -156,11 +182,11 @@ int ThreadRows::update()
 bool ThreadRows::isBehind() const
 {
     return !m_messages.empty() && m_messages.back().isReply()
-        && m_messages.back().read < m_messages.back().content.text.size();
+        && m_read < m_messages.back().content.text.size();
 }
 
 // How much of the text can be shown. A line that may turn waits while it grows.
-qsizetype ThreadRows::readable(const Message &message)
+qsizetype ThreadRows::readable(const Message &message) const
 {
     const QStringView text = message.content.text;
     if (message.isFinished || m_seen < 0 || m_seen == text.size())
@@ -170,7 +196,7 @@ qsizetype ThreadRows::readable(const Message &message)
     if (newline < 0 && end.size() < text.size())
         return text.size();
     const QStringView line = end.sliced(newline + 1);
-    return mayTurn(line) ? std::max(message.read, text.size() - line.size()) : text.size();
+    return mayTurn(line) ? std::max(m_read, text.size() - line.size()) : text.size();
 }
 
 } // namespace nubble

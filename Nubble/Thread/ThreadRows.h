@@ -8,26 +8,22 @@
 namespace nubble {
 
 // The messages of a conversation and the blocks they are made of, numbered through: a row is a block. Text
-// that arrives is only stored; `update()` cuts it. Rows change at the end alone.
+// that arrives is only stored; `update()` cuts it. Rows change at the end alone. A value, for any thread.
 class ThreadRows {
 public:
     struct Message {
         ThreadMessage content;
-        BlockSplitter splitter;   // of a reply
-        std::vector<Block> plain; // of a question
-        qsizetype read = 0;       // how much of the text is cut
         int firstRow = 0;
+        int endRow = 0;
         bool isFinished = false;
 
         [[nodiscard]] bool isReply() const { return content.kind == ThreadMessage::Kind::Reply; }
-        [[nodiscard]] const std::vector<Block> &blocks() const
-        {
-            return isReply() ? splitter.blocks() : plain;
-        }
-        [[nodiscard]] int endRow() const { return firstRow + static_cast<int>(blocks().size()); }
     };
 
-    [[nodiscard]] int count() const { return m_messages.empty() ? 0 : m_messages.back().endRow(); }
+    // A whole conversation, all of it finished.
+    [[nodiscard]] static ThreadRows of(const QList<ThreadMessage> &messages);
+
+    [[nodiscard]] int count() const { return static_cast<int>(m_blocks.size()); }
     [[nodiscard]] int messageCount() const { return static_cast<int>(m_messages.size()); }
     [[nodiscard]] const Message &message(int index) const
     {
@@ -35,9 +31,9 @@ public:
     }
     [[nodiscard]] int messageOf(int row) const;
     [[nodiscard]] const Message &messageAt(int row) const { return message(messageOf(row)); }
-    [[nodiscard]] const Block &block(int row) const;
+    [[nodiscard]] const Block &block(int row) const { return m_blocks.at(static_cast<std::size_t>(row)); }
     [[nodiscard]] bool isFirst(int row) const { return messageAt(row).firstRow == row; }
-    [[nodiscard]] bool isLast(int row) const { return messageAt(row).endRow() == row + 1; }
+    [[nodiscard]] bool isLast(int row) const { return messageAt(row).endRow == row + 1; }
     // The rows of the same thing: [first, second).
     [[nodiscard]] std::pair<int, int> parts(int row) const;
     [[nodiscard]] QString codeAt(int row) const; // the whole source between its fences
@@ -54,11 +50,16 @@ public:
     [[nodiscard]] bool isBehind() const; // something is held back for the next update
 
 private:
-    [[nodiscard]] qsizetype readable(const Message &message);
+    void add(const ThreadMessage &message);
+    void cutLast(QStringView text);
+    [[nodiscard]] qsizetype readable(const Message &message) const;
 
     std::vector<Message> m_messages;
-    int m_changed = 0;    // the first row touched since the last update
-    qsizetype m_seen = 0; // of the last message's text at the last update
+    std::vector<Block> m_blocks;
+    BlockSplitter m_splitter; // of the last message, if it is a reply; others do not grow
+    qsizetype m_read = 0;     // how much of its text is cut
+    int m_changed = 0;        // the first row touched since the last update
+    qsizetype m_seen = 0;     // of the last message's text at the last update
 };
 
 } // namespace nubble

@@ -5,6 +5,7 @@
 
 #include <chrono>
 
+#include "Thread/MatchSearch.h"
 #include "Thread/RowPainter.h"
 
 using namespace std::chrono_literals;
@@ -24,16 +25,38 @@ ThreadScene::ThreadScene(QObject *parent) : QObject(parent)
 void ThreadScene::clear()
 {
     m_rows.clear();
+    setLive(true);
     m_layout.scrollToEnd();
     takeIn();
+}
+
+void ThreadScene::setRows(ThreadRows rows)
+{
+    m_rows = std::move(rows);
+    setLive(false);
+    m_layout.rowsChanged(m_rows.update());
+    m_layout.scrollToStart();
+    m_selection = {};
+    m_hoveredMessage = m_current = m_clicked = -1;
+    for (auto *target : {&m_hovered, &m_focused, &m_copied})
+        target->reset();
+    arrange();
 }
 
 void ThreadScene::append(const ThreadMessage &message)
 {
     m_rows.append(message);
+    setLive(true);
     if (message.kind == ThreadMessage::Kind::Question)
         m_layout.scrollToEnd();
     takeIn();
+}
+
+void ThreadScene::setLive(bool isLive)
+{
+    m_isLive = isLive;
+    m_isPlaced = false;
+    m_layout.setLive(isLive);
 }
 
 void ThreadScene::appendText(QStringView text)
@@ -85,6 +108,61 @@ void ThreadScene::setShown(bool shown)
         takeIn();
     else
         m_layout.forget();
+    placeCurrent();
+}
+
+void ThreadScene::resize(QSize size)
+{
+    m_layout.resize(size);
+    placeCurrent();
+}
+
+void ThreadScene::setMatcher(const TextMatcher &matcher)
+{
+    m_layout.setMatcher(matcher);
+    placeCurrent();
+    Q_EMIT changed(0);
+}
+
+void ThreadScene::showMessage(int message)
+{
+    if (message < 0 || message >= m_rows.messageCount())
+        return;
+    m_current = message;
+    m_clicked = -1; // what is copied is what was chosen last
+    m_isPlaced = true;
+    placeCurrent();
+}
+
+void ThreadScene::placeCurrent()
+{
+    if (!m_isPlaced || !m_isShown || m_layout.size().isEmpty() || m_rows.count() == 0)
+        return;
+    const int first = std::min(m_rows.message(m_current).firstRow, m_rows.count() - 1);
+    const auto match = firstMatch(m_rows, m_layout, m_current);
+    const ThreadPosition position = match.value_or(ThreadPosition{first, 0});
+    const QRect line = ThreadPositions::caret(m_layout, position);
+    m_layout.scrollTo(position.row, line.center().y(), m_layout.size().height() / 2);
+    arrange();
+}
+
+void ThreadScene::click(const QPoint &point)
+{
+    const int row = m_layout.rowAt(point.y());
+    if (!m_isLive && row >= 0)
+        m_clicked = m_rows.messageOf(row);
+}
+
+bool ThreadScene::copy()
+{
+    const int message = m_clicked >= 0 ? m_clicked : m_current;
+    if (m_selection.isEmpty() && message < 0)
+        return false;
+    if (m_selection.isEmpty())
+        QGuiApplication::clipboard()->setText(m_rows.message(message).content.text);
+    else
+        copySelection(QClipboard::Clipboard);
+    return true;
 }
 
 // What was said about rows that are gone.
@@ -94,6 +172,10 @@ void ThreadScene::holdState()
     for (auto *target : {&m_hovered, &m_focused, &m_copied})
         if (*target && (*target)->row >= count)
             target->reset();
+    for (int *message : {&m_current, &m_clicked})
+        if (*message >= m_rows.messageCount())
+            *message = -1;
+    m_isPlaced = m_isPlaced && m_current >= 0;
     if (count == 0)
         m_selection = {};
     else if (m_selection.last().row >= count)
@@ -110,20 +192,36 @@ void ThreadScene::arrange()
     Q_EMIT changed(0);
 }
 
+void ThreadScene::scrollPages(int pages)
+{
+    constexpr int kept = 40; // pixels that are seen on both
+    scrollBy(pages * std::max(kept, m_layout.size().height() - kept));
+}
+
+void ThreadScene::reveal(int row, const QRect &rect)
+{
+    m_isPlaced = false;
+    m_layout.reveal(row, rect);
+    arrange();
+}
+
 void ThreadScene::scrollBy(int pixels)
 {
+    m_isPlaced = false;
     m_layout.scrollBy(pixels);
     arrange();
 }
 
 void ThreadScene::scrollTo(int value)
 {
+    m_isPlaced = false;
     m_layout.scrollTo(value);
     arrange();
 }
 
 void ThreadScene::scrollToEnd()
 {
+    m_isPlaced = false;
     m_layout.scrollToEnd();
     arrange();
 }
@@ -190,9 +288,10 @@ void ThreadScene::focus(const std::optional<ThreadTarget> &target)
         QRect all;
         for (const QRect &each : ThreadTargets::rects(m_layout, *target))
             all |= each;
-        m_layout.reveal(target->row, all);
+        reveal(target->row, all);
+    } else {
+        arrange();
     }
-    arrange();
     Q_EMIT focusChanged();
 }
 
@@ -234,17 +333,26 @@ void ThreadScene::paint(QPainter &painter, const QRect &area)
         const ThreadLayout::Row &row = m_layout.row(index);
         if (y + row.box.height < area.top() || y > area.bottom())
             continue;
-        RowLook look{
-            m_selection.inRow(index, row.document->lastPosition()), m_hovered, m_focused, m_copied, false};
-        const int message = m_rows.messageOf(index);
-        const auto isOfThis = [&](const auto &target) {
-            return target && target->kind == ThreadTarget::Kind::CopyReply && target->row == index;
-        };
-        look.showsCopyReply = m_rows.message(message).isFinished
-            && (message == m_hoveredMessage || message + 1 == m_rows.messageCount() || isOfThis(m_focused)
-                || isOfThis(m_copied));
-        paintRow(painter, {0, y}, m_rows, index, row, look);
+        paintRow(painter, {0, y}, m_rows, index, row, lookOf(index, row));
     }
+}
+
+RowLook ThreadScene::lookOf(int index, const ThreadLayout::Row &row) const
+{
+    RowLook look;
+    look.selected = m_selection.inRow(index, row.document->lastPosition());
+    look.hovered = m_hovered;
+    look.focused = m_focused;
+    look.copied = m_copied;
+    const int message = m_rows.messageOf(index);
+    look.isCurrent = message == m_current;
+    const auto isOfThis = [&](const auto &target) {
+        return target && target->kind == ThreadTarget::Kind::CopyReply && target->row == index;
+    };
+    look.showsCopyReply = m_rows.message(message).isFinished
+        && (message == m_hoveredMessage || message + 1 == m_rows.messageCount() || isOfThis(m_focused)
+            || isOfThis(m_copied));
+    return look;
 }
 
 } // namespace nubble

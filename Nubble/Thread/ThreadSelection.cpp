@@ -107,7 +107,7 @@ QString written(const ThreadRows &rows, const ThreadSelection &selection)
         const ThreadRows::Message &message = rows.message(i);
         const QString &text = message.content.text;
         const bool isFirst = selection.first().row > message.firstRow;
-        const bool isLast = selection.last().row + 1 < message.endRow();
+        const bool isLast = selection.last().row + 1 < message.endRow;
         const qsizetype from = isFirst ? rows.block(selection.first().row).start : 0;
         const qsizetype to = isLast ? rows.block(selection.last().row).end() : text.size();
         parts.append(text.sliced(from, to - from));

@@ -118,6 +118,31 @@ void ThreadView::removeLast()
     m_scene->removeLast();
 }
 
+void ThreadView::setRows(ThreadRows rows)
+{
+    m_scene->setRows(std::move(rows));
+}
+
+void ThreadView::setMatcher(const TextMatcher &matcher)
+{
+    m_scene->setMatcher(matcher);
+}
+
+void ThreadView::showMessage(int message)
+{
+    m_scene->showMessage(message);
+}
+
+bool ThreadView::copy()
+{
+    return m_scene->copy();
+}
+
+void ThreadView::scrollPages(int pages)
+{
+    m_scene->scrollPages(pages);
+}
+
 void ThreadView::scrollToEnd()
 {
     m_scene->scrollToEnd();
@@ -192,7 +217,7 @@ void ThreadView::placeJump()
     m_jump->move(
         viewport()->geometry().right() - size.width() - 6,
         viewport()->geometry().bottom() - size.height() - 8);
-    m_jump->setVisible(!m_scene->layout().follows());
+    m_jump->setVisible(m_scene->isLive() && !m_scene->layout().follows());
 }
 
 bool ThreadView::viewportEvent(QEvent *event)
@@ -236,7 +261,7 @@ void ThreadView::paintEvent(QPaintEvent *event)
 
 void ThreadView::resizeEvent(QResizeEvent *)
 {
-    m_scene->layout().resize(viewport()->size());
+    m_scene->resize(viewport()->size());
     placeFooter();
 }
 

@@ -12,7 +12,9 @@ class QAbstractButton;
 
 namespace nubble {
 
+class TextMatcher;
 class ThreadMouse;
+class ThreadRows;
 class ThreadScene;
 
 // A conversation: questions as bubbles of plain text, replies as Markdown that may still be arriving. It
@@ -31,6 +33,17 @@ public:
     void setText(const QString &text);         // of the last message; what is the same is kept as it is shown
     void finishLast(); // the reply has ended: is announced to assistive technology, can be copied as a whole
     void removeLast();
+
+    // A conversation that is over, instead of what is shown; read from its top on.
+    void setRows(ThreadRows rows);
+    void setMatcher(const TextMatcher &matcher); // what is lit wherever it stands
+    // Makes it the current one, whose matches are lit most: the first of them, or else its beginning, comes
+    // to the middle, and stays there until something else is scrolled to.
+    void showMessage(int message);
+    // What is marked, else the text of the message that was clicked or shown last; false: there is nothing.
+    bool copy();
+    void scrollPages(int pages); // down, or up
+
     // Scrolls with the text, below the last message, as tall as it wants to be; null for none. The one before
     // is hidden.
     void setFooter(QWidget *footer);
