@@ -37,12 +37,13 @@ QString correctionsText(const QMap<QString, QStringList> &corrected)
 
 } // namespace
 
-ChatSearch::ChatSearch(const Home &home, QObject *parent)
-    : QObject(parent), m_home(home), m_decoder(u"chats"_s)
+ChatSearch::ChatSearch(const Home &home, std::function<void(const QUrl &)> openUrl, QObject *parent)
+    : QObject(parent), m_home(home), m_opening(home, std::move(openUrl)), m_decoder(u"chats"_s)
 {
     assertMainThread("Nubble/Search/ChatSearch");
     m_pending.setSingleShot(true);
     m_pending.callOnTimeout(this, &ChatSearch::run);
+    connect(&m_opening, &ChatOpening::opened, this, &ChatSearch::opened);
 }
 
 ChatSearch::~ChatSearch() = default;
@@ -194,6 +195,25 @@ void ChatSearch::move(qsizetype by)
         return;
     m_selection = std::clamp<qsizetype>(m_selection + by, 0, m_results.size() - 1);
     Q_EMIT selectionChanged();
+}
+
+template <typename Chat> void ChatSearch::openChat(const Chat &chat)
+{
+    const auto isThere = [](const std::optional<QString> &text) { return text && !text->isEmpty(); };
+    if (chat.source == u"code" && isThere(chat.resume))
+        m_opening.resume(*chat.resume);
+    else if (const auto &link = isThere(chat.appUrl) ? chat.appUrl : chat.url; isThere(link))
+        m_opening.openLink(*link);
+}
+
+void ChatSearch::open(const ChatHit &hit)
+{
+    openChat(hit);
+}
+
+void ChatSearch::open(const ChatThread &thread)
+{
+    openChat(thread);
 }
 
 } // namespace nubble

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "Platform/Home.h"
+#include "Search/ChatOpening.h"
 #include "Search/ChatRecords.h"
 #include "Shell/SerialWorker.h"
 
@@ -21,7 +22,9 @@ class ChatSearch : public QObject {
     Q_OBJECT
 
 public:
-    explicit ChatSearch(const Home &home, QObject *parent = nullptr);
+    // `openUrl` hands a checked link to the desktop's handler.
+    explicit ChatSearch(
+        const Home &home, std::function<void(const QUrl &)> openUrl, QObject *parent = nullptr);
     ~ChatSearch() override;
 
     [[nodiscard]] const QString &query() const { return m_query; }
@@ -47,6 +50,10 @@ public:
     void stepHit(qsizetype by); // wraps
     void move(qsizetype by);    // keeps within the results
 
+    // Goes on with a Claude Code session in a new terminal window, or opens the link.
+    void open(const ChatHit &hit);
+    void open(const ChatThread &thread);
+
 Q_SIGNALS:
     void queryChanged();
     void categoryChanged();
@@ -56,6 +63,7 @@ Q_SIGNALS:
     void searchingChanged();
     void threadChanged();
     void hitChanged();
+    void opened(const nubble::Outcome &outcome); // never from within; not when there is nothing to open
 
 private:
     using Process = std::unique_ptr<ChildProcess>;
@@ -65,6 +73,7 @@ private:
     [[nodiscard]] QString queryText() const;
     [[nodiscard]] Process exec(const QStringList &arguments, const Answer &answer);
     void accept(const std::optional<SearchResponse> &response);
+    template <typename Chat> void openChat(const Chat &chat);
 
     const Home m_home;
     QString m_query;
@@ -82,6 +91,7 @@ private:
     Process m_search;
     Process m_categoryList;
     Process m_reading;
+    ChatOpening m_opening;
     SerialWorker m_decoder;
 };
 

@@ -118,6 +118,10 @@ ChildProcess::ChildProcess(
         m_handle->setProcessEnvironment(*command.environment);
     if (limits.errors == 0)
         m_handle->setStandardErrorFile(QProcess::nullDevice());
+    if (delivery == Delivery::None) {
+        m_handle->setStandardInputFile(QProcess::nullDevice());
+        m_handle->setStandardOutputFile(QProcess::nullDevice());
+    }
     m_handle->setChildProcessModifier(
         [niceness = command.niceness, lifetime] { leaveNothingOfUs(niceness, lifetime == Lifetime::Ours); });
     connect(m_handle.get(), &QProcess::readyReadStandardOutput, this, &ChildProcess::readOutput);

@@ -18,7 +18,9 @@ class ChildProcess : public QObject {
     Q_OBJECT
 
 public:
-    enum class Delivery { Chunks, Whole };
+    // None: its input is empty, and its output goes to the null device, where it may write even after our
+    // end.
+    enum class Delivery { Chunks, Whole, None };
     // Whether the child, and what it has started, ends with this object or the program (even with one that
     // crashes), or goes on alone.
     enum class Lifetime { Ours, ItsOwn };

@@ -9,19 +9,15 @@ using namespace Qt::StringLiterals;
 
 namespace nubble::Tools {
 
-namespace {
+std::optional<QString> inheritedPath()
+{
+    return qEnvironmentVariableIsSet("PATH") ? std::optional(qEnvironmentVariable("PATH")) : std::nullopt;
+}
 
 bool isExecutableFile(const QString &path)
 {
     const QFileInfo file(path);
     return file.isFile() && file.isExecutable();
-}
-
-} // namespace
-
-std::optional<QString> inheritedPath()
-{
-    return qEnvironmentVariableIsSet("PATH") ? std::optional(qEnvironmentVariable("PATH")) : std::nullopt;
 }
 
 std::optional<QString> find(const QString &name, const Home &home, const std::optional<QString> &path)

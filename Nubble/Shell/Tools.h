@@ -15,6 +15,8 @@ namespace Tools {
 
 [[nodiscard]] std::optional<QString> inheritedPath(); // the process's own PATH
 
+[[nodiscard]] bool isExecutableFile(const QString &path);
+
 // The absolute path of the first executable file of that name.
 [[nodiscard]] std::optional<QString> find(
     const QString &name, const Home &home, const std::optional<QString> &path = inheritedPath());

@@ -98,7 +98,7 @@ private Q_SLOTS:
     {
         m_search.reset();
         m_home.emplace();
-        m_search.emplace(m_home->home());
+        m_search.emplace(m_home->home(), [](const QUrl &) {});
     }
 
     void decodesAllOrNothing_data()
