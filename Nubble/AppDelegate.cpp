@@ -50,6 +50,7 @@ AppDelegate::AppDelegate(const Home &home, InstanceBus &bus, Relaunch relaunch)
     observeState();
     observeRequests();
     openAskAddon();
+    openSearchAddon();
     registerHotKeys();
 }
 
@@ -151,6 +152,29 @@ void AppDelegate::openAskAddon()
     m_commands.addReport([this](QJsonObject &status) { reportAsk(*m_askWindow, status); });
 }
 
+void AppDelegate::openSearchAddon()
+{
+    if (!m_addons.contains(Addon::Search))
+        return;
+    const auto place = [this](const QSize &size) {
+        const QRectF visible = m_mainScreen.visibleFrame().value_or(QRectF());
+        return placeInUpperPart(size, m_mainScreen.frame().value_or(visible), visible);
+    };
+    m_searchWindow = std::make_unique<ChatSearchWindow>(
+        m_home,
+        ChatSearchWindow::Surroundings{
+            .clock = m_clock,
+            .preferences = *m_backend.preferences,
+            .makeSurface = m_backend.makeFloatingSurface,
+            .place = place,
+            .openLink = [](const QUrl &url) { QDesktopServices::openUrl(url); }});
+    m_commands.setHandler(Addon::Search, [this](const AddonRequest &) {
+        m_searchWindow->show();
+        return Outcome::done();
+    });
+    m_commands.addReport([this](QJsonObject &status) { reportSearch(*m_searchWindow, status); });
+}
+
 void AppDelegate::registerHotKeys()
 {
     for (const HotKeyBinding &each : hotKeyBindings)
@@ -162,7 +186,7 @@ void AppDelegate::perform(HotKey key)
 {
     switch (key) {
     case HotKey::Search:
-        m_commands.request({AddonRequest::Action::SearchChats});
+        m_searchWindow->toggle();
         break;
     case HotKey::Ask:
         m_askWindow->toggle();

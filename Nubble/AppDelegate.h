@@ -15,6 +15,7 @@
 #include "Platform/Clock.h"
 #include "Platform/Home.h"
 #include "Platform/ProcessTable.h"
+#include "Search/ChatSearchWindow.h"
 #include "Sessions/ProcessActivator.h"
 #include "Sessions/SessionMonitor.h"
 #include "Shell/Addon.h"
@@ -46,6 +47,7 @@ private:
     [[nodiscard]] NotchContents notchContents(); // the panel's cards and buttons
     void registerParts();
     void openAskAddon();
+    void openSearchAddon();
     void observeState();
     void observeRequests();
     void registerHotKeys(); // those of the active add-ons
@@ -73,7 +75,9 @@ private:
     ProcessActivator m_activator;
     PanelWindow m_panel;
     AppCommands m_commands;
-    std::unique_ptr<AskWindow> m_askWindow; // while the add-on is on
+    // While the add-on is on.
+    std::unique_ptr<AskWindow> m_askWindow;
+    std::unique_ptr<ChatSearchWindow> m_searchWindow;
     StatusItem m_statusItem;
     HotKeys m_hotKeys;
 };

@@ -10,6 +10,7 @@
 #include "Notch/PanelState.h"
 #include "Placement/NotchPlacement.h"
 #include "Platform/Clock.h"
+#include "Search/ChatSearchWindow.h"
 #include "Sessions/SessionDetails.h"
 #include "Sessions/SessionMonitor.h"
 #include "Sessions/SessionTexts.h"
@@ -173,6 +174,19 @@ void reportAsk(const AskWindow &window, QJsonObject &status)
             {u"capturing"_s, ask.isCapturing()},
             {u"messages"_s, ask.messages().size()},
             {u"problem"_s, problem ? QJsonValue(*problem) : QJsonValue()},
+        });
+}
+
+void reportSearch(const ChatSearchWindow &window, QJsonObject &status)
+{
+    const ChatSearch &search = window.search();
+    status.insert(
+        "search"_L1,
+        QJsonObject{
+            {u"open"_s, window.isOpen()},
+            {u"results"_s, search.results().size()},
+            {u"thread"_s, search.thread().has_value()},
+            {u"problem"_s, search.problem() ? QJsonValue(*search.problem()) : QJsonValue()},
         });
 }
 

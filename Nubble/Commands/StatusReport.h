@@ -8,6 +8,7 @@ class QDateTime;
 namespace nubble {
 
 class AskWindow;
+class ChatSearchWindow;
 class Clock;
 class HotKeys;
 class NotchPlacement;
@@ -23,6 +24,7 @@ void reportUsage(const PlanUsageMonitor &planUsage, QJsonObject &status);
 void reportPanel(const PanelState &state, const NotchPlacement &placement, QJsonObject &status);
 void reportHotKeys(const HotKeys &hotKeys, QJsonObject &status);
 void reportAsk(const AskWindow &window, QJsonObject &status);
+void reportSearch(const ChatSearchWindow &window, QJsonObject &status);
 
 // The same for people, `width` columns wide. Control characters, which a terminal would obey, are left out.
 [[nodiscard]] QString statusTable(const QJsonObject &report, qsizetype width, const QDateTime &now);

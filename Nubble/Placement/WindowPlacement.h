@@ -21,4 +21,8 @@ struct WindowAnchor {
 [[nodiscard]] QPoint placeBeside(
     const std::optional<WindowAnchor> &anchor, const QSize &size, const QRectF &visible);
 
+// That of a window in the upper part of the screen, in the middle from side to side; kept within what is
+// visible in the same way.
+[[nodiscard]] QPoint placeInUpperPart(const QSize &size, const QRectF &screen, const QRectF &visible);
+
 } // namespace nubble

@@ -4,6 +4,7 @@
 
 #include "Platform/MainThread.h"
 #include "Search/ChatDecoding.h"
+#include "Search/ChatTexts.h"
 #include "Shell/ChildProcess.h"
 #include "Shell/Tools.h"
 
@@ -80,28 +81,27 @@ QString ChatSearch::queryText() const
 
 void ChatSearch::run()
 {
-    const bool wasSearching = isSearching();
-    const auto decoded = [this, generation = ++m_generation](const std::optional<SearchResponse> &response) {
+    const auto decoded = [this, generation = ++m_generation,
+                          query = m_query](const std::optional<SearchResponse> &response) {
         if (generation == m_generation)
-            accept(response);
+            accept(response, query);
     };
-    m_search = exec(
-        {u"search"_s, u"--json"_s, u"-n"_s, u"25"_s, queryText()},
-        [this, decoded](const std::optional<QByteArray> &json) {
-            if (!json)
-                decoded({});
-            else
-                m_decoder.add([json](const std::stop_token &) { return decodeSearch(*json); }, decoded);
-        });
+    setProcess(
+        m_search,
+        exec(
+            {u"search"_s, u"--json"_s, u"-n"_s, u"25"_s, queryText()},
+            [this, decoded](const std::optional<QByteArray> &json) {
+                if (!json)
+                    decoded({});
+                else
+                    m_decoder.add([json](const std::stop_token &) { return decodeSearch(*json); }, decoded);
+            }));
     if (!m_search)
         decoded({});
-    else if (!wasSearching)
-        Q_EMIT searchingChanged();
 }
 
-void ChatSearch::accept(const std::optional<SearchResponse> &response)
+void ChatSearch::accept(const std::optional<SearchResponse> &response, const QString &query)
 {
-    m_search.reset();
     m_problem.reset();
     if (!response)
         m_problem = Tools::find(u"yarnbin"_s, m_home)
@@ -111,9 +111,20 @@ void ChatSearch::accept(const std::optional<SearchResponse> &response)
     if (response) {
         m_selection = 0;
         m_corrected = correctionsText(response->corrected);
+        m_words = searchedWords(query, response->corrected);
     }
+    m_answered = true;
     Q_EMIT answered();
-    Q_EMIT searchingChanged();
+    setProcess(m_search, nullptr);
+}
+
+// The one before is ended.
+void ChatSearch::setProcess(Process &which, Process process)
+{
+    const bool was = isSearching();
+    which = std::move(process);
+    if (was != isSearching())
+        Q_EMIT searchingChanged();
 }
 
 // None when there is no such command, and then no answer.
@@ -152,17 +163,25 @@ void ChatSearch::loadCategories()
 void ChatSearch::read(const ChatHit &hit)
 {
     const auto decoded = [this, query = m_query, read = ++m_reads](const std::optional<ChatThread> &thread) {
-        if (!thread || query != m_query || read != m_reads)
+        if (read != m_reads)
             return;
-        m_hit = 0;
-        m_thread = thread;
-        Q_EMIT threadChanged();
+        if (thread && query == m_query) {
+            m_hit = 0;
+            m_thread = thread;
+            Q_EMIT threadChanged();
+        }
+        setProcess(m_reading, nullptr);
     };
-    m_reading = exec(
-        {u"thread"_s, hit.id, u"--query"_s, m_query}, [this, decoded](const std::optional<QByteArray> &json) {
-            if (json)
-                m_decoder.add([json](const std::stop_token &) { return decodeThread(*json); }, decoded);
-        });
+    setProcess(
+        m_reading,
+        exec(
+            {u"thread"_s, hit.id, u"--query"_s, m_query},
+            [this, decoded](const std::optional<QByteArray> &json) {
+                if (!json)
+                    decoded({});
+                else
+                    m_decoder.add([json](const std::stop_token &) { return decodeThread(*json); }, decoded);
+            }));
 }
 
 void ChatSearch::openThread()
@@ -174,6 +193,7 @@ void ChatSearch::openThread()
 void ChatSearch::closeThread()
 {
     ++m_reads; // what is still being read does not open
+    setProcess(m_reading, nullptr);
     if (!m_thread)
         return;
     m_thread.reset();

@@ -36,8 +36,10 @@ public:
     [[nodiscard]] const QList<ChatCategory> &categories() const { return m_categories; }
     [[nodiscard]] const QString &corrected() const { return m_corrected; } // empty when nothing was
     [[nodiscard]] const std::optional<QString> &problem() const { return m_problem; }
-    [[nodiscard]] qsizetype selection() const { return m_selection; } // in the results
-    [[nodiscard]] bool isSearching() const { return m_search != nullptr; }
+    [[nodiscard]] qsizetype selection() const { return m_selection; }        // in the results
+    [[nodiscard]] const QStringList &words() const { return m_words; }       // that the results match
+    [[nodiscard]] bool hasAnswered() const { return m_answered; }            // ever
+    [[nodiscard]] bool isSearching() const { return m_search || m_reading; } // for results, or a thread
 
     [[nodiscard]] const std::optional<ChatThread> &thread() const { return m_thread; } // while one is open
     [[nodiscard]] qsizetype hit() const { return m_hit; } // the match shown, of the thread's
@@ -72,7 +74,8 @@ private:
     void run();
     [[nodiscard]] QString queryText() const;
     [[nodiscard]] Process exec(const QStringList &arguments, const Answer &answer);
-    void accept(const std::optional<SearchResponse> &response);
+    void accept(const std::optional<SearchResponse> &response, const QString &query);
+    void setProcess(Process &which, Process process);
     template <typename Chat> void openChat(const Chat &chat);
 
     const Home m_home;
@@ -81,6 +84,8 @@ private:
     QList<ChatHit> m_results;
     QList<ChatCategory> m_categories;
     QString m_corrected;
+    QStringList m_words;
+    bool m_answered = false;
     std::optional<QString> m_problem;
     qsizetype m_selection = 0;
     std::optional<ChatThread> m_thread;

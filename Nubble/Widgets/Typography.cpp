@@ -71,6 +71,16 @@ QFont rowTitle()
     return font(12, QFont::Medium);
 }
 
+QFont query()
+{
+    return font(18, QFont::Normal);
+}
+
+QFont resultTitle()
+{
+    return font(13, QFont::Medium);
+}
+
 QFont menu()
 {
     return font(13, QFont::Normal);

@@ -17,6 +17,8 @@ namespace Typography {
 [[nodiscard]] QFont rowTitle();
 [[nodiscard]] QFont cardBody();
 [[nodiscard]] QFont caption();
+[[nodiscard]] QFont query();       // what is searched for
+[[nodiscard]] QFont resultTitle(); // of what was found
 [[nodiscard]] QFont menu();
 [[nodiscard]] QFont reading();          // texts of more than a few lines
 [[nodiscard]] QFont heading(int level); // within those; 1 is the largest

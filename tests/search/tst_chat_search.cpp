@@ -1,6 +1,3 @@
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -8,63 +5,15 @@
 
 #include "Search/ChatDecoding.h"
 #include "Search/ChatSearch.h"
-#include "support/TemporaryHome.h"
+#include "search/YarnbinStandIn.h"
 
 using namespace nubble;
 using namespace Qt::StringLiterals;
-
-namespace {
-
-QJsonObject hitJson(const QString &title, const QJsonObject &more = {})
-{
-    QJsonObject hit{
-        {u"id"_s, QString(u"id-"_s + title)},
-        {u"source"_s, u"chat"_s},
-        {u"title"_s, title},
-        {u"project"_s, u"p"_s},
-        {u"category"_s, u"c"_s},
-        {u"tags"_s, QJsonArray{u"t"_s}},
-        {u"updated"_s, u"today"_s},
-        {u"starred"_s, true},
-        {u"snippet"_s, u"s"_s}};
-    for (auto each = more.begin(); each != more.end(); ++each)
-        each.key() == u"remove" ? hit.remove(each.value().toString()) : void(hit[each.key()] = each.value());
-    return hit;
-}
-
-QByteArray searchJson(const QJsonArray &hits, const QJsonObject &corrected = {})
-{
-    return QJsonDocument({{u"results"_s, hits}, {u"corrected"_s, corrected}}).toJson();
-}
-
-} // namespace
 
 class ChatSearchTest : public QObject {
     Q_OBJECT
 
 private:
-    // The tool: keeps its arguments, a line each, and goes on with the script, for which they are $1 and so
-    // on.
-    void follow(const QByteArray &script)
-    {
-        QFile::remove(m_home->path(u".local/bin/yarnbin"_s)); // which a shell may still be reading
-        m_home->writeScript(
-            u".local/bin/yarnbin"_s,
-            "#!/bin/bash\nhome=$(dirname \"$0\")/../..\nIFS='|'; echo \"$*\" >>$home/calls; echo $$ "
-            ">>$home/pids\n"
-                + script);
-    }
-    void answers(const QByteArray &json)
-    {
-        m_home->write(u"answer"_s, json);
-        follow("cat $home/answer");
-    }
-    [[nodiscard]] QList<QByteArray> calls() const
-    {
-        QList<QByteArray> lines = m_home->read(u"calls"_s).split('\n');
-        lines.removeLast();
-        return lines;
-    }
     [[nodiscard]] QStringList titles() const
     {
         QStringList all;
@@ -90,6 +39,7 @@ private:
     }
 
     std::optional<TemporaryHome> m_home;
+    std::optional<YarnbinStandIn> m_tool;
     std::optional<ChatSearch> m_search;
 
 private Q_SLOTS:
@@ -98,6 +48,7 @@ private Q_SLOTS:
     {
         m_search.reset();
         m_home.emplace();
+        m_tool.emplace(*m_home);
         m_search.emplace(m_home->home(), [](const QUrl &) {});
     }
 
@@ -146,14 +97,15 @@ private Q_SLOTS:
 
     void askingAndShowing()
     {
-        answers(searchJson(
+        m_tool->answers(searchJson(
             {hitJson(u"one"_s), hitJson(u"two"_s)},
             {{u"teh"_s, QJsonArray{u"the"_s, u"tea"_s}}, {u"x"_s, QJsonArray{u"y"_s}}}));
         m_search->setQuery(u"first"_s);
         QElapsedTimer typed;
         typed.start();
         search(u" \tteh x\n "_s);
-        QCOMPARE(calls(), QList<QByteArray>({"search|--json|-n|25|teh x", ""})); // and its own line's end
+        QCOMPARE(
+            m_tool->calls(), QList<QByteArray>({"search|--json|-n|25|teh x", ""})); // and its own line's end
         QVERIFY(typed.elapsed() >= 120);
         QCOMPARE(titles(), QStringList({u"one"_s, u"two"_s}));
         QCOMPARE(m_search->corrected(), u"teh → the / tea, x → y"_s);
@@ -165,7 +117,7 @@ private Q_SLOTS:
         m_search->setQuery({});
         m_search->setCategory(u"Work"_s);
         untilAnswered();
-        QCOMPARE(calls().last(), "search|--json|-n|25|cat:\"Work\" ");
+        QCOMPARE(m_tool->calls().last(), "search|--json|-n|25|cat:\"Work\" ");
         QCOMPARE(m_search->selection(), 0);
     }
 
@@ -181,28 +133,28 @@ private Q_SLOTS:
     void saysWhatIsWrong()
     {
         QFETCH(QByteArray, script);
-        answers(searchJson({hitJson(u"one"_s)}, {{u"a"_s, QJsonArray{u"b"_s}}}));
+        m_tool->answers(searchJson({hitJson(u"one"_s)}, {{u"a"_s, QJsonArray{u"b"_s}}}));
         search(u"q"_s);
         QCOMPARE(titles().size(), 1);
-        follow(script);
+        m_tool->follow(script);
         search(u"r"_s);
         QCOMPARE(m_search->problem(), u"Search failed — run `yarnbin sync` in Terminal"_s);
         QVERIFY(titles().isEmpty());
-        QFile::remove(m_home->path(u".local/bin/yarnbin"_s));
+        m_tool->remove();
         search(u"s"_s);
         QCOMPARE(m_search->problem(), u"yarnbin isn't installed — the `yarnbin` command wasn't found"_s);
-        answers(searchJson({}));
+        m_tool->answers(searchJson({}));
         search(u"t"_s);
         QVERIFY(!m_search->problem());
     }
 
     void onlyTheNewestSearchCountsAndOthersAreEnded()
     {
-        answers(searchJson({hitJson(u"new"_s)}));
-        follow("trap '' TERM; [[ $5 = old ]] && sleep 60; cat $home/answer");
+        m_tool->answers(searchJson({hitJson(u"new"_s)}));
+        m_tool->follow("trap '' TERM; [[ $5 = old ]] && sleep 60; cat $home/answer");
         for (int i = 0; i < 3; ++i) {
             m_search->setQuery(u"old"_s);
-            QTRY_COMPARE(calls().size(), i + 1);
+            QTRY_COMPARE(m_tool->calls().size(), i + 1);
             QVERIFY(m_search->isSearching());
             m_search->setQuery(u"older"_s);
         }
@@ -220,15 +172,15 @@ private Q_SLOTS:
 
     void aThreadIsReadSteppedThroughAndClosed()
     {
-        answers(searchJson({hitJson(u"one"_s)}));
+        m_tool->answers(searchJson({hitJson(u"one"_s)}));
         m_search->openThread();
         search(u"q"_s);
         m_home->write(u"thread"_s, R"({"id":"1","source":"c","title":"t","updated":"u","messages":[
             {"me":true,"text":"a"},{"me":true,"text":"b"},{"me":true,"text":"c"}],"hits":[0,2]})");
-        follow("[[ $1 = thread ]] && cat $home/thread || { sleep 0.3; cat $home/categories; }");
+        m_tool->follow("[[ $1 = thread ]] && cat $home/thread || { sleep 0.3; cat $home/categories; }");
         m_search->openThread();
         QTRY_VERIFY(m_search->thread());
-        QCOMPARE(calls().last(), "thread|id-one|--query|q");
+        QCOMPARE(m_tool->calls().last(), "thread|id-one|--query|q");
         m_search->stepHit(-1);
         QCOMPARE(m_search->hit(), 1);
         m_search->stepHit(1);
@@ -246,7 +198,7 @@ private Q_SLOTS:
             untilLoaded(closes ? 1 : 2);
             QCOMPARE(changed.size(), 0);
         }
-        follow("echo nonsense");
+        m_tool->follow("echo nonsense");
         m_search->loadCategories();
         search(u"last"_s);
         QCOMPARE(m_search->categories().first().count, 2);

@@ -1,0 +1,341 @@
+#include <QAbstractButton>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QSignalSpy>
+#include <QTest>
+
+#include "Search/ChatSearchWindow.h"
+#include "Search/ChatTexts.h"
+#include "Search/KeyPanel.h"
+#include "Search/QueryField.h"
+#include "Search/ResultList.h"
+#include "Search/ThreadHeader.h"
+#include "Thread/ThreadScene.h"
+#include "Thread/ThreadView.h"
+#include "Widgets/CardFrame.h"
+#include "search/YarnbinStandIn.h"
+#include "support/FakeDesktopPreferences.h"
+#include "support/FakeFloatingSurface.h"
+#include "support/ManualClock.h"
+
+using namespace nubble;
+using namespace Qt::StringLiterals;
+
+class SearchWindowTest : public QObject {
+    Q_OBJECT
+
+private:
+    template <typename Part> [[nodiscard]] Part *part() const
+    {
+        return m_surface->window.findChild<Part *>();
+    }
+    [[nodiscard]] QLineEdit *line() const { return part<QLineEdit>(); }
+    [[nodiscard]] ResultList *list() const { return part<ResultList>(); }
+    [[nodiscard]] const ChatSearch &search() const { return m_window->search(); }
+    [[nodiscard]] bool isRead() const { return part<ThreadView>()->isVisible(); }
+    // Whether a text is to be seen that begins so.
+    [[nodiscard]] bool says(const QString &text) const
+    {
+        for (const QLabel *label : m_surface->window.findChildren<QLabel *>())
+            if (label->isVisible() && label->text().startsWith(text))
+                return true;
+        return false;
+    }
+    [[nodiscard]] QAbstractButton *button(const QString &name) const
+    {
+        for (auto *button : m_surface->window.findChildren<QAbstractButton *>())
+            if (button->accessibleName().startsWith(name) && button->isVisible())
+                return button;
+        return nullptr;
+    }
+    void press(int key, Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::keyClick(m_surface->window.focusWidget(), static_cast<Qt::Key>(key), modifiers);
+    }
+    void untilAnswered() const
+    {
+        QSignalSpy answered(&search(), &ChatSearch::answered);
+        QVERIFY(answered.wait());
+    }
+    void open()
+    {
+        m_window->show();
+        m_surface->giveKeyboard(true);
+        untilAnswered();
+    }
+    void read() // the chat that is selected
+    {
+        press(Qt::Key_Return);
+        QTRY_VERIFY(isRead());
+    }
+    [[nodiscard]] QByteArray lastSearch() const
+    {
+        QByteArray last;
+        for (const QByteArray &call : m_tool->calls())
+            last = call.startsWith("search|") ? call : last;
+        return last.split('|').value(4);
+    }
+
+    std::optional<TemporaryHome> m_home;
+    std::optional<YarnbinStandIn> m_tool;
+    ManualClock m_clock;
+    FakeDesktopPreferences m_preferences;
+    FakeFloatingSurface *m_surface = nullptr;
+    QList<QUrl> m_opened;
+    std::unique_ptr<ChatSearchWindow> m_window;
+
+private Q_SLOTS:
+    void initTestCase() { qputenv("PATH", "/usr/bin:/bin"); }
+    void init()
+    {
+        m_window.reset();
+        m_opened.clear();
+        m_home.emplace();
+        m_tool.emplace(*m_home);
+        QJsonArray hits;
+        for (int i = 0; i < 25; ++i)
+            hits.append(hitJson(u"chat %1"_s.arg(i), {{u"url"_s, u"https://claude.ai/chat/%1"_s.arg(i)}}));
+        m_home->write(u"answer"_s, searchJson(hits));
+        m_home->write(u"none"_s, searchJson({}));
+        const auto category = [](const QString &name, int count) {
+            return QJsonObject{{u"category"_s, name}, {u"count"_s, count}};
+        };
+        m_home->write(
+            u"categories"_s,
+            QJsonDocument(QJsonArray{category(u"Work"_s, 3), category(u"Kids"_s, 1)}).toJson());
+        QJsonArray messages;
+        for (int i = 0; i < 60; ++i)
+            messages.append(QJsonObject{{u"me"_s, i % 2 == 0}, {u"text"_s, u"word %1"_s.arg(i)}});
+        const QJsonObject thread{
+            {u"id"_s, u"1"_s},
+            {u"source"_s, u"chat"_s},
+            {u"title"_s, u"A chat"_s},
+            {u"updated"_s, u"2026"_s},
+            {u"url"_s, u"file:/etc/passwd"_s},
+            {u"messages"_s, messages},
+            {u"hits"_s, QJsonArray{0, 31, 59}}};
+        m_home->write(u"thread"_s, QJsonDocument(thread).toJson());
+        m_tool->follow("cat $home/$([[ $1 = search ]] && echo answer || echo $1)");
+        m_window = std::make_unique<ChatSearchWindow>(
+            m_home->home(),
+            ChatSearchWindow::Surroundings{
+                .clock = m_clock,
+                .preferences = m_preferences,
+                .makeSurface =
+                    [this](QWidget &window) {
+                        auto surface = std::make_unique<FakeFloatingSurface>(window);
+                        m_surface = surface.get();
+                        return surface;
+                    },
+                .place = [](const QSize &) { return QPoint(100, 90); },
+                .openLink = [this](const QUrl &url) { m_opened.append(url); }});
+    }
+
+    void whatIsSearchedFor_data()
+    {
+        QTest::addColumn<QString>("query");
+        QTest::addColumn<QStringList>("words");
+        QTest::newRow("words") << u" a  b a "_s << QStringList{u"a"_s, u"b"_s};
+        QTest::newRow("phrase") << u"\"a b\" c"_s << QStringList{u"a b"_s, u"c"_s};
+        QTest::newRow("filters") << u"in:code CAT:\"a b\" tag:x is:starred after:2025 c"_s
+                                 << QStringList{u"c"_s};
+        QTest::newRow("operators") << u"(a OR b*) AND NOT -c or"_s << QStringList{u"a"_s, u"b"_s, u"or"_s};
+        QTest::newRow("nothing") << u" \"\" "_s << QStringList();
+        QTest::newRow("a colon") << u"std::map"_s << QStringList{u"std::map"_s};
+    }
+    void whatIsSearchedFor()
+    {
+        QFETCH(QString, query);
+        QTEST(searchedWords(query), "words");
+        QCOMPARE(searchedWords(u"x"_s, {{u"x"_s, {u"y"_s, u"z"_s}}}), QStringList({u"x"_s, u"y"_s, u"z"_s}));
+    }
+
+    void datesAreSaidAsPeopleDo_data()
+    {
+        QTest::addColumn<QString>("text");
+        const std::pair<const char *, const char *> rows[]{
+            {"2026-09-21T14:05:00", "Today 14:05"},
+            {"2026-09-21", "Today"},
+            {"2026-09-20 23:59", "Yesterday"},
+            {"2026-09-16", "Wednesday"},
+            {"2026-09-15", "Tuesday"},
+            {"2026-09-14", "14 September"},
+            {"2026-09-22", "22 September"},
+            {"2025-12-31T00:00:00", "31 December 2025"},
+            {"last week", "last week"},
+            {"2026-13-01", "2026-13-01"},
+            {"", ""}};
+        for (const auto &[updated, text] : rows)
+            QTest::newRow(updated) << QString::fromLatin1(text);
+    }
+    void datesAreSaidAsPeopleDo()
+    {
+        QFETCH(QString, text);
+        const QDateTime now(QDate(2026, 9, 21), QTime(20, 0));
+        QCOMPARE(dateText(QString::fromLatin1(QTest::currentDataTag()), now), text);
+        QCOMPARE(
+            dateText(u"2026-09-21T00:30:00Z"_s, now),
+            u"Today "_s + QDateTime({2026, 9, 21}, {0, 30}, Qt::UTC).toLocalTime().toString(u"HH:mm"_s));
+    }
+
+    void everythingWorksByKeyboard()
+    {
+        open();
+        QCOMPARE(m_surface->window.focusWidget(), line());
+        QCOMPARE(m_surface->window.geometry().size(), QSize(680, 460) + QSize(2, 2) * CardFrame::margin);
+        for (const int key : {int(Qt::Key_Down), int(Qt::Key_Down), int(Qt::Key_Up)})
+            press(key);
+        QCOMPARE(list()->currentIndex().row(), 1);
+        press(Qt::Key_PageDown);
+        QVERIFY(list()->currentIndex().row() > 3);
+        press(Qt::Key_PageUp);
+        QCOMPARE(list()->currentIndex().row(), 1);
+        read();
+        QCOMPARE(m_tool->calls().last(), "thread|id-chat 1|--query|");
+        const auto counter = [this] { return part<ThreadHeader>()->accessibleName(); };
+        QCOMPARE(counter(), u"A chat, match 1 of 3"_s);
+        press(Qt::Key_Up);
+        QCOMPARE(counter(), u"A chat, match 3 of 3"_s);
+        QVERIFY(part<ThreadView>()->scene().layout().value() > 1000);
+        press(Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(QGuiApplication::clipboard()->text(), u"word 59"_s);
+        press(Qt::Key_Down);
+        press(Qt::Key_Down);
+        press(Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(QGuiApplication::clipboard()->text(), u"word 31"_s);
+        const int value = part<ThreadView>()->scene().layout().value();
+        press(Qt::Key_PageUp);
+        QVERIFY(part<ThreadView>()->scene().layout().value() < value - 100);
+        press(Qt::Key_Return, Qt::ControlModifier);
+        QTRY_VERIFY(says(u"This link can't be opened."_s));
+        press(Qt::Key_Escape);
+        QVERIFY(!isRead() && m_window->isOpen());
+        QVERIFY(says(u"in:code · in:chat · cat: · tag: · is:starred · after:"_s));
+        press(Qt::Key_Return, Qt::ControlModifier);
+        QTRY_VERIFY(!m_window->isOpen());
+        QCOMPARE(m_opened, QList<QUrl>{QUrl(u"https://claude.ai/chat/1"_s)});
+        open();
+        press(Qt::Key_Escape);
+        QVERIFY(!m_window->isOpen());
+    }
+
+    void editingKeysReachTheField()
+    {
+        open();
+        QTest::keyClicks(line(), u"some"_s);
+        press(Qt::Key_A, Qt::ControlModifier);
+        press(Qt::Key_X, Qt::ControlModifier);
+        QCOMPARE(line()->text(), QString());
+        const QKeyEvent other(QEvent::KeyPress, Qt::Key_V, Qt::ControlModifier | Qt::AltModifier);
+        QVERIFY(!part<KeyPanel>()->performKeyEquivalent(other));
+        press(Qt::Key_V, Qt::ControlModifier);
+        press(Qt::Key_V, Qt::ControlModifier);
+        QCOMPARE(line()->text(), u"somesome"_s);
+        press(Qt::Key_Z, Qt::ControlModifier);
+        const QString undone = line()->text();
+        QVERIFY(undone != u"somesome");
+        press(Qt::Key_Y, Qt::ControlModifier);
+        QCOMPARE(line()->text(), u"somesome"_s);
+        press(Qt::Key_Z, Qt::ControlModifier);
+        press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(line()->text(), u"somesome"_s);
+        untilAnswered();
+        QCOMPARE(lastSearch(), "somesome");
+        list()->setFocus();
+        press(Qt::Key_Down);
+        QCOMPARE(list()->currentIndex().row(), 1);
+        press(Qt::Key_X);
+        QCOMPARE(m_surface->window.focusWidget(), line());
+        QCOMPARE(line()->text(), u"somesomex"_s);
+        list()->setFocus();
+        press(Qt::Key_L, Qt::ControlModifier);
+        QCOMPARE(line()->selectedText(), u"somesomex"_s);
+        read();
+        press(Qt::Key_Right);
+        QTest::keyClick(line(), 'y');
+        QVERIFY(!isRead());
+        QCOMPARE(search().query(), u"somesomexy"_s);
+        m_window->toggle();
+        open();
+        QCOMPARE(lastSearch(), "somesomexy");
+        QCOMPARE(line()->selectedText(), u"somesomexy"_s);
+        m_surface->giveKeyboard(false);
+        QVERIFY(!m_window->isOpen());
+    }
+
+    void theMouseChoosesAndOpens()
+    {
+        open();
+        QTRY_VERIFY(button(u"Work"_s));
+        button(u"Work"_s)->click();
+        untilAnswered();
+        QCOMPARE(lastSearch(), "cat:\"Work\" ");
+        button(u"All"_s)->click();
+        untilAnswered();
+        QCOMPARE(lastSearch(), "");
+        const auto row = [this](int index) { return list()->visualRect(list()->model()->index(index, 0)); };
+        QTest::mouseClick(list()->viewport(), Qt::RightButton, {}, row(3).center());
+        QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, row(2).center());
+        QTRY_VERIFY(isRead());
+        QCOMPARE(m_surface->window.focusWidget(), line());
+        button(u"Next match"_s)->click();
+        QCOMPARE(search().hit(), 1);
+        button(u"Previous match"_s)->click();
+        QCOMPARE(search().hit(), 0);
+        button(u"Back to the results"_s)->click();
+        QVERIFY(!isRead());
+        QCOMPARE(search().selection(), 2);
+        QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, ChatRow::openButton(row(1)).center());
+        QTRY_COMPARE(m_opened, QList<QUrl>{QUrl(u"https://claude.ai/chat/1"_s)});
+        QTRY_VERIFY(!m_window->isOpen());
+        open();
+        QTest::keyClicks(line(), u"a"_s);
+        untilAnswered();
+        button(u"Clear the search"_s)->click();
+        untilAnswered();
+        QVERIFY(line()->text().isEmpty());
+        QCOMPARE(m_surface->window.focusWidget(), line());
+        QCOMPARE(lastSearch(), "");
+    }
+
+    void whatItSaysMeanwhileAndAfterwards()
+    {
+        m_tool->follow(
+            "[[ $5 = slow ]] && sleep 0.6; cat $home/$([[ $5 = no* ]] && echo none || echo answer)");
+        m_window->show();
+        m_surface->giveKeyboard(true);
+        QVERIFY(!says(u"No chats match."_s));
+        untilAnswered();
+        QSignalSpy gone(list()->model(), &QAbstractItemModel::modelReset);
+        const auto isRunning = [this] { return part<QueryField>()->accessibleDescription() == u"Searching"; };
+        QTest::keyClicks(line(), u"slow"_s);
+        QVERIFY(!isRunning());
+        QTRY_VERIFY(isRunning());
+        QVERIFY(list()->isVisible() && list()->model()->rowCount() == 25 && gone.isEmpty());
+        untilAnswered();
+        QVERIFY(!isRunning());
+        press(Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(line(), u"not"_s);
+        untilAnswered();
+        QVERIFY(says(u"No chats match."_s) && !list()->isVisible());
+        press(Qt::Key_Return);
+        press(Qt::Key_Return, Qt::ControlModifier);
+        m_home->write(u"answer"_s, searchJson({hitJson(u"one"_s)}, {{u"teh"_s, QJsonArray{u"the"_s}}}));
+        QTest::keyClicks(line(), u"x"_s);
+        press(Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(line(), u"teh"_s);
+        untilAnswered();
+        QVERIFY(says(u"teh → the"_s) && list()->isVisible());
+        m_tool->remove();
+        QTest::keyClicks(line(), u"x"_s);
+        untilAnswered();
+        QVERIFY(says(u"yarnbin isn't installed — the `yarnbin` command wasn't found"_s));
+        QVERIFY(!says(u"teh"_s) && m_opened.isEmpty());
+    }
+};
+
+QTEST_MAIN(SearchWindowTest)
+#include "tst_search_window.moc"
