@@ -14,6 +14,8 @@ from desktop import PATIENCE, SCREEN, Desktop, Window, descendants, end, eventua
 
 PROGRAM = os.environ.get("NUBBLE_PROGRAM", "")
 
+SHADOW = 12  # around a window's card
+
 # The body in the middle of a vertical edge: its depth, and where the ring's centre is from the edge.
 BODY_DEPTH = 124 / 3
 RING_ACROSS = 62 / 3
@@ -140,6 +142,26 @@ class DesktopTest(unittest.TestCase):
         nubble = self.nubble()
         nubble.start(**env)
         return nubble
+
+    def window(self, title, *place):
+        window = Window(self.desktop, *place, managed=True)
+        self.addCleanup(window.close)
+        window.window.set_wm_name(title)
+        window.window.set_wm_class("editor", "Editor")
+        window.window.change_property(
+            self.desktop.display.intern_atom("_NET_WM_PID"), self.desktop.display.intern_atom("CARDINAL"), 32,
+            [os.getpid()])
+        self.desktop.run("wmctrl", "-i", "-a", hex(window.window.id))
+        self.desktop.until_active(window.window.id)
+        return window
+
+    def card_of(self, title):
+        """Where that window's card is on the screen, without the shadow around it."""
+        for window, _, size in self.desktop.nubble_windows():
+            if window.get_wm_name() == title:
+                at = self.desktop.root.translate_coords(window, 0, 0)
+                return at.x + SHADOW, at.y + SHADOW, size.width - 2 * SHADOW, size.height - 2 * SHADOW
+        return None
 
     def start_terminal(self):
         """An xterm whose shell runs a sleeping process. Returns its window and that process's id."""

@@ -8,7 +8,7 @@ import pathlib
 import signal
 import subprocess
 
-from desktop import PATIENCE, SCREEN, Window, descendants, eventually
+from desktop import PATIENCE, SCREEN, descendants, eventually
 from program import DesktopTest
 
 CLAUDE = """#!/usr/bin/python3 -S
@@ -22,7 +22,6 @@ for line in sys.stdin:
 """
 ASK = ("Control_L", "Alt_L", "a")
 SCREENSHOT = ("Control_L", "Alt_L", "s")
-SHADOW = 12  # around the window's card
 BESIDE = {"right": 53, "left": 53, "top": 69, "bottom": 69}  # the body's depth and 12
 
 
@@ -51,18 +50,6 @@ class AskingAboutTheScreen(DesktopTest):
         self.claude.chmod(0o700)
         self.document = self.window("A document", 100, 100, 600, 500)
 
-    def window(self, title, *place):
-        window = Window(self.desktop, *place, managed=True)
-        self.addCleanup(window.close)
-        window.window.set_wm_name(title)
-        window.window.set_wm_class("editor", "Editor")
-        window.window.change_property(
-            self.desktop.display.intern_atom("_NET_WM_PID"), self.desktop.display.intern_atom("CARDINAL"), 32,
-            [os.getpid()])
-        self.desktop.run("wmctrl", "-i", "-a", hex(window.window.id))
-        self.desktop.until_active(window.window.id)
-        return window
-
     def start(self, **preferences):
         self.home.preferences(addon_ask="true", **preferences)
         return self.start_nubble()
@@ -74,15 +61,7 @@ class AskingAboutTheScreen(DesktopTest):
     def open(self, nubble, *keys):
         self.desktop.key(*(keys or ASK))
         self.until_ask(nubble, open=True, capturing=False)
-        eventually(lambda: self.card(), "the window is there")
-
-    def card(self):
-        """Where the window's card is on the screen, without the shadow around it."""
-        for window, _, size in self.desktop.nubble_windows():
-            if window.get_wm_name() == "Ask Claude":
-                at = self.desktop.root.translate_coords(window, 0, 0)
-                return at.x + SHADOW, at.y + SHADOW, size.width - 2 * SHADOW, size.height - 2 * SHADOW
-        return None
+        eventually(lambda: self.card_of("Ask Claude"), "the window is there")
 
     def ask(self, nubble, question):
         """What `claude` gets."""
@@ -107,12 +86,12 @@ class AskingAboutTheScreen(DesktopTest):
         self.open(nubble)
         picture, text = self.ask(nubble, "what is this")
         self.assertEqual(text["text"], "[On screen: Editor — A document]\n\nwhat is this")
-        self.assert_without_window(picture, self.card())
+        self.assert_without_window(picture, self.card_of("Ask Claude"))
         for times in range(2):
             self.open(nubble, *SCREENSHOT)  # while the window itself is in front
             picture, text = self.ask(nubble, f"again {times}")
             self.assertTrue(text["text"].startswith("[On screen: Editor — A document]"), text)
-            self.assert_without_window(picture, self.card())
+            self.assert_without_window(picture, self.card_of("Ask Claude"))
         self.desktop.key("Escape")
         self.until_ask(nubble, open=False)
         self.open(nubble, *SCREENSHOT)  # goes on
@@ -121,7 +100,7 @@ class AskingAboutTheScreen(DesktopTest):
         self.until_ask(nubble, open=False)
         self.open(nubble)  # begins anew, at once after it was closed
         self.assertEqual(nubble.status()["ask"]["messages"], 0)
-        self.assert_without_window(self.ask(nubble, "new")[0], self.card())
+        self.assert_without_window(self.ask(nubble, "new")[0], self.card_of("Ask Claude"))
         self.ask(nubble, "secret")
         self.until_ask(nubble, problem="Claude reported an error.")
         self.assertNotIn("secret", json.dumps(nubble.status()))
@@ -133,7 +112,7 @@ class AskingAboutTheScreen(DesktopTest):
             with self.subTest(edge):
                 nubble = self.start(placement_edge=edge)
                 self.open(nubble)
-                x, y, width, height = self.card()
+                x, y, width, height = self.card_of("Ask Claude")
                 away = {"right": SCREEN[0] - x - width, "left": x, "top": y, "bottom": SCREEN[1] - y - height}
                 self.assertAlmostEqual(away[edge], BESIDE[edge], delta=1)
                 along = y + height / 2 - SCREEN[1] / 2 if edge in ("right", "left") else x + width / 2 - SCREEN[0] / 2
