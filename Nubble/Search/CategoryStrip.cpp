@@ -1,6 +1,7 @@
 #include "Search/CategoryStrip.h"
 
 #include <QAbstractButton>
+#include <QGraphicsOpacityEffect>
 #include <QHBoxLayout>
 #include <QLinearGradient>
 #include <QPainter>
@@ -26,7 +27,7 @@ constexpr int countGap = 5;
 constexpr int widestName = 180;
 constexpr qsizetype mostChips = 100; // nobody finds one among more
 constexpr int side = 19;
-constexpr int fadeWidth = 24;
+constexpr int fadeWidth = 32;
 
 class Chip : public QAbstractButton {
 public:
@@ -65,34 +66,11 @@ private:
     HoverLift m_hover;
 };
 
-// Tells that there is more in that direction.
-class Fade : public QWidget {
-public:
-    Fade(bool atLeft, QWidget *parent) : QWidget(parent), m_atLeft(atLeft)
-    {
-        setAttribute(Qt::WA_TransparentForMouseEvents);
-    }
-
-protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        QLinearGradient gradient(m_atLeft ? 0 : width(), 0, m_atLeft ? width() : 0, 0);
-        QColor clear(Palette::card.rgb());
-        gradient.setColorAt(0, clear);
-        clear.setAlpha(0);
-        gradient.setColorAt(1, clear);
-        QPainter(this).fillRect(rect(), gradient);
-    }
-
-private:
-    bool m_atLeft;
-};
-
 } // namespace
 
 CategoryStrip::CategoryStrip(QWidget *parent)
     : QScrollArea(parent), m_row(new QWidget), m_layout(new QHBoxLayout(m_row)),
-      m_leftFade(new Fade(true, this)), m_rightFade(new Fade(false, this))
+      m_fade(new QGraphicsOpacityEffect)
 {
     setAccessibleName(u"Categories"_s);
     setFrameShape(QFrame::NoFrame);
@@ -107,22 +85,25 @@ CategoryStrip::CategoryStrip(QWidget *parent)
     m_layout->setSizeConstraint(QLayout::SetFixedSize);
     setWidget(m_row);
     m_row->setAutoFillBackground(false); // which the area has switched on
-    connect(horizontalScrollBar(), &QScrollBar::valueChanged, this, &CategoryStrip::placeFades);
-    connect(horizontalScrollBar(), &QScrollBar::rangeChanged, this, &CategoryStrip::placeFades);
+    viewport()->setGraphicsEffect(m_fade);
+    m_fade->setOpacity(1);
+    connect(horizontalScrollBar(), &QScrollBar::valueChanged, this, &CategoryStrip::placeFade);
+    connect(horizontalScrollBar(), &QScrollBar::rangeChanged, this, &CategoryStrip::placeFade);
     connect(&m_chips, &QButtonGroup::idToggled, this, [this](int id, bool isChecked) {
         if (isChecked)
             ensureWidgetVisible(m_chips.button(id), fadeWidth, 0);
     });
+    add({}, 0); // is there always
     // Keys and clicks alike; not what setChosen() does.
     connect(&m_chips, &QButtonGroup::idClicked, this, [this](int id) { Q_EMIT chosen(m_categories.at(id)); });
 }
 
 void CategoryStrip::setCategories(const QList<ChatCategory> &categories, const std::optional<QString> &chosen)
 {
-    for (QAbstractButton *chip : m_chips.buttons())
-        delete chip;
-    m_categories.clear();
-    add({}, 0);
+    while (m_categories.size() > 1) {
+        m_categories.removeLast();
+        delete m_chips.button(static_cast<int>(m_categories.size()));
+    }
     for (const ChatCategory &each : categories.first(std::min(categories.size(), mostChips)))
         add(each.category, each.count);
     if (!m_categories.contains(chosen))
@@ -134,7 +115,10 @@ void CategoryStrip::setCategories(const QList<ChatCategory> &categories, const s
 void CategoryStrip::add(const std::optional<QString> &category, qint64 count)
 {
     auto *chip = new Chip(category ? singleLine(*category) : u"All"_s, count, m_row);
-    m_chips.addButton(chip, static_cast<int>(m_categories.size()));
+    const int id = static_cast<int>(m_categories.size());
+    if (id > 0)
+        setTabOrder(m_chips.button(id - 1), chip); // else it would come behind everything in the window
+    m_chips.addButton(chip, id);
     m_categories.append(category);
     m_layout->addWidget(chip);
 }
@@ -156,16 +140,21 @@ void CategoryStrip::wheelEvent(QWheelEvent *event)
 void CategoryStrip::resizeEvent(QResizeEvent *event)
 {
     QScrollArea::resizeEvent(event);
-    placeFades();
+    placeFade();
 }
 
-void CategoryStrip::placeFades()
+// Where there is more, the chips fade out.
+void CategoryStrip::placeFade()
 {
     const QScrollBar &bar = *horizontalScrollBar();
-    m_leftFade->setGeometry(0, 0, fadeWidth, height());
-    m_rightFade->setGeometry(width() - fadeWidth, 0, fadeWidth, height());
-    m_leftFade->setVisible(bar.value() > bar.minimum());
-    m_rightFade->setVisible(bar.value() < bar.maximum());
+    m_fade->setEnabled(bar.maximum() > bar.minimum());
+    const double share = std::min(0.5, 1.0 * fadeWidth / std::max(1, viewport()->width()));
+    QLinearGradient mask(0, 0, viewport()->width(), 0);
+    mask.setColorAt(0, bar.value() > bar.minimum() ? Qt::transparent : Qt::black);
+    mask.setColorAt(share, Qt::black);
+    mask.setColorAt(1 - share, Qt::black);
+    mask.setColorAt(1, bar.value() < bar.maximum() ? Qt::transparent : Qt::black);
+    m_fade->setOpacityMask(mask);
 }
 
 } // namespace nubble

@@ -7,6 +7,7 @@
 
 #include "Search/ChatRecords.h"
 
+class QGraphicsOpacityEffect;
 class QHBoxLayout;
 
 namespace nubble {
@@ -31,14 +32,13 @@ protected:
 
 private:
     void add(const std::optional<QString> &category, qint64 count);
-    void placeFades();
+    void placeFade();
 
     QWidget *m_row;
     QHBoxLayout *m_layout;
     QButtonGroup m_chips;
     QList<std::optional<QString>> m_categories; // of the chips
-    QWidget *m_leftFade;
-    QWidget *m_rightFade;
+    QGraphicsOpacityEffect *m_fade;
 };
 
 } // namespace nubble

@@ -217,6 +217,10 @@ private Q_SLOTS:
         };
         for (const auto &[anchor, itsSize, place] : rows)
             QCOMPARE(placeBeside(anchor, itsSize, visible), place);
+        const QRectF screen(1920, 100, 1280, 800);
+        const QRectF belowBar = screen.adjusted(0, 30, 0, 0);
+        QCOMPARE(placeInUpperPart({680, 460}, screen, belowBar), QPoint(2220, 150));
+        QCOMPARE(placeInUpperPart(size, screen, belowBar), QPoint(2350, 138)); // not over the bar
     }
 
     void theBodyAndCardAreDrawnWithinTheirPlaces()

@@ -244,7 +244,12 @@ private Q_SLOTS:
         QCOMPARE(line()->text(), u"somesome"_s);
         untilAnswered();
         QCOMPARE(lastSearch(), "somesome");
-        list()->setFocus();
+        QTRY_VERIFY(button(u"All"_s));
+        press(Qt::Key_Tab); // to the button that clears
+        press(Qt::Key_Tab);
+        QCOMPARE(m_surface->window.focusWidget(), button(u"All"_s));
+        press(Qt::Key_Tab);
+        QCOMPARE(m_surface->window.focusWidget(), list());
         press(Qt::Key_Down);
         QCOMPARE(list()->currentIndex().row(), 1);
         press(Qt::Key_X);
