@@ -30,7 +30,8 @@ void drawElided(QPainter &painter, const QRectF &line, const QString &text)
     painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, shown);
 }
 
-// The words from shortly before the first match on.
+} // namespace
+
 QString excerpt(const QString &snippet, const TextMatcher &matcher)
 {
     constexpr qsizetype longest = 20000; // that is looked through
@@ -42,8 +43,6 @@ QString excerpt(const QString &snippet, const TextMatcher &matcher)
     const qsizetype space = start.indexOf(u' ', from);
     return u'…' + singleLine(start.sliced(space >= 0 && space < matches.first().from ? space + 1 : from));
 }
-
-} // namespace
 
 ChatRow::ChatRow(HitOf hitOf, Now now, QObject *parent)
     : QStyledItemDelegate(parent), m_hitOf(std::move(hitOf)), m_now(std::move(now))

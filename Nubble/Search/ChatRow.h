@@ -11,6 +11,9 @@ class QDateTime;
 
 namespace nubble {
 
+// What of a snippet is shown: from shortly before its first match on. Pure.
+[[nodiscard]] QString excerpt(const QString &snippet, const TextMatcher &matcher);
+
 // Draws a found chat in a list: title, the words around the first match, and where and when it was. The row
 // that is selected or under the pointer has a button that opens the chat.
 class ChatRow : public QStyledItemDelegate {

@@ -1,5 +1,7 @@
 #include <QAbstractButton>
 #include <QClipboard>
+#include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLabel>
@@ -13,6 +15,7 @@
 #include "Search/QueryField.h"
 #include "Search/ResultList.h"
 #include "Search/ThreadHeader.h"
+#include "Search/ThreadPage.h"
 #include "Thread/ThreadScene.h"
 #include "Thread/ThreadView.h"
 #include "Widgets/CardFrame.h"
@@ -181,9 +184,26 @@ private Q_SLOTS:
             u"Today "_s + QDateTime({2026, 9, 21}, {0, 30}, Qt::UTC).toLocalTime().toString(u"HH:mm"_s));
     }
 
+    void foreignTextStandsOnOneLine()
+    {
+        QCOMPARE(singleLine(u" a\n\u202eb\u2029\u2066c  "_s), u"a b c"_s);
+        QVERIFY(!singleLine(QString(599, u'x') + u"😀"_s).back().isSurrogate());
+        ChatHit hit;
+        hit.project = hit.category = u"Both"_s;
+        hit.updated = u"some day"_s;
+        QCOMPARE(metaText(hit, {}).remove(u'\u2068').remove(u'\u2069'), u"Both  ·  some day"_s);
+        const QString far = QString(u"x "_s).repeated(99) + u"y word z"_s;
+        const QString shown = excerpt(far, TextMatcher({u"word"_s}));
+        QVERIFY(shown.startsWith(u"…x") && shown.endsWith(u" y word z") && shown.size() < 60);
+        QCOMPARE(excerpt(far, TextMatcher()), far);
+    }
+
     void everythingWorksByKeyboard()
     {
-        open();
+        m_window->show();
+        QCoreApplication::processEvents();
+        QVERIFY(search().isSearching()); // at once
+        untilAnswered();
         QCOMPARE(m_surface->window.focusWidget(), line());
         QCOMPARE(m_surface->window.geometry().size(), QSize(680, 460) + QSize(2, 2) * CardFrame::margin);
         for (const int key : {int(Qt::Key_Down), int(Qt::Key_Down), int(Qt::Key_Up)})
@@ -211,8 +231,20 @@ private Q_SLOTS:
         QVERIFY(part<ThreadView>()->scene().layout().value() < value - 100);
         press(Qt::Key_Return, Qt::ControlModifier);
         QTRY_VERIFY(says(u"This link can't be opened."_s));
+        QVERIFY(!part<ThreadView>()->scene().rows().message(0).isReply());
+        QVERIFY(part<ThreadView>()->scene().rows().message(1).isReply());
         press(Qt::Key_Escape);
         QVERIFY(!isRead() && m_window->isOpen());
+        QSignalSpy ready(part<ThreadPage>(), &ThreadPage::ready);
+        connect(
+            &search(), &ChatSearch::threadChanged, &ready, [this] { press(Qt::Key_Escape); },
+            Qt::SingleShotConnection);
+        press(Qt::Key_Return); // and left before it is there
+        QTRY_VERIFY(!search().isSearching());
+        read();
+        QCOMPARE(ready.size(), 1);
+        QCOMPARE(counter(), u"A chat, match 1 of 3"_s);
+        press(Qt::Key_Escape);
         QVERIFY(says(u"in:code · in:chat · cat: · tag: · is:starred · after:"_s));
         press(Qt::Key_Return, Qt::ControlModifier);
         QTRY_VERIFY(!m_window->isOpen());
@@ -278,11 +310,17 @@ private Q_SLOTS:
         button(u"Work"_s)->click();
         untilAnswered();
         QCOMPARE(lastSearch(), "cat:\"Work\" ");
+        m_home->write(u"categories"_s, "[]");
+        m_window->show();
+        untilAnswered();
+        QTRY_VERIFY(!button(u"Kids"_s));
+        QVERIFY(button(u"Work"_s)->isChecked()); // though there is none of it any more
         button(u"All"_s)->click();
         untilAnswered();
         QCOMPARE(lastSearch(), "");
         const auto row = [this](int index) { return list()->visualRect(list()->model()->index(index, 0)); };
         QTest::mouseClick(list()->viewport(), Qt::RightButton, {}, row(3).center());
+        QCOMPARE(search().selection(), 0);
         QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, row(2).center());
         QTRY_VERIFY(isRead());
         QCOMPARE(m_surface->window.focusWidget(), line());
@@ -316,9 +354,11 @@ private Q_SLOTS:
         untilAnswered();
         QSignalSpy gone(list()->model(), &QAbstractItemModel::modelReset);
         const auto isRunning = [this] { return part<QueryField>()->accessibleDescription() == u"Searching"; };
+        QElapsedTimer running;
+        connect(&search(), &ChatSearch::searchingChanged, &gone, [&running] { running.start(); });
         QTest::keyClicks(line(), u"slow"_s);
-        QVERIFY(!isRunning());
         QTRY_VERIFY(isRunning());
+        QVERIFY(running.elapsed() >= 200);
         QVERIFY(list()->isVisible() && list()->model()->rowCount() == 25 && gone.isEmpty());
         untilAnswered();
         QVERIFY(!isRunning());
@@ -334,6 +374,7 @@ private Q_SLOTS:
         QTest::keyClicks(line(), u"teh"_s);
         untilAnswered();
         QVERIFY(says(u"teh → the"_s) && list()->isVisible());
+        QCOMPARE(search().words(), QStringList({u"teh"_s, u"the"_s}));
         m_tool->remove();
         QTest::keyClicks(line(), u"x"_s);
         untilAnswered();
