@@ -139,7 +139,9 @@ private Q_SLOTS:
         QDir().mkpath(m_home->path(u".nubble"_s));
         ::chmod(bytes(u".nubble"_s), 0777);
         const QString command = u"pwd >'%1'"_s.arg(m_home->path(u"ran"_s));
+        const mode_t before = ::umask(077);
         QCOMPARE(resumed(command), u"done"_s);
+        ::umask(before);
         QTRY_COMPARE(m_home->read(u"ran"_s).trimmed(), QFile::encodeName(m_home->home().path()));
         QCOMPARE(mode(u".nubble"_s), 0755U);
         QCOMPARE(mode(u".nubble/resume"_s), 0700U);
