@@ -129,7 +129,8 @@ private Q_SLOTS:
             command.environment.emplace();
             command.environment->insert(u"HOME"_s, m_home->home().path());
             const CommandEnd end = runCommand(command, "echo stays\n", {.errors = 1000});
-            QVERIFY2(end.output.endsWith("/usr\nstays\n"), qPrintable(name));
+            const bool ran = end.output.startsWith("/usr\n"); // then some say that they have no terminal
+            QVERIFY2(ran && end.output.endsWith("stays\n"), qPrintable(name));
         }
     }
 
