@@ -72,7 +72,7 @@ Outcome PrivateFolder::make()
     if (parent < 0)
         return failure(qt_error_string(errno));
     const bool isThere = ::mkdirat(parent, name.constData(), S_IRWXU) == 0 || errno == EEXIST;
-    const Outcome outcome = isThere ? openBelow(parent, name.constData()) : failure(qt_error_string(errno));
+    Outcome outcome = isThere ? openBelow(parent, name.constData()) : failure(qt_error_string(errno));
     ::close(parent);
     return outcome;
 }
@@ -101,7 +101,7 @@ Outcome PrivateFolder::create(const QByteArray &name, const QByteArray &bytes, m
     const int error = isWritten ? 0 : errno;
     if (::close(file) == 0 && isWritten) // some file systems tell only then
         return Outcome::done();
-    const Outcome outcome = failure(qt_error_string(error != 0 ? error : errno));
+    Outcome outcome = failure(qt_error_string(error != 0 ? error : errno));
     ::unlinkat(m_descriptor, name.constData(), 0);
     return outcome;
 }

@@ -43,6 +43,7 @@ ChatSearch::ChatSearch(const Home &home, std::function<void(const QUrl &)> openU
 {
     assertMainThread("Nubble/Search/ChatSearch");
     m_pending.setSingleShot(true);
+    m_pending.setTimerType(Qt::PreciseTimer); // others fire early, too
     m_pending.callOnTimeout(this, &ChatSearch::run);
     connect(&m_opening, &ChatOpening::opened, this, &ChatSearch::opened);
 }

@@ -34,7 +34,7 @@ private:
 
     const QString m_folder;
     const Clock &m_clock;
-    QTimer m_sweeping; // runs while there is something to remove
+    QTimer m_sweeping{this}; // runs while there is something to remove
     SerialWorker m_worker;
 };
 

@@ -28,21 +28,21 @@ constexpr auto patience = 3s; // until a terminal that still runs is taken to ha
 struct Known {
     QLatin1StringView name;
     QLatin1StringView options; // before the program, parted by spaces
+    bool keepsSpaces = true;   // in the program's path
 };
 
 // The two that stand for the user's choice, the desktops' own, those that people add, and what comes with X.
-// Each takes the program as one word, whatever its path holds.
 constexpr std::array known{
     Known{"xdg-terminal-exec"_L1, {}},
-    Known{"x-terminal-emulator"_L1, "-e"_L1},
+    Known{"x-terminal-emulator"_L1, "-e"_L1, false}, // some that it may be do not
     Known{"gnome-terminal"_L1, "--"_L1},
     Known{"ptyxis"_L1, "--new-window --"_L1},
     Known{"konsole"_L1, "-e"_L1},
     Known{"xfce4-terminal"_L1, "-x"_L1},
     Known{"mate-terminal"_L1, "-x"_L1},
     Known{"lxterminal"_L1, "-e"_L1},
-    Known{"qterminal"_L1, "-e"_L1},
-    Known{"tilix"_L1, "-e"_L1},
+    Known{"qterminal"_L1, "-e"_L1, false},
+    Known{"tilix"_L1, "-e"_L1, false},
     Known{"terminator"_L1, "-x"_L1},
     Known{"ghostty"_L1, "-e"_L1},
     Known{"kitty"_L1, {}},
@@ -66,10 +66,11 @@ QStringList searchedFolders()
 QList<Command> installedTerminals(const QString &program, const QString &folder)
 {
     const QStringList folders = searchedFolders();
+    const bool hasSpaces = program.contains(u' ');
     QList<Command> found;
     for (const Known &each : known) {
-        const QString path =
-            folders.isEmpty() ? QString() : QStandardPaths::findExecutable(each.name, folders);
+        const bool isFit = !folders.isEmpty() && (each.keepsSpaces || !hasSpaces);
+        const QString path = isFit ? QStandardPaths::findExecutable(each.name, folders) : QString();
         if (path.isEmpty())
             continue;
         const QStringList options = QString(each.options).split(u' ', Qt::SkipEmptyParts);

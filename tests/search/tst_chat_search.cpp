@@ -116,6 +116,9 @@ private Q_SLOTS:
         m_search->move(1);
         m_search->setQuery({});
         m_search->setCategory(u"Work"_s);
+        for (int i = 0; i < 3; ++i)
+            QCoreApplication::processEvents();
+        QVERIFY(m_search->isSearching()); // at once
         untilAnswered();
         QCOMPARE(m_tool->calls().last(), "search|--json|-n|25|cat:\"Work\" ");
         QCOMPARE(m_search->selection(), 0);
@@ -168,6 +171,22 @@ private Q_SLOTS:
             return count;
         };
         QTRY_COMPARE(alive(), 0);
+    }
+
+    void anAnswerThatIsStillDecodedIsDropped()
+    {
+        QJsonObject large = hitJson(u"old"_s);
+        large[u"snippet"_s] = QString(30'000'000, u'x');
+        m_tool->answers(searchJson({large}));
+        m_search->setQuery(u"old"_s);
+        QTRY_VERIFY(!m_home->read(u"pids"_s).isEmpty());
+        QTRY_VERIFY(::kill(m_home->read(u"pids"_s).trimmed().toInt(), 0) != 0);
+        QCoreApplication::processEvents(); // in which it is given to the decoder
+        m_tool->answers(searchJson({hitJson(u"new"_s)}));
+        QSignalSpy answered(&*m_search, &ChatSearch::answered);
+        m_search->setCategory(u"c"_s);
+        QTRY_COMPARE(titles(), QStringList{u"new"_s});
+        QCOMPARE(answered.size(), 1);
     }
 
     void aThreadIsReadSteppedThroughAndClosed()
