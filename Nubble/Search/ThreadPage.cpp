@@ -66,7 +66,7 @@ void ThreadPage::clear()
     ++m_asked;
     m_isReady = false;
     m_thread = {};
-    m_messages->clear();
+    m_messages->setRows({});
 }
 
 void ThreadPage::showHit(qsizetype hit)
