@@ -87,12 +87,17 @@ private:
         const QRect line = ThreadPositions::caret(layout(), place);
         return layout().yOf(place.row) + line.center().y() - layout().size().height() / 2;
     }
-    // Pixels that are a little, and those that are very much the colour of matches.
-    std::pair<int, int> amber(const QRect &area = {})
+    QImage picture()
     {
         QImage image(m_view->viewport()->size(), QImage::Format_RGB32);
         image.fill(Qt::black);
         m_view->viewport()->render(&image, {}, {}, QWidget::DrawChildren);
+        return image;
+    }
+    // Pixels that are a little, and those that are very much the colour of matches.
+    std::pair<int, int> amber(const QRect &area = {})
+    {
+        const QImage image = picture();
         std::pair<int, int> counts;
         const QRect all = area.isNull() ? image.rect() : area;
         for (int y = all.top(); y <= all.bottom(); ++y)
@@ -121,7 +126,7 @@ private Q_SLOTS:
         const auto add = [](const QString &marked, const QStringList &words) {
             QTest::newRow(qPrintable(marked)) << words << marked;
         };
-        add(u"[Word]s, s_[word], swords and 2words ([WORD])"_s, {u"word"_s});
+        add(u"[Word]s, s_[word], [word]word, swords and 2words ([WORD])"_s, {u"word"_s});
         add(u"a [therefore] [the]n [other]"_s, {u"the"_s, u"therefore"_s, u"other"_s});
         add(u"[Zürich] in [zu\u0308rich] or [ZURICH]"_s, {u"zurich"_s});
         add(u"[e\u0301\u0301] n\u0303e"_s, {u"É"_s});
@@ -131,7 +136,7 @@ private Q_SLOTS:
         add(u"ภาษา[ไทย]"_s, {u"ไทย"_s});
         add(u"[한국]어 대한국 [\u1112\u1161\u11AB\u1100\u116E\u11A8]어"_s, {u"한국"_s});
         add(u"한국 が [か]ん"_s, {u"하"_s, u"か"_s});
-        add(u"किताब [ताब]"_s, {u"ताब"_s});
+        add(u"[कि]ताब [ताब]"_s, {u"ताब"_s, u"क"_s});
         add(u"a😀b [😀b] [𐐀]x 𐐁y"_s, {u"😀b"_s, u"𐐨"_s});
         add(u"[Йод] [под] еще [Σ]ας"_s, {u"иод"_s, u"ПОД"_s, u"ς"_s});
         add(u"nothing at all"_s, {u""_s, u"  "_s, u"\u0301"_s});
@@ -251,7 +256,8 @@ private Q_SLOTS:
         QTest::addColumn<int>("row");
         QTest::newRow("none") << prose.repeated(12'000) << QStringList{u"absent"_s} << 0;
         QTest::newRow("in addresses only") << prose.repeated(12'000) << QStringList{u"needle"_s} << 0;
-        QTest::newRow("behind") << prose.repeated(20) + u"A needle"_s << QStringList{u"needle"_s} << 20;
+        const QString far = u"line\n\n"_s.repeated(2000) + prose.repeated(20) + u"A needle"_s;
+        QTest::newRow("behind others") << far << QStringList{u"needle"_s} << 2020;
         const QString phrase = u"# Title\n\nsome `texts`"_s;
         QTest::newRow("phrase") << phrase << QStringList{u"absent"_s, u"some texts"_s} << 1;
         QTest::newRow("table") << u"b\n\n|needle|\n|-|\n|c|"_s << QStringList{u"needle"_s} << 1;
@@ -293,6 +299,11 @@ private Q_SLOTS:
             QVERIFY(amber(shown(row)).second > 200 && amber(shown(row)).second > amber(shown(row)).first);
         QVERIFY(amber(shown(4)).first > 100 && amber(shown(4)).second == 0);
         QVERIFY(amber(QRect(0, shown(1).center().y(), 12, 1)).second > 0); // beside the message
+        const QRectF match = layout().row(2).lit.first().translated(layout().row(2).box.text);
+        const QImage dark = picture().copy(match.translated(0, layout().yOf(2)).toRect());
+        for (int x = 0; x < dark.width(); ++x)
+            for (int y = 0; y < dark.height(); ++y)
+                QVERIFY(qBlue(dark.pixel(x, y)) < 120); // no white text
         m_view->showMessage(2);
         QCOMPARE(amber(shown(1)).second, 0);
         m_view->setMatcher(TextMatcher());
