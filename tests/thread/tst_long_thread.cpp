@@ -361,6 +361,17 @@ private Q_SLOTS:
         QCOMPARE(m_view->verticalScrollBar()->value(), m_view->verticalScrollBar()->maximum());
     }
 
+    void tabSearchesWithinBounds()
+    {
+        open({reply(u"a ://b\n\n"_s.repeated(5000)), question(u"more"_s), reply(u"end"_s)});
+        const qsizetype before = BlockDocument::importedCharacters();
+        QTest::keyClick(m_view.get(), Qt::Key_Tab);
+        QVERIFY(BlockDocument::importedCharacters() - before < 1000);
+        scene().focus(ThreadTarget{ThreadTarget::Kind::CopyReply, 4999});
+        QVERIFY(scene().focusNext(1));
+        QCOMPARE(scene().focused()->row, 5001);
+    }
+
     void assistiveTechnologyAsksForWhatItNeeds()
     {
         open(longThread());
