@@ -93,6 +93,35 @@ private:
     std::size_t m_count = 0;
 };
 
+// What is asked of every character of a text.
+struct Trait {
+    bool isMark = false;
+    bool isLetter = false; // or a digit, of a script with spaces
+    bool isUnspaced = false;
+    quint8 start = 0; // the bit of what it begins with when folded
+
+    explicit Trait(char32_t code = 0)
+        : isMark(!isHan(code) && nubble::isMark(code)), isUnspaced(nubble::isUnspaced(code))
+    {
+        if (isMark)
+            return;
+        isLetter = !isUnspaced && QChar::isLetterOrNumber(code);
+        start = *Folded(code).begin() % 64;
+    }
+};
+
+// Of most scripts from a table, for the character database takes its time.
+Trait traitOf(char32_t code)
+{
+    static const auto table = [] {
+        std::array<Trait, 0x800> all;
+        for (char32_t each = 0; each < all.size(); ++each)
+            all.at(each) = Trait(each);
+        return all;
+    }();
+    return code < table.size() ? table[code] : Trait(code);
+}
+
 std::u32string folded(const QString &word)
 {
     const QString text = word.simplified();
@@ -128,8 +157,7 @@ bool isWithinWord(QStringView text, qsizetype at)
     if (at == 0)
         return false;
     const qsizetype before = at > 1 && text.at(at - 1).isLowSurrogate() ? at - 2 : at - 1;
-    const char32_t code = characterAt(text, before).code;
-    return QChar::isLetterOrNumber(code) && !isUnspaced(code);
+    return traitOf(characterAt(text, before).code).isLetter;
 }
 
 } // namespace
@@ -183,18 +211,13 @@ std::optional<TextRange> TextMatcher::next(QStringView text, qsizetype from) con
     bool isWithin = isWithinWord(text, from);
     for (qsizetype at = from; at < text.size();) {
         const auto [code, behind] = characterAt(text, at);
-        const bool isAnywhere = isUnspaced(code);
-        if (!isHan(code) && isMark(code)) {
-            at = behind;
-            continue;
-        }
-        if (!isWithin || isAnywhere) {
-            const Folded start(code);
-            const bool mayBe = start.begin() != start.end() && mayStart(*start.begin());
-            if (const qsizetype end = mayBe ? endOfMatch(text, at) : -1; end >= 0)
-                return TextRange{static_cast<int>(at), static_cast<int>(end)};
-        }
-        isWithin = !isAnywhere && QChar::isLetterOrNumber(code);
+        const Trait trait = traitOf(code);
+        const bool mayBe =
+            !trait.isMark && (!isWithin || trait.isUnspaced) && (m_starts >> trait.start & 1) != 0;
+        if (const qsizetype end = mayBe ? endOfMatch(text, at) : -1; end >= 0)
+            return TextRange{static_cast<int>(at), static_cast<int>(end)};
+        if (!trait.isMark)
+            isWithin = trait.isLetter;
         at = behind;
     }
     return std::nullopt;
