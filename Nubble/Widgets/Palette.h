@@ -15,12 +15,12 @@ inline constexpr QColor control{255, 255, 255, 18}; // fill below a control's sy
 inline constexpr QColor hover{255, 255, 255, 26};   // what the pointer adds to a fill
 inline constexpr QColor focus{122, 170, 255};
 inline constexpr QColor link{138, 180, 255};
-inline constexpr QColor selection{122, 170, 255, 92}; // behind selected text
-inline constexpr QColor match{255, 176, 32, 88}; // behind words that were searched
+inline constexpr QColor selection{122, 170, 255, 92};    // behind selected text
+inline constexpr QColor match{255, 176, 32, 88};         // behind words that were searched
 inline constexpr QColor currentMatch{255, 176, 32, 225}; // those of the one that is looked at, in black
-inline constexpr QColor bubble{255, 255, 255, 28};    // behind what the user has said
-inline constexpr QColor code{255, 255, 255, 13};      // behind a block of code
-inline constexpr QColor codeSpan{255, 255, 255, 26};  // behind code within a line
+inline constexpr QColor bubble{255, 255, 255, 28};       // behind what the user has said
+inline constexpr QColor code{255, 255, 255, 13};         // behind a block of code
+inline constexpr QColor codeSpan{255, 255, 255, 26};     // behind code within a line
 inline constexpr QColor ringTrack{255, 255, 255, 46};
 inline constexpr QColor barTrack{255, 255, 255, 31};
 inline constexpr QColor ample{0, 255, 136};
