@@ -122,7 +122,7 @@ private:
         m_painter.setPen(Qt::NoPen);
         m_painter.setBrush(m_look.isCurrent ? Palette::currentMatch : Palette::match);
         for (const QRectF &each : m_row.lit) {
-            const QRectF rect = each.translated(origin).adjusted(-1.5, 0, 1.5, 0);
+            const QRectF rect = each.translated(origin).adjusted(-1, 0, 1, 0);
             if (rect.intersects(seen))
                 m_painter.drawRoundedRect(
                     QRectF(
@@ -132,7 +132,7 @@ private:
         }
     }
 
-    // Beside the message that is being looked at.
+    // Beside the message that is being looked at, where it stands.
     void drawCurrentMark() const
     {
         if (!m_look.isCurrent)
@@ -142,8 +142,12 @@ private:
         const int above = !isFirst ? 0 : panel.isNull() ? m_row.box.text.y() : panel.top();
         const int below = m_row.box.copyReply.isNull() ? m_row.box.height : m_row.box.copyReply.top() - 4;
         const double top = snapped(m_corner.y() + above);
+        constexpr int width = 2;
+        constexpr int fromEdge = 6;
+        const int right = (panel.isNull() ? m_row.box.text.x() : panel.right() + 1) + RowBoxes::side;
+        const int x = m_isReply ? fromEdge : right - fromEdge - width;
         m_painter.fillRect(
-            QRectF(m_corner.x() + 6, top, 2, snapped(m_corner.y() + below) - top), Palette::currentMatch);
+            QRectF(m_corner.x() + x, top, width, snapped(m_corner.y() + below) - top), Palette::currentMatch);
     }
 
     void drawMarker() const
@@ -201,11 +205,11 @@ private:
         QAbstractTextDocumentLayout::PaintContext context;
         const bool isDimmed = m_isReply && m_block.quotes > 0;
         context.palette.setColor(QPalette::Text, isDimmed ? Palette::textSecondary : Palette::textPrimary);
+        if (m_look.selected.from < m_look.selected.to)
+            context.selections.append(selection());
         if (m_look.isCurrent)
             for (const TextRange &match : m_row.matches)
                 context.selections.append(onMatch(match));
-        if (m_look.selected.from < m_look.selected.to)
-            context.selections.append(selection());
         const QPointF origin = m_corner + m_row.box.text;
         m_painter.save();
         m_painter.translate(origin);

@@ -34,20 +34,26 @@ bool isMark(char32_t code)
     return code >= 0x300 && QChar::isMark(code);
 }
 
+bool isHan(char32_t code)
+{
+    return code >= 0x3400 && code <= 0x9FFF;
+}
+
 // A letter of a script that has no spaces between words.
 bool isUnspaced(char32_t code)
 {
-    constexpr std::array<std::pair<char32_t, char32_t>, 9> scripts{
+    if (code < 0xE00)
+        return false;
+    constexpr std::array<std::pair<char32_t, char32_t>, 8> scripts{
         {{0xE00, 0xEFF},   // Thai, Lao
          {0x1000, 0x109F}, // Burmese
          {0x1780, 0x17FF}, // Khmer
          {0x3040, 0x30FF}, // kana
          {0x31F0, 0x31FF},
-         {0x3400, 0x9FFF}, // Han
          {0xF900, 0xFAFF},
          {0xFF66, 0xFF9F},
          {0x20000, 0x3FFFF}}};
-    return code >= 0xE00 && std::any_of(scripts.begin(), scripts.end(), [code](const auto &script) {
+    return isHan(code) || std::any_of(scripts.begin(), scripts.end(), [code](const auto &script) {
                return code >= script.first && code <= script.second;
            });
 }
@@ -57,7 +63,7 @@ class Folded {
 public:
     explicit Folded(char32_t code)
     {
-        if (code >= U'!' && code < 0x7F) // most of them
+        if ((code >= U'!' && code < 0x7F) || isHan(code)) // most of them
             m_codes[m_count++] = code >= U'A' && code <= U'Z' ? code + 32 : code;
         else
             add(code, 0);
@@ -79,14 +85,42 @@ private:
     }
     static QString canonical(char32_t code)
     {
-        const bool isWhole = code < 0xC0 || (code >= 0x3400 && code <= 0x9FFF);
-        const bool isSplit = !isWhole && QChar::decompositionTag(code) == QChar::Canonical;
+        const bool isSplit = code >= 0xC0 && QChar::decompositionTag(code) == QChar::Canonical;
         return isSplit ? QChar::decomposition(code) : QString();
     }
 
     std::array<char32_t, 8> m_codes{};
     std::size_t m_count = 0;
 };
+
+// What is asked of every character of a text.
+struct Trait {
+    bool isMark = false;
+    bool isLetter = false; // or a digit, of a script with spaces
+    bool isUnspaced = false;
+    quint8 start = 0; // the bit of what it begins with when folded
+
+    explicit Trait(char32_t code = 0)
+        : isMark(!isHan(code) && nubble::isMark(code)), isUnspaced(nubble::isUnspaced(code))
+    {
+        if (isMark)
+            return;
+        isLetter = !isUnspaced && QChar::isLetterOrNumber(code);
+        start = *Folded(code).begin() % 64;
+    }
+};
+
+// Of most scripts from a table, for the character database takes its time.
+Trait traitOf(char32_t code)
+{
+    static const auto table = [] {
+        std::array<Trait, 0x800> all;
+        for (char32_t each = 0; each < all.size(); ++each)
+            all.at(each) = Trait(each);
+        return all;
+    }();
+    return code < table.size() ? table[code] : Trait(code);
+}
 
 std::u32string folded(const QString &word)
 {
@@ -123,8 +157,7 @@ bool isWithinWord(QStringView text, qsizetype at)
     if (at == 0)
         return false;
     const qsizetype before = at > 1 && text.at(at - 1).isLowSurrogate() ? at - 2 : at - 1;
-    const char32_t code = characterAt(text, before).code;
-    return QChar::isLetterOrNumber(code) && !isUnspaced(code);
+    return traitOf(characterAt(text, before).code).isLetter;
 }
 
 } // namespace
@@ -178,18 +211,13 @@ std::optional<TextRange> TextMatcher::next(QStringView text, qsizetype from) con
     bool isWithin = isWithinWord(text, from);
     for (qsizetype at = from; at < text.size();) {
         const auto [code, behind] = characterAt(text, at);
-        if (isMark(code)) {
-            at = behind;
-            continue;
-        }
-        const bool isAnywhere = isUnspaced(code);
-        if (!isWithin || isAnywhere) {
-            const Folded start(code);
-            const bool mayBe = start.begin() != start.end() && mayStart(*start.begin());
-            if (const qsizetype end = mayBe ? endOfMatch(text, at) : -1; end >= 0)
-                return TextRange{static_cast<int>(at), static_cast<int>(end)};
-        }
-        isWithin = !isAnywhere && QChar::isLetterOrNumber(code);
+        const Trait trait = traitOf(code);
+        const bool mayBe =
+            !trait.isMark && (!isWithin || trait.isUnspaced) && (m_starts >> trait.start & 1) != 0;
+        if (const qsizetype end = mayBe ? endOfMatch(text, at) : -1; end >= 0)
+            return TextRange{static_cast<int>(at), static_cast<int>(end)};
+        if (!trait.isMark)
+            isWithin = trait.isLetter;
         at = behind;
     }
     return std::nullopt;

@@ -33,11 +33,10 @@ public:
 private:
     void sort();
     [[nodiscard]] std::optional<TextRange> next(QStringView text, qsizetype from) const;
-    [[nodiscard]] bool mayStart(char32_t folded) const { return (m_starts >> (folded % 64) & 1) != 0; }
     [[nodiscard]] qsizetype endOfMatch(QStringView text, qsizetype start) const; // -1: there is none
 
     std::vector<std::u32string> m_words; // folded and sorted
-    quint64 m_starts = 0;                // which characters may begin one
+    quint64 m_starts = 0;                // a bit for each 64th of the characters that begin one
 };
 
 } // namespace nubble

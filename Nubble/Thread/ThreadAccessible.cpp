@@ -37,7 +37,9 @@ public:
     [[nodiscard]] int indexOfChild(const QAccessibleInterface *child) const override
     {
         const int row = rowOf(child); // so that asking about one makes no others
-        for (int i = row >= 0 ? row : rows(); i < childCount(); i = std::max(i + 1, rows()))
+        if (row >= 0 && this->child(row) == child)
+            return row;
+        for (int i = rows(); i < childCount(); ++i)
             if (this->child(i) == child)
                 return i;
         return -1;

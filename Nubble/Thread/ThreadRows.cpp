@@ -68,7 +68,6 @@ ThreadRows ThreadRows::of(const QList<ThreadMessage> &messages)
     }
     rows.m_splitter = {};
     rows.m_blocks.shrink_to_fit();
-    rows.m_changed = 0;
     return rows;
 }
 

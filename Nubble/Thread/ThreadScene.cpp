@@ -34,7 +34,8 @@ void ThreadScene::setRows(ThreadRows rows)
 {
     m_rows = std::move(rows);
     setLive(false);
-    m_layout.rowsChanged(m_rows.update());
+    (void)m_rows.update();
+    m_layout.rowsChanged(0);
     m_layout.scrollToStart();
     m_selection = {};
     m_hoveredMessage = m_current = m_clicked = -1;

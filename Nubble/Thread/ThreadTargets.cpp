@@ -18,7 +18,8 @@ bool mayHaveLinks(const ThreadRows &rows, int row)
     if (!rows.messageAt(row).isReply() || block.kind == Block::Kind::Code)
         return false;
     const QStringView text = QStringView(rows.messageAt(row).content.text).sliced(block.start, block.length);
-    return text.contains(u':') || text.contains(u'@') || text.contains(u"www.");
+    return text.contains(u"://") || text.contains(u"mailto:") || text.contains(u'@')
+        || text.contains(u"www.");
 }
 
 } // namespace
@@ -54,9 +55,12 @@ std::optional<ThreadTarget> at(const ThreadRows &rows, ThreadLayout &layout, con
 
 std::optional<ThreadTarget> from(const ThreadRows &rows, ThreadLayout &layout, int row, int step)
 {
-    for (; row >= 0 && row < rows.count(); row += step)
+    int left = 64; // rows that are laid out in vain
+    for (; row >= 0 && row < rows.count() && left > 0; row += step) {
         if (const QList<ThreadTarget> targets = ofRow(rows, layout, row); !targets.isEmpty())
             return step > 0 ? targets.first() : targets.last();
+        left -= mayHaveLinks(rows, row) ? 1 : 0;
+    }
     return std::nullopt;
 }
 

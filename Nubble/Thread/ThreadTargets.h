@@ -27,7 +27,7 @@ namespace ThreadTargets {
 [[nodiscard]] QList<ThreadTarget> ofRow(const ThreadRows &rows, ThreadLayout &layout, int row);
 [[nodiscard]] std::optional<ThreadTarget> at(
     const ThreadRows &rows, ThreadLayout &layout, const QPoint &point);
-// The nearest one from `row` on, over all rows; `step` is 1 or -1.
+// The nearest one from `row` on; `step` is 1 or -1. Gives up behind many rows that only look as if.
 [[nodiscard]] std::optional<ThreadTarget> from(
     const ThreadRows &rows, ThreadLayout &layout, int row, int step);
 [[nodiscard]] std::optional<ThreadTarget> next(
