@@ -84,7 +84,7 @@ QStringList searchedWords(const QString &query, const QMap<QString, QStringList>
 QString dateText(const QString &updated, const QDateTime &now)
 {
     constexpr qsizetype dateLength = 10; // 2025-03-04
-    const QString text = singleLine(updated);
+    QString text = singleLine(updated);
     const bool hasTime = text.size() > dateLength;
     QDateTime at = QDateTime::fromString(QString(text).replace(u' ', u'T'), Qt::ISODate);
     if (!hasTime)

@@ -155,6 +155,13 @@ class DesktopTest(unittest.TestCase):
         self.desktop.until_active(window.window.id)
         return window
 
+    def until_keyboard_in(self, title):
+        """Until the program's window of that title is the active one."""
+        def windows():
+            return [window.id for window, _, _ in self.desktop.nubble_windows() if window.get_wm_name() == title]
+
+        eventually(lambda: self.desktop.property("_NET_ACTIVE_WINDOW") == windows(), f"{title} has the keyboard")
+
     def card_of(self, title):
         """Where that window's card is on the screen, without the shadow around it."""
         for window, _, size in self.desktop.nubble_windows():

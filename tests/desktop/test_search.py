@@ -44,6 +44,11 @@ class SearchingChats(DesktopTest):
             lambda: wanted.items() <= nubble.status()["search"].items(),
             lambda: f"{wanted}, it is {nubble.status()['search']}")
 
+    def open(self, nubble):
+        self.desktop.key(*SEARCH)
+        self.until_search(nubble, open=True)
+        self.until_keyboard_in("Search Chats")
+
     def card(self):
         return self.card_of("Search Chats")
 
@@ -59,16 +64,14 @@ class SearchingChats(DesktopTest):
             self.assertAlmostEqual(y + height / 2, UPPER_LINE, delta=1)
             self.desktop.run("wmctrl", "-i", "-a", hex(self.document.window.id))
             self.until_search(nubble, open=False)
-        self.desktop.key(*SEARCH)
-        self.until_search(nubble, open=True)
+        self.open(nubble)
         self.desktop.key(*SEARCH)
         self.until_search(nubble, open=False)
         self.desktop.until_active(self.document.window.id)
 
     def test_what_is_typed_is_found_read_and_left_again(self):
         nubble = self.start_nubble()
-        self.desktop.key(*SEARCH)
-        self.until_search(nubble, open=True)
+        self.open(nubble)
         self.desktop.run("xdotool", "type", "--delay", "5", "xx")
         self.until_search(nubble, results=2)
         self.desktop.key("Return")
@@ -87,8 +90,7 @@ class SearchingChats(DesktopTest):
 
     def test_a_session_is_resumed_in_a_terminal_that_lives_on(self):
         nubble = self.start_nubble()
-        self.desktop.key(*SEARCH)
-        self.until_search(nubble, open=True)
+        self.open(nubble)
         self.desktop.run("xdotool", "type", "x")
         self.until_search(nubble, results=1)
         self.desktop.key("Control_L", "Return")
