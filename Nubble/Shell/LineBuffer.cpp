@@ -1,4 +1,4 @@
-#include "Ask/LineBuffer.h"
+#include "Shell/LineBuffer.h"
 
 namespace nubble {
 
