@@ -122,6 +122,9 @@ private Q_SLOTS:
         table->signal(pid, info->birth + 1, SIGKILL);
         QVERIFY(!process.waitForFinished(200));
         table->signal(pid, info->birth, SIGINT);
+        for (int i = 0; i < 500 && table->find(pid); ++i)
+            ::usleep(10'000); // nobody has taken note of its end so far
+        QVERIFY(!table->find(pid));
         QVERIFY(process.waitForFinished());
         for (const pid_t none : {pid, 0, -1})
             QVERIFY(!table->find(none));

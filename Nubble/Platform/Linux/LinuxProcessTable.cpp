@@ -25,10 +25,12 @@ struct StatLine {
     quint64 birth; // clock ticks after the machine's start
 };
 
-// "PID (NAME) STATE PARENT …": the name may have spaces and parentheses of its own.
+// "PID (NAME) STATE PARENT …": the name may have spaces and parentheses of its own. None of a process that
+// has ended, and only waits for its parent to take note.
 std::optional<StatLine> statLineOf(pid_t pid)
 {
     constexpr qint64 longest = 4096;
+    constexpr qsizetype stateField = 0;
     constexpr qsizetype parentField = 1;
     constexpr qsizetype birthField = 19;
     const auto file = RegularFile::open(u"/proc/%1/stat"_s.arg(pid));
@@ -38,7 +40,7 @@ std::optional<StatLine> statLineOf(pid_t pid)
     if (nameBegin == 0 || nameEnd < nameBegin)
         return std::nullopt;
     const QList<QByteArray> fields = line.sliced(nameEnd + 1).trimmed().split(' ');
-    if (fields.size() <= birthField)
+    if (fields.size() <= birthField || fields.at(stateField) == "Z" || fields.at(stateField) == "X")
         return std::nullopt;
     return StatLine{
         line.sliced(nameBegin, nameEnd - nameBegin), fields.at(parentField).toInt(),
