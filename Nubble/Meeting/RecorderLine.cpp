@@ -17,12 +17,14 @@ QString withoutClockTime(QString line)
 {
     static const QRegularExpression clockTime(
         u"^\\d{1,2}:\\d{2}:\\d{2}\\s*[AP]M\\s+"_s, QRegularExpression::UseUnicodePropertiesOption);
-    return line.remove(clockTime);
+    return !line.isEmpty() && line.front().isDigit() ? line.remove(clockTime) : line;
 }
 
 std::optional<QString> tabTitleIn(const QString &line)
 {
     static const QRegularExpression tab(u"tab \"([^\"]+)\""_s);
+    if (!line.contains("tab \""_L1))
+        return std::nullopt; // as nearly always, and quicker
     const QRegularExpressionMatch match = tab.match(line);
     return match.hasMatch() ? std::optional(match.captured(1)) : std::nullopt;
 }

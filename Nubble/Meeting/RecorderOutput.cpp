@@ -41,7 +41,9 @@ QByteArray RecorderOutput::append(const QByteArray &chunk)
     text.chop(m_begun.size());
     if (!QByteArrayView(text).isValidUtf8())
         return {};
-    m_lines.append(text);
+    if (text.size() > longestLine)
+        m_lines.leaveOutBegun(); // to read all of a flood would take too long
+    m_lines.append(text.last(std::min(text.size(), longestLine)));
     return text;
 }
 

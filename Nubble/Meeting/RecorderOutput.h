@@ -9,8 +9,8 @@
 
 namespace nubble {
 
-// Makes whole characters, and lines, of the chunks of a recorder's output. A line of more than 64 KB is left
-// out.
+// Makes whole characters, and lines, of the chunks of a recorder's output. Left out are lines of more than
+// 64 KB, and those that come before the last 64 KB of a chunk: only a flood has such.
 class RecorderOutput {
 public:
     // What may be logged of it: all but the beginning of a character whose end has not come, which goes with

@@ -150,7 +150,8 @@ private Q_SLOTS:
         QCOMPARE(state().status, u"Transcribing and writing the Doc now…"_s);
         QVERIFY(state().updating && !m_notes->canUpdateNow());
         m_notes->updateNow();
-        QTRY_COMPARE(m_recorder->kept("signals"), "USR1\n");
+        QTRY_COMPARE(m_recorder->log().last(), u"pass"_s);
+        QCOMPARE(m_recorder->kept("signals"), "USR1\n");
         m_world->clipboard = u"other"_s;
         m_notes->pasteLink();
         QCOMPARE(state().status, u"Transcribing and writing the Doc now…"_s);

@@ -127,8 +127,10 @@ private Q_SLOTS:
         for (int i = 0; i < 100; ++i)
             QCOMPARE(output.append(QByteArray(1'000'000, 'x')).size(), 1'000'000);
         QCOMPARE(linesOf(output), QStringList());
-        (void)output.append("\nnext\n");
+        (void)output.append("\nnext\nbegun");
         QCOMPARE(linesOf(output), QStringList(u"next"_s));
+        (void)output.append(QByteArray("a\n").repeated(50'000)); // a flood
+        QCOMPARE(linesOf(output).size(), 32'767);
     }
 
     void onlyALinkOfOneTabWillDo()
