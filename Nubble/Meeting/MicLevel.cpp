@@ -38,13 +38,18 @@ void MicLevel::start()
          },
          [this](const QString &why) {
              QMetaObject::invokeMethod(
-                 this,
-                 [this, why] {
-                     if (m_stream && !std::exchange(m_hasFailed, true))
-                         Q_EMIT failed(why);
-                 },
-                 Qt::QueuedConnection);
+                 this, [this, why] { fallSilent(why); }, Qt::QueuedConnection);
          }});
+}
+
+void MicLevel::fallSilent(const QString &why)
+{
+    if (!m_stream)
+        return;
+    m_meter.reset();
+    tell();
+    if (!why.isEmpty() && !std::exchange(m_hasFailed, true))
+        Q_EMIT failed(why);
 }
 
 void MicLevel::stop()

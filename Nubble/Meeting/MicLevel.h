@@ -34,6 +34,7 @@ Q_SIGNALS:
 private:
     void handOver(float value); // on the stream's thread
     void takeValues();
+    void fallSilent(const QString &why);
     void tell();
 
     AudioInput *const m_input;

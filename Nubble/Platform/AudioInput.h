@@ -23,7 +23,9 @@ public:
     // Both are called on a thread of the stream's, and must not block.
     struct Receiver {
         std::function<void(std::span<const float>)> buffer; // its first channel, bufferFrames samples
-        std::function<void(const QString &)> failed; // why nothing can be heard; it goes on trying by itself
+        // Nothing is heard any more, or at all, until a buffer comes; the stream tries again by itself. It is
+        // told once until then, and why, which is empty when there just is no source.
+        std::function<void(const QString &why)> failed;
     };
 
     virtual ~AudioInput() = default;
