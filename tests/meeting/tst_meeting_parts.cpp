@@ -20,7 +20,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-const QString docLink = u"https://docs.google.com/document/d/1a/edit?tab=t.abc123"_s;
+const QString docLink = u"https://docs.google.com/document/d/1a/edit?tab=t.0#tab=t.abc123"_s;
 
 // "tab TITLE; next MILLISECONDS; begins or ends; written; STATUS", of which each may be missing.
 QString printed(const RecorderReport &report)
@@ -46,6 +46,16 @@ QStringList linesOf(RecorderOutput &output)
         lines += line->left(20);
     return lines;
 }
+
+// Counts the calls that come to an object by the event loop.
+struct CallCount : QObject {
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        count += event->type() == QEvent::MetaCall;
+        return false;
+    }
+    int count = 0;
+};
 
 std::vector<float> sine(float amplitude)
 {
@@ -91,6 +101,7 @@ private Q_SLOTS:
             {u"tab \"Week 12\""_s, u"tab Week 12"_s},
             {u"tab \"\""_s, QString()},
             {u"1:02:03 PM \t  indented"_s, u"<indented>"_s},
+            {u"  indented"_s, QString()},
             {u"writing as Team Notes"_s, u"<Connected as Team Notes.>"_s},
             {u"error: tab \"Old\" is gone"_s, u"tab Old; <tab \"Old\" is gone>"_s},
             {u"Done."_s, u"<Done.>"_s},
@@ -243,6 +254,8 @@ private Q_SLOTS:
     {
         FakeAudioInput input;
         MicLevel mic(input, m_clock);
+        CallCount calls;
+        mic.installEventFilter(&calls);
         QSignalSpy changes(&mic, &MicLevel::changed);
         QSignalSpy failures(&mic, &MicLevel::failed);
         QCOMPARE(input.streams, 0);
@@ -258,6 +271,7 @@ private Q_SLOTS:
             input.receiver.buffer({});
         }).join();
         QCoreApplication::processEvents();
+        QCOMPARE(calls.count, 3 + 1);
         QCOMPARE(changes.size(), 1);
         QVERIFY(std::abs(mic.level() - (0.5F + 0.12F * (0.29974F - 0.5F)) * 0.88F) < 1e-4F);
         QCOMPARE(failures.size(), 1);
@@ -278,6 +292,13 @@ private Q_SLOTS:
             QCoreApplication::processEvents();
         }
         QCOMPARE(changes.size(), 2);
+        for (const auto &[after, change] :
+             {std::pair(79ms, 2), {1ms, 3}}) { // but a sound is seen with its bar
+            m_clock.advance(after);
+            input.receiver.buffer(sine(1));
+            QCoreApplication::processEvents();
+            QCOMPARE(changes.size(), change);
+        }
     }
 
 private:
