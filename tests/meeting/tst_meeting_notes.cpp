@@ -127,8 +127,9 @@ private Q_SLOTS:
 
     void aRecordingFromStartToEnd()
     {
-        m_recorder->follow("say('10:00:00 AM resuming tab \"Week 12\"'); process.stderr.write('writing as "
-                           "Me\\nnext 1790000300000\\n')");
+        m_recorder->follow(
+            "say('10:00:00 AM resuming tab \"Week 12\"'); process.stderr.write('writing as "
+            "Me\\nnext 1790000300000\\n'); finish = () => { say('final notes'); process.exit(1); }");
         const QSignalSpy changes(m_notes.get(), &MeetingNotes::changed);
         start();
         QCOMPARE(m_world->microphone.streams, 1);
@@ -270,7 +271,7 @@ private Q_SLOTS:
 
     void onlyWhatARecorderHasLeftBehindIsKilled()
     {
-        m_notes = m_world->notes({.poll = 1h, .firstLook = 300ms, .secondLook = 200ms});
+        m_notes = m_world->notes({.poll = 1h, .firstLook = 1s, .secondLook = 200ms});
         const pid_t heeds = leave("node", false, true);
         const pid_t stubborn = leave("node", true, false);
         const pid_t child = leave("ffmpeg", false, false);
@@ -280,11 +281,10 @@ private Q_SLOTS:
         QTRY_COMPARE(
             QSet(state().others.begin(), state().others.end()), QSet({heeds, stubborn, child, orphan}));
         m_notes->stop();
+        const pid_t late = leave("ffmpeg", true, false); // which was not asked
         QTRY_VERIFY(!isAlive(orphan));
-        QTRY_COMPARE(QSet(state().others.begin(), state().others.end()), QSet({stubborn, child}));
+        QTRY_COMPARE(QSet(state().others.begin(), state().others.end()), QSet({stubborn, child, late}));
         QVERIFY(isAlive(other));
-        const pid_t late = leave("ffmpeg", true, false); // came after the others were asked to stop
-        QTest::qWait(300);
         QVERIFY(isAlive(late) && isAlive(child) && isAlive(stubborn));
     }
 
@@ -303,7 +303,11 @@ private Q_SLOTS:
         m_pids.append(child);
         QTest::qWait(200);
         QCOMPARE(state().others, QList<pid_t>());
+        const pid_t other = leave("node", false, true);
+        QTRY_COMPARE(state().others, QList<pid_t>{other});
         m_notes->stop();
+        QCOMPARE(state().status, u"Finishing — last transcription and notes pass…"_s);
+        QTRY_VERIFY(!isAlive(other));
         QTRY_COMPARE(
             state().others, QList<pid_t>{child}); // which was not asked: signals go to the recorder alone
         m_notes->stop();
@@ -328,6 +332,21 @@ private Q_SLOTS:
         QVERIFY(QFile::remove(m_recorder->pgrep()));
         m_notes->start();
         QCOMPARE(m_recorder->log().last(), u"start refused: pgrep gives no answer"_s);
+    }
+
+    void whatALaterScanHasFoundHolds()
+    {
+        const pid_t other = leave("node", false, true);
+        m_home->writeScript(
+            u".quib-live/pgrep"_s,
+            "#!/bin/sh\n[ -e \"$0.late\" ] && exit 1\n: > \"$0.late\"; sleep 0.2; echo "
+                + QByteArray::number(other) + "; : > \"$0.done\"\n");
+        m_notes->watch();
+        QTRY_VERIFY(QFile::exists(m_recorder->pgrep() + u".late"));
+        start();
+        QTRY_VERIFY(QFile::exists(m_recorder->pgrep() + u".done"));
+        QTest::qWait(100);
+        QCOMPARE(state().others, QList<pid_t>());
     }
 
     void theLogIsARegularFileOrNone()
