@@ -6,11 +6,13 @@ build_packages=(
     g++ cmake ninja-build pkgconf
     qt6-base-dev qt6-svg-dev libgl-dev
     libxcb1-dev libxcb-shape0-dev libxcb-xinput-dev libxcb-xfixes0-dev libxcb-randr0-dev libxcb-xkb-dev
+    libpulse-dev
 )
 run_packages=(zstd procps fonts-inter)
 display_packages=(xvfb openbox picom xdotool x11-utils imagemagick dbus-daemon)
 test_packages=(
     i3-wm wmctrl xterm trayer x11-xserver-utils strace at-spi2-core libglib2.0-bin
+    nodejs pulseaudio pulseaudio-utils
     python3 python3-gi python3-pyatspi python3-xlib
     dpkg-dev file lintian desktop-file-utils appstream librsvg2-bin hicolor-icon-theme mandoc zsh fish
     libbenchmark-dev

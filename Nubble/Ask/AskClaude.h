@@ -7,10 +7,10 @@
 
 #include "Ask/AskMessage.h"
 #include "Ask/ClaudeProtocol.h"
-#include "Ask/LineBuffer.h"
 #include "Ask/ScreenContext.h"
 #include "Platform/Home.h"
 #include "Shell/Command.h"
+#include "Shell/LineBuffer.h"
 #include "Shell/SerialWorker.h"
 
 namespace nubble {

@@ -5,24 +5,11 @@
 #include "Platform/MainThread.h"
 #include "Platform/ScreenCapture.h"
 #include "Platform/Workspace.h"
+#include "Shell/OneLine.h"
 
 namespace nubble {
 
 namespace {
-
-// Others write the names: a line's end or a change of direction would spill over into what stands beside
-// them.
-QString oneLine(QString text)
-{
-    for (QChar &each : text)
-        if (each.category() == QChar::Other_Control)
-            each = u' ';
-    const auto changesDirection = [](QChar each) {
-        return (each >= QChar(0x202a) && each <= QChar(0x202e))
-            || (each >= QChar(0x2066) && each <= QChar(0x2069));
-    };
-    return text.removeIf(changesDirection).simplified();
-}
 
 // The class is the program's; the name is one of its windows' at times.
 QString nameOf(const RunningApplication &application)

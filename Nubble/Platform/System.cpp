@@ -4,6 +4,7 @@
 #include "Platform/Freedesktop/SessionBus.h"
 #include "Platform/Linux/LinuxProcessTable.h"
 #include "Platform/Linux/LinuxTerminationSignals.h"
+#include "Platform/Pulse/PulseAudioInput.h"
 
 namespace nubble::System {
 
@@ -15,6 +16,11 @@ std::unique_ptr<ProcessTable> processTable()
 std::unique_ptr<InstanceBus> instanceBus(const QString &serviceName)
 {
     return std::make_unique<SessionBus>(serviceName);
+}
+
+std::unique_ptr<AudioInput> audioInput()
+{
+    return std::make_unique<PulseAudioInput>();
 }
 
 std::unique_ptr<TerminationSignals> terminationSignals()

@@ -6,6 +6,7 @@ class QString;
 
 namespace nubble {
 
+class AudioInput;
 class InstanceBus;
 class ProcessTable;
 class TerminationSignals;
@@ -15,6 +16,7 @@ namespace System {
 
 [[nodiscard]] std::unique_ptr<ProcessTable> processTable();
 [[nodiscard]] std::unique_ptr<InstanceBus> instanceBus(const QString &serviceName);
+[[nodiscard]] std::unique_ptr<AudioInput> audioInput();
 [[nodiscard]] std::unique_ptr<TerminationSignals> terminationSignals(); // needs the application object
 
 // Reads the configuration of the fonts beside whatever else goes on until the handle goes: the first text

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <array>
 
+#include "Shell/OneLine.h"
+
 using namespace Qt::StringLiterals;
 
 namespace nubble {
@@ -145,10 +147,7 @@ QString openSymbol(const ChatThread &thread)
 QString singleLine(const QString &text)
 {
     constexpr qsizetype longest = 600;
-    const auto isInvisible = [](QChar each) {
-        return each.category() == QChar::Other_Format && each != QChar(0x200d); // which joins emoji
-    };
-    QString line = text.left(longest).removeIf(isInvisible).simplified();
+    QString line = oneLine(text.left(longest));
     if (line.size() > 0 && line.back().isHighSurrogate())
         line.chop(1);
     return line;

@@ -6,6 +6,7 @@
 #include <QProcess>
 #include <QTimer>
 
+#include <fcntl.h>
 #include <linux/close_range.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -17,7 +18,19 @@ namespace nubble {
 
 namespace {
 
-// Between fork and exec, so only what is allowed in a signal handler.
+// Between fork and exec, so only what is allowed in a signal handler, here and in the next one. A pipe whose
+// writer holds it open for reading, too, does not break when we end.
+void keepReader(const char *pathOfDescriptor, int descriptor)
+{
+    constexpr int mostForAnybody = 1 << 20; // bytes; what the kernel allows without privileges
+    const int pipe = ::open(pathOfDescriptor, O_RDWR | O_CLOEXEC);
+    if (pipe < 0)
+        return;
+    ::fcntl(pipe, F_SETPIPE_SZ, mostForAnybody);
+    ::dup2(pipe, descriptor);
+    ::close(pipe);
+}
+
 void leaveNothingOfUs(std::optional<int> niceness, bool endsWithUs)
 {
     ::setpgid(0, 0);
@@ -29,8 +42,12 @@ void leaveNothingOfUs(std::optional<int> niceness, bool endsWithUs)
     ::pthread_sigmask(SIG_SETMASK, &none, nullptr);
     if (niceness)
         ::setpriority(PRIO_PROCESS, 0, *niceness);
-    if (endsWithUs)
+    if (endsWithUs) {
         ::prctl(PR_SET_PDEATHSIG, SIGTERM); // sent when the thread ends that has started it
+    } else {
+        keepReader("/proc/self/fd/1", STDOUT_FILENO);
+        keepReader("/proc/self/fd/2", STDERR_FILENO);
+    }
 }
 
 } // namespace
@@ -116,12 +133,14 @@ ChildProcess::ChildProcess(
     m_handle->setWorkingDirectory(command.folder);
     if (command.environment)
         m_handle->setProcessEnvironment(*command.environment);
-    if (limits.errors == 0)
+    if (command.joinsErrors)
+        m_handle->setProcessChannelMode(QProcess::MergedChannels);
+    else if (limits.errors == 0)
         m_handle->setStandardErrorFile(QProcess::nullDevice());
-    if (delivery == Delivery::None) {
+    if (lifetime == Lifetime::ItsOwn)
         m_handle->setStandardInputFile(QProcess::nullDevice());
+    if (delivery == Delivery::None)
         m_handle->setStandardOutputFile(QProcess::nullDevice());
-    }
     m_handle->setChildProcessModifier(
         [niceness = command.niceness, lifetime] { leaveNothingOfUs(niceness, lifetime == Lifetime::Ours); });
     connect(m_handle.get(), &QProcess::readyReadStandardOutput, this, &ChildProcess::readOutput);
@@ -157,6 +176,16 @@ void ChildProcess::start()
     if (m_limits.time)
         QTimer::singleShot(
             *m_limits.time, this, [this] { endBecause(CommandEnd::Cause::TimeLimit, SIGTERM); });
+}
+
+Outcome ChildProcess::startNow()
+{
+    constexpr int longestForAnyDisk = 500; // milliseconds; past that it is as after start()
+    start();
+    m_handle->waitForStarted(longestForAnyDisk);
+    if (m_running)
+        return Outcome::done();
+    return Outcome::failed(m_end.whyNotStarted.isEmpty() ? m_handle->program() : m_end.whyNotStarted);
 }
 
 void ChildProcess::write(const QByteArray &bytes)

@@ -6,6 +6,7 @@
 #include <memory>
 #include <sys/types.h>
 
+#include "Platform/Outcome.h"
 #include "Shell/Command.h"
 
 namespace nubble {
@@ -22,7 +23,8 @@ public:
     // end.
     enum class Delivery { Chunks, Whole, None };
     // Whether the child, and what it has started, ends with this object or the program (even with one that
-    // crashes), or goes on alone.
+    // crashes), or goes on alone. Such a one has no input, and what it writes when nobody is left to read it
+    // goes nowhere; only after a megabyte of it the child has to wait.
     enum class Lifetime { Ours, ItsOwn };
 
     explicit ChildProcess(
@@ -31,6 +33,8 @@ public:
     ~ChildProcess() override; // ends it as end() does, without waiting for it; see Lifetime
 
     void start(); // once
+    // The same, and waits until it runs, which takes milliseconds; or says why it does not.
+    [[nodiscard]] Outcome startNow();
 
     // Once started. Kept until the child reads it, however much it is; dropped when it does not want it any
     // more.

@@ -18,6 +18,7 @@ struct Command {
     std::optional<QProcessEnvironment> environment{}; // absent: ours
     QString folder{};                                 // to work in; empty: ours
     std::optional<int> niceness{};                    // 0 to 19; absent, or if less: the starting thread's
+    bool joinsErrors = false;                         // standard error comes with standard output
 };
 
 // How far a command may go before it is ended.

@@ -2,7 +2,7 @@
 #include <QList>
 
 #include "Ask/ClaudeProtocol.h"
-#include "Ask/LineBuffer.h"
+#include "Shell/LineBuffer.h"
 
 using namespace nubble;
 

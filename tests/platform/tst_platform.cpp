@@ -3,17 +3,22 @@
 #include <QDBusMetaType>
 #include <QDBusVariant>
 #include <QImage>
+#include <QProcess>
 #include <QSignalSpy>
 #include <QTest>
 #include <QWidget>
 
+#include <csignal>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "Platform/Backend.h"
 #include "Platform/Freedesktop/FreedesktopPreferences.h"
 #include "Platform/Freedesktop/SessionBus.h"
 #include "Platform/Freedesktop/SessionBusNotifications.h"
+#include "Platform/ProcessTable.h"
 #include "Platform/RegularFile.h"
+#include "Platform/System.h"
 #include "support/TemporaryHome.h"
 
 using namespace Qt::StringLiterals;
@@ -96,6 +101,39 @@ private Q_SLOTS:
              {std::pair(u"file"_s, true), {u"link"_s, true}, {u"fifo"_s, false}, {u"."_s, false}})
             QVERIFY2(RegularFile::open(home.path(name)).has_value() == opens, qPrintable(name));
         QVERIFY(!RegularFile::open(u"/dev/zero"_s));
+    }
+
+    void aProcessIsKnownByItsExecutableAndItsParent()
+    {
+        const TemporaryHome home;
+        const std::unique_ptr<ProcessTable> table = System::processTable();
+        const QString odd = u"od) d (S 1 2"_s;
+        QVERIFY(QFile::copy(u"/bin/sleep"_s, home.path(odd)));
+        QProcess process;
+        process.start(home.path(odd), {u"60"_s});
+        QVERIFY(process.waitForStarted());
+        const auto pid = static_cast<pid_t>(process.processId());
+        const std::optional<ProcessInfo> info = table->find(pid);
+        QVERIFY(info && !info->isOrphan);
+        QCOMPARE(info->name, odd);
+        QCOMPARE(info->parent, ::getpid());
+        QVERIFY(QFile::remove(home.path(odd)));
+        QVERIFY(table->find(pid) == info);
+        table->signal(pid, info->birth + 1, SIGKILL);
+        QVERIFY(!process.waitForFinished(200));
+        table->signal(pid, info->birth, SIGINT);
+        for (int i = 0; i < 500 && table->find(pid); ++i)
+            ::usleep(10'000); // nobody has taken note of its end so far
+        QVERIFY(!table->find(pid));
+        QVERIFY(process.waitForFinished());
+        for (const pid_t none : {pid, 0, -1})
+            QVERIFY(!table->find(none));
+
+        process.start(u"/bin/sh"_s, {u"-c"_s, u"sleep 60 >/dev/null & echo $!"_s});
+        QVERIFY(process.waitForFinished());
+        const pid_t left = process.readAll().trimmed().toInt();
+        QVERIFY(table->find(left).value_or(ProcessInfo()).isOrphan);
+        ::kill(left, SIGKILL);
     }
 
     void homeIsThePasswordDatabasesWhateverTheEnvironmentSays()

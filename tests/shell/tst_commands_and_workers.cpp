@@ -195,6 +195,26 @@ private Q_SLOTS:
         }
     }
 
+    // Where writing to a pipe without a reader would end it.
+    void oneWhoseLifeIsItsOwnGoesOnAndWritesWhenTheProgramIsNoMore()
+    {
+        const QByteArray file = QFile::encodeName(m_home.path(u"went on"_s));
+        const CommandEnd end = runCommand(
+            {QCoreApplication::applicationFilePath(), {u"leave"_s, QFile::decodeName(file)}}, {}, {});
+        QCOMPARE(end.output, "both\n");
+        QTRY_COMPARE(m_home.read(u"went on"_s), "all\n");
+    }
+
+    void whoStartsNowIsToldWhyNot()
+    {
+        ChildProcess missing({.program = m_home.path(u"missing"_s)});
+        QVERIFY(!missing.startNow().isDone() && !missing.isRunning());
+        ChildProcess relative({.program = u"sh"_s});
+        QVERIFY(relative.startNow().why().contains("sh"_L1));
+        ChildProcess good(sh("exit 0"));
+        QVERIFY(good.startNow().isDone());
+    }
+
     void theProgramStartsAgainWithItsArgumentsUnharmed()
     {
         const QString program = m_home.writeScript(
@@ -303,9 +323,24 @@ static int runAndEnd(QCoreApplication &application, bool crashes)
     return QCoreApplication::exec();
 }
 
+// Ends at once when the child, which has no input, has written, and it goes on writing.
+static int leaveChild(const QByteArray &file)
+{
+    Command command = sh(
+        "cat; echo both >&2; sleep 0.2; head -c 999999 /dev/zero && echo >&2 && echo all > '" + file + "'");
+    command.joinsErrors = true;
+    ChildProcess child(command, {}, ChildProcess::Delivery::Chunks, ChildProcess::Lifetime::ItsOwn);
+    QObject::connect(&child, &ChildProcess::output, [](const QByteArray &chunk) {
+        ::_exit(::write(STDOUT_FILENO, chunk.constData(), static_cast<size_t>(chunk.size())) < 0 ? 1 : 0);
+    });
+    return child.startNow().isDone() ? QCoreApplication::exec() : 1;
+}
+
 int main(int argc, char **argv)
 {
     QCoreApplication application(argc, argv);
+    if (argc == 3 && QByteArray(argv[1]) == "leave")
+        return leaveChild(argv[2]);
     const QByteArray how = argc == 2 ? argv[1] : "";
     if (how == "crash" || how == "quit")
         return runAndEnd(application, how == "crash");

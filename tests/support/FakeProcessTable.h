@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMap>
 #include <QSet>
 
 #include "Platform/ProcessTable.h"
@@ -10,8 +11,14 @@ namespace nubble {
 class FakeProcessTable : public ProcessTable {
 public:
     [[nodiscard]] bool canSignal(pid_t pid) const override { return alive.contains(pid); }
+    [[nodiscard]] std::optional<ProcessInfo> find(pid_t pid) const override
+    {
+        return known.contains(pid) ? std::optional(known.value(pid)) : std::nullopt;
+    }
+    void signal(pid_t, quint64, int) const override { }
 
     QSet<pid_t> alive;
+    QMap<pid_t, ProcessInfo> known;
 };
 
 } // namespace nubble

@@ -1,4 +1,4 @@
-#include "Ask/LineBuffer.h"
+#include "Shell/LineBuffer.h"
 
 namespace nubble {
 
@@ -13,11 +13,8 @@ std::optional<QByteArray> LineBuffer::takeLine()
         const qsizetype end = m_bytes.indexOf('\n', m_searched);
         if (end < 0) {
             m_searched = m_bytes.size();
-            if (m_searched > m_longest) {
-                m_leavingOut = true;
-                m_bytes.clear();
-                m_searched = 0;
-            }
+            if (m_searched > m_longest)
+                leaveOutBegun();
             return std::nullopt;
         }
         QByteArray line = m_bytes.first(end);
@@ -27,6 +24,13 @@ std::optional<QByteArray> LineBuffer::takeLine()
             return line;
         m_leavingOut = false;
     }
+}
+
+void LineBuffer::leaveOutBegun()
+{
+    m_leavingOut = true;
+    m_bytes.clear();
+    m_searched = 0;
 }
 
 void LineBuffer::clear()

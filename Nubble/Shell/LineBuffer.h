@@ -13,6 +13,7 @@ public:
 
     void append(const QByteArray &bytes);
     [[nodiscard]] std::optional<QByteArray> takeLine(); // without its end; none until that has come
+    void leaveOutBegun(); // all that has not been taken, up to the next end of a line
     [[nodiscard]] qsizetype size() const { return m_bytes.size(); }
     void clear();
 
