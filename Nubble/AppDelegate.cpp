@@ -1,11 +1,15 @@
 #include "AppDelegate.h"
 
+#include <QClipboard>
 #include <QCoreApplication>
 #include <QCursor>
 #include <QDesktopServices>
+#include <QGuiApplication>
 
 #include "Ask/AskClaude.h"
 #include "Commands/StatusReport.h"
+#include "Meeting/MeetingCard.h"
+#include "Meeting/MeetingTexts.h"
 #include "NotchWiring.h"
 #include "Platform/InstanceBus.h"
 #include "Platform/MainThread.h"
@@ -18,12 +22,22 @@ using namespace Qt::StringLiterals;
 
 namespace nubble {
 
+namespace {
+
+void openLink(const QUrl &url)
+{
+    QDesktopServices::openUrl(url);
+}
+
+} // namespace
+
 AppDelegate::AppDelegate(const Home &home, InstanceBus &bus, Relaunch relaunch)
     : m_home(home), m_bus(bus), m_relaunch(std::move(relaunch)), m_processes(System::processTable()),
       m_defaults(Defaults::fileOf(u"com.brevandel.nubble"_s, home.configFolder())), m_addons(m_defaults),
-      m_backend(makeBackend(home)),
+      m_backend(makeBackend(home)), m_meetingNotes(meetingNotes()),
       m_actions(notchActions(
-          m_addons, m_panelState, m_notifications, [this](PanelMode mode) { m_panel.view().open(mode); })),
+          m_addons, m_panelState, m_notifications, m_meetingNotes.get(),
+          [this](PanelMode mode) { m_panel.view().open(mode); })),
       m_layout(Typography::percentLineHeight(), false, static_cast<int>(m_actions.size())),
       m_placement(m_defaults, m_layout),
       m_sessionMonitor(
@@ -51,7 +65,15 @@ AppDelegate::AppDelegate(const Home &home, InstanceBus &bus, Relaunch relaunch)
     observeRequests();
     openAskAddon();
     openSearchAddon();
+    openNotesAddon();
     registerHotKeys();
+}
+
+// The recorder finishes its notes by itself.
+AppDelegate::~AppDelegate()
+{
+    if (m_meetingNotes)
+        m_meetingNotes->interruptRecorder();
 }
 
 void AppDelegate::end()
@@ -68,9 +90,26 @@ NotchContents AppDelegate::notchContents()
     };
     NotchContents contents{
         .cards = {sessions, usageCard(m_planUsage, m_clock, *m_backend.preferences)}, .actions = {}};
+    if (m_meetingNotes)
+        contents.cards.append(meetingCard(*m_meetingNotes, m_clock));
     for (const auto &action : m_actions)
         contents.actions.append(action.get());
     return contents;
+}
+
+std::unique_ptr<MeetingNotes> AppDelegate::meetingNotes()
+{
+    if (!m_addons.contains(Addon::Notes))
+        return nullptr;
+    m_microphone = System::audioInput();
+    return std::make_unique<MeetingNotes>(
+        m_home, m_defaults, m_clock,
+        MeetingNotes::Surroundings{
+            .processes = *m_processes,
+            .microphone = *m_microphone,
+            .clipboardText = [] { return QGuiApplication::clipboard()->text(); },
+            .openLink = openLink},
+        MeetingNotes::Pace());
 }
 
 void AppDelegate::registerParts()
@@ -144,7 +183,7 @@ void AppDelegate::openAskAddon()
             .preferences = *m_backend.preferences,
             .makeSurface = m_backend.makeFloatingSurface,
             .place = place,
-            .openLink = [](const QUrl &url) { QDesktopServices::openUrl(url); }});
+            .openLink = openLink});
     m_commands.setHandler(Addon::Ask, [this](const AddonRequest &request) {
         m_askWindow->activate(request.question);
         return Outcome::done();
@@ -167,12 +206,31 @@ void AppDelegate::openSearchAddon()
             .preferences = *m_backend.preferences,
             .makeSurface = m_backend.makeFloatingSurface,
             .place = place,
-            .openLink = [](const QUrl &url) { QDesktopServices::openUrl(url); }});
+            .openLink = openLink});
     m_commands.setHandler(Addon::Search, [this](const AddonRequest &) {
         m_searchWindow->show();
         return Outcome::done();
     });
     m_commands.addReport([this](QJsonObject &status) { reportSearch(*m_searchWindow, status); });
+}
+
+void AppDelegate::openNotesAddon()
+{
+    if (!m_meetingNotes)
+        return;
+    m_commands.setHandler(Addon::Notes, [this](const AddonRequest &request) {
+        const MeetingState &state = m_meetingNotes->state();
+        if (request.action == AddonRequest::Action::StopNotes) {
+            m_meetingNotes->stop();
+            return Outcome::done();
+        }
+        const bool wasRunning = state.phase != MeetingState::Phase::Idle;
+        m_meetingNotes->start();
+        const bool hasStarted = !wasRunning && state.phase == MeetingState::Phase::Recording;
+        return hasStarted ? Outcome::done() : Outcome::failed(statusText(state));
+    });
+    m_commands.addReport([this](QJsonObject &status) { reportNotes(*m_meetingNotes, status); });
+    m_meetingNotes->watch();
 }
 
 void AppDelegate::registerHotKeys()

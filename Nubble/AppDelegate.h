@@ -5,12 +5,14 @@
 #include "Ask/AskWindow.h"
 #include "Commands/AppCommands.h"
 #include "Commands/Menus.h"
+#include "Meeting/MeetingNotes.h"
 #include "Notch/NotchAction.h"
 #include "Notch/PanelState.h"
 #include "Notch/PanelWindow.h"
 #include "Placement/Layout.h"
 #include "Placement/MainScreen.h"
 #include "Placement/NotchPlacement.h"
+#include "Platform/AudioInput.h"
 #include "Platform/Backend.h"
 #include "Platform/Clock.h"
 #include "Platform/Home.h"
@@ -38,16 +40,19 @@ class AppDelegate : public QObject {
 public:
     // `bus` owns the program's name, which a restart gives up; it outlives the delegate.
     AppDelegate(const Home &home, InstanceBus &bus, Relaunch relaunch);
+    ~AppDelegate() override;
 
     static void end(); // the program; no open window can refuse it, as it could refuse quit()
 
     [[nodiscard]] AppCommands &commands() { return m_commands; }
 
 private:
-    [[nodiscard]] NotchContents notchContents(); // the panel's cards and buttons
+    [[nodiscard]] NotchContents notchContents();                // the panel's cards and buttons
+    [[nodiscard]] std::unique_ptr<MeetingNotes> meetingNotes(); // while the add-on is on
     void registerParts();
     void openAskAddon();
     void openSearchAddon();
+    void openNotesAddon();
     void observeState();
     void observeRequests();
     void registerHotKeys(); // those of the active add-ons
@@ -64,6 +69,8 @@ private:
     Defaults m_defaults;
     ActiveAddons m_addons;
     Backend m_backend;
+    std::unique_ptr<AudioInput> m_microphone; // while that add-on is on, as the next
+    std::unique_ptr<MeetingNotes> m_meetingNotes;
     PanelState m_panelState;
     NotificationCenter m_notifications;
     std::vector<std::unique_ptr<NotchAction>> m_actions;

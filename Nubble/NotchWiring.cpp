@@ -1,5 +1,7 @@
 #include "NotchWiring.h"
 
+#include "Meeting/MeetingNotes.h"
+#include "Meeting/MeetingTexts.h"
 #include "Notch/ClaudeCell.h"
 #include "Notch/NotchAction.h"
 #include "Sessions/SessionMonitor.h"
@@ -12,9 +14,19 @@ using namespace Qt::StringLiterals;
 
 namespace nubble {
 
+namespace {
+
+NotchAction::Look lookOf(const MeetingNotes &notes)
+{
+    const bool runs = notes.state().isRunning();
+    return {runs ? u"record.circle.fill"_s : u"mic.fill"_s, buttonHelp(notes.state()), runs};
+}
+
+} // namespace
+
 std::vector<std::unique_ptr<NotchAction>> notchActions(
     const ActiveAddons &addons, PanelState &state, NotificationCenter &notifications,
-    const std::function<void(PanelMode)> &open)
+    const MeetingNotes *notes, const std::function<void(PanelMode)> &open)
 {
     std::vector<std::unique_ptr<NotchAction>> actions;
     const auto add = [&actions](const NotchAction::Look &look, const std::function<void()> &run) {
@@ -33,8 +45,12 @@ std::vector<std::unique_ptr<NotchAction>> notchActions(
                     state.collapse();
                     notifications.postAskClaude();
                 });
-        else if (addon == Addon::Notes)
-            add({u"mic.fill"_s, u"Meeting notes"_s}, [open] { open(PanelMode::notes()); });
+        else if (addon == Addon::Notes) {
+            add(lookOf(*notes), [open] { open(PanelMode::notes()); });
+            QObject::connect(
+                notes, &MeetingNotes::changed, actions.back().get(),
+                [notes, action = actions.back().get()] { action->setLook(lookOf(*notes)); });
+        }
     }
     return actions;
 }

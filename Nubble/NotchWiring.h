@@ -10,6 +10,7 @@ namespace nubble {
 
 class ActiveAddons;
 class ClaudeCell;
+class MeetingNotes;
 class NotchAction;
 class NotificationCenter;
 class PlanUsageMonitor;
@@ -17,10 +18,11 @@ class SessionMonitor;
 
 // How the features reach the panel's buttons and its ring. Main thread only.
 
-// The buttons of the active add-ons, in their order. `open` opens a card.
+// The buttons of the active add-ons, in their order. `open` opens a card; `notes` are there when that add-on
+// is.
 [[nodiscard]] std::vector<std::unique_ptr<NotchAction>> notchActions(
     const ActiveAddons &addons, PanelState &state, NotificationCenter &notifications,
-    const std::function<void(PanelMode)> &open);
+    const MeetingNotes *notes, const std::function<void(PanelMode)> &open);
 
 // Has the ring follow what it shows.
 void showOnRing(ClaudeCell &ring, const SessionMonitor &sessions, const PlanUsageMonitor &planUsage);

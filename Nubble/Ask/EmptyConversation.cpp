@@ -1,14 +1,13 @@
 #include "Ask/EmptyConversation.h"
 
-#include <QAbstractButton>
 #include <QLabel>
 #include <QPainter>
 #include <QVBoxLayout>
 
 #include "Ask/AskTexts.h"
 #include "Widgets/CardMetrics.h"
-#include "Widgets/HoverLift.h"
 #include "Widgets/Palette.h"
+#include "Widgets/PillButton.h"
 #include "Widgets/Symbols.h"
 #include "Widgets/Typography.h"
 
@@ -18,41 +17,7 @@ namespace nubble {
 
 namespace {
 
-constexpr int pillHeight = 30;
-constexpr int pillPadding = 14;
 constexpr int symbolSize = 34;
-
-// A question that a click asks.
-class Suggestion : public QAbstractButton {
-public:
-    explicit Suggestion(const QString &question) : m_hover(this)
-    {
-        setText(question);
-        setFont(Typography::rowTitle());
-        setCursor(Qt::PointingHandCursor);
-    }
-
-    [[nodiscard]] QSize sizeHint() const override
-    {
-        return {fontMetrics().horizontalAdvance(text()) + 2 * pillPadding, pillHeight};
-    }
-
-protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(hasFocus() ? QPen(Palette::focus, 1.5) : QPen(Palette::cardLine, 1));
-        painter.setBrush(m_hover.lifted(Palette::control, isDown()));
-        painter.drawRoundedRect(
-            QRectF(rect()).adjusted(0.75, 0.75, -0.75, -0.75), pillHeight / 2.0, pillHeight / 2.0);
-        painter.setPen(Palette::textPrimary);
-        painter.drawText(rect(), Qt::AlignCenter, text());
-    }
-
-private:
-    HoverLift m_hover;
-};
 
 class Sign : public QWidget {
 public:
@@ -81,7 +46,7 @@ EmptyConversation::EmptyConversation(QWidget *parent) : QWidget(parent), m_invit
     layout->addWidget(m_invitation);
     layout->addSpacing(14);
     for (const QString &question : suggestions()) {
-        auto *suggestion = new Suggestion(question);
+        auto *suggestion = new PillButton(question);
         layout->addWidget(suggestion, 0, Qt::AlignHCenter);
         connect(
             suggestion, &QAbstractButton::clicked, this, [this, question] { Q_EMIT suggested(question); });

@@ -2,27 +2,16 @@
 
 #include <QAccessible>
 #include <QLabel>
-#include <QRegularExpression>
 #include <QVBoxLayout>
 
 #include "Ask/ThinkingDots.h"
+#include "Widgets/CardMetrics.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
 
 namespace nubble {
-
-namespace {
-
-// A label breaks no line within a word, and an error may be one: it is cut off then.
-QString breakable(QString text)
-{
-    static const QRegularExpression tooLong(u"\\S{30}"_s);
-    return text.replace(tooLong, u"\\0\u200b"_s);
-}
-
-} // namespace
 
 ReplyFooter::ReplyFooter(QWidget *parent) : QWidget(parent), m_dots(new ThinkingDots), m_problem(new QLabel)
 {
@@ -45,7 +34,7 @@ ReplyFooter::ReplyFooter(QWidget *parent) : QWidget(parent), m_dots(new Thinking
 
 void ReplyFooter::show(bool awaits, const std::optional<QString> &problem)
 {
-    const QString text = breakable(problem.value_or(QString()));
+    const QString text = CardMetrics::breakable(problem.value_or(QString()));
     const bool isNews = problem && m_problem->text() != text;
     m_dots->setVisible(awaits);
     m_problem->setText(text);

@@ -7,6 +7,8 @@
 #include <array>
 
 #include "Ask/AskWindow.h"
+#include "Meeting/MeetingNotes.h"
+#include "Meeting/MeetingTexts.h"
 #include "Notch/PanelState.h"
 #include "Placement/NotchPlacement.h"
 #include "Platform/Clock.h"
@@ -174,6 +176,30 @@ void reportAsk(const AskWindow &window, QJsonObject &status)
             {u"capturing"_s, ask.isCapturing()},
             {u"messages"_s, ask.messages().size()},
             {u"problem"_s, problem ? QJsonValue(*problem) : QJsonValue()},
+        });
+}
+
+void reportNotes(const MeetingNotes &notes, QJsonObject &status)
+{
+    const MeetingState &state = notes.state();
+    const auto time = [](const std::optional<TimePoint> &at) {
+        return at ? QJsonValue(static_cast<qint64>(at->time_since_epoch().count())) : QJsonValue();
+    };
+    QJsonArray others;
+    for (const pid_t pid : state.others)
+        others.append(pid);
+    status.insert(
+        "notes"_L1,
+        QJsonObject{
+            {u"phase"_s, phaseName(state.phase)},
+            {u"status"_s, statusText(state)},
+            {u"tabTitle"_s, state.tabTitle ? QJsonValue(docLabel(state)) : QJsonValue()},
+            {u"link"_s, isDocTabLink(state.link)},
+            {u"others"_s, others},
+            {u"startedAt"_s, time(state.startedAt)},
+            {u"lastUpdate"_s, time(state.lastUpdate)},
+            {u"nextUpdate"_s, time(state.nextUpdate)},
+            {u"updating"_s, state.updating},
         });
 }
 

@@ -11,6 +11,7 @@ class AskWindow;
 class ChatSearchWindow;
 class Clock;
 class HotKeys;
+class MeetingNotes;
 class NotchPlacement;
 class PanelState;
 class PlanUsageMonitor;
@@ -24,6 +25,7 @@ void reportUsage(const PlanUsageMonitor &planUsage, QJsonObject &status);
 void reportPanel(const PanelState &state, const NotchPlacement &placement, QJsonObject &status);
 void reportHotKeys(const HotKeys &hotKeys, QJsonObject &status);
 void reportAsk(const AskWindow &window, QJsonObject &status);
+void reportNotes(const MeetingNotes &notes, QJsonObject &status);
 void reportSearch(const ChatSearchWindow &window, QJsonObject &status);
 
 // The same for people, `width` columns wide. Control characters, which a terminal would obey, are left out.

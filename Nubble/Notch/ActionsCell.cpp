@@ -3,13 +3,16 @@
 #include "Notch/NotchAction.h"
 #include "Placement/Layout.h"
 #include "Widgets/NotchButton.h"
+#include "Widgets/Palette.h"
 
 namespace nubble {
 
-ActionsCell::ActionsCell(const QList<NotchAction *> &actions, QWidget *parent) : QWidget(parent)
+ActionsCell::ActionsCell(const QList<NotchAction *> &actions, QWidget *parent)
+    : QWidget(parent), m_actions(actions)
 {
     for (NotchAction *action : actions)
         add(*action);
+    follow();
     setVisible(!actions.isEmpty());
 }
 
@@ -17,11 +20,26 @@ void ActionsCell::add(NotchAction &action)
 {
     auto *button = new NotchButton(action.look().symbol, action.look().helpText, this);
     connect(button, &NotchButton::clicked, &action, &NotchAction::run);
-    connect(&action, &NotchAction::lookChanged, button, [button, &action] {
-        button->setSymbol(action.look().symbol);
-        button->setHelpText(action.look().helpText);
-    });
+    connect(&action, &NotchAction::lookChanged, this, &ActionsCell::follow);
     m_buttons.append(button);
+}
+
+void ActionsCell::setMotionReduced(bool reduced)
+{
+    m_motionReduced = reduced;
+    follow();
+}
+
+void ActionsCell::follow()
+{
+    for (qsizetype i = 0; i < m_buttons.size(); ++i) {
+        const NotchAction::Look &look = m_actions.at(i)->look();
+        NotchButton &button = *m_buttons.at(i);
+        button.setSymbol(look.symbol);
+        button.setHelpText(look.helpText);
+        button.setTint(look.isRecording ? Palette::recording : Palette::textPrimary);
+        button.setPulsing(look.isRecording && !m_motionReduced);
+    }
 }
 
 void ActionsCell::placeAround(const QPointF &center, NotchEdge edge)

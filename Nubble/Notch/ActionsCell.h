@@ -19,11 +19,15 @@ public:
 
     // Lines the buttons up around `center`, in the parent's coordinates.
     void placeAround(const QPointF &center, NotchEdge edge);
+    void setMotionReduced(bool reduced);
 
 private:
     void add(NotchAction &action);
+    void follow();
 
-    QList<NotchButton *> m_buttons;
+    const QList<NotchAction *> m_actions;
+    QList<NotchButton *> m_buttons; // theirs
+    bool m_motionReduced = false;
 };
 
 } // namespace nubble

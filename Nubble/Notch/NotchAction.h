@@ -14,8 +14,9 @@ class NotchAction : public QObject {
 
 public:
     struct Look {
-        QString symbol;   // see Symbols
-        QString helpText; // tool tip, and name for screen readers
+        QString symbol;           // see Symbols
+        QString helpText;         // tool tip, and name for screen readers
+        bool isRecording = false; // nobody is to be recorded without seeing it: red, and pulses
 
         bool operator==(const Look &) const = default;
     };

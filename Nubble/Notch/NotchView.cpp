@@ -43,6 +43,7 @@ void NotchView::followState()
 void NotchView::followMotion()
 {
     m_claude->setMotionReduced(m_context.preferences.reducedMotion());
+    m_actions->setMotionReduced(m_context.preferences.reducedMotion());
 }
 
 void NotchView::open(PanelMode mode)

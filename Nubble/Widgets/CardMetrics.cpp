@@ -1,9 +1,12 @@
 #include "Widgets/CardMetrics.h"
 
 #include <QLabel>
+#include <QRegularExpression>
 
 #include "Widgets/Palette.h"
 #include "Widgets/Typography.h"
+
+using namespace Qt::StringLiterals;
 
 namespace nubble::CardMetrics {
 
@@ -17,6 +20,12 @@ QLabel *makeNote()
     palette.setColor(QPalette::WindowText, Palette::textSecondary);
     note->setPalette(palette);
     return note;
+}
+
+QString breakable(QString text)
+{
+    static const QRegularExpression tooLong(u"\\S{30}"_s);
+    return text.replace(tooLong, u"\\0\u200b"_s);
 }
 
 } // namespace nubble::CardMetrics

@@ -3,6 +3,7 @@
 #include <QMargins>
 
 class QLabel;
+class QString;
 
 namespace nubble::CardMetrics {
 
@@ -18,5 +19,9 @@ inline constexpr int rowPadding = textMargins.left() - rowMargins.left();
 
 // A short text in the card's body type, secondary and wrapped, for what is not a row.
 [[nodiscard]] QLabel *makeNote();
+
+// A text that others have written, for such a label: it breaks no line within a word, and cuts off a long
+// one.
+[[nodiscard]] QString breakable(QString text);
 
 } // namespace nubble::CardMetrics

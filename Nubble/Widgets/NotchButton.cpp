@@ -2,11 +2,24 @@
 
 #include <QPainter>
 
+#include <chrono>
+#include <cmath>
+#include <numbers>
+
 #include "Placement/Layout.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Symbols.h"
 
+using namespace std::chrono_literals;
+
 namespace nubble {
+
+namespace {
+
+constexpr auto pulseTime = 2000ms;
+constexpr auto pulseStep = 80ms; // it is all day in somebody's sight, and costs little so
+
+} // namespace
 
 NotchButton::NotchButton(const QString &symbol, const QString &helpText, QWidget *parent)
     : QAbstractButton(parent), m_symbol(symbol), m_tint(Palette::textPrimary), m_side(Layout::actionButton),
@@ -14,6 +27,7 @@ NotchButton::NotchButton(const QString &symbol, const QString &helpText, QWidget
 {
     setHelpText(helpText);
     setFocusPolicy(Qt::TabFocus);
+    m_pulse.callOnTimeout(this, qOverload<>(&QWidget::update));
 }
 
 void NotchButton::setSymbol(const QString &symbol)
@@ -53,6 +67,48 @@ void NotchButton::setRotation(double degrees)
     update();
 }
 
+void NotchButton::setPulsing(bool pulsing)
+{
+    if (m_pulsing == pulsing)
+        return;
+    m_pulsing = pulsing;
+    followPulse();
+}
+
+void NotchButton::followPulse()
+{
+    const bool runs = m_pulsing && isVisible();
+    if (runs == m_pulse.isActive())
+        return;
+    if (runs) {
+        m_sincePulse.start();
+        m_pulse.start(pulseStep);
+    } else {
+        m_pulse.stop();
+    }
+    update();
+}
+
+void NotchButton::showEvent(QShowEvent *)
+{
+    followPulse();
+}
+
+void NotchButton::hideEvent(QHideEvent *)
+{
+    followPulse();
+}
+
+float NotchButton::pulse() const
+{
+    if (!m_pulse.isActive())
+        return 1;
+    constexpr double faintest = 0.4;
+    const double turns = static_cast<double>(m_sincePulse.elapsed()) / static_cast<double>(pulseTime / 1ms);
+    const double wave = (1 + std::cos(2 * std::numbers::pi * turns)) / 2;
+    return static_cast<float>(faintest + (1 - faintest) * wave);
+}
+
 QSize NotchButton::sizeHint() const
 {
     return {qCeil(m_side), qCeil(m_side)};
@@ -70,8 +126,7 @@ void NotchButton::paintEvent(QPaintEvent *)
     painter.drawEllipse(circle.adjusted(0.75, 0.75, -0.75, -0.75));
 
     QColor tint = m_tint;
-    if (!isEnabled())
-        tint.setAlphaF(tint.alphaF() * 0.4F);
+    tint.setAlphaF(tint.alphaF() * pulse() * (isEnabled() ? 1 : 0.4F));
     QRectF symbol(0, 0, m_side * 0.54, m_side * 0.54);
     symbol.moveCenter(QPointF());
     painter.translate(circle.center());

@@ -2,6 +2,8 @@
 
 #include <QAbstractButton>
 #include <QColor>
+#include <QElapsedTimer>
+#include <QTimer>
 
 #include "Widgets/HoverLift.h"
 
@@ -20,17 +22,26 @@ public:
     void setTint(const QColor &tint);
     void setSide(double side);        // of the square that it fills
     void setRotation(double degrees); // of the symbol, clockwise
+    void setPulsing(bool pulsing);    // the symbol, slowly, while it is seen
 
     [[nodiscard]] QSize sizeHint() const override;
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
 
 private:
+    void followPulse();
+    [[nodiscard]] float pulse() const; // of the symbol's density
+
     QString m_symbol;
     QColor m_tint;
     double m_side;
     double m_rotation = 0;
+    bool m_pulsing = false;
+    QTimer m_pulse;
+    QElapsedTimer m_sincePulse;
     HoverLift m_hover;
 };
 

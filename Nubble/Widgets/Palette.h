@@ -30,6 +30,10 @@ inline constexpr QColor critical{255, 63, 0};
 inline constexpr QColor problem{255, 138, 115}; // text that says what went wrong
 inline constexpr QColor badge{255, 176, 32};    // something waits for the user
 inline constexpr QColor bronze{222, 138, 92};   // something works
+inline constexpr QColor recording{255, 82, 74}; // the microphone is listened to
+inline constexpr QColor waveOldest{86, 190, 255};
+inline constexpr QColor waveMiddle{150, 122, 255};
+inline constexpr QColor waveNewest{255, 105, 180};
 inline constexpr QColor quenwick{150, 122, 255};
 inline constexpr QColor textPrimary{255, 255, 255, 235};
 inline constexpr QColor textSecondary{255, 255, 255, 153};

@@ -46,8 +46,10 @@ QMargins TooltipShell::margins() const
 
 QSize TooltipShell::sizeHint() const
 {
-    const QSize content =
+    QSize content =
         m_content->sizeHint().expandedTo(m_content->minimumSize()).boundedTo(m_content->maximumSize());
+    if (m_content->hasHeightForWidth()) // what it hints at is for another width
+        content.setHeight(m_content->heightForWidth(content.width()));
     return content.grownBy(margins());
 }
 

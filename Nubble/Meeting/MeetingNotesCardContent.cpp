@@ -1,0 +1,173 @@
+#include "Meeting/MeetingNotesCardContent.h"
+
+#include <QBoxLayout>
+#include <QLabel>
+#include <QPainter>
+
+#include <chrono>
+
+#include "Meeting/MeetingButtons.h"
+#include "Meeting/MeetingNotes.h"
+#include "Meeting/MeetingTexts.h"
+#include "Meeting/SynthWave.h"
+#include "Meeting/TimingLines.h"
+#include "Widgets/CardHeader.h"
+#include "Widgets/CardMetrics.h"
+#include "Widgets/NotchButton.h"
+#include "Widgets/Palette.h"
+#include "Widgets/Symbols.h"
+#include "Widgets/Typography.h"
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace nubble {
+
+namespace {
+
+constexpr int gap = 6;
+constexpr int contentWidth =
+    CardMetrics::width - CardMetrics::textMargins.left() - CardMetrics::textMargins.right();
+constexpr qsizetype longestStatus = 240; // some six lines
+
+class DocSymbol : public QWidget {
+public:
+    DocSymbol() { setFixedSize(14, 16); }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        Symbols::draw(painter, u"doc.text"_s, QRectF(0, 1, 14, 14), Palette::textSecondary);
+    }
+};
+
+void showNote(QLabel &label, const QString &text)
+{
+    const bool isCut = text.size() > longestStatus;
+    label.setText(CardMetrics::breakable(isCut ? text.first(longestStatus - 1) + u'…' : text));
+    label.setToolTip(
+        isCut ? u"<qt>"_s + CardMetrics::breakable(text).toHtmlEscaped() + u"</qt>"_s : QString());
+    label.setVisible(!text.isEmpty());
+}
+
+} // namespace
+
+MeetingNotesCardContent::MeetingNotesCardContent(
+    MeetingNotes &notes, const Clock &clock, const std::function<void()> &onClose, QWidget *parent)
+    : QWidget(parent), m_notes(notes), m_clock(clock), m_header(new CardHeader(u"Meeting Notes"_s)),
+      m_doc(new QLabel), m_openDoc(new SmallButton(u"Open"_s)), m_pasteLink(new SmallButton(u"Paste link"_s)),
+      m_status(CardMetrics::makeNote()), m_linkHint(CardMetrics::makeNote()),
+      m_othersHint(CardMetrics::makeNote()), m_timing(new TimingLines), m_wave(new SynthWave(notes.mic())),
+      m_big(new BigButton), m_updateNow(new UpdateNowButton)
+{
+    setFixedWidth(CardMetrics::width);
+    auto *close = new NotchButton(u"xmark"_s, u"Close"_s);
+    connect(close, &NotchButton::clicked, this, onClose);
+    m_header->addAccessory(close);
+    m_header->setContentsMargins(0, 0, -6, 0);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(CardMetrics::textMargins);
+    layout->setSpacing(CardMetrics::spacing + 3);
+    layout->addWidget(m_header);
+    layout->addLayout(makeDocRow());
+    for (QWidget *part :
+         std::initializer_list<QWidget *>{m_timing, m_wave, m_status, m_linkHint, m_othersHint})
+        layout->addWidget(part);
+    layout->addLayout(makeButtons());
+
+    m_tick.callOnTimeout(this, &MeetingNotesCardContent::updateTiming);
+    connect(m_openDoc, &QAbstractButton::clicked, &notes, &MeetingNotes::openDoc);
+    connect(m_pasteLink, &QAbstractButton::clicked, &notes, &MeetingNotes::pasteLink);
+    connect(m_big, &QAbstractButton::clicked, this, &MeetingNotesCardContent::press);
+    connect(m_updateNow, &QAbstractButton::clicked, &notes, &MeetingNotes::updateNow);
+    connect(&notes, &MeetingNotes::changed, this, &MeetingNotesCardContent::follow);
+    follow();
+}
+
+QLayout *MeetingNotesCardContent::makeDocRow()
+{
+    m_doc->setFont(Typography::rowTitle());
+    m_doc->setTextFormat(Qt::PlainText);
+    m_doc->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    QPalette colours = m_doc->palette();
+    colours.setColor(QPalette::WindowText, Palette::textPrimary);
+    m_doc->setPalette(colours);
+    auto *name = new QHBoxLayout;
+    name->setSpacing(7);
+    name->addWidget(new DocSymbol);
+    name->addWidget(m_doc, 1);
+    auto *buttons = new QHBoxLayout;
+    buttons->setSpacing(gap);
+    buttons->addWidget(m_openDoc);
+    buttons->addWidget(m_pasteLink);
+    buttons->addStretch();
+    auto *row = new QVBoxLayout;
+    row->setSpacing(8);
+    row->addLayout(name);
+    row->addLayout(buttons);
+    return row;
+}
+
+// Beside each other where the font leaves room for what they may say.
+QLayout *MeetingNotesCardContent::makeButtons()
+{
+    const bool fits = m_big->widest() + gap + m_updateNow->widest() <= contentWidth;
+    auto *row = new QBoxLayout(fits ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    row->setContentsMargins(0, 3, 0, 0);
+    row->setSpacing(gap);
+    row->addWidget(m_big, 1);
+    row->addWidget(m_updateNow);
+    if (fits)
+        m_updateNow->setFixedWidth(m_updateNow->widest());
+    return row;
+}
+
+void MeetingNotesCardContent::follow()
+{
+    const MeetingState &state = m_notes.state();
+    const bool recording = state.phase == MeetingState::Phase::Recording;
+    m_header->setDetail(phaseWord(state));
+    const QString doc = docLabel(state);
+    m_doc->setText(m_doc->fontMetrics().elidedText(doc, Qt::ElideRight, contentWidth - 21));
+    m_doc->setToolTip(m_doc->text() == doc ? QString() : u"<qt>"_s + doc.toHtmlEscaped() + u"</qt>"_s);
+    m_doc->setAccessibleName(doc);
+    m_openDoc->setVisible(isDocTabLink(state.link));
+    m_pasteLink->setEnabled(state.phase == MeetingState::Phase::Idle);
+    showNote(*m_status, statusText(state));
+    showNote(*m_linkHint, linkHint(state));
+    showNote(*m_othersHint, othersHint(state));
+    m_wave->setVisible(recording);
+    m_big->show(state.isRunning(), state.phase == MeetingState::Phase::Finishing);
+    m_updateNow->show(state.updating, m_notes.canUpdateNow());
+    updateTiming();
+    if (!state.startedAt)
+        m_tick.stop();
+    else if (!m_tick.isActive())
+        m_tick.start(1s);
+}
+
+void MeetingNotesCardContent::updateTiming()
+{
+    const QString timing = timingText(m_notes.state(), m_clock.now());
+    m_timing->setText(timing);
+    m_timing->setVisible(!timing.isEmpty());
+}
+
+void MeetingNotesCardContent::press()
+{
+    const MeetingState &state = m_notes.state();
+    const auto truth = [](bool value) { return value ? u"true"_s : u"false"_s; };
+    const bool finishing = state.phase == MeetingState::Phase::Finishing;
+    const bool running = state.isRunning();
+    m_notes.trace(
+        u"big button tapped: running="_s + truth(running) + u" finishing=" + truth(finishing) + u" enabled="
+        + truth(m_big->isEnabled()));
+    if (running)
+        m_notes.stop();
+    else
+        m_notes.start();
+}
+
+} // namespace nubble

@@ -1,0 +1,85 @@
+#include "Meeting/TimingLines.h"
+
+#include <QPainter>
+
+#include <cmath>
+
+#include "Widgets/CardMetrics.h"
+#include "Widgets/Palette.h"
+#include "Widgets/Typography.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nubble {
+
+namespace {
+
+int lineHeight()
+{
+    return static_cast<int>(std::ceil(QFontMetricsF(Typography::cardBody()).lineSpacing()));
+}
+
+} // namespace
+
+TimingLines::TimingLines(QWidget *parent) : QWidget(parent)
+{
+    setFont(Typography::cardBody());
+    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    policy.setHeightForWidth(true);
+    setSizePolicy(policy);
+}
+
+void TimingLines::setText(const QString &text)
+{
+    if (m_text == text)
+        return;
+    const qsizetype before = lines(width()).size();
+    m_text = text;
+    setAccessibleName(text);
+    if (lines(width()).size() != before)
+        updateGeometry();
+    update();
+}
+
+QStringList TimingLines::lines(double width) const
+{
+    constexpr auto separator = u" · ";
+    const QFontMetricsF metrics(font());
+    QStringList result;
+    for (const QString &line : m_text.split(u'\n', Qt::SkipEmptyParts)) {
+        const qsizetype at = line.indexOf(separator);
+        const bool fits = metrics.horizontalAdvance(line) + 4 <= width; // its digits are a little wider
+        if (fits || at < 0)
+            result.append(line);
+        else
+            result += {line.first(at), line.sliced(at + QStringView(separator).size())};
+    }
+    return result;
+}
+
+int TimingLines::heightForWidth(int width) const
+{
+    return static_cast<int>(lines(width).size()) * lineHeight();
+}
+
+QSize TimingLines::sizeHint() const
+{
+    constexpr int width =
+        CardMetrics::width - CardMetrics::textMargins.left() - CardMetrics::textMargins.right();
+    return {width, heightForWidth(width)};
+}
+
+void TimingLines::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setFont(font());
+    painter.setPen(Palette::textPrimary);
+    QRectF line(0, 0, width(), lineHeight());
+    for (const QString &each : lines(width())) {
+        Typography::drawTabular(painter, line, Qt::AlignLeft, each);
+        painter.setPen(Palette::textSecondary);
+        line.translate(0, lineHeight());
+    }
+}
+
+} // namespace nubble
