@@ -332,9 +332,10 @@ void MeetingNotes::accept(const QList<RecorderProcess> &found, quint64 scan)
     m_newest = scan;
     const std::optional<pid_t> started = m_process ? std::optional(m_process->pid()) : std::nullopt;
     m_others = othersAmong(found, ::getpid(), started);
-    m_state.others.clear();
+    QList<pid_t> pids;
     for (const RecorderProcess &each : std::as_const(m_others))
-        m_state.others.append(each.pid);
+        pids.append(each.pid);
+    m_state.others = pids;
 }
 
 void MeetingNotes::tell()

@@ -20,6 +20,8 @@ using namespace std::chrono_literals;
 
 namespace {
 
+const LevelMeter::Bars atRest{};
+
 const QString docLink = u"https://docs.google.com/document/d/1a/edit?tab=t.0#tab=t.abc123"_s;
 
 // "tab TITLE; next MILLISECONDS; begins or ends; written; STATUS", of which each may be missing.
@@ -244,8 +246,8 @@ private Q_SLOTS:
         }
         QCOMPARE(meter.bars()[LevelMeter::barCount - 3], 1.0F);
         meter.reset();
-        QVERIFY(meter.level() == 0 && meter.bars() == LevelMeter::Bars());
-        QCOMPARE(MicLevel(0).bars(), LevelMeter::Bars());
+        QVERIFY(meter.level() == 0 && meter.bars() == atRest);
+        QCOMPARE(MicLevel(0).bars(), atRest);
         const LevelMeter still = LevelMeter::preview(0.5F);
         QVERIFY(std::abs(still.bars()[3] - 0.301805F) < 1e-5F);
     }
@@ -278,7 +280,7 @@ private Q_SLOTS:
         QCOMPARE(failures.first().first(), u"why"_s);
         input.receiver.failed({}); // it does not stay as loud as it was
         QCoreApplication::processEvents();
-        QVERIFY(mic.level() == 0 && mic.bars() == LevelMeter::Bars());
+        QVERIFY(mic.level() == 0 && mic.bars() == atRest);
 
         input.receiver.buffer(sine(1));
         mic.stop(); // what is on its way does not come any more

@@ -14,6 +14,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+const LevelMeter::Bars atRest{};
+
 // A sine of half the full scale, 20 dB lower, is this loud.
 const float toneLevel = (10 * std::log10(0.5F * 0.5F / 2) - 20 + 55) / 40;
 
@@ -83,7 +85,7 @@ private Q_SLOTS:
         QVERIFY(streams.contains("application.name = \"Nubble\""));
         QVERIFY(streams.contains("media.name = \"Microphone level for meeting notes\""));
         mic.stop();
-        QVERIFY(mic.level() == 0 && mic.bars() == LevelMeter::Bars());
+        QVERIFY(mic.level() == 0 && mic.bars() == atRest);
         QTRY_VERIFY(pactl({u"list"_s, u"source-outputs"_s}).isEmpty());
         QVERIFY(failures.isEmpty());
     }
