@@ -207,7 +207,7 @@ private Q_SLOTS:
             (void)QTest::qWaitForWindowExposed(&cell, 100);
             QCoreApplication::processEvents();
             count.paints = 0;
-            return QTest::qWaitFor([&] { return count.paints > 4; }, 600);
+            return QTest::qWaitFor([&] { return count.paints > 3; }, 450);
         };
         QTRY_VERIFY(!moves()); // when the pointer, if it is there, has lifted it
         action.setLook({u"record.circle.fill"_s, u"Meeting notes — recording"_s, true});
