@@ -384,7 +384,7 @@ private Q_SLOTS:
             const QByteArray text = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
             return text.sliced(text.indexOf("VmHWM:") + 6, 12).trimmed().split(' ').first().toLongLong();
         };
-        const qint64 before = peak();
+        [[maybe_unused]] const qint64 before = peak();
         QCOMPARE(
             statusAfter("const big = Buffer.alloc(1e6, 'x'); let n = 0;\n"
                         "const more = () => ++n <= 100 ? process.stdout.write(big, more)\n"
