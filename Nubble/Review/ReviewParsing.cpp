@@ -48,7 +48,7 @@ bool hasForm(QStringView text, QStringView form)
 bool isInternetDateTime(QStringView text)
 {
     constexpr QStringView local = u"0000-00-00T00:00:00";
-    if (text.size() <= local.size() || !hasForm(text.first(local.size()), local))
+    if (text.size() < local.size() || !hasForm(text.first(local.size()), local))
         return false;
     const QStringView zone = text.sliced(local.size());
     return zone == u"Z" || hasForm(zone, u"+00:00") || hasForm(zone, u"+0000");
