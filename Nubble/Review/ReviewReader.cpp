@@ -37,9 +37,8 @@ std::optional<LiveState> ReviewReader::liveState() const
 {
     constexpr qint64 largestFile = 65'536;
     const auto file = RegularFile::open(m_liveStatePath);
-    if (!file || file->size() > largestFile)
-        return std::nullopt;
-    const auto live = parseLiveState(file->read(0, largestFile).value_or(QByteArray()));
+    const auto bytes = file ? file->read(0, largestFile) : std::nullopt;
+    const auto live = parseLiveState(bytes.value_or(QByteArray()));
     return live && m_processes.canSignal(live->pid) ? live : std::nullopt;
 }
 

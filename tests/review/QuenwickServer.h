@@ -82,7 +82,7 @@ private:
             return;
         socket.readAll();
         const QList<QByteArray> words = all.first(all.indexOf('\r')).split(' ');
-        m_requests.append(words.at(0) + ' ' + words.at(1) + ' ' + all.sliced(head));
+        m_requests.append(words.at(0) + ' ' + words.at(1) + ' ' + all.sliced(head, size));
         if (const Script script = m_scripts.value(words.at(1)))
             script(socket);
     }

@@ -1,4 +1,7 @@
+#include <QSignalSpy>
 #include <QTest>
+
+#include <sys/resource.h>
 
 #include "Review/LoopbackRequest.h"
 #include "review/QuenwickServer.h"
@@ -103,6 +106,19 @@ private Q_SLOTS:
             QCOMPARE(server.requests().mid(before), QList<QByteArray>{"POST /a {\"b\":1}"});
         }
         QCOMPARE(elsewhere.requests().size(), 0);
+    }
+
+    void aRequestThatCannotBeMadeHasNoAnswer()
+    {
+        rlimit limit{};
+        QCOMPARE(::getrlimit(RLIMIT_NOFILE, &limit), 0);
+        const rlimit none{.rlim_cur = 0, .rlim_max = limit.rlim_max};
+        ::setrlimit(RLIMIT_NOFILE, &none);
+        LoopbackRequest request(1, "/a", {}, {});
+        ::setrlimit(RLIMIT_NOFILE, &limit);
+        QSignalSpy finished(&request, &LoopbackRequest::finished);
+        QTRY_COMPARE(finished.size(), 1);
+        QCOMPARE(printed(finished[0][0].value<std::optional<HttpReply>>()), "none");
     }
 
     void aServerThatDoesNotAnswerIsWaitedForSoLong()

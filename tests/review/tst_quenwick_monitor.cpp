@@ -123,8 +123,20 @@ private Q_SLOTS:
         const QuenwickConnection quenwick = database();
         quenwick.add("'c', 'm', '', '', '', '2026-09-22T00:00:00Z', 0, 'pending'"); // in the log
         QCOMPARE(afterRefresh(), u"closed 2: b c"_s);
-        quenwick.run("PRAGMA locking_mode = exclusive; BEGIN EXCLUSIVE; PRAGMA user_version = 1");
-        QCOMPARE(afterRefresh(), u"closed 2: b c"_s);
+    }
+
+    void aReadingThatFailedIsTriedAgain()
+    {
+        addRow("a", "2026-09-21T20:00:00Z");
+        open();
+        QTRY_COMPARE(shown(), u"closed 1: a"_s);
+        addRow("b", "2026-09-21T20:00:00Z");
+        const QuenwickConnection quenwick = database();
+        quenwick.run("BEGIN EXCLUSIVE");
+        for (int i = 0; i < 2; ++i)
+            QCOMPARE(afterRefresh(), u"closed 1: a"_s);
+        quenwick.run("ROLLBACK"); // which changes nothing
+        QCOMPARE(afterRefresh(), u"closed 2: a b"_s);
     }
 
     void theInterfaceIsAskedWhileItAnswers()
@@ -268,6 +280,24 @@ private Q_SLOTS:
         });
         m_monitor->perform(ReviewAction::Approve, item(u"a"_s));
         QTRY_COMPARE(shown(), u"closed 1: a Quenwick didn't answer — try again"_s);
+    }
+
+    void aListThatIsOlderThanADecisionsEndIsDropped()
+    {
+        openLive(1, {"a"});
+        QTcpSocket *decision = nullptr;
+        m_server->on("/api/decide", [&](QTcpSocket &socket) { decision = &socket; });
+        m_monitor->perform(ReviewAction::Approve, item(u"a"_s));
+        QTRY_VERIFY(decision);
+        QTRY_VERIFY(!m_monitor->isRefreshing());
+        m_server->on("/api/notch", [&](QTcpSocket &socket) {
+            QuenwickServer::whole(inbox(1, {"a"}))(socket);
+            socket.flush();
+            decision->abort();
+            m_server->answer("/api/notch", inbox(0, {}));
+        });
+        m_monitor->refresh();
+        QTRY_COMPARE(shown(), u"live 0: Approved"_s);
     }
 
     void theCalendarIsLeftToQuenwick()

@@ -86,17 +86,17 @@ private Q_SLOTS:
     void theSoonestOfFiveThousandAreListed()
     {
         const QuenwickConnection quenwick = database();
-        quenwick.run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 5000) INSERT "
-                     "INTO review "
-                     "SELECT 'g' || i, 'mail', 'Ada', 'T', 'Hi', "
-                     "strftime('%Y-%m-%dT%H:%M:%SZ', '2026-11-17', (i * 7919 % 5000) || ' minutes'), 1, "
-                     "'pending' FROM n");
-        QByteArray expected = "5000:";
-        for (int minute = 0; minute < 25; ++minute)
-            for (int i = 1; i <= 5000; ++i)
-                if (i * 7919 % 5000 == minute)
-                    expected += " g" + QByteArray::number(i);
-        QCOMPARE(printed(read()), expected);
+        quenwick.run(
+            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 5000) "
+            "INSERT INTO review SELECT 'g' || i, 'mail', 'Ada', 'T', 'Hi', "
+            "strftime('%Y-%m-%dT%H:%M:%SZ', '2026-11-17', (i * 7919 % 500) || ' minutes'), 1, 'pending' "
+            "FROM n");
+        QByteArrayList expected{"5000:"};
+        for (int minute = 0; minute < 3; ++minute)
+            for (int i = 1; i <= 5000; ++i) // those of the same minute in their order
+                if (i * 7919 % 500 == minute)
+                    expected.append("g" + QByteArray::number(i));
+        QCOMPARE(printed(read()), expected.first(26).join(' '));
     }
 
     void itIsFoundWhateverItsFolderIsCalled()
