@@ -112,21 +112,21 @@ void HttpAnswer::readHead(const QByteArray &head)
     m_status = statusIn(lines.takeFirst());
     const QList<QByteArray> codings = valuesOf(lines, "Transfer-Encoding");
     const QList<QByteArray> lengths = valuesOf(lines, "Content-Length");
+    const bool isSound = m_status != 0 && (codings.isEmpty() || codings == QList<QByteArray>{"chunked"})
+        && std::ranges::count(lengths, lengths.value(0)) == lengths.size();
     constexpr int firstFinal = 200; // before it, more heads follow
-    if (m_status == 0)
+    if (!isSound)
         m_expected = Expected::Failed;
     else if (m_status < firstFinal)
         m_expected = Expected::Head;
     else if (m_status == 204 || m_status == 304)
         m_expected = Expected::Nothing;
     else if (!codings.isEmpty())
-        m_expected = codings == QList<QByteArray>{"chunked"} ? Expected::ChunkSize : Expected::Failed;
+        m_expected = Expected::ChunkSize;
     else if (lengths.isEmpty())
         m_expected = Expected::BodyToEnd;
-    else if (std::ranges::count(lengths, lengths.first()) == lengths.size())
-        expectBytes(Expected::Body, numberIn(lengths.first(), 10).value_or(-1));
     else
-        m_expected = Expected::Failed;
+        expectBytes(Expected::Body, numberIn(lengths.first(), 10).value_or(-1));
 }
 
 void HttpAnswer::readChunkSize(const QByteArray &line)

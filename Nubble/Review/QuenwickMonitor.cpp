@@ -286,7 +286,6 @@ void QuenwickMonitor::begin(const QuenwickItem &item)
     ReviewState next = m_state;
     next.busy.insert(item.id());
     remove(next.inbox, item);
-    m_showsDatabase = false;
     m_unanswered.remove(item.id());
     publish(next);
 }
