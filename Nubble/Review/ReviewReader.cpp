@@ -1,5 +1,6 @@
 #include "Review/ReviewReader.h"
 
+#include "Platform/Memory.h"
 #include "Platform/ProcessTable.h"
 
 using namespace Qt::StringLiterals;
@@ -25,6 +26,7 @@ ReviewLook ReviewReader::readDatabase(const QDateTime &today, bool afresh, const
     if (isKnown && m_isSettled && !afresh)
         return {};
     ReviewLook look{.live = {}, .inbox = m_database.read(today, stop)};
+    releaseFreedMemory(); // of SQLite's caches, which would stay for this thread; readings are rare
     // What was written within the same tick of the file system's clock as the first reading shows at the
     // second.
     m_isSettled = isKnown;
