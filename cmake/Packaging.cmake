@@ -26,8 +26,8 @@ you, and how much of your plan is left. One click brings the right terminal
 forward.]])
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # What the program needs without being linked to it: the folder list of the icon theme, a command that unpacks the plan's
-# usage, and a bus that connects its commands with the running instance.
+# usage, a bus that connects its commands with the running instance, and a command that starts other applications.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS hicolor-icon-theme)
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "zstd, default-dbus-session-bus | dbus-session-bus")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "zstd, default-dbus-session-bus | dbus-session-bus, libglib2.0-bin")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS fonts-inter)
 include(CPack)
