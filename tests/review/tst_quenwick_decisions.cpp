@@ -88,18 +88,18 @@ private Q_SLOTS:
     void aListThatIsOlderThanADecisionsEndIsDropped()
     {
         m_world->openLive(1, {"a"});
-        QTcpSocket *decision = nullptr;
-        m_world->server.on("/api/decide", [&](QTcpSocket &socket) { decision = &socket; });
-        m_world->monitor->perform(ReviewAction::Approve, ReviewWorld::item(u"a"_s));
-        QTRY_VERIFY(decision);
         QTRY_VERIFY(!m_world->monitor->isRefreshing());
-        m_world->server.on("/api/notch", [&](QTcpSocket &socket) {
-            QuenwickServer::whole(ReviewWorld::inbox(1, {"a"}))(socket);
-            socket.flush();
-            decision->abort();
-            m_world->server.answer("/api/notch", ReviewWorld::inbox(0, {}));
-        });
+        QTcpSocket *list = nullptr;
+        m_world->server.on("/api/notch", [&](QTcpSocket &socket) { list = &socket; });
         m_world->monitor->refresh();
+        QTRY_VERIFY(list);
+        m_world->server.on("/api/decide", [&](QTcpSocket &socket) {
+            QuenwickServer::whole(ReviewWorld::inbox(1, {"a"}))(*list);
+            list->flush();
+            m_world->server.answer("/api/notch", ReviewWorld::inbox(0, {}));
+            socket.abort(); // so that both are found at once, the list first
+        });
+        m_world->monitor->perform(ReviewAction::Approve, ReviewWorld::item(u"a"_s));
         QTRY_COMPARE(m_world->shown(), u"live 0: Approved"_s);
     }
 

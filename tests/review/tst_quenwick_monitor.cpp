@@ -52,16 +52,18 @@ private Q_SLOTS:
         m_world->addRow("a", "2026-09-21T20:00:00Z");
         m_world->open();
         QTRY_COMPARE(m_world->shown(), u"closed 1: a"_s);
-        m_world->afterRefresh(); // not before the second time it counts as unchanged
-        struct stat before { };
-        QCOMPARE(::stat(QFile::encodeName(m_world->databasePath()).constData(), &before), 0);
-        m_world->database().run("UPDATE review SET guid = 'b'");
-        const std::array<timespec, 2> times{before.st_atim, before.st_mtim};
-        QCOMPARE(
-            ::utimensat(AT_FDCWD, QFile::encodeName(m_world->databasePath()).constData(), times.data(), 0),
-            0);
-        QCOMPARE(m_world->afterRefresh(), u"closed 1: a"_s);
-        QFile::remove(m_world->databasePath() + u"-wal");
+        const auto rename = [this](const QByteArray &guid) { // within one tick of the file system's clock
+            const QByteArray path = QFile::encodeName(m_world->databasePath());
+            struct stat before { };
+            QCOMPARE(::stat(path.constData(), &before), 0);
+            m_world->database().run("UPDATE review SET guid = '" + guid + '\'');
+            const std::array<timespec, 2> times{before.st_atim, before.st_mtim};
+            QCOMPARE(::utimensat(AT_FDCWD, path.constData(), times.data(), 0), 0);
+        };
+        rename("c");
+        QCOMPARE(m_world->afterRefresh(), u"closed 1: c"_s); // as it may be written while it is read first
+        rename("b");
+        QCOMPARE(m_world->afterRefresh(), u"closed 1: c"_s);
         m_world->clock.advance(24h);
         QCOMPARE(m_world->afterRefresh(), u"closed 0:"_s);
         m_world->clock.advance(-24h);
