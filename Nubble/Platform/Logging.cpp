@@ -6,5 +6,6 @@ Q_LOGGING_CATEGORY(logPlatform, "nubble.platform", QtWarningMsg)
 Q_LOGGING_CATEGORY(logShell, "nubble.shell", QtWarningMsg)
 Q_LOGGING_CATEGORY(logSessions, "nubble.sessions", QtWarningMsg)
 Q_LOGGING_CATEGORY(logUsage, "nubble.usage", QtWarningMsg)
+Q_LOGGING_CATEGORY(logReview, "nubble.review", QtWarningMsg)
 
 } // namespace nubble

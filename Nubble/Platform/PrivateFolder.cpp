@@ -27,9 +27,10 @@ int openParent(const char *path)
     if (parent < 0 || ::fstat(parent, &info) != 0)
         return parent;
     constexpr mode_t writtenByOthers = S_IWGRP | S_IWOTH;
+    constexpr mode_t kind = S_IFMT;
     if (info.st_uid == ::geteuid()
         && ((info.st_mode & writtenByOthers) == 0
-            || ::fchmod(parent, info.st_mode & ~S_IFMT & ~writtenByOthers) == 0))
+            || ::fchmod(parent, info.st_mode & ~kind & ~writtenByOthers) == 0))
         return parent;
     ::close(parent);
     errno = EPERM;

@@ -2,6 +2,7 @@
 
 #include "Shell/Addon.h"
 #include "Shell/Defaults.h"
+#include "Shell/DesktopEntry.h"
 #include "Shell/Migration.h"
 #include "Shell/Tools.h"
 #include "support/TemporaryHome.h"
@@ -149,6 +150,19 @@ private Q_SLOTS:
         QCOMPARE(lack(Addon::Quenwick), u""_s);
         QVERIFY(description(Addon::Ask).startsWith(u"Ctrl+Alt+A "));
         QVERIFY(description(Addon::Search).startsWith(u"Ctrl+Alt+Space "));
+    }
+
+    void anApplicationIsStartedByItsDesktopEntry()
+    {
+        const QString started = m_home->path(u"sta rted"_s);
+        m_home->write(
+            u"data/applications/com.example.app.desktop"_s,
+            "[Desktop Entry]\nType=Application\nName=A\nExec=touch \"" + started.toUtf8() + "\" %U\n");
+        qputenv("XDG_DATA_HOME", m_home->path(u"data"_s).toUtf8());
+        QVERIFY(!launchDesktopEntry(u"com.example.other"_s, m_home->home()));
+        QVERIFY(launchDesktopEntry(u"com.example.app"_s, m_home->home()));
+        qunsetenv("XDG_DATA_HOME");
+        QTRY_VERIFY(QFile::exists(started));
     }
 
 private:
