@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QGraphicsOpacityEffect>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLinearGradient>
 #include <QPainter>
 #include <QScrollBar>
@@ -46,6 +47,14 @@ public:
     }
 
 protected:
+    // The two move through the results, from here too.
+    void keyPressEvent(QKeyEvent *event) override
+    {
+        if (event->key() == Qt::Key_Up || event->key() == Qt::Key_Down)
+            event->ignore();
+        else
+            QAbstractButton::keyPressEvent(event);
+    }
     void paintEvent(QPaintEvent *) override
     {
         QPainter painter(this);
@@ -135,6 +144,12 @@ void CategoryStrip::wheelEvent(QWheelEvent *event)
     const int along = delta.x() != 0 ? delta.x() : delta.y();
     horizontalScrollBar()->setValue(horizontalScrollBar()->value() - along / 2);
     event->accept();
+}
+
+// The keys that would scroll it move through the results.
+void CategoryStrip::keyPressEvent(QKeyEvent *event)
+{
+    event->ignore();
 }
 
 void CategoryStrip::resizeEvent(QResizeEvent *event)

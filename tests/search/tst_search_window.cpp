@@ -241,6 +241,9 @@ private Q_SLOTS:
             Qt::SingleShotConnection);
         press(Qt::Key_Return); // and left before it is there
         QTRY_VERIFY(!search().isSearching());
+        press(Qt::Key_Return);
+        press(Qt::Key_Escape); // even sooner
+        QVERIFY(m_window->isOpen() && !search().isReading());
         read();
         QCOMPARE(ready.size(), 1);
         QCOMPARE(counter(), u"A chat, match 1 of 3"_s);
@@ -280,10 +283,17 @@ private Q_SLOTS:
         press(Qt::Key_Tab); // to the button that clears
         press(Qt::Key_Tab);
         QCOMPARE(m_surface->window.focusWidget(), button(u"All"_s));
+        press(Qt::Key_PageDown);
+        QVERIFY(list()->currentIndex().row() > 1);
+        press(Qt::Key_PageUp);
+        press(Qt::Key_Down);
+        QCOMPARE(list()->currentIndex().row(), 1);
+        press(Qt::Key_Return); // presses the button, and reads nothing
+        QVERIFY(!search().isReading());
         press(Qt::Key_Tab);
         QCOMPARE(m_surface->window.focusWidget(), list());
         press(Qt::Key_Down);
-        QCOMPARE(list()->currentIndex().row(), 1);
+        QCOMPARE(list()->currentIndex().row(), 2);
         press(Qt::Key_X);
         QCOMPARE(m_surface->window.focusWidget(), line());
         QCOMPARE(line()->text(), u"somesomex"_s);
@@ -291,6 +301,12 @@ private Q_SLOTS:
         press(Qt::Key_L, Qt::ControlModifier);
         QCOMPARE(line()->selectedText(), u"somesomex"_s);
         read();
+        button(u"Previous match"_s)->setFocus();
+        press(Qt::Key_Down);
+        QCOMPARE(search().hit(), 1);
+        press(Qt::Key_Return);
+        QCOMPARE(search().hit(), 0);
+        line()->setFocus();
         press(Qt::Key_Right);
         QTest::keyClick(line(), 'y');
         QVERIFY(!isRead());
