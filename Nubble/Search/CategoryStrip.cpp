@@ -114,7 +114,8 @@ void CategoryStrip::setCategories(const QList<ChatCategory> &categories, const s
         delete m_chips.button(static_cast<int>(m_categories.size()));
     }
     for (const ChatCategory &each : categories.first(std::min(categories.size(), mostChips)))
-        add(each.category, each.count);
+        if (!singleLine(each.category).isEmpty()) // what is in no category
+            add(each.category, each.count);
     if (!m_categories.contains(chosen))
         add(chosen, 0);
     setChosen(chosen);

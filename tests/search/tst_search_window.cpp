@@ -108,7 +108,8 @@ private Q_SLOTS:
         };
         m_home->write(
             u"categories"_s,
-            QJsonDocument(QJsonArray{category(u"Work"_s, 3), category(u"Kids"_s, 1)}).toJson());
+            QJsonDocument(QJsonArray{category(u" "_s, 9), category(u"Work"_s, 3), category(u"Kids"_s, 1)})
+                .toJson());
         QJsonArray messages;
         for (int i = 0; i < 60; ++i)
             messages.append(QJsonObject{{u"me"_s, i % 2 == 0}, {u"text"_s, u"word %1"_s.arg(i)}});
@@ -187,6 +188,7 @@ private Q_SLOTS:
     void foreignTextStandsOnOneLine()
     {
         QCOMPARE(singleLine(u" a\n\u202eb\u2029\u2066c  "_s), u"a b c"_s);
+        QCOMPARE(titleText(u" \u202e "_s), u"Untitled"_s);
         QVERIFY(!singleLine(QString(599, u'x') + u"😀"_s).back().isSurrogate());
         ChatHit hit;
         hit.project = hit.category = u"Both"_s;
