@@ -12,7 +12,7 @@ Card meetingCard(MeetingNotes &notes, const Clock &clock)
         .name = "notes"_L1,
         .makeContent =
             [&notes, &clock](const CardRoom &room) {
-                return new MeetingNotesCardContent(notes, clock, room.close);
+                return new MeetingNotesCardContent(notes, clock, room);
             },
         .refresh = {},
     };

@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QPainter>
 
+#include <array>
 #include <chrono>
 
 #include "Meeting/MeetingButtons.h"
@@ -11,6 +12,7 @@
 #include "Meeting/MeetingTexts.h"
 #include "Meeting/SynthWave.h"
 #include "Meeting/TimingLines.h"
+#include "Widgets/Card.h"
 #include "Widgets/CardHeader.h"
 #include "Widgets/CardMetrics.h"
 #include "Widgets/NotchButton.h"
@@ -28,7 +30,7 @@ namespace {
 constexpr int gap = 6;
 constexpr int contentWidth =
     CardMetrics::width - CardMetrics::textMargins.left() - CardMetrics::textMargins.right();
-constexpr qsizetype longestStatus = 240; // some six lines
+constexpr std::array<qsizetype, 4> longestStatus{240, 120, 60, 30}; // the first makes some eight lines
 
 class DocSymbol : public QWidget {
 public:
@@ -42,10 +44,10 @@ protected:
     }
 };
 
-void showNote(QLabel &label, const QString &text)
+void showNote(QLabel &label, const QString &text, qsizetype longest = longestStatus.front())
 {
-    const bool isCut = text.size() > longestStatus;
-    label.setText(CardMetrics::breakable(isCut ? text.first(longestStatus - 1) + u'…' : text));
+    const bool isCut = text.size() > longest;
+    label.setText(CardMetrics::breakable(isCut ? text.first(longest - 1) + u'…' : text));
     label.setToolTip(
         isCut ? u"<qt>"_s + CardMetrics::breakable(text).toHtmlEscaped() + u"</qt>"_s : QString());
     label.setVisible(!text.isEmpty());
@@ -54,16 +56,16 @@ void showNote(QLabel &label, const QString &text)
 } // namespace
 
 MeetingNotesCardContent::MeetingNotesCardContent(
-    MeetingNotes &notes, const Clock &clock, const std::function<void()> &onClose, QWidget *parent)
-    : QWidget(parent), m_notes(notes), m_clock(clock), m_header(new CardHeader(u"Meeting Notes"_s)),
-      m_doc(new QLabel), m_openDoc(new SmallButton(u"Open"_s)), m_pasteLink(new SmallButton(u"Paste link"_s)),
-      m_status(CardMetrics::makeNote()), m_linkHint(CardMetrics::makeNote()),
-      m_othersHint(CardMetrics::makeNote()), m_timing(new TimingLines), m_wave(new SynthWave(notes.mic())),
-      m_big(new BigButton), m_updateNow(new UpdateNowButton)
+    MeetingNotes &notes, const Clock &clock, const CardRoom &room, QWidget *parent)
+    : QWidget(parent), m_notes(notes), m_clock(clock), m_room(room.height),
+      m_header(new CardHeader(u"Meeting Notes"_s)), m_doc(new QLabel), m_openDoc(new SmallButton(u"Open"_s)),
+      m_pasteLink(new SmallButton(u"Paste link"_s)), m_status(CardMetrics::makeNote()),
+      m_linkHint(CardMetrics::makeNote()), m_othersHint(CardMetrics::makeNote()), m_timing(new TimingLines),
+      m_wave(new SynthWave(notes.mic())), m_big(new BigButton), m_updateNow(new UpdateNowButton)
 {
     setFixedWidth(CardMetrics::width);
     auto *close = new NotchButton(u"xmark"_s, u"Close"_s);
-    connect(close, &NotchButton::clicked, this, onClose);
+    connect(close, &NotchButton::clicked, this, room.close);
     m_header->addAccessory(close);
     m_header->setContentsMargins(0, 0, -6, 0);
 
@@ -135,17 +137,27 @@ void MeetingNotesCardContent::follow()
     m_doc->setAccessibleName(doc);
     m_openDoc->setVisible(isDocTabLink(state.link));
     m_pasteLink->setEnabled(state.phase == MeetingState::Phase::Idle);
-    showNote(*m_status, statusText(state));
     showNote(*m_linkHint, linkHint(state));
     showNote(*m_othersHint, othersHint(state));
     m_wave->setVisible(recording);
     m_big->show(state.isRunning(), state.phase == MeetingState::Phase::Finishing);
     m_updateNow->show(state.updating, m_notes.canUpdateNow());
     updateTiming();
+    showStatus(statusText(state));
     if (!state.startedAt)
         m_tick.stop();
     else if (!m_tick.isActive())
         m_tick.start(1s);
+}
+
+// A small screen shows less of it: the buttons below must stay within reach.
+void MeetingNotesCardContent::showStatus(const QString &status)
+{
+    for (const qsizetype longest : longestStatus) {
+        showNote(*m_status, status, longest);
+        if (layout()->totalHeightForWidth(width()) <= m_room)
+            break;
+    }
 }
 
 void MeetingNotesCardContent::updateTiming()

@@ -3,14 +3,13 @@
 #include <QTimer>
 #include <QWidget>
 
-#include <functional>
-
 class QLabel;
 
 namespace nubble {
 
 class BigButton;
 class CardHeader;
+struct CardRoom;
 class Clock;
 class MeetingNotes;
 class SmallButton;
@@ -24,20 +23,21 @@ class MeetingNotesCardContent : public QWidget {
     Q_OBJECT
 
 public:
-    // `notes` and `clock` outlive it; `onClose` closes the card.
+    // `notes` and `clock` outlive it.
     MeetingNotesCardContent(
-        MeetingNotes &notes, const Clock &clock, const std::function<void()> &onClose,
-        QWidget *parent = nullptr);
+        MeetingNotes &notes, const Clock &clock, const CardRoom &room, QWidget *parent = nullptr);
 
 private:
     [[nodiscard]] QLayout *makeDocRow();
     [[nodiscard]] QLayout *makeButtons();
     void follow();
+    void showStatus(const QString &status);
     void updateTiming();
     void press();
 
     MeetingNotes &m_notes;
     const Clock &m_clock;
+    const int m_room; // for its height
     CardHeader *m_header;
     QLabel *m_doc;
     SmallButton *m_openDoc;

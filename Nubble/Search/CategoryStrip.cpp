@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QGraphicsOpacityEffect>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLinearGradient>
 #include <QPainter>
 #include <QScrollBar>
@@ -46,6 +47,14 @@ public:
     }
 
 protected:
+    // The two move through the results, from here too.
+    void keyPressEvent(QKeyEvent *event) override
+    {
+        if (event->key() == Qt::Key_Up || event->key() == Qt::Key_Down)
+            event->ignore();
+        else
+            QAbstractButton::keyPressEvent(event);
+    }
     void paintEvent(QPaintEvent *) override
     {
         QPainter painter(this);
@@ -105,7 +114,8 @@ void CategoryStrip::setCategories(const QList<ChatCategory> &categories, const s
         delete m_chips.button(static_cast<int>(m_categories.size()));
     }
     for (const ChatCategory &each : categories.first(std::min(categories.size(), mostChips)))
-        add(each.category, each.count);
+        if (!singleLine(each.category).isEmpty()) // what is in no category
+            add(each.category, each.count);
     if (!m_categories.contains(chosen))
         add(chosen, 0);
     setChosen(chosen);
@@ -135,6 +145,12 @@ void CategoryStrip::wheelEvent(QWheelEvent *event)
     const int along = delta.x() != 0 ? delta.x() : delta.y();
     horizontalScrollBar()->setValue(horizontalScrollBar()->value() - along / 2);
     event->accept();
+}
+
+// The keys that would scroll it move through the results.
+void CategoryStrip::keyPressEvent(QKeyEvent *event)
+{
+    event->ignore();
 }
 
 void CategoryStrip::resizeEvent(QResizeEvent *event)

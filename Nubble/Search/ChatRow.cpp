@@ -85,7 +85,7 @@ void ChatRow::paint(QPainter *painter, const QStyleOptionViewItem &option, const
     painter->setFont(Typography::resultTitle());
     painter->setPen(Palette::textPrimary);
     const QRectF title(area.left(), area.top(), area.width(), 20);
-    drawElided(*painter, title, singleLine(hit.title));
+    drawElided(*painter, title, titleText(hit.title));
     drawSnippet(*painter, QRectF(area.left(), title.bottom(), area.width(), 18), hit.snippet);
     drawMeta(*painter, QRectF(area.left(), area.bottom() - 15, area.width(), 15), hit);
     painter->restore();

@@ -39,6 +39,7 @@ public:
     [[nodiscard]] qsizetype selection() const { return m_selection; }        // in the results
     [[nodiscard]] const QStringList &words() const { return m_words; }       // that the results match
     [[nodiscard]] bool hasAnswered() const { return m_answered; }            // ever
+    [[nodiscard]] bool isReading() const { return m_reading != nullptr; }    // a thread, which opens soon
     [[nodiscard]] bool isSearching() const { return m_search || m_reading; } // for results, or a thread
 
     [[nodiscard]] const std::optional<ChatThread> &thread() const { return m_thread; } // while one is open

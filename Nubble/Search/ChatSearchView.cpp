@@ -1,5 +1,6 @@
 #include "Search/ChatSearchView.h"
 
+#include <QAbstractButton>
 #include <QAccessible>
 #include <QDateTime>
 #include <QKeyEvent>
@@ -21,6 +22,7 @@
 #include "Search/ThreadPage.h"
 #include "Thread/ThreadView.h"
 #include "Widgets/CardMetrics.h"
+#include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Typography.h"
 
@@ -72,6 +74,8 @@ ChatSearchView::ChatSearchView(
 
     followSearch();
     followUser();
+    for (NotchButton *button : findChildren<NotchButton *>())
+        button->installEventFilter(this);
     m_query->setText(m_search.query());
     showCategories();
     showAnswer();
@@ -216,6 +220,17 @@ void ChatSearchView::paintEvent(QPaintEvent *)
         painter.fillRect(QRect(0, m_foot->y(), width(), 1), Palette::cardLine);
 }
 
+// A button itself would take them to move the keyboard on.
+bool ChatSearchView::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::KeyPress) {
+        const auto &key = static_cast<const QKeyEvent &>(*event);
+        if (key.key() == Qt::Key_Up || key.key() == Qt::Key_Down)
+            return takeKey(key);
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
 void ChatSearchView::keyPressEvent(QKeyEvent *event)
 {
     if (takeKey(*event))
@@ -240,6 +255,8 @@ bool ChatSearchView::takeKey(const QKeyEvent &event)
         return openOutside(), true;
     if (modifiers != Qt::NoModifier)
         return false;
+    if (auto *button = qobject_cast<QAbstractButton *>(window()->focusWidget()); isReturn && button)
+        return event.isAutoRepeat() || (button->click(), true);
     if (isReturn)
         return openSelected(), true;
     switch (event.key()) {
@@ -276,7 +293,7 @@ void ChatSearchView::down(int by)
 
 void ChatSearchView::escape()
 {
-    if (m_search.thread())
+    if (m_search.thread() || m_search.isReading())
         m_search.closeThread();
     else
         Q_EMIT closeWanted();

@@ -37,6 +37,7 @@ Q_SIGNALS:
 protected:
     void paintEvent(QPaintEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override; // of its buttons
 
 private:
     [[nodiscard]] QWidget *makeResults();

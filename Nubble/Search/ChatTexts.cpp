@@ -144,6 +144,12 @@ QString openSymbol(const ChatThread &thread)
     return resumes(thread) ? u"terminal"_s : u"arrow.up.right"_s;
 }
 
+QString titleText(const QString &title)
+{
+    const QString line = singleLine(title);
+    return line.isEmpty() ? u"Untitled"_s : line;
+}
+
 QString singleLine(const QString &text)
 {
     constexpr qsizetype longest = 600;

@@ -35,4 +35,7 @@ namespace nubble {
 // never fits is cut off.
 [[nodiscard]] QString singleLine(const QString &text);
 
+// A chat's title so, or what stands for one.
+[[nodiscard]] QString titleText(const QString &title);
+
 } // namespace nubble

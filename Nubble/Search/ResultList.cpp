@@ -36,7 +36,7 @@ public:
     {
         switch (role) {
         case Qt::DisplayRole:
-            return singleLine(hit(index.row()).title);
+            return titleText(hit(index.row()).title);
         case Qt::AccessibleDescriptionRole:
             return QString(
                 singleLine(hit(index.row()).snippet) + u". "_s + metaText(hit(index.row()), m_now()));
@@ -140,7 +140,7 @@ void ResultList::showToolTip(const QPoint &point, const QPoint &onScreen)
     const ChatHit &hit = m_rows->hit(index.row());
     const QRect row = visualRect(index);
     const bool isOnButton = ChatRow::openButton(row).contains(point);
-    const QString text = isOnButton ? openText(hit) + u"  Ctrl+Return"_s : singleLine(hit.title);
+    const QString text = isOnButton ? openText(hit) + u"  Ctrl+Return"_s : titleText(hit.title);
     QToolTip::showText(onScreen, u"<qt>"_s + text.toHtmlEscaped() + u"</qt>"_s, viewport(), row);
 }
 

@@ -52,7 +52,7 @@ ThreadHeader::ThreadHeader(QWidget *parent)
 
 void ThreadHeader::setThread(const ChatThread &thread, const QString &date)
 {
-    m_title = singleLine(thread.title);
+    m_title = titleText(thread.title);
     m_date = date;
     const QString help = openText(thread);
     m_open->setHelpText(help + u"  Ctrl+Return"_s);

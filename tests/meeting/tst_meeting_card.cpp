@@ -159,6 +159,9 @@ private Q_SLOTS:
             });
         };
         QTRY_VERIFY(fit());
+        const auto card = meetingCard(*m_notes, m_clock);
+        const std::unique_ptr<QWidget> onSmallScreen(card.makeContent({.height = 290, .close = {}}));
+        QVERIFY(onSmallScreen->heightForWidth(onSmallScreen->width()) <= 290);
         QTRY_VERIFY(button(u"Start recording"_s));
         QVERIFY(timing().isEmpty());
         const QByteArray log = m_home->read(u".quib-live/notch.log"_s);

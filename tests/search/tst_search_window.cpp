@@ -108,7 +108,8 @@ private Q_SLOTS:
         };
         m_home->write(
             u"categories"_s,
-            QJsonDocument(QJsonArray{category(u"Work"_s, 3), category(u"Kids"_s, 1)}).toJson());
+            QJsonDocument(QJsonArray{category(u" "_s, 9), category(u"Work"_s, 3), category(u"Kids"_s, 1)})
+                .toJson());
         QJsonArray messages;
         for (int i = 0; i < 60; ++i)
             messages.append(QJsonObject{{u"me"_s, i % 2 == 0}, {u"text"_s, u"word %1"_s.arg(i)}});
@@ -187,6 +188,7 @@ private Q_SLOTS:
     void foreignTextStandsOnOneLine()
     {
         QCOMPARE(singleLine(u" a\n\u202eb\u2029\u2066c  "_s), u"a b c"_s);
+        QCOMPARE(titleText(u" \u202e "_s), u"Untitled"_s);
         QVERIFY(!singleLine(QString(599, u'x') + u"😀"_s).back().isSurrogate());
         ChatHit hit;
         hit.project = hit.category = u"Both"_s;
@@ -241,6 +243,9 @@ private Q_SLOTS:
             Qt::SingleShotConnection);
         press(Qt::Key_Return); // and left before it is there
         QTRY_VERIFY(!search().isSearching());
+        press(Qt::Key_Return);
+        press(Qt::Key_Escape); // even sooner
+        QVERIFY(m_window->isOpen() && !search().isReading());
         read();
         QCOMPARE(ready.size(), 1);
         QCOMPARE(counter(), u"A chat, match 1 of 3"_s);
@@ -280,10 +285,17 @@ private Q_SLOTS:
         press(Qt::Key_Tab); // to the button that clears
         press(Qt::Key_Tab);
         QCOMPARE(m_surface->window.focusWidget(), button(u"All"_s));
+        press(Qt::Key_PageDown);
+        QVERIFY(list()->currentIndex().row() > 1);
+        press(Qt::Key_PageUp);
+        press(Qt::Key_Down);
+        QCOMPARE(list()->currentIndex().row(), 1);
+        press(Qt::Key_Return); // presses the button, and reads nothing
+        QVERIFY(!search().isReading());
         press(Qt::Key_Tab);
         QCOMPARE(m_surface->window.focusWidget(), list());
         press(Qt::Key_Down);
-        QCOMPARE(list()->currentIndex().row(), 1);
+        QCOMPARE(list()->currentIndex().row(), 2);
         press(Qt::Key_X);
         QCOMPARE(m_surface->window.focusWidget(), line());
         QCOMPARE(line()->text(), u"somesomex"_s);
@@ -291,6 +303,12 @@ private Q_SLOTS:
         press(Qt::Key_L, Qt::ControlModifier);
         QCOMPARE(line()->selectedText(), u"somesomex"_s);
         read();
+        button(u"Previous match"_s)->setFocus();
+        press(Qt::Key_Down);
+        QCOMPARE(search().hit(), 1);
+        press(Qt::Key_Return);
+        QCOMPARE(search().hit(), 0);
+        line()->setFocus();
         press(Qt::Key_Right);
         QTest::keyClick(line(), 'y');
         QVERIFY(!isRead());
