@@ -14,7 +14,9 @@
 #include "Platform/InstanceBus.h"
 #include "Platform/MainThread.h"
 #include "Platform/System.h"
+#include "Review/QuenwickCard.h"
 #include "Sessions/SessionsCard.h"
+#include "Shell/DesktopEntry.h"
 #include "Usage/UsageCard.h"
 #include "Widgets/Typography.h"
 
@@ -38,7 +40,12 @@ AppDelegate::AppDelegate(const Home &home, InstanceBus &bus, Relaunch relaunch)
       m_actions(notchActions(
           m_addons, m_panelState, m_notifications, m_meetingNotes.get(),
           [this](PanelMode mode) { m_panel.view().open(mode); })),
-      m_layout(Typography::percentLineHeight(), false, static_cast<int>(m_actions.size())),
+      m_quenwick(quenwickMonitor()),
+      m_companion(
+          m_quenwick && m_quenwick->state().installed
+              ? companionAction(*m_quenwick, m_clock, [this](PanelMode mode) { m_panel.view().open(mode); })
+              : nullptr),
+      m_layout(Typography::percentLineHeight(), m_companion != nullptr, static_cast<int>(m_actions.size())),
       m_placement(m_defaults, m_layout),
       m_sessionMonitor(
           home.file(u".claude/sessions"_s), home.file(u".claude/projects"_s),
@@ -66,6 +73,7 @@ AppDelegate::AppDelegate(const Home &home, InstanceBus &bus, Relaunch relaunch)
     openAskAddon();
     openSearchAddon();
     openNotesAddon();
+    openReviewAddon();
     registerHotKeys();
 }
 
@@ -92,6 +100,10 @@ NotchContents AppDelegate::notchContents()
         .cards = {sessions, usageCard(m_planUsage, m_clock, *m_backend.preferences)}, .actions = {}};
     if (m_meetingNotes)
         contents.cards.append(meetingCard(*m_meetingNotes, m_clock));
+    if (m_companion) {
+        contents.cards.append(quenwickCard(*m_quenwick, m_clock, *m_backend.preferences));
+        contents.companion = m_companion.get();
+    }
     for (const auto &action : m_actions)
         contents.actions.append(action.get());
     return contents;
@@ -231,6 +243,38 @@ void AppDelegate::openNotesAddon()
     });
     m_commands.addReport([this](QJsonObject &status) { reportNotes(*m_meetingNotes, status); });
     m_meetingNotes->watch();
+}
+
+std::unique_ptr<QuenwickMonitor> AppDelegate::quenwickMonitor()
+{
+    if (!m_addons.contains(Addon::Quenwick))
+        return nullptr;
+    return std::make_unique<QuenwickMonitor>(
+        m_home,
+        QuenwickMonitor::Surroundings{
+            .clock = m_clock,
+            .processes = *m_processes,
+            .openApplication =
+                [this](const QString &identifier, std::optional<pid_t> process) {
+                    return openApplication(identifier, process);
+                },
+            .openUrl = openLink});
+}
+
+// One that runs is brought forward; otherwise it is started.
+bool AppDelegate::openApplication(const QString &identifier, std::optional<pid_t> process)
+{
+    if (process && m_backend.workspace->activateNearest({*process}) == Activation::Requested)
+        return true;
+    return launchDesktopEntry(identifier, m_home);
+}
+
+void AppDelegate::openReviewAddon()
+{
+    if (!m_quenwick)
+        return;
+    m_commands.addRefresh([this] { m_quenwick->refreshNow(); });
+    m_commands.addReport([this](QJsonObject &status) { reportReview(*m_quenwick, status); });
 }
 
 void AppDelegate::registerHotKeys()

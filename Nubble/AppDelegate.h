@@ -17,6 +17,7 @@
 #include "Platform/Clock.h"
 #include "Platform/Home.h"
 #include "Platform/ProcessTable.h"
+#include "Review/QuenwickMonitor.h"
 #include "Search/ChatSearchWindow.h"
 #include "Sessions/ProcessActivator.h"
 #include "Sessions/SessionMonitor.h"
@@ -53,6 +54,9 @@ private:
     void openAskAddon();
     void openSearchAddon();
     void openNotesAddon();
+    [[nodiscard]] std::unique_ptr<QuenwickMonitor> quenwickMonitor(); // while the add-on is on
+    [[nodiscard]] bool openApplication(const QString &identifier, std::optional<pid_t> process);
+    void openReviewAddon();
     void observeState();
     void observeRequests();
     void registerHotKeys(); // those of the active add-ons
@@ -74,7 +78,9 @@ private:
     PanelState m_panelState;
     NotificationCenter m_notifications;
     std::vector<std::unique_ptr<NotchAction>> m_actions;
-    Layout m_layout; // has room for them
+    std::unique_ptr<QuenwickMonitor> m_quenwick; // while that add-on is on
+    std::unique_ptr<NotchAction> m_companion;    // and Quenwick was installed when we started
+    Layout m_layout;                             // has room for all of them
     MainScreen m_mainScreen;
     NotchPlacement m_placement;
     SessionMonitor m_sessionMonitor;

@@ -1,9 +1,16 @@
 #include "NotchWiring.h"
 
+#include <QDateTime>
+#include <QTimer>
+
+#include <chrono>
+
 #include "Meeting/MeetingNotes.h"
 #include "Meeting/MeetingTexts.h"
 #include "Notch/ClaudeCell.h"
 #include "Notch/NotchAction.h"
+#include "Platform/Clock.h"
+#include "Review/QuenwickMonitor.h"
 #include "Sessions/SessionMonitor.h"
 #include "Shell/Addon.h"
 #include "Shell/HotKeyTable.h"
@@ -11,6 +18,7 @@
 #include "Usage/PlanUsageMonitor.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace nubble {
 
@@ -20,6 +28,19 @@ NotchAction::Look lookOf(const MeetingNotes &notes)
 {
     const bool runs = notes.state().isRunning();
     return {runs ? u"record.circle.fill"_s : u"mic.fill"_s, buttonHelp(notes.state()), runs};
+}
+
+NotchAction::Look lookOf(const QuenwickMonitor &quenwick, const Clock &clock)
+{
+    const ReviewState &state = quenwick.state();
+    const QDateTime now = QDateTime::fromMSecsSinceEpoch(clock.now().time_since_epoch().count());
+    const QString count =
+        isAllClear(state) ? QString() : u" — %1 %2"_s.arg(state.inbox.pending).arg(countText(state));
+    return {
+        .symbol = u"tray.full.fill"_s,
+        .helpText = u"Quenwick"_s + count,
+        .badge = state.inbox.pending,
+        .caption = NextDue::inShort(NextDue::of(state.inbox.items), now)};
 }
 
 } // namespace
@@ -53,6 +74,22 @@ std::vector<std::unique_ptr<NotchAction>> notchActions(
         }
     }
     return actions;
+}
+
+std::unique_ptr<NotchAction> companionAction(
+    const QuenwickMonitor &quenwick, const Clock &clock, const std::function<void(PanelMode)> &open)
+{
+    auto action =
+        std::make_unique<NotchAction>(lookOf(quenwick, clock), [open] { open(PanelMode::inbox(true)); });
+    const auto follow = [&quenwick, &clock, action = action.get()] {
+        action->setLook(lookOf(quenwick, clock));
+    };
+    QObject::connect(&quenwick, &QuenwickMonitor::changed, action.get(), follow);
+    auto *tick = new QTimer(action.get()); // what is due becomes due
+    QObject::connect(tick, &QTimer::timeout, action.get(), follow);
+    tick->setTimerType(Qt::VeryCoarseTimer);
+    tick->start(30s);
+    return action;
 }
 
 void showOnRing(ClaudeCell &ring, const SessionMonitor &sessions, const PlanUsageMonitor &planUsage)

@@ -12,11 +12,13 @@
 #include "Notch/PanelState.h"
 #include "Placement/NotchPlacement.h"
 #include "Platform/Clock.h"
+#include "Review/QuenwickMonitor.h"
 #include "Search/ChatSearchWindow.h"
 #include "Sessions/SessionDetails.h"
 #include "Sessions/SessionMonitor.h"
 #include "Sessions/SessionTexts.h"
 #include "Shell/HotKeys.h"
+#include "Shell/OneLine.h"
 #include "Usage/PlanUsageMonitor.h"
 #include "Usage/UsageTexts.h"
 
@@ -200,6 +202,22 @@ void reportNotes(const MeetingNotes &notes, QJsonObject &status)
             {u"lastUpdate"_s, time(state.lastUpdate)},
             {u"nextUpdate"_s, time(state.nextUpdate)},
             {u"updating"_s, state.updating},
+        });
+}
+
+void reportReview(const QuenwickMonitor &quenwick, QJsonObject &status)
+{
+    const ReviewState &state = quenwick.state();
+    status.insert(
+        "review"_L1,
+        QJsonObject{
+            {u"installed"_s, state.installed},
+            {u"live"_s, state.live},
+            {u"pending"_s, state.inbox.pending},
+            {u"items"_s, state.inbox.items.size()},
+            {u"busy"_s, state.busy.size()},
+            {u"checking"_s, state.checking},
+            {u"lastMessage"_s, state.lastMessage ? QJsonValue(oneLine(*state.lastMessage)) : QJsonValue()},
         });
 }
 

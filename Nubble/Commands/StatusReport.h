@@ -15,6 +15,7 @@ class MeetingNotes;
 class NotchPlacement;
 class PanelState;
 class PlanUsageMonitor;
+class QuenwickMonitor;
 class SessionMonitor;
 
 // What `nubble status` prints: each part adds to `status` what it has to tell. Main thread only.
@@ -26,6 +27,7 @@ void reportPanel(const PanelState &state, const NotchPlacement &placement, QJson
 void reportHotKeys(const HotKeys &hotKeys, QJsonObject &status);
 void reportAsk(const AskWindow &window, QJsonObject &status);
 void reportNotes(const MeetingNotes &notes, QJsonObject &status);
+void reportReview(const QuenwickMonitor &quenwick, QJsonObject &status);
 void reportSearch(const ChatSearchWindow &window, QJsonObject &status);
 
 // The same for people, `width` columns wide. Control characters, which a terminal would obey, are left out.

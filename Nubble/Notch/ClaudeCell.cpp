@@ -5,6 +5,7 @@
 
 #include <chrono>
 
+#include "Notch/CellFrame.h"
 #include "Notch/StatusRing.h"
 #include "Placement/Layout.h"
 #include "Usage/PlanWindow.h"
@@ -20,17 +21,6 @@ namespace nubble {
 namespace {
 
 constexpr qint64 turnMsecs = 1400;
-constexpr double gapBelowRing = 3.5;
-constexpr double hoverMargin = 6;
-
-// From the ring's centre to that of the percentage: below the ring, or above it where below is the screen's
-// edge.
-double percentDistance(NotchEdge edge, double lineHeight)
-{
-    const double distance = Layout::ringDiameter / 2 + gapBelowRing + lineHeight / 2;
-    return edge == NotchEdge::Bottom ? -distance : distance;
-}
-
 QString activityText(const Activity &activity)
 {
     switch (activity.waiting ? RunState::Waiting : activity.overall) {
@@ -60,15 +50,10 @@ ClaudeCell::ClaudeCell(QWidget *parent) : QAbstractButton(parent)
 
 void ClaudeCell::placeAround(const QPointF &ringCenter, NotchEdge edge, double percentLineHeight)
 {
-    const double half = Layout::ringDiameter / 2;
-    const QRectF ring(ringCenter - QPointF(half, half), QSizeF(2 * half, 2 * half));
-    QRectF percent(0, 0, 2 * half + 2 * hoverMargin, percentLineHeight);
-    percent.moveCenter(ringCenter + QPointF(0, percentDistance(edge, percentLineHeight)));
-    setGeometry(ring.marginsAdded({hoverMargin, hoverMargin, hoverMargin, hoverMargin})
-                    .united(percent)
-                    .toAlignedRect());
-    m_center = ringCenter - pos();
-    m_percentRect = percent.translated(-pos());
+    const CellFrame frame = cellFrameAround(ringCenter, edge, percentLineHeight);
+    setGeometry(frame.geometry);
+    m_center = frame.center;
+    m_percentRect = frame.text;
     update();
 }
 

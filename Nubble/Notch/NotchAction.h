@@ -17,6 +17,8 @@ public:
         QString symbol;           // see Symbols
         QString helpText;         // tool tip, and name for screen readers
         bool isRecording = false; // nobody is to be recorded without seeing it: red, and pulses
+        int badge = 0;            // how much waits there
+        QString caption = {};     // a word about it
 
         bool operator==(const Look &) const = default;
     };

@@ -8,6 +8,7 @@
 #include "Notch/ActionsCell.h"
 #include "Notch/CardHost.h"
 #include "Notch/ClaudeCell.h"
+#include "Notch/CompanionCell.h"
 #include "Placement/Layout.h"
 #include "Placement/PanelShapes.h"
 #include "Platform/DesktopPreferences.h"
@@ -21,6 +22,7 @@ namespace nubble {
 NotchView::NotchView(const NotchContext &context, const NotchContents &contents, QWidget *parent)
     : QWidget(parent), m_context(context), m_hover(context.state),
       m_cards(new CardHost(this, contents.cards, context.preferences)), m_claude(new ClaudeCell(this)),
+      m_companion(contents.companion ? new CompanionCell(*contents.companion, this) : nullptr),
       m_actions(new ActionsCell(contents.actions, this))
 {
     setWindowTitle(u"Nubble"_s);
@@ -66,6 +68,10 @@ void NotchView::setGeometryOnScreen(const PanelGeometry &geometry)
         return;
     m_geometry = geometry;
     m_claude->placeAround(geometry.ringCenter, geometry.edge, Typography::percentLineHeight());
+    if (m_companion)
+        m_companion->placeAround(
+            m_context.layout.quenwickCenterInWindow(geometry.edge) + geometry.origin, geometry.edge,
+            Typography::percentLineHeight());
     m_actions->placeAround(
         m_context.layout.actionsCenterInWindow(geometry.edge) + geometry.origin, geometry.edge);
     m_cards->setGeometry(geometry);

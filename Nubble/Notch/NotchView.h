@@ -11,6 +11,7 @@ namespace nubble {
 class ActionsCell;
 class CardHost;
 class ClaudeCell;
+class CompanionCell;
 class DesktopPreferences;
 class Layout;
 class MainScreen;
@@ -31,6 +32,8 @@ struct NotchContext {
 struct NotchContents {
     QList<Card> cards;
     QList<NotchAction *> actions; // in the order of their buttons
+    NotchAction *companion =
+        nullptr; // with a cell of its own beside the ring; none where the layout has none
 };
 
 // The panel's contents: the body at the screen's edge with its cells, and the open card. Main thread only.
@@ -75,6 +78,7 @@ private:
     bool m_translucent = true;
     CardHost *m_cards;
     ClaudeCell *m_claude;
+    CompanionCell *m_companion; // may be none
     ActionsCell *m_actions;
 };
 

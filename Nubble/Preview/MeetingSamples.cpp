@@ -37,7 +37,12 @@ QList<PreviewSample> meetingSamples()
     QList<PreviewSample> samples;
     const auto add = [&](QLatin1String state, const MeetingState &meeting, float level = 0) {
         samples.append(
-            {.card = "notes"_L1, .state = state, .usage = usualUsage(), .meeting = meeting, .level = level});
+            {.card = "notes"_L1,
+             .state = state,
+             .usage = usualUsage(),
+             .meeting = meeting,
+             .level = level,
+             .review = usualReview()});
     };
     add("off"_L1, {});
     add("linked"_L1, {.link = link, .status = u"Link set. Press Start when the meeting begins."_s});

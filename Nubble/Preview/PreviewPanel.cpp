@@ -13,6 +13,8 @@
 #include "Placement/NotchPlacement.h"
 #include "Platform/DesktopPreferences.h"
 #include "Platform/Workspace.h"
+#include "Review/QuenwickCard.h"
+#include "Review/QuenwickMonitor.h"
 #include "Sessions/ProcessActivator.h"
 #include "Sessions/SessionsCard.h"
 #include "Shell/Addon.h"
@@ -69,9 +71,10 @@ public:
     PreviewPanel(const PreviewSample &sample, const QString &folder)
         : m_defaults(folder), m_addons(m_defaults), m_sessions(sample.sessions),
           m_usage(sample.usage, sample.usageProblem), m_meeting(sample.meeting, sample.level),
-          m_activator(m_workspace),
+          m_quenwick(sample.review), m_activator(m_workspace),
           m_actions(notchActions(m_addons, m_state, m_notifications, &m_meeting, {})),
-          m_layout(Typography::percentLineHeight(), false, static_cast<int>(m_actions.size())),
+          m_companion(companionAction(m_quenwick, m_clock, {})),
+          m_layout(Typography::percentLineHeight(), true, static_cast<int>(m_actions.size())),
           m_placement(m_defaults, m_layout), m_geometry(panelGeometry(m_layout, sample.edge, 0, screen)),
           m_view({m_state, m_placement, m_layout, m_mainScreen, m_preferences}, contents())
     {
@@ -109,8 +112,9 @@ private:
         NotchContents contents{
             .cards =
                 {sessionsCard(m_sessions, m_activator, m_clock), usageCard(m_usage, m_clock, m_preferences),
-                 meetingCard(m_meeting, m_clock)},
-            .actions = {}};
+                 meetingCard(m_meeting, m_clock), quenwickCard(m_quenwick, m_clock, m_preferences)},
+            .actions = {},
+            .companion = m_companion.get()};
         for (const auto &action : m_actions)
             contents.actions.append(action.get());
         return contents;
@@ -130,10 +134,12 @@ private:
     SessionMonitor m_sessions;
     PlanUsageMonitor m_usage;
     MeetingNotes m_meeting;
+    QuenwickMonitor m_quenwick;
     ProcessActivator m_activator;
     PanelState m_state;
     NotificationCenter m_notifications;
     std::vector<std::unique_ptr<NotchAction>> m_actions;
+    std::unique_ptr<NotchAction> m_companion;
     Layout m_layout;
     MainScreen m_mainScreen;
     NotchPlacement m_placement;

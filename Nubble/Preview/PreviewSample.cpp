@@ -24,7 +24,7 @@ TimePoint previewTime()
 
 QList<PreviewSample> previewSamples()
 {
-    return sessionSamples() + usageSamples() + meetingSamples();
+    return sessionSamples() + usageSamples() + meetingSamples() + reviewSamples();
 }
 
 } // namespace nubble

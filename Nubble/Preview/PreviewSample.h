@@ -5,6 +5,7 @@
 
 #include "Meeting/MeetingState.h"
 #include "Placement/NotchEdge.h"
+#include "Review/ReviewState.h"
 #include "Sessions/SessionMonitor.h"
 #include "Usage/PlanWindow.h"
 
@@ -22,6 +23,7 @@ struct PreviewSample {
     std::optional<QString> usageProblem{};
     MeetingState meeting{};
     float level = 0; // of the microphone
+    ReviewState review{};
 
     [[nodiscard]] QString fileName(int scale) const; // "sessions-many@2x.png"
 };
@@ -37,7 +39,9 @@ struct PreviewSample {
 [[nodiscard]] QList<PreviewSample> sessionSamples();
 [[nodiscard]] QList<PreviewSample> usageSamples();
 [[nodiscard]] QList<PreviewSample> meetingSamples();
+[[nodiscard]] QList<PreviewSample> reviewSamples();
 [[nodiscard]] SessionsSample usualSessions();
 [[nodiscard]] PlanWindows usualUsage();
+[[nodiscard]] ReviewState usualReview();
 
 } // namespace nubble

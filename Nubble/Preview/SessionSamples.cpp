@@ -94,6 +94,7 @@ QList<PreviewSample> sessionSamples()
         sample.state = state;
         sample.sessions = sessions;
         sample.usage = usualUsage();
+        sample.review = usualReview();
         samples.append(sample);
         return samples.last();
     };

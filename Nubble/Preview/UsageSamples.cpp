@@ -30,7 +30,11 @@ QList<PreviewSample> usageSamples()
     QList<PreviewSample> samples;
     const auto add = [&](QLatin1String state, const PlanWindows &usage, std::optional<QString> problem = {}) {
         samples.append(
-            {.card = "usage"_L1, .state = state, .usage = usage, .usageProblem = std::move(problem)});
+            {.card = "usage"_L1,
+             .state = state,
+             .usage = usage,
+             .usageProblem = std::move(problem),
+             .review = usualReview()});
     };
     add("ample"_L1, usualUsage());
     add("watch"_L1, windows(0.58, 0.4));

@@ -154,9 +154,10 @@ void QuenwickMonitor::fetchLive(const LiveState &live)
 {
     LoopbackRequest::Limits limits = m_polling->surroundings.limits;
     limits.body = largestInbox;
-    m_fetch = new LoopbackRequest(live.port, "/api/notch", std::nullopt, limits, this);
-    connect(m_fetch, &LoopbackRequest::finished, this, [this, live](const std::optional<HttpReply> &reply) {
-        m_fetch->deleteLater();
+    auto *request = new LoopbackRequest(live.port, "/api/notch", std::nullopt, limits, this);
+    m_fetch = request;
+    connect(request, &LoopbackRequest::finished, this, [=, this](const std::optional<HttpReply> &reply) {
+        request->deleteLater();
         const QByteArray json = reply && isSuccess(*reply) ? reply->body : QByteArray();
         onWorker(
             [json](const std::stop_token &) { return parseInbox(json); },

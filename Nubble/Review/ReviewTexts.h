@@ -21,6 +21,8 @@ struct DayGroup {
     QString label;
     bool soon = false; // today or tomorrow
     QList<QuenwickItem> items;
+
+    bool operator==(const DayGroup &) const = default;
 };
 // In the items' own order: a day may come twice.
 [[nodiscard]] QList<DayGroup> dayGroups(const QList<QuenwickItem> &items, const QDateTime &now);

@@ -9,6 +9,7 @@
 
 #include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
+#include "Widgets/Spinner.h"
 #include "Widgets/Symbols.h"
 #include "Widgets/Typography.h"
 
@@ -24,7 +25,6 @@ constexpr int side = 20;
 constexpr int symbolSide = 18;
 constexpr int clearSide = 22;
 constexpr auto patience = 200ms;
-constexpr auto turn = 900ms;
 
 class Line : public QLineEdit {
 public:
@@ -45,7 +45,8 @@ protected:
 
 QueryField::QueryField(QWidget *parent)
     : QWidget(parent), m_line(new Line(this)),
-      m_clear(new NotchButton(u"xmark"_s, u"Clear the search"_s, this))
+      m_clear(new NotchButton(u"xmark"_s, u"Clear the search"_s, this)),
+      m_spinner(new Spinner(symbolSide, this))
 {
     setFixedHeight(fieldHeight);
     setFocusProxy(m_line);
@@ -69,11 +70,8 @@ QueryField::QueryField(QWidget *parent)
     m_soon.setSingleShot(true);
     m_soon.setInterval(patience);
     m_soon.callOnTimeout(this, [this] { showRunning(true); });
-    m_turn.setStartValue(0.0);
-    m_turn.setEndValue(360.0);
-    m_turn.setDuration(turn / 1ms);
-    m_turn.setLoopCount(-1);
-    connect(&m_turn, &QVariantAnimation::valueChanged, this, qOverload<>(&QWidget::update));
+    m_spinner->move(side, (fieldHeight - symbolSide) / 2);
+    m_spinner->hide();
     connect(m_line, &QLineEdit::textEdited, this, &QueryField::edited);
     connect(m_line, &QLineEdit::textChanged, this, &QueryField::followText);
     connect(m_clear, &QAbstractButton::clicked, this, [this] {
@@ -116,26 +114,20 @@ void QueryField::setRunning(bool running)
     if (!running) {
         m_soon.stop();
         showRunning(false);
-    } else if (!m_showsRunning && !m_soon.isActive()) {
+    } else if (m_spinner->isHidden() && !m_soon.isActive()) {
         m_soon.start();
     }
 }
 
 void QueryField::setMotionReduced(bool reduced)
 {
-    m_motionReduced = reduced;
-    showRunning(m_showsRunning);
+    m_spinner->setMotionReduced(reduced);
 }
 
 void QueryField::showRunning(bool shows)
 {
-    m_showsRunning = shows;
+    m_spinner->setVisible(shows);
     setAccessibleDescription(shows ? u"Searching"_s : QString());
-    const bool turns = shows && !m_motionReduced && isVisible();
-    if (!turns)
-        m_turn.stop();
-    else if (m_turn.state() == QAbstractAnimation::Stopped)
-        m_turn.start();
     update();
 }
 
@@ -147,21 +139,11 @@ void QueryField::hideEvent(QHideEvent *)
 
 void QueryField::paintEvent(QPaintEvent *)
 {
+    if (!m_spinner->isHidden())
+        return;
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
     const QRectF symbol(side, (height() - symbolSide) / 2.0, symbolSide, symbolSide);
-    if (!m_showsRunning)
-        return Symbols::draw(painter, u"magnifyingglass"_s, symbol, Palette::textSecondary);
-    constexpr double width = 2.2;
-    constexpr int sixteenths = 16; // of a degree, in which the painter counts
-    const QRectF ring = symbol.adjusted(width, width, -width, -width);
-    painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(Palette::ringTrack, width));
-    painter.drawEllipse(ring);
-    painter.setPen(QPen(Palette::textPrimary, width, Qt::SolidLine, Qt::RoundCap));
-    const int from =
-        90 - qRound(m_turn.state() == QAbstractAnimation::Running ? m_turn.currentValue().toDouble() : 0);
-    painter.drawArc(ring, from * sixteenths, -90 * sixteenths);
+    Symbols::draw(painter, u"magnifyingglass"_s, symbol, Palette::textSecondary);
 }
 
 } // namespace nubble

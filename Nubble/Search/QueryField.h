@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QTimer>
-#include <QVariantAnimation>
 #include <QWidget>
 
 class QKeyEvent;
@@ -10,6 +9,7 @@ class QLineEdit;
 namespace nubble {
 
 class NotchButton;
+class Spinner;
 
 // Where the user writes what to search for: a symbol, which turns while a search takes long, the text, and a
 // button that empties it. Keys that are of no use for one line of text go on to the parent.
@@ -40,9 +40,7 @@ private:
     QLineEdit *m_line;
     NotchButton *m_clear;
     QTimer m_soon; // a search that is over by then does not show
-    QVariantAnimation m_turn;
-    bool m_showsRunning = false;
-    bool m_motionReduced = false;
+    Spinner *m_spinner;
 };
 
 } // namespace nubble

@@ -11,11 +11,11 @@
 #include "Platform/DesktopPreferences.h"
 #include "Usage/LimitRow.h"
 #include "Usage/PlanUsageMonitor.h"
-#include "Usage/RefreshButton.h"
 #include "Usage/UsageTexts.h"
 #include "Widgets/CardHeader.h"
 #include "Widgets/CardMetrics.h"
 #include "Widgets/Palette.h"
+#include "Widgets/RefreshButton.h"
 #include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;

@@ -35,6 +35,7 @@ inline constexpr QColor waveOldest{86, 190, 255};
 inline constexpr QColor waveMiddle{150, 122, 255};
 inline constexpr QColor waveNewest{255, 105, 180};
 inline constexpr QColor quenwick{150, 122, 255};
+inline constexpr QColor quenwickText{184, 166, 255}; // the same, light enough to be read
 inline constexpr QColor textPrimary{255, 255, 255, 235};
 inline constexpr QColor textSecondary{255, 255, 255, 153};
 

@@ -71,6 +71,11 @@ QFont rowTitle()
     return font(12, QFont::Medium);
 }
 
+QFont dayHeader()
+{
+    return font(10.5, QFont::DemiBold);
+}
+
 QFont query()
 {
     return font(18, QFont::Normal);

@@ -17,6 +17,7 @@ namespace Typography {
 [[nodiscard]] QFont rowTitle();
 [[nodiscard]] QFont cardBody();
 [[nodiscard]] QFont caption();
+[[nodiscard]] QFont dayHeader();
 [[nodiscard]] QFont query();       // what is searched for
 [[nodiscard]] QFont resultTitle(); // of what was found
 [[nodiscard]] QFont menu();

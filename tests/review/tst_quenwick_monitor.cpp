@@ -72,6 +72,9 @@ private Q_SLOTS:
         const QuenwickConnection quenwick = m_world->database();
         quenwick.add("'c', 'm', '', '', '', '2026-09-22T00:00:00Z', 0, 'pending'"); // in the log
         QCOMPARE(m_world->afterRefresh(), u"closed 2: b c"_s);
+        m_world->afterRefresh();
+        quenwick.add("'d', 'm', '', '', '', '2026-09-23T00:00:00Z', 0, 'pending'");
+        QCOMPARE(m_world->afterRefresh(), u"closed 3: b c d"_s);
     }
 
     void aReadingThatFailedIsTriedAgain()

@@ -1,4 +1,4 @@
-#include "Usage/RefreshButton.h"
+#include "Widgets/RefreshButton.h"
 
 #include "Widgets/Palette.h"
 

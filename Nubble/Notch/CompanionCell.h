@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QAbstractButton>
+
+#include "Placement/NotchEdge.h"
+#include "Widgets/HoverLift.h"
+
+namespace nubble {
+
+class NotchAction;
+
+// A companion of the ring: a round button with the number of what waits there, and a short text below it.
+class CompanionCell : public QAbstractButton {
+    Q_OBJECT
+
+public:
+    explicit CompanionCell(NotchAction &action, QWidget *parent = nullptr); // which outlives it
+
+    // Takes the place of the circle whose centre that is, in the parent's coordinates.
+    void placeAround(const QPointF &center, NotchEdge edge, double lineHeight);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    void follow();
+    void drawBadge(QPainter &painter) const;
+
+    const NotchAction &m_action;
+    QPointF m_center; // of the circle, in the cell's coordinates
+    QRectF m_textRect;
+    HoverLift m_hover;
+};
+
+} // namespace nubble
