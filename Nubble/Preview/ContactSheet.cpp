@@ -14,7 +14,7 @@ namespace nubble {
 namespace {
 
 constexpr QColor paper(27, 30, 34);
-constexpr int columns = 5;
+constexpr int columns = 7;
 constexpr int margin = 28; // around all, and between the pictures
 constexpr int headingHeight = 30;
 constexpr int labelHeight = 22;
