@@ -38,7 +38,7 @@ QList<QuenwickItem> usualItems()
             u"Studio Nord"_s, u"Review of the drafts"_s,
             u"Could we go through the drafts on Monday at nine?"_s, 4, QTime(9, 0)),
     };
-    items.last().onCalendar = true;
+    items[1].onCalendar = true;
     return items;
 }
 
@@ -93,9 +93,16 @@ ReviewState longTexts()
             u"donaudampfschifffahrtsgesellschaft@example.org"_s, u"Kapitänspatentverlängerungstermin"_s,
             u"https://example.org/appointments/2026/03/13/confirm?token=8f14e45fceea167a5a36dedd4bea2543"_s,
             1),
+    });
+}
+
+ReviewState rightToLeft()
+{
+    return stateOf({
         item(
             u"ليلى"_s, u"موعد عند الطبيب مع الأطفال بعد المدرسة"_s,
             u"هل يمكنك أن تأخذ الأطفال إلى الطبيب يوم السبت في الساعة العاشرة صباحا؟"_s, 2, QTime(10, 0)),
+        item(u"נועה"_s, u"פגישה"_s, u"נפגש ב-Studio Nord ביום ראשון?"_s, 3),
     });
 }
 
@@ -120,6 +127,7 @@ QList<PreviewSample> reviewSamples()
     add("late and undated"_L1, mixed());
     add("many"_L1, many());
     add("long texts"_L1, longTexts());
+    add("right to left"_L1, rightToLeft());
     add("none dated"_L1, stateOf({}, 3));
     add("all clear"_L1, stateOf({}));
     add("all clear and closed"_L1, {.installed = true});
