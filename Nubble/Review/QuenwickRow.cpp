@@ -29,7 +29,8 @@ constexpr int above = 8;
 constexpr int textLeft = padding + Avatar::side + 9;
 constexpr int rowWidth =
     CardMetrics::width - CardMetrics::rowMargins.left() - CardMetrics::rowMargins.right();
-constexpr int textWidth = rowWidth - textLeft - padding;
+constexpr int scrollBar = 8; // which may stand beside the rows
+constexpr int textWidth = rowWidth - textLeft - padding - scrollBar;
 constexpr int mostQuoteLines = 2;
 constexpr double actionSide = 24;
 constexpr int actionsGap = 6;
@@ -78,7 +79,8 @@ QStringList wrapped(const QString &text, const QFont &font)
     layout.setTextOption(option);
     layout.beginLayout();
     QStringList lines;
-    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+    for (QTextLine line = layout.createLine(); line.isValid() && !text.isEmpty();
+         line = layout.createLine()) {
         line.setLineWidth(textWidth);
         if (lines.size() + 1 == mostQuoteLines) {
             lines.append(elided(text.sliced(line.textStart()), font));
@@ -112,7 +114,7 @@ QuenwickRow::QuenwickRow(const QuenwickItem &item, QWidget *parent)
             row->addWidget(addAction(action));
     row->addStretch();
     m_spinner->hide();
-    setFixedSize(sizeHint());
+    setFixedHeight(sizeHint().height());
     m_actions->setGeometry(
         textLeft, height() - above - static_cast<int>(actionSide), textWidth, static_cast<int>(actionSide));
     m_spinner->move(textLeft, m_actions->geometry().center().y() - m_spinner->height() / 2);

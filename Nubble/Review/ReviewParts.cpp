@@ -49,7 +49,7 @@ LogoButton::LogoButton(QWidget *parent) : PillButton({}, parent)
 
 void LogoButton::setPending(int pending)
 {
-    setTitle(QString::number(pending));
+    setTitle(pending > 0 ? QString::number(pending) : QString());
     setAccessibleName(openText());
 }
 

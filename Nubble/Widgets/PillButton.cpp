@@ -68,7 +68,7 @@ void PillButton::setMeasures(int height, double padding)
 
 double PillButton::symbolWidth() const
 {
-    return m_symbol.isEmpty() ? 0 : symbolSide + symbolGap;
+    return m_symbol.isEmpty() ? 0 : text().isEmpty() ? symbolSide : symbolSide + symbolGap;
 }
 
 int PillButton::widthFor(const QString &title) const

@@ -3,7 +3,6 @@
 import contextlib
 import json
 import os
-import pathlib
 import signal
 
 from desktop import SCREEN, descendants, eventually

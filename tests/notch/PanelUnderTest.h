@@ -3,12 +3,14 @@
 #include <QAbstractButton>
 #include <QTest>
 
+#include "Meeting/MeetingNotes.h"
 #include "Notch/NotchAction.h"
 #include "Notch/PanelWindow.h"
 #include "NotchWiring.h"
 #include "Sessions/ProjectRow.h"
 #include "Sessions/SessionsCard.h"
 #include "Usage/UsageCard.h"
+#include "support/FakeAudioInput.h"
 #include "support/FakePanelSurface.h"
 #include "support/PanelWorld.h"
 
@@ -28,9 +30,13 @@ inline QImage pictureOf(QWidget &widget, int scale)
 class PanelUnderTest {
 public:
     explicit PanelUnderTest(PanelWorld &world)
-        : actions(notchActions(
-            world.addons, world.state, world.notifications,
-            [this](PanelMode mode) { window.view().open(mode); })),
+        : notes(
+            world.home.home(), world.defaults, world.clock,
+            {.processes = world.processes, .microphone = microphone, .clipboardText = {}, .openLink = {}},
+            {}),
+          actions(notchActions(
+              world.addons, world.state, world.notifications, &notes,
+              [this](PanelMode mode) { window.view().open(mode); })),
           window(
               {world.state, world.placement, world.layout, world.mainScreen, world.preferences},
               contents(world), [this](QWidget &widget) {
@@ -97,6 +103,8 @@ private:
     }
 
 public:
+    FakeAudioInput microphone;
+    MeetingNotes notes; // does nothing
     std::vector<std::unique_ptr<NotchAction>> actions;
     FakePanelSurface *surface = nullptr;
     PanelWindow window;
