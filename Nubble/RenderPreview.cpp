@@ -150,19 +150,18 @@ Outcome drawAll(int scale, const QString &folder, const QString &temporary)
 
 int runScales(const QString &folder, char *program)
 {
-    int result = ExitDone;
     for (const int scale : scales) {
         const QTemporaryDir temporary;
         const pid_t child = temporary.isValid() ? ::fork() : -1;
         if (child == 0)
             runScale(scale, folder, temporary.path(), program);
-        int status = -1;
+        int status = 0;
         if (child < 0 || ::waitpid(child, &status, 0) != child || !WIFEXITED(status))
-            result = ExitFailed;
-        else if (WEXITSTATUS(status) != ExitDone)
-            return WEXITSTATUS(status); // the others would fail the same way
+            return fail(ExitFailed, u"there is no process to draw in, or it broke off"_s);
+        if (WEXITSTATUS(status) != ExitDone)
+            return WEXITSTATUS(status);
     }
-    return result;
+    return ExitDone;
 }
 
 } // namespace

@@ -40,7 +40,7 @@ QStringList pictures(const QDir &folder)
 }
 
 // Those that are stored: each at scale 1.
-QStringList storedOnes(QStringList names)
+QStringList storedOnes(const QStringList &names)
 {
     return names.filter(QRegularExpression(u"^(?!cards)[^@]*$"_s));
 }
@@ -58,6 +58,7 @@ class PreviewTest : public QObject {
 private Q_SLOTS:
     void initTestCase();
     void isTheSameWhateverTheSurroundings();
+    void saysWhatItCannotDo();
     void looksAsStored_data();
     void looksAsStored();
     void noticesWhatThePersonWouldNotice_data();
@@ -95,6 +96,11 @@ void PreviewTest::isTheSameWhateverTheSurroundings()
     QVERIFY(!QFile::exists(nowhere));
 }
 
+void PreviewTest::saysWhatItCannotDo()
+{
+    QVERIFY(draw(u"/proc/self/cards"_s).contains("cannot make the folder /proc/self/cards"_L1));
+}
+
 void PreviewTest::looksAsStored_data()
 {
     QTest::addColumn<QString>("name");
@@ -110,6 +116,8 @@ void PreviewTest::looksAsStored()
     QFETCH(const QString, name);
     const QImage before = storedPicture(name);
     const QImage now(m_drawn.filePath(name));
+    const QImage twice(m_drawn.filePath(QString(name).replace(u".png"_s, u"@2x.png"_s)));
+    QCOMPARE(twice.size(), now.size() * 2);
     const PictureComparison comparison(before, now);
     if (!now.isNull() && before.text(u"Fonts"_s) != now.text(u"Fonts"_s) && !before.isNull())
         QSKIP("the stored picture was drawn with other releases of the fonts");
@@ -128,8 +136,8 @@ void PreviewTest::noticesWhatThePersonWouldNotice_data()
     using Change = std::function<void(QPainter &, const QImage &)>;
     QTest::addColumn<Change>("change");
     QTest::addColumn<bool>("isNoticed");
-    const auto add = [](const char *what, bool isNoticed, Change change) {
-        QTest::newRow(what) << std::move(change) << isNoticed;
+    const auto add = [](const char *what, bool isNoticed, const Change &change) {
+        QTest::newRow(what) << change << isNoticed;
     };
     add("nothing", false, [](QPainter &, const QImage &) {});
     add("a shade all over", false, [](QPainter &painter, const QImage &image) {
