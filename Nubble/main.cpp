@@ -16,6 +16,7 @@
 #include "Platform/InstanceBus.h"
 #include "Platform/System.h"
 #include "Platform/TerminationSignals.h"
+#include "RenderPreview.h"
 #include "Shell/Migration.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Typography.h"
@@ -97,6 +98,8 @@ int run(int argc, char *argv[], QByteArray platform, const CommandLine &line, co
 
 int main(int argc, char *argv[])
 {
+    if (const std::optional<int> status = RenderPreview::runIfAsked(argc, argv))
+        return *status;
     QStringList arguments;
     for (int i = 1; i < argc; ++i)
         arguments.append(QString::fromLocal8Bit(argv[i]));

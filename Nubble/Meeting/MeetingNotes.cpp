@@ -55,10 +55,10 @@ QString inUtc(TimePoint time)
 MeetingNotes::MeetingNotes(
     const Home &home, Defaults &defaults, const Clock &clock, Surroundings surroundings, Pace pace,
     QObject *parent)
-    : QObject(parent), m_home(home), m_defaults(defaults), m_clock(clock),
-      m_surroundings(std::move(surroundings)),
+    : QObject(parent), m_home(home), m_defaults(&defaults), m_clock(&clock),
+      m_surroundings(std::make_unique<const Surroundings>(std::move(surroundings))),
       m_pace(pace), m_state{.link = defaults.string(linkKey()).value_or(QString())}, m_told(m_state),
-      m_mic(m_surroundings.microphone, clock), m_worker(u"MeetingNotes"_s)
+      m_mic(m_surroundings->microphone, clock), m_worker(u"MeetingNotes"_s)
 {
     assertMainThread("Nubble/Meeting/MeetingNotes");
     connect(&m_mic, &MicLevel::failed, this, [this](const QString &why) {
@@ -66,10 +66,18 @@ MeetingNotes::MeetingNotes(
     });
 }
 
+MeetingNotes::MeetingNotes(MeetingState sample, float level, QObject *parent)
+    : QObject(parent), m_home(QString()), m_defaults(nullptr), m_clock(nullptr), m_state(std::move(sample)),
+      m_told(m_state), m_mic(level), m_worker(u"MeetingNotes"_s)
+{
+}
+
 MeetingNotes::~MeetingNotes() = default;
 
 void MeetingNotes::watch()
 {
+    if (isSample())
+        return;
     scan();
     auto *poll = new QTimer(this);
     poll->callOnTimeout(this, [this] { scan(); });
@@ -83,12 +91,12 @@ bool MeetingNotes::isRecorderRunning() const
 
 bool MeetingNotes::canUpdateNow() const
 {
-    return m_state.phase == Phase::Recording && isRecorderRunning() && !m_state.updating;
+    return m_state.phase == Phase::Recording && (isSample() || isRecorderRunning()) && !m_state.updating;
 }
 
 QString MeetingNotes::script() const
 {
-    return recorderScript(m_home, m_defaults);
+    return recorderScript(m_home, *m_defaults);
 }
 
 QString MeetingNotes::logFile() const
@@ -98,20 +106,21 @@ QString MeetingNotes::logFile() const
 
 void MeetingNotes::trace(const QString &line) const
 {
-    appendToLog(logFile(), line.toUtf8() + '\n');
+    if (!isSample())
+        appendToLog(logFile(), line.toUtf8() + '\n');
 }
 
 void MeetingNotes::pasteLink()
 {
-    if (m_state.phase != Phase::Idle)
+    if (isSample() || m_state.phase != Phase::Idle)
         return;
-    QString text = m_surroundings.clipboardText();
+    QString text = m_surroundings->clipboardText();
     text = text.size() > longestLink ? QString() : text.trimmed();
     if (isDocTabLink(text)) {
         m_state.link = text;
         m_state.tabTitle.reset();
         m_state.status = u"Link set. Press Start when the meeting begins."_s;
-        m_defaults.set(linkKey(), text);
+        m_defaults->set(linkKey(), text);
     } else if (isDocLink(text)) {
         m_state.status = u"That link has no tab — open the week's tab and copy the link again."_s;
     } else {
@@ -123,12 +132,14 @@ void MeetingNotes::pasteLink()
 void MeetingNotes::openDoc() const
 {
     const QUrl url(m_state.link, QUrl::StrictMode);
-    if (url.isValid() && !url.isEmpty())
-        m_surroundings.openLink(url);
+    if (!isSample() && url.isValid() && !url.isEmpty())
+        m_surroundings->openLink(url);
 }
 
 void MeetingNotes::start()
 {
+    if (isSample())
+        return;
     const bool scanned = scanNow();
     trace(
         u"start pressed: phase="_s + phaseName(m_state.phase) + u" others=" + bracketed(m_state.others)
@@ -143,7 +154,7 @@ void MeetingNotes::start()
         m_state.status = u"Node.js isn't installed — the `node` command wasn't found."_s;
     } else if (const Outcome outcome = launch(*node); outcome.isDone()) {
         setPhase(Phase::Recording);
-        m_state.startedAt = m_clock.now();
+        m_state.startedAt = m_clock->now();
         m_state.status = u"Starting…"_s;
         trace(u"---- start "_s + inUtc(*m_state.startedAt) + u' ' + m_state.link);
     } else {
@@ -201,6 +212,8 @@ void MeetingNotes::failToStart(const QString &why)
 
 void MeetingNotes::stop()
 {
+    if (isSample())
+        return;
     trace(
         u"stop pressed: phase="_s + phaseName(m_state.phase) + u" running=" + truth(isRecorderRunning())
         + u" others=" + bracketed(m_state.others));
@@ -210,7 +223,7 @@ void MeetingNotes::stop()
         m_process->signal(SIGINT);
     }
     for (const RecorderProcess &each : std::as_const(m_others))
-        m_surroundings.processes.signal(each.pid, each.info->birth, SIGINT);
+        m_surroundings->processes.signal(each.pid, each.info->birth, SIGINT);
     if (!m_others.isEmpty() && !m_process)
         m_state.status = u"Stopping the copy started outside the notch…"_s;
     tell();
@@ -231,14 +244,14 @@ void MeetingNotes::killOrphans(const QList<RecorderProcess> &remembered)
                 return isSame(before, each);
             });
         if (wasThere && isOrphanRecorder(*each.info))
-            m_surroundings.processes.signal(each.pid, each.info->birth, SIGKILL);
+            m_surroundings->processes.signal(each.pid, each.info->birth, SIGKILL);
     }
 }
 
 void MeetingNotes::updateNow()
 {
     trace(u"update now pressed: updating="_s + truth(m_state.updating));
-    if (!canUpdateNow())
+    if (isSample() || !canUpdateNow())
         return;
     m_process->signal(SIGUSR1);
     m_state.updating = true;
@@ -270,7 +283,7 @@ void MeetingNotes::handle(const QString &line)
         m_state.nextUpdate = report.nextUpdate;
     m_state.updating = report.updating.value_or(m_state.updating);
     if (report.hasUpdated)
-        m_state.lastUpdate = m_clock.now();
+        m_state.lastUpdate = m_clock->now();
     m_state.status = report.status.value_or(m_state.status);
 }
 
@@ -304,7 +317,7 @@ void MeetingNotes::setPhase(Phase phase)
 
 bool MeetingNotes::scanNow()
 {
-    const auto found = findRecorders(m_surroundings.pgrep, m_surroundings.processes);
+    const auto found = findRecorders(m_surroundings->pgrep, m_surroundings->processes);
     if (found)
         accept(*found, ++m_scans);
     return found.has_value();
@@ -314,7 +327,7 @@ void MeetingNotes::scan(std::function<void()> then)
 {
     m_worker.add(
         [this](const std::stop_token &stop) {
-            return findRecorders(m_surroundings.pgrep, m_surroundings.processes, stop);
+            return findRecorders(m_surroundings->pgrep, m_surroundings->processes, stop);
         },
         [this, number = ++m_scans,
          then = std::move(then)](const std::optional<QList<RecorderProcess>> &found) {

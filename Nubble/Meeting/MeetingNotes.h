@@ -47,6 +47,8 @@ public:
     MeetingNotes(
         const Home &home, Defaults &defaults, const Clock &clock, Surroundings surroundings, Pace pace,
         QObject *parent = nullptr);
+    // Shows that and never anything else: for pictures of the card.
+    MeetingNotes(MeetingState sample, float level, QObject *parent = nullptr);
     ~MeetingNotes() override; // the recorder goes on
 
     void watch(); // once
@@ -67,6 +69,7 @@ Q_SIGNALS:
     void changed(); // the state
 
 private:
+    [[nodiscard]] bool isSample() const { return !m_surroundings; }
     [[nodiscard]] bool isRecorderRunning() const;
     [[nodiscard]] std::optional<QString> whyNotToStart(bool scanned) const;
     [[nodiscard]] Outcome launch(const QString &node);
@@ -84,9 +87,9 @@ private:
     void tell();
 
     const Home m_home;
-    Defaults &m_defaults;
-    const Clock &m_clock;
-    const Surroundings m_surroundings;
+    Defaults *const m_defaults; // none for a sample, as the next two
+    const Clock *const m_clock;
+    const std::unique_ptr<const Surroundings> m_surroundings;
     const Pace m_pace;
     MeetingState m_state;
     MeetingState m_told; // when changed() was emitted last

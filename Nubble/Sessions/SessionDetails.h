@@ -21,6 +21,7 @@ class SessionDetails : public QObject {
 
 public:
     SessionDetails(const QString &projectsFolder, const Clock &clock, QObject *parent = nullptr);
+    explicit SessionDetails(QHash<QString, SessionDetail> sample); // these alone, for pictures
 
     [[nodiscard]] const QHash<QString, SessionDetail> &byId() const { return m_byId; }
 
@@ -36,7 +37,7 @@ Q_SIGNALS:
 private:
     void publish(const QHash<QString, SessionDetail> &details);
 
-    const Clock &m_clock;
+    const Clock *const m_clock; // none for a sample
     QHash<QString, SessionDetail> m_byId;
     bool m_force = false;      // of the newest request
     Transcripts m_transcripts; // the worker's alone

@@ -40,12 +40,18 @@ QList<ClaudeSession> newestFirst(const QList<ClaudeSession> &sessions)
 SessionMonitor::SessionMonitor(
     const QString &sessionsFolder, const QString &projectsFolder, const QString &ownFolder,
     const ProcessTable &processes, const Clock &clock, QObject *parent)
-    : QObject(parent), m_files(sessionsFolder), m_ownFolder(ownFolder), m_processes(processes),
-      m_clock(clock), m_details(projectsFolder, clock)
+    : QObject(parent), m_files(sessionsFolder), m_ownFolder(ownFolder), m_processes(&processes),
+      m_clock(&clock), m_details(projectsFolder, clock)
 {
     refresh();
     m_timer.callOnTimeout(this, &SessionMonitor::refresh);
     m_timer.start(pollInterval);
+}
+
+SessionMonitor::SessionMonitor(const SessionsSample &sample, QObject *parent)
+    : QObject(parent), m_files(QString()), m_processes(nullptr), m_clock(nullptr), m_details(sample.details),
+      m_sessions(sample.sessions), m_recentlyCompleted(sample.recentlyCompleted)
+{
 }
 
 RunState SessionMonitor::runState(const ClaudeSession &session) const
@@ -73,6 +79,8 @@ Activity SessionMonitor::activity() const
 void SessionMonitor::refresh()
 {
     assertMainThread("Nubble/Sessions/SessionMonitor");
+    if (!m_processes)
+        return;
     auto live = m_files.read();
     if (!live) {
         publish({});
@@ -109,7 +117,7 @@ void SessionMonitor::leaveOutEnded(QList<ClaudeSession> &sessions)
 {
     QSet<qint32> ended;
     sessions.removeIf([&](const ClaudeSession &session) {
-        if (m_processes.canSignal(session.pid))
+        if (m_processes->canSignal(session.pid))
             return false;
         if (!m_ended.contains(session.pid))
             qCDebug(logSessions) << "session" << session.sessionId << "has no process" << session.pid;
@@ -129,7 +137,7 @@ void SessionMonitor::publish(QList<ClaudeSession> sessions)
 
 void SessionMonitor::trackRuns(const QList<ClaudeSession> &live)
 {
-    const TimePoint now = m_clock.now();
+    const TimePoint now = m_clock->now();
     QSet<QString> ids;
     QSet<Run> busy;
     for (const ClaudeSession &session : live) {

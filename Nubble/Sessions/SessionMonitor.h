@@ -18,6 +18,15 @@ namespace nubble {
 
 class ProcessTable;
 
+// What a monitor without any files has to show.
+struct SessionsSample {
+    QList<ClaudeSession> sessions{};
+    QSet<QString> recentlyCompleted{};       // session ids
+    QHash<QString, SessionDetail> details{}; // by session id
+
+    bool operator==(const SessionsSample &) const = default;
+};
+
 // The ordered list of live sessions and the set of those that finished within the last two minutes. Polls its
 // folder once a second, for the first time while it is constructed. Main thread only; every failure is silent
 // and looked at again at the next poll.
@@ -29,6 +38,8 @@ public:
     SessionMonitor(
         const QString &sessionsFolder, const QString &projectsFolder, const QString &ownFolder,
         const ProcessTable &processes, const Clock &clock, QObject *parent = nullptr);
+    // Shows that and never anything else: for pictures of the card.
+    explicit SessionMonitor(const SessionsSample &sample, QObject *parent = nullptr);
 
     [[nodiscard]] const QList<ClaudeSession> &sessions() const { return m_sessions; } // newest activity first
     [[nodiscard]] const QSet<QString> &recentlyCompleted() const
@@ -60,8 +71,8 @@ private:
 
     SessionFiles m_files;
     const QString m_ownFolder;
-    const ProcessTable &m_processes;
-    const Clock &m_clock;
+    const ProcessTable *const m_processes; // none for a sample, as the next
+    const Clock *const m_clock;
     SessionDetails m_details;
     QList<ClaudeSession> m_sessions;
     QSet<QString> m_recentlyCompleted;

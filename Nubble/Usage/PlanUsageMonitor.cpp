@@ -37,13 +37,20 @@ PlanUsageMonitor::PlanUsageMonitor(
 }
 
 PlanUsageMonitor::PlanUsageMonitor(PlanUsageReader reader, const Clock &clock, QObject *parent)
-    : QObject(parent), m_clock(clock), m_reader(std::move(reader)),
+    : QObject(parent), m_clock(&clock), m_reader(std::move(reader)),
       m_worker(u"PlanUsageMonitor"_s, politeness)
 {
     refresh(false);
     auto *timer = new QTimer(this);
     timer->callOnTimeout(this, [this] { refresh(false); });
     timer->start(10s);
+}
+
+PlanUsageMonitor::PlanUsageMonitor(
+    const PlanWindows &windows, const std::optional<QString> &problem, QObject *parent)
+    : QObject(parent), m_clock(nullptr), m_shown{windows, problem}, m_reader({}, {}, {}),
+      m_worker(u"PlanUsageMonitor"_s)
+{
 }
 
 QString PlanUsageMonitor::domainIn(const Defaults &defaults)
@@ -55,7 +62,7 @@ void PlanUsageMonitor::refresh(bool rescan)
 {
     if (rescan)
         m_scannedAt.reset();
-    if (m_working)
+    if (m_working || !m_clock)
         return;
     m_working = true;
     m_worker.add(
@@ -68,7 +75,7 @@ void PlanUsageMonitor::refresh(bool rescan)
 
 bool PlanUsageMonitor::trustsEntries() const
 {
-    const auto age = m_clock.now() - m_scannedAt.value_or(TimePoint());
+    const auto age = m_clock->now() - m_scannedAt.value_or(TimePoint());
     return m_scannedAt && age >= 0s && age < entriesTrustedFor; // below 0, the clock was put back
 }
 
@@ -77,7 +84,7 @@ void PlanUsageMonitor::accept(const ReadOutcome &outcome)
     m_working = false;
     if (outcome.entries) {
         m_entries = *outcome.entries;
-        m_scannedAt = m_clock.now();
+        m_scannedAt = m_clock->now();
     }
     if (std::holds_alternative<ReadProblem>(outcome.result))
         m_entries.clear();
@@ -94,7 +101,7 @@ PlanUsageMonitor::Shown PlanUsageMonitor::shownAfter(const ReadOutcome &outcome)
     if (const ReadProblem *problem = std::get_if<ReadProblem>(&outcome.result))
         return {m_shown.windows, problemText(*problem)};
     const Reading &reading = std::get<Reading>(outcome.result);
-    const auto age = m_clock.now() - reading.capturedAt;
+    const auto age = m_clock->now() - reading.capturedAt;
     return {reading.windows, age > freshFor ? std::optional(staleText(age)) : std::nullopt};
 }
 

@@ -21,6 +21,9 @@ public:
     // `domain` is the service that the desktop application asks; see defaultDomain.
     PlanUsageMonitor(const Home &home, const Clock &clock, const QString &domain, QObject *parent = nullptr);
     PlanUsageMonitor(PlanUsageReader reader, const Clock &clock, QObject *parent = nullptr);
+    // Shows that and never anything else: for pictures of the card.
+    PlanUsageMonitor(
+        const PlanWindows &windows, const std::optional<QString> &problem, QObject *parent = nullptr);
 
     static const QString defaultDomain;
     [[nodiscard]] static QString domainIn(const Defaults &defaults); // as the user prefers
@@ -52,7 +55,7 @@ private:
     Shown shownAfter(const ReadOutcome &outcome) const;
     bool trustsEntries() const;
 
-    const Clock &m_clock;
+    const Clock *const m_clock; // none for a sample
     Shown m_shown;
     QList<QByteArray> m_entries;          // known to hold usage answers
     std::optional<TimePoint> m_scannedAt; // when the folder was last listed
