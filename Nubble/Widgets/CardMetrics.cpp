@@ -24,8 +24,8 @@ QLabel *makeNote()
 
 QString breakable(QString text)
 {
-    static const QRegularExpression tooLong(u"\\S{30}"_s);
-    return text.replace(tooLong, u"\\0\u200b"_s);
+    static const QRegularExpression tooLong(u"(\\S{30})"_s);
+    return text.replace(tooLong, u"\\1\u200b"_s);
 }
 
 } // namespace nubble::CardMetrics
