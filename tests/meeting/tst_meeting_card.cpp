@@ -14,6 +14,7 @@
 #include "Notch/NotchAction.h"
 #include "Platform/Linux/LinuxProcessTable.h"
 #include "Shell/Defaults.h"
+#include "Widgets/CardHeader.h"
 #include "Widgets/TooltipShell.h"
 #include "meeting/RecorderStandIn.h"
 #include "support/FakeAudioInput.h"
@@ -143,6 +144,7 @@ private Q_SLOTS:
         click(u"Start recording"_s);
         QTRY_COMPARE(timing(), u"Recording 0:00 · next update in 1:31"_s);
         QVERIFY(button(u"Stop"_s) && wave()->isVisible() && !button(u"Paste link"_s)->isEnabled());
+        QCOMPARE(m_shell->findChild<CardHeader *>()->accessibleName(), u"Meeting Notes, recording"_s);
         QCOMPARE(wave()->accessibleName(), u"Listening"_s);
         m_clock.advance(65s);
         QTRY_COMPARE(timing(), u"Recording 1:05 · next update in 0:26"_s); // within its second
