@@ -8,6 +8,7 @@
 #include <cmath>
 
 #include "Search/ChatTexts.h"
+#include "Thread/LineSpan.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Symbols.h"
 #include "Widgets/Typography.h"
@@ -118,11 +119,11 @@ void ChatRow::drawSnippet(QPainter &painter, const QRectF &line, const QString &
     painter.setPen(Qt::NoPen);
     painter.setBrush(Palette::match);
     for (const TextRange &match : m_matcher.in(text)) {
-        const double from = only.cursorToX(match.from);
-        const double to = only.cursorToX(match.to);
-        const QRectF box(
-            corner + QPointF(std::min(from, to), 0), QSizeF(std::abs(to - from), metrics.height()));
-        painter.drawRoundedRect(box.adjusted(-1.5, 0, 1.5, 0), 3, 3);
+        for (const LineSpan &each : spansOf(only, text, match)) {
+            const QRectF box(
+                corner + QPointF(each.left, 0), QSizeF(each.right - each.left, metrics.height()));
+            painter.drawRoundedRect(box.adjusted(-1.5, 0, 1.5, 0), 3, 3);
+        }
         QTextCharFormat format;
         format.setForeground(Palette::textPrimary);
         lit.append({match.from, match.to - match.from, format});

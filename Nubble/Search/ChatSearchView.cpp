@@ -109,12 +109,18 @@ void ChatSearchView::followSearch()
         m_categories->setChosen(m_search.category());
     });
     connect(&m_search, &ChatSearch::queryChanged, this, [this] { m_query->setText(m_search.query()); });
-    connect(&m_search, &ChatSearch::selectionChanged, this, [this] { m_list->select(m_search.selection()); });
+    connect(&m_search, &ChatSearch::selectionChanged, this, [this] {
+        m_list->select(m_search.selection());
+        showFoot(); // a notice was about another
+    });
     connect(&m_search, &ChatSearch::searchingChanged, this, [this] {
         m_query->setRunning(m_search.isSearching());
     });
     connect(&m_search, &ChatSearch::threadChanged, this, &ChatSearchView::showThread);
-    connect(&m_search, &ChatSearch::hitChanged, this, [this] { m_thread->showHit(m_search.hit()); });
+    connect(&m_search, &ChatSearch::hitChanged, this, [this] {
+        m_thread->showHit(m_search.hit());
+        showFoot();
+    });
     connect(&m_search, &ChatSearch::opened, this, &ChatSearchView::showNotice);
     const auto followMotion = [this] { m_query->setMotionReduced(m_preferences.reducedMotion()); };
     connect(&m_preferences, &DesktopPreferences::reducedMotionChanged, this, followMotion);

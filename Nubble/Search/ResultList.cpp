@@ -76,7 +76,6 @@ void ResultList::setHits(const QList<ChatHit> &hits, const TextMatcher &matcher)
 {
     m_row->setMatcher(matcher);
     m_rows->setHits(hits);
-    scrollToTop();
 }
 
 void ResultList::select(qsizetype row)

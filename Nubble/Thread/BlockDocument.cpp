@@ -11,6 +11,7 @@
 #include <cmath>
 
 #include "Thread/BlockSource.h"
+#include "Thread/LineSpan.h"
 #include "Thread/TableColumns.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Typography.h"
@@ -267,6 +268,7 @@ QList<QRectF> BlockDocument::rects(const TextRange &range) const
     for (QTextBlock block = findBlock(range.from); block.isValid() && block.position() < range.to;
          block = block.next()) {
         const QPointF origin = documentLayout()->blockBoundingRect(block).topLeft();
+        const QString text = block.text();
         for (int i = 0; i < block.layout()->lineCount(); ++i) {
             const QTextLine line = block.layout()->lineAt(i);
             const int start = block.position() + line.textStart();
@@ -274,12 +276,11 @@ QList<QRectF> BlockDocument::rects(const TextRange &range) const
             const int to = std::min(range.to, start + line.textLength());
             if (from >= to)
                 continue;
-            const double left = line.cursorToX(from - block.position());
-            const double right = line.cursorToX(to - block.position());
             const double top = line.y() + line.height() - line.ascent() - line.descent();
-            result.append(
-                QRectF(std::min(left, right), top, std::abs(right - left), line.height() - top + line.y())
-                    .translated(origin));
+            const TextRange inBlock{from - block.position(), to - block.position()};
+            for (const LineSpan &each : spansOf(line, text, inBlock))
+                result.append(QRectF(each.left, top, each.right - each.left, line.height() - top + line.y())
+                                  .translated(origin));
         }
     }
     return result;

@@ -12,6 +12,7 @@ RECORDER = """
 import fs from 'node:fs';
 console.log('10:32:05 AM tab "Week 12"');
 console.log('recording');
+console.log('next 1700000000000');
 fs.writeFileSync('pid', String(process.pid));
 process.on('SIGINT', () => {
     process.stdout.write('updated: The-end' + String.fromCharCode(10));
@@ -57,7 +58,8 @@ class MeetingNotes(DesktopTest):
         nubble = self.start_nubble()
         self.until_notes(nubble, phase="idle", link=True, others=[], status="")
         self.signal("start")
-        self.until_notes(nubble, phase="recording", tabTitle="Week 12", status="Recording — first notes in about 3 minutes.")
+        self.until_notes(nubble, phase="recording", tabTitle="Week 12", nextUpdate=1700000000000, lastUpdate=None,
+                         status="Recording — first notes in about 3 minutes.")
         again = nubble.run("notes", "start")
         self.assertEqual((again.returncode, again.stderr), (1, "nubble: Already running — stop it first.\n"))
         self.signal("stop")

@@ -14,6 +14,7 @@
 #include "Notch/NotchAction.h"
 #include "Platform/Linux/LinuxProcessTable.h"
 #include "Shell/Defaults.h"
+#include "Widgets/CardHeader.h"
 #include "Widgets/TooltipShell.h"
 #include "meeting/RecorderStandIn.h"
 #include "support/FakeAudioInput.h"
@@ -143,6 +144,7 @@ private Q_SLOTS:
         click(u"Start recording"_s);
         QTRY_COMPARE(timing(), u"Recording 0:00 · next update in 1:31"_s);
         QVERIFY(button(u"Stop"_s) && wave()->isVisible() && !button(u"Paste link"_s)->isEnabled());
+        QCOMPARE(m_shell->findChild<CardHeader *>()->accessibleName(), u"Meeting Notes, recording"_s);
         QCOMPARE(wave()->accessibleName(), u"Listening"_s);
         m_clock.advance(65s);
         QTRY_COMPARE(timing(), u"Recording 1:05 · next update in 0:26"_s); // within its second
@@ -159,9 +161,13 @@ private Q_SLOTS:
             });
         };
         QTRY_VERIFY(fit());
-        const auto card = meetingCard(*m_notes, m_clock);
-        const std::unique_ptr<QWidget> onSmallScreen(card.makeContent({.height = 290, .close = {}}));
-        QVERIFY(onSmallScreen->heightForWidth(onSmallScreen->width()) <= 290);
+        QVERIFY(says(u"Updated It is "_s + QString(225, u'x') + u'…'));
+        const auto heightWhereThereIs = [this](int room) {
+            const std::unique_ptr<QWidget> card(meetingCard(*m_notes, m_clock).makeContent({room, {}}));
+            return card->heightForWidth(card->width());
+        };
+        const int height = heightWhereThereIs(700);
+        QVERIFY(heightWhereThereIs(height - 20) <= height - 20);
         QTRY_VERIFY(button(u"Start recording"_s));
         QVERIFY(timing().isEmpty());
         const QByteArray log = m_home->read(u".quib-live/notch.log"_s);

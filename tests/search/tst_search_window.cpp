@@ -9,6 +9,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include "Search/CategoryStrip.h"
 #include "Search/ChatSearchWindow.h"
 #include "Search/ChatTexts.h"
 #include "Search/KeyPanel.h"
@@ -100,7 +101,9 @@ private Q_SLOTS:
         m_tool.emplace(*m_home);
         QJsonArray hits;
         for (int i = 0; i < 25; ++i)
-            hits.append(hitJson(u"chat %1"_s.arg(i), {{u"url"_s, u"https://claude.ai/chat/%1"_s.arg(i)}}));
+            hits.append(hitJson(
+                u"chat %1"_s.arg(i),
+                i == 3 ? QJsonObject() : QJsonObject{{u"url"_s, u"https://claude.ai/chat/%1"_s.arg(i)}}));
         m_home->write(u"answer"_s, searchJson(hits));
         m_home->write(u"none"_s, searchJson({}));
         const auto category = [](const QString &name, int count) {
@@ -200,6 +203,16 @@ private Q_SLOTS:
         QCOMPARE(excerpt(far, TextMatcher()), far);
     }
 
+    void nothingIsOfferedThatLeadsNowhere()
+    {
+        ThreadHeader header;
+        header.setThread({}, {});
+        QVERIFY(header.findChildren<QAbstractButton *>().last()->isHidden());
+        CategoryStrip strip;
+        strip.setCategories(QList<ChatCategory>(5000, {u"Work"_s, 1}), {});
+        QCOMPARE(strip.findChildren<QAbstractButton *>().size(), 101);
+    }
+
     void everythingWorksByKeyboard()
     {
         m_window->show();
@@ -233,6 +246,11 @@ private Q_SLOTS:
         QVERIFY(part<ThreadView>()->scene().layout().value() < value - 100);
         press(Qt::Key_Return, Qt::ControlModifier);
         QTRY_VERIFY(says(u"This link can't be opened."_s));
+        press(Qt::Key_Up); // and forgotten
+        QVERIFY(!says(u"This link can't be opened."_s));
+        press(Qt::Key_Down);
+        const auto *page = part<ThreadPage>();
+        QTRY_COMPARE(page->geometry().bottom(), page->parentWidget()->rect().bottom()); // without hints
         QVERIFY(!part<ThreadView>()->scene().rows().message(0).isReply());
         QVERIFY(part<ThreadView>()->scene().rows().message(1).isReply());
         press(Qt::Key_Escape);
@@ -349,6 +367,9 @@ private Q_SLOTS:
         button(u"Back to the results"_s)->click();
         QVERIFY(!isRead());
         QCOMPARE(search().selection(), 2);
+        QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, ChatRow::openButton(row(3)).center());
+        QTRY_VERIFY(isRead()); // as it has no such button
+        press(Qt::Key_Escape);
         QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, ChatRow::openButton(row(1)).center());
         QTRY_COMPARE(m_opened, QList<QUrl>{QUrl(u"https://claude.ai/chat/1"_s)});
         QTRY_VERIFY(!m_window->isOpen());

@@ -550,6 +550,16 @@ private Q_SLOTS:
         }
     }
 
+    void aPartOfAWordIsFoundWithinTheOtherWayOfWriting()
+    {
+        show(u"שלום watcher עולם"_s);
+        const auto rects = [this](int from, int to) { return document(0).rects({from, to}); };
+        const QRectF word = rects(5, 12).value(0);
+        QCOMPARE(rects(5, 6).value(0).left(), word.left());
+        QVERIFY(rects(5, 6).value(0).width() < word.width() / 2);
+        QCOMPARE(rects(2, 7).size(), 2);
+    }
+
     void drawsWhatStandsBesideTheText()
     {
         const auto isDrawn = [this](const QRect &rect) {
