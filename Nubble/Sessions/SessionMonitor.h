@@ -23,8 +23,6 @@ struct SessionsSample {
     QList<ClaudeSession> sessions{};
     QSet<QString> recentlyCompleted{};       // session ids
     QHash<QString, SessionDetail> details{}; // by session id
-
-    bool operator==(const SessionsSample &) const = default;
 };
 
 // The ordered list of live sessions and the set of those that finished within the last two minutes. Polls its
