@@ -10,10 +10,8 @@ Card meetingCard(MeetingNotes &notes, const Clock &clock)
 {
     return {
         .name = "notes"_L1,
-        .makeContent =
-            [&notes, &clock](const CardRoom &room) {
-                return new MeetingNotesCardContent(notes, clock, room);
-            },
+        .makeContent = [&notes, &clock](
+                           const CardRoom &room) { return new MeetingNotesCardContent(notes, clock, room); },
         .refresh = {},
     };
 }
