@@ -13,7 +13,8 @@ import fs from 'node:fs';
 console.log('10:32:05 AM tab "Week 12"');
 console.log('recording');
 console.log('next 1700000000000');
-fs.writeFileSync('pid', String(process.pid));
+fs.writeFileSync('pid.new', String(process.pid));
+fs.renameSync('pid.new', 'pid');
 process.on('SIGINT', () => {
     process.stdout.write('updated: The-end' + String.fromCharCode(10));
     console.log('done. All written.');
@@ -49,6 +50,16 @@ class MeetingNotes(DesktopTest):
             "gdbus", "emit", "--session", "--object-path", "/", "--signal", "com.brevandel.nubble.notes",
             f"{{'action': <'{action}'>}}")
 
+    def has_started(self, nubble):
+        """On a machine that is too busy to look for other recorders in time it is refused, and asked for again."""
+        notes = nubble.status()["notes"]
+        if notes["status"].startswith("Couldn't find out"):
+            self.signal("start")
+        return notes["phase"] == "recording"
+
+    def start_recording(self, nubble):
+        eventually(lambda: nubble.run("notes", "start").returncode == 0, "it records")
+
     def until_notes(self, nubble, **wanted):
         eventually(
             lambda: wanted.items() <= nubble.status()["notes"].items(),
@@ -58,6 +69,7 @@ class MeetingNotes(DesktopTest):
         nubble = self.start_nubble()
         self.until_notes(nubble, phase="idle", link=True, others=[], status="")
         self.signal("start")
+        eventually(lambda: self.has_started(nubble), "it records")
         self.until_notes(nubble, phase="recording", tabTitle="Week 12", nextUpdate=1700000000000, lastUpdate=None,
                          status="Recording — first notes in about 3 minutes.")
         again = nubble.run("notes", "start")
@@ -71,14 +83,14 @@ class MeetingNotes(DesktopTest):
 
     def test_the_notes_are_finished_when_the_program_ends(self):
         nubble = self.start_nubble()
-        self.assertEqual(nubble.run("notes", "start").returncode, 0)
+        self.start_recording(nubble)
         self.until_notes(nubble, tabTitle="Week 12")
         self.assertEqual(nubble.quit(), 0)
         eventually((self.folder / "notes").exists, "the last notes are written")
 
     def test_a_recorder_that_has_lost_the_program_is_found_again(self):
         nubble = self.start_nubble()
-        self.assertEqual(nubble.run("notes", "start").returncode, 0)
+        self.start_recording(nubble)
         self.until_notes(nubble, tabTitle="Week 12")
         os.kill(nubble.process.pid, signal.SIGKILL)
         nubble.wait()
