@@ -33,7 +33,7 @@ NotchAction::Look lookOf(const MeetingNotes &notes)
 NotchAction::Look lookOf(const QuenwickMonitor &quenwick, const Clock &clock)
 {
     const ReviewState &state = quenwick.state();
-    const QDateTime now = QDateTime::fromMSecsSinceEpoch(clock.now().time_since_epoch().count());
+    const QDateTime now = localTime(clock.now());
     const QString count =
         isAllClear(state) ? QString() : u" — %1 %2"_s.arg(state.inbox.pending).arg(countText(state));
     return {

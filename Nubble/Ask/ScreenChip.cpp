@@ -8,6 +8,7 @@
 #include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Symbols.h"
+#include "Widgets/ToolTip.h"
 #include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
@@ -92,7 +93,7 @@ void ScreenChip::show(const std::optional<ScreenContext> &screen, bool capturing
     m_remove->setVisible(!capturing);
     setAccessibleName(m_text);
     // What stands in a title is no markup.
-    setToolTip(m_picture.isNull() ? u"<qt>"_s + m_text.toHtmlEscaped() + u"</qt>"_s : QString());
+    setToolTip(m_picture.isNull() ? toolTipOf(m_text) : QString());
     setVisible(text.has_value());
     if (m_preview)
         m_preview->close();

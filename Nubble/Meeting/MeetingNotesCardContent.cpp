@@ -18,6 +18,7 @@
 #include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Symbols.h"
+#include "Widgets/ToolTip.h"
 #include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
@@ -48,8 +49,7 @@ void showNote(QLabel &label, const QString &text, qsizetype longest = longestSta
 {
     const bool isCut = text.size() > longest;
     label.setText(CardMetrics::breakable(isCut ? text.first(longest - 1) + u'…' : text));
-    label.setToolTip(
-        isCut ? u"<qt>"_s + CardMetrics::breakable(text).toHtmlEscaped() + u"</qt>"_s : QString());
+    label.setToolTip(isCut ? toolTipOf(CardMetrics::breakable(text)) : QString());
     label.setVisible(!text.isEmpty());
 }
 
@@ -133,7 +133,7 @@ void MeetingNotesCardContent::follow()
     m_header->setDetail(phaseWord(state));
     const QString doc = docLabel(state);
     m_doc->setText(m_doc->fontMetrics().elidedText(doc, Qt::ElideRight, contentWidth - 21));
-    m_doc->setToolTip(m_doc->text() == doc ? QString() : u"<qt>"_s + doc.toHtmlEscaped() + u"</qt>"_s);
+    m_doc->setToolTip(m_doc->text() == doc ? QString() : toolTipOf(doc));
     m_doc->setAccessibleName(doc);
     m_openDoc->setVisible(isDocTabLink(state.link));
     m_pasteLink->setEnabled(state.phase == MeetingState::Phase::Idle);

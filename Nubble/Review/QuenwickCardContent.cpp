@@ -80,16 +80,12 @@ QWidget *QuenwickCardContent::makeHeader()
     return header;
 }
 
-QDateTime QuenwickCardContent::now() const
-{
-    return QDateTime::fromMSecsSinceEpoch(m_clock.now().time_since_epoch().count());
-}
-
 void QuenwickCardContent::follow()
 {
     const ReviewState &state = m_quenwick.state();
     const QList<QuenwickItem> &items = state.inbox.items;
-    const QList<DayGroup> groups = dayGroups(items.first(std::min(items.size(), mostRows)), now());
+    const QList<DayGroup> groups =
+        dayGroups(items.first(std::min(items.size(), mostRows)), localTime(m_clock.now()));
     if (groups != m_shown)
         showGroups(groups);
     updateRows();
@@ -132,7 +128,7 @@ void QuenwickCardContent::add(const DayGroup &group)
     m_days->addWidget(header);
     header->show();
     for (const QuenwickItem &item : group.items) {
-        auto *row = new QuenwickRow(item, m_list);
+        auto *row = new QuenwickRow(item, group.soon, m_list);
         QWidget *before = m_rows.isEmpty() ? nullptr : m_rows.last();
         if (before)
             setTabOrder(before, row);
@@ -151,11 +147,10 @@ void QuenwickCardContent::add(const DayGroup &group)
 void QuenwickCardContent::updateRows()
 {
     const ReviewState &state = m_quenwick.state();
-    const QDateTime at = now();
+    const QDateTime now = localTime(m_clock.now());
     for (QuenwickRow *row : std::as_const(m_rows)) {
         const QuenwickItem &item = row->item();
-        const bool soon = item.due && item.due->toLocalTime().date() <= at.date().addDays(1);
-        row->setDue(NextDue::inFull(item.due, item.timeKnown, at), soon);
+        row->setDue(NextDue::inFull(item.due, item.timeKnown, now));
         row->setLive(state.live);
         row->setBusy(state.busy.contains(item.id()), m_preferences.reducedMotion());
     }

@@ -38,7 +38,6 @@ private:
     void updateRows();
     void focusRow(qsizetype index);
     [[nodiscard]] qsizetype focusedRow() const; // -1: none
-    [[nodiscard]] QDateTime now() const;
 
     QuenwickMonitor &m_quenwick;
     const Clock &m_clock;

@@ -127,8 +127,7 @@ template <typename Work, typename Publish> void QuenwickMonitor::onWorker(Work w
 
 QDateTime QuenwickMonitor::today() const
 {
-    const TimePoint now = m_polling->surroundings.clock.now();
-    return QDateTime::fromMSecsSinceEpoch(now.time_since_epoch().count()).date().startOfDay();
+    return localTime(m_polling->surroundings.clock.now()).date().startOfDay();
 }
 
 void QuenwickMonitor::accept(const ReviewLook &look)

@@ -101,9 +101,10 @@ struct QuenwickRow::Line {
     QString symbol{};
 };
 
-QuenwickRow::QuenwickRow(const QuenwickItem &item, QWidget *parent)
-    : QWidget(parent), m_item(item), m_quote(wrapped(oneLine(quoteOf(item)), Typography::cardBody())),
-      m_actions(new QWidget(this)), m_spinner(new Spinner(16, this)), m_hover(this)
+QuenwickRow::QuenwickRow(const QuenwickItem &item, bool soon, QWidget *parent)
+    : QWidget(parent), m_item(item), m_soon(soon),
+      m_quote(wrapped(oneLine(quoteOf(item)), Typography::cardBody())), m_actions(new QWidget(this)),
+      m_spinner(new Spinner(16, this)), m_hover(this)
 {
     setFocusPolicy(Qt::TabFocus);
     auto *row = new QHBoxLayout(m_actions);
@@ -129,12 +130,11 @@ NotchButton *QuenwickRow::addAction(ReviewAction action)
     return button;
 }
 
-void QuenwickRow::setDue(const QString &due, bool soon)
+void QuenwickRow::setDue(const QString &due)
 {
-    if (m_due == due && m_soon == soon)
+    if (m_due == due)
         return;
     m_due = due;
-    m_soon = soon;
     describe();
     update();
 }

@@ -16,9 +16,9 @@ class QuenwickRow : public QWidget {
     Q_OBJECT
 
 public:
-    explicit QuenwickRow(const QuenwickItem &item, QWidget *parent = nullptr);
+    QuenwickRow(const QuenwickItem &item, bool soon, QWidget *parent = nullptr);
 
-    void setDue(const QString &due, bool soon); // in words
+    void setDue(const QString &due); // in words
     void setLive(bool live);
     void setBusy(bool busy, bool motionReduced);
     [[nodiscard]] const QuenwickItem &item() const { return m_item; }
@@ -43,9 +43,9 @@ private:
     void describe();
 
     const QuenwickItem m_item;
+    const bool m_soon;
     QStringList m_quote; // line by line
     QString m_due;
-    bool m_soon = false;
     bool m_busy = false;
     QWidget *m_actions;
     Spinner *m_spinner;

@@ -14,6 +14,7 @@
 #include "Search/ChatTexts.h"
 #include "Widgets/HoverLift.h"
 #include "Widgets/Palette.h"
+#include "Widgets/ToolTip.h"
 #include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
@@ -37,7 +38,7 @@ public:
     {
         const QFontMetrics metrics(Typography::cardBody());
         setText(metrics.elidedText(name, Qt::ElideRight, widestName));
-        setToolTip(text() == name ? QString() : name.toHtmlEscaped());
+        setToolTip(text() == name ? QString() : toolTipOf(name));
         setAccessibleName(m_count.isEmpty() ? name : u"%1, %2"_s.arg(name, m_count));
         setCheckable(true);
         setFocusPolicy(Qt::TabFocus);

@@ -56,6 +56,22 @@ struct ChatThread {
     bool operator==(const ChatThread &) const = default;
 };
 
+// What opening a chat does: goes on with its session by that command, else follows the link. Both empty:
+// there is nothing to open.
+struct ChatTarget {
+    QString resume;
+    QString link;
+};
+
+// Of a hit or a thread.
+template <typename Chat> ChatTarget targetOf(const Chat &chat)
+{
+    const QString appUrl = chat.appUrl.value_or(QString());
+    return {
+        chat.source == u"code" ? chat.resume.value_or(QString()) : QString(),
+        appUrl.isEmpty() ? chat.url.value_or(QString()) : appUrl};
+}
+
 struct ChatCategory {
     QString category;
     qint64 count = 0;

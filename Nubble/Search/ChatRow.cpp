@@ -25,12 +25,6 @@ constexpr double iconSide = 15;
 constexpr int buttonSide = 26;
 constexpr qsizetype before = 40; // characters of a snippet that stand before its first match
 
-void drawElided(QPainter &painter, const QRectF &line, const QString &text)
-{
-    const QString shown = painter.fontMetrics().elidedText(text, Qt::ElideRight, qFloor(line.width()));
-    painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, shown);
-}
-
 } // namespace
 
 QString excerpt(const QString &snippet, const TextMatcher &matcher)
@@ -78,7 +72,7 @@ void ChatRow::paint(QPainter *painter, const QStyleOptionViewItem &option, const
     Symbols::draw(
         *painter, symbol, QRectF(area.left(), area.top() + 2.5, iconSide, iconSide), Palette::textSecondary);
     area.setLeft(area.left() + iconSide + 10);
-    if ((isSelected || isHovered) && !openText(hit).isEmpty()) {
+    if ((isSelected || isHovered) && !openText(targetOf(hit)).isEmpty()) {
         drawButton(*painter, option.rect, hit);
         area.setRight(openButton(option.rect).left() - 8);
     }
@@ -86,7 +80,7 @@ void ChatRow::paint(QPainter *painter, const QStyleOptionViewItem &option, const
     painter->setFont(Typography::resultTitle());
     painter->setPen(Palette::textPrimary);
     const QRectF title(area.left(), area.top(), area.width(), 20);
-    drawElided(*painter, title, titleText(hit.title));
+    Typography::drawElided(*painter, title, titleText(hit.title));
     drawSnippet(*painter, QRectF(area.left(), title.bottom(), area.width(), 18), hit.snippet);
     drawMeta(*painter, QRectF(area.left(), area.bottom() - 15, area.width(), 15), hit);
     painter->restore();
@@ -99,7 +93,8 @@ void ChatRow::drawButton(QPainter &painter, const QRect &row, const ChatHit &hit
     painter.setBrush(button.contains(m_pointer) ? Palette::hover : Palette::control);
     painter.drawEllipse(button);
     Symbols::draw(
-        painter, openSymbol(hit), QRectF(button).adjusted(6.5, 6.5, -6.5, -6.5), Palette::textPrimary);
+        painter, openSymbol(targetOf(hit)), QRectF(button).adjusted(6.5, 6.5, -6.5, -6.5),
+        Palette::textPrimary);
 }
 
 void ChatRow::drawSnippet(QPainter &painter, const QRectF &line, const QString &snippet) const

@@ -218,23 +218,22 @@ void ChatSearch::move(qsizetype by)
     Q_EMIT selectionChanged();
 }
 
-template <typename Chat> void ChatSearch::openChat(const Chat &chat)
+void ChatSearch::openTarget(const ChatTarget &target)
 {
-    const auto isThere = [](const std::optional<QString> &text) { return text && !text->isEmpty(); };
-    if (chat.source == u"code" && isThere(chat.resume))
-        m_opening.resume(*chat.resume);
-    else if (const auto &link = isThere(chat.appUrl) ? chat.appUrl : chat.url; isThere(link))
-        m_opening.openLink(*link);
+    if (!target.resume.isEmpty())
+        m_opening.resume(target.resume);
+    else if (!target.link.isEmpty())
+        m_opening.openLink(target.link);
 }
 
 void ChatSearch::open(const ChatHit &hit)
 {
-    openChat(hit);
+    openTarget(targetOf(hit));
 }
 
 void ChatSearch::open(const ChatThread &thread)
 {
-    openChat(thread);
+    openTarget(targetOf(thread));
 }
 
 } // namespace nubble

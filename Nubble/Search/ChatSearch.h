@@ -77,7 +77,7 @@ private:
     [[nodiscard]] Process exec(const QStringList &arguments, const Answer &answer);
     void accept(const std::optional<SearchResponse> &response, const QString &query);
     void setProcess(Process &which, Process process);
-    template <typename Chat> void openChat(const Chat &chat);
+    void openTarget(const ChatTarget &target);
 
     const Home m_home;
     QString m_query;

@@ -42,18 +42,13 @@ void setTint(QLabel &label, const QColor &tint)
     label.setPalette(palette);
 }
 
-QDateTime timeOf(const Clock &clock)
-{
-    return QDateTime::fromMSecsSinceEpoch(clock.now().time_since_epoch().count());
-}
-
 } // namespace
 
 ChatSearchView::ChatSearchView(
     ChatSearch &search, const Clock &clock, const DesktopPreferences &preferences, QWidget *parent)
     : QWidget(parent), m_search(search), m_clock(clock), m_preferences(preferences),
       m_query(new QueryField(this)), m_categories(new CategoryStrip), m_corrected(CardMetrics::makeNote()),
-      m_list(new ResultList([this] { return timeOf(m_clock); })), m_message(CardMetrics::makeNote()),
+      m_list(new ResultList([this] { return localTime(m_clock.now()); })), m_message(CardMetrics::makeNote()),
       m_found(new QStackedLayout), m_thread(new ThreadPage), m_pages(new QStackedLayout),
       m_foot(CardMetrics::makeNote())
 {
@@ -187,7 +182,7 @@ void ChatSearchView::showThread()
 {
     if (const auto &thread = m_search.thread()) {
         m_thread->setThread(
-            *thread, TextMatcher(m_search.words()), dateText(thread->updated, timeOf(m_clock)));
+            *thread, TextMatcher(m_search.words()), dateText(thread->updated, localTime(m_clock.now())));
         return;
     }
     m_thread->clear();

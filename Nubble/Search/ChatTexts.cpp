@@ -52,22 +52,6 @@ QString todayText(const QDateTime &at, bool hasTime)
     return hasTime ? u"Today "_s + QLocale::c().toString(at.time(), u"HH:mm") : u"Today"_s;
 }
 
-bool isThere(const std::optional<QString> &text)
-{
-    return text && !text->isEmpty();
-}
-
-template <typename Chat> bool resumes(const Chat &chat)
-{
-    return chat.source == u"code" && isThere(chat.resume);
-}
-
-template <typename Chat> QString openTextOf(const Chat &chat)
-{
-    const bool links = isThere(chat.appUrl) || isThere(chat.url);
-    return resumes(chat) ? u"Resume in a terminal"_s : links ? u"Open this chat"_s : QString();
-}
-
 } // namespace
 
 QStringList searchedWords(const QString &query, const QMap<QString, QStringList> &corrected)
@@ -124,24 +108,16 @@ QString matchText(qsizetype hit, qsizetype count)
     return count == 0 ? QString() : u"%1 of %2"_s.arg(hit + 1).arg(count);
 }
 
-QString openText(const ChatHit &hit)
+QString openText(const ChatTarget &target)
 {
-    return openTextOf(hit);
+    if (!target.resume.isEmpty())
+        return u"Resume in a terminal"_s;
+    return target.link.isEmpty() ? QString() : u"Open this chat"_s;
 }
 
-QString openText(const ChatThread &thread)
+QString openSymbol(const ChatTarget &target)
 {
-    return openTextOf(thread);
-}
-
-QString openSymbol(const ChatHit &hit)
-{
-    return resumes(hit) ? u"terminal"_s : u"arrow.up.right"_s;
-}
-
-QString openSymbol(const ChatThread &thread)
-{
-    return resumes(thread) ? u"terminal"_s : u"arrow.up.right"_s;
+    return target.resume.isEmpty() ? u"arrow.up.right"_s : u"terminal"_s;
 }
 
 QString titleText(const QString &title)

@@ -24,12 +24,10 @@ namespace nubble {
 [[nodiscard]] QString metaText(const ChatHit &hit, const QDateTime &now);
 [[nodiscard]] QString matchText(qsizetype hit, qsizetype count); // "3 of 7", for `hit` from 0
 
-// What opening it does; empty when there is nothing to open.
-[[nodiscard]] QString openText(const ChatHit &hit);
-[[nodiscard]] QString openText(const ChatThread &thread);
-// The name of the symbol that stands for that.
-[[nodiscard]] QString openSymbol(const ChatHit &hit);
-[[nodiscard]] QString openSymbol(const ChatThread &thread);
+// What opening it does, and the name of the symbol that stands for that; no text when there is nothing to
+// open.
+[[nodiscard]] QString openText(const ChatTarget &target);
+[[nodiscard]] QString openSymbol(const ChatTarget &target);
 
 // Foreign text as it can stand on one line: without what breaks it, or turns its neighbours' direction. What
 // never fits is cut off.

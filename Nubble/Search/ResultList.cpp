@@ -10,6 +10,7 @@
 
 #include "Search/ChatTexts.h"
 #include "Widgets/SlimScrollBar.h"
+#include "Widgets/ToolTip.h"
 
 using namespace Qt::StringLiterals;
 
@@ -108,7 +109,7 @@ void ResultList::mouseReleaseEvent(QMouseEvent *event)
     if (!index.isValid() || index != currentIndex() || event->button() != Qt::LeftButton)
         return;
     const bool isOnButton = ChatRow::openButton(visualRect(index)).contains(at);
-    if (isOnButton && !openText(m_rows->hit(index.row())).isEmpty())
+    if (isOnButton && !openText(targetOf(m_rows->hit(index.row()))).isEmpty())
         Q_EMIT openWanted(index.row());
     else
         Q_EMIT chosen(index.row());
@@ -139,8 +140,8 @@ void ResultList::showToolTip(const QPoint &point, const QPoint &onScreen)
     const ChatHit &hit = m_rows->hit(index.row());
     const QRect row = visualRect(index);
     const bool isOnButton = ChatRow::openButton(row).contains(point);
-    const QString text = isOnButton ? openText(hit) + u"  Ctrl+Return"_s : titleText(hit.title);
-    QToolTip::showText(onScreen, u"<qt>"_s + text.toHtmlEscaped() + u"</qt>"_s, viewport(), row);
+    const QString text = isOnButton ? openText(targetOf(hit)) + u"  Ctrl+Return"_s : titleText(hit.title);
+    QToolTip::showText(onScreen, toolTipOf(text), viewport(), row);
 }
 
 } // namespace nubble

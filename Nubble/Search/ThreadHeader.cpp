@@ -54,9 +54,9 @@ void ThreadHeader::setThread(const ChatThread &thread, const QString &date)
 {
     m_title = titleText(thread.title);
     m_date = date;
-    const QString help = openText(thread);
+    const QString help = openText(targetOf(thread));
     m_open->setHelpText(help + u"  Ctrl+Return"_s);
-    m_open->setSymbol(openSymbol(thread));
+    m_open->setSymbol(openSymbol(targetOf(thread)));
     m_open->setVisible(!help.isEmpty());
     setMatch({});
 }
@@ -84,16 +84,11 @@ void ThreadHeader::paintEvent(QPaintEvent *)
     area.adjust(0, 6, 0, -6);
     const bool hasDate = !m_date.isEmpty();
     const QRectF title(area.left(), area.top(), area.width(), hasDate ? area.height() * 0.55 : area.height());
-    const auto draw = [&painter](const QRectF &line, const QString &text) {
-        painter.drawText(
-            line, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
-            painter.fontMetrics().elidedText(text, Qt::ElideRight, qFloor(line.width())));
-    };
     painter.setFont(Typography::caption());
-    draw(QRectF(title.bottomLeft(), area.bottomRight()), m_date);
+    Typography::drawElided(painter, QRectF(title.bottomLeft(), area.bottomRight()), m_date);
     painter.setFont(Typography::resultTitle());
     painter.setPen(Palette::textPrimary);
-    draw(title, m_title);
+    Typography::drawElided(painter, title, m_title);
 }
 
 } // namespace nubble

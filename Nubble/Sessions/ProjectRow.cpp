@@ -42,14 +42,6 @@ QString joined(QStringList parts, const QString &separator)
     return parts.join(separator);
 }
 
-void drawElided(QPainter &painter, const QRectF &line, const QString &text)
-{
-    // Eliding looks at the whole text: a prompt of a megabyte is cut first to what can never fit.
-    const QString start = text.left(400);
-    const QString shown = painter.fontMetrics().elidedText(start, Qt::ElideRight, qFloor(line.width()));
-    painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, shown);
-}
-
 } // namespace
 
 ProjectRow::ProjectRow(QWidget *parent) : QAbstractButton(parent), m_hover(this)
@@ -127,12 +119,12 @@ void ProjectRow::drawTexts(QPainter &painter, const QRectF &area) const
     const bool oneLine = m_content.lastPrompt.isEmpty();
     painter.setFont(Typography::rowTitle());
     painter.setPen(Palette::textPrimary);
-    drawElided(painter, oneLine ? area : upper, m_content.title);
+    Typography::drawElided(painter, oneLine ? area : upper, m_content.title);
     if (oneLine)
         return;
     painter.setFont(Typography::cardBody());
     painter.setPen(Palette::textSecondary);
-    drawElided(painter, upper.translated(0, area.height() / 2), m_content.lastPrompt);
+    Typography::drawElided(painter, upper.translated(0, area.height() / 2), m_content.lastPrompt);
 }
 
 } // namespace nubble

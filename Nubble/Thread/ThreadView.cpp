@@ -18,6 +18,7 @@
 #include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
 #include "Widgets/SlimScrollBar.h"
+#include "Widgets/ToolTip.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -232,12 +233,10 @@ bool ThreadView::viewportEvent(QEvent *event)
         break;
     case QEvent::ToolTip: {
         const auto *help = static_cast<const QHelpEvent *>(event);
-        const QString text = m_scene->toolTipAt(help->pos());
-        // Escaped and told to be rich, so that no address is taken for what it looks like.
-        const QString rich = text.isEmpty() ? text : u"<qt>"_s + text.toHtmlEscaped() + u"</qt>"_s;
         constexpr QMargins nearby(4, 4, 4, 4); // farther away it goes
         QToolTip::showText(
-            help->globalPos(), rich, viewport(), QRect(help->pos(), QSize(1, 1)).marginsAdded(nearby));
+            help->globalPos(), toolTipOf(m_scene->toolTipAt(help->pos())), viewport(),
+            QRect(help->pos(), QSize(1, 1)).marginsAdded(nearby));
         return true;
     }
     default:

@@ -64,7 +64,7 @@ UsageCardContent::UsageCardContent(
 
 void UsageCardContent::updateWindows()
 {
-    const QDateTime now = QDateTime::fromMSecsSinceEpoch(m_clock.now().time_since_epoch().count());
+    const QDateTime now = localTime(m_clock.now());
     const bool animated = !m_preferences.reducedMotion();
     showWindow(*m_session, m_planUsage.windows().session, now, animated);
     showWindow(*m_weekly, m_planUsage.windows().weekly, now, animated);

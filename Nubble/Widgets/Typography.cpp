@@ -122,6 +122,15 @@ double percentLineHeight()
     return std::ceil(metrics.ascent() + metrics.descent() + metrics.leading());
 }
 
+void drawElided(QPainter &painter, const QRectF &rect, const QString &text)
+{
+    // Eliding looks at the whole text: one of a megabyte is cut first to what can never fit.
+    constexpr qsizetype longest = 400;
+    const QString shown =
+        painter.fontMetrics().elidedText(text.left(longest), Qt::ElideRight, qFloor(rect.width()));
+    painter.drawText(rect, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, shown);
+}
+
 void drawTabular(QPainter &painter, const QRectF &rect, Qt::Alignment alignment, const QString &text)
 {
     const QFontMetricsF metrics(painter.font());

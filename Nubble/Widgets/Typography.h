@@ -28,6 +28,9 @@ namespace Typography {
 // The height of one line of `percent()`, whole pixels.
 [[nodiscard]] double percentLineHeight();
 
+// Draws one line at the left, cut off where it does not fit.
+void drawElided(QPainter &painter, const QRectF &rect, const QString &text);
+
 // Draws one line whose digits are all of the same width, so that changing numbers do not jitter.
 void drawTabular(QPainter &painter, const QRectF &rect, Qt::Alignment alignment, const QString &text);
 

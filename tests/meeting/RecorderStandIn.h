@@ -12,20 +12,22 @@ namespace nubble {
 //   keep(NAME, TEXT)  adds a line to a file beside the script
 //   finish            what it does when it is interrupted; by itself it says and keeps "final notes" and ends
 // How it was started is kept in "started", as JSON. A `pgrep` of the home's own finds the home's recorders
-// only, for others run beside it.
+// only, for others run beside it, and counts how often it is asked.
 class RecorderStandIn {
 public:
     explicit RecorderStandIn(const TemporaryHome &home) : m_home(home)
     {
         m_home.writeScript(
             pgrepFile(),
-            "#!/bin/sh\nfor each in $(/usr/bin/pgrep \"$@\"); do grep -qsF \"${0%/*}\" /proc/$each/cmdline "
+            "#!/bin/sh\necho x >> \"${0%/*}/scans\"\nfor each in $(/usr/bin/pgrep \"$@\"); do grep -qsF "
+            "\"${0%/*}\" /proc/$each/cmdline "
             "&& echo "
             "$each; done; exit 0\n");
         follow({});
     }
 
     void follow(const QByteArray &script) const { m_home.write(file("quib-live.mjs"), words + script); }
+    [[nodiscard]] qsizetype scans() const { return kept("scans").count('x'); } // that have begun
     [[nodiscard]] QString pgrep() const { return m_home.path(pgrepFile()); }
     [[nodiscard]] QByteArray kept(const char *name) const { return m_home.read(file(name)); }
     [[nodiscard]] QJsonObject started() const { return QJsonDocument::fromJson(kept("started")).object(); }

@@ -3,6 +3,7 @@
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 #include <QUrl>
 
 #include <csignal>
@@ -228,14 +229,13 @@ private Q_SLOTS:
     // A switched-off add-on's model may be there; it must not do anything.
     void nothingHappensBeforeItIsWatched()
     {
-        m_home->writeScript(u".quib-live/pgrep"_s, "#!/bin/sh\necho x >> \"${0%/*}/scans\"\n");
         m_notes = m_world->notes({.poll = 50ms});
-        QTest::qWait(150);
-        QVERIFY(m_recorder->kept("scans").isEmpty() && m_recorder->log().isEmpty());
+        QVERIFY(m_notes->findChildren<QTimer *>().isEmpty()); // nothing is to come, either
+        QVERIFY(m_recorder->scans() == 0 && m_recorder->log().isEmpty());
         QCOMPARE(m_world->microphone.streams, 0);
         const QSignalSpy changes(m_notes.get(), &MeetingNotes::changed);
         m_notes->watch();
-        QTRY_VERIFY(m_recorder->kept("scans").size() >= 6);
+        QTRY_VERIFY(m_recorder->scans() >= 3);
         QVERIFY(changes.isEmpty());
     }
 
@@ -301,7 +301,8 @@ private Q_SLOTS:
         QTRY_VERIFY(state().status.startsWith("child "_L1));
         const pid_t child = state().status.sliced(6).toInt();
         m_pids.append(child);
-        QTest::qWait(200);
+        const qsizetype scans = m_recorder->scans();
+        QTRY_VERIFY(m_recorder->scans() > scans + 2); // so that one which has begun since has been published
         QCOMPARE(state().others, QList<pid_t>());
         const pid_t other = leave("node", false, true);
         QTRY_COMPARE(state().others, QList<pid_t>{other});
@@ -339,14 +340,20 @@ private Q_SLOTS:
         const pid_t other = leave("node", false, true);
         m_home->writeScript(
             u".quib-live/pgrep"_s,
-            "#!/bin/sh\n[ -e \"$0.late\" ] && exit 1\n: > \"$0.late\"; sleep 0.2; echo "
+            "#!/bin/sh\n[ -e \"$0.done\" ] && : > \"$0.again\"; [ -e \"$0.late\" ] && exit 1\n: > "
+            "\"$0.late\"; sleep 0.2; echo "
                 + QByteArray::number(other) + "; : > \"$0.done\"\n");
+        bool hasFoundOthers = false;
+        connect(m_notes.get(), &MeetingNotes::changed, this, [&] {
+            hasFoundOthers = hasFoundOthers || !state().others.isEmpty();
+        });
         m_notes->watch();
         QTRY_VERIFY(QFile::exists(m_recorder->pgrep() + u".late"));
         start();
         QTRY_VERIFY(QFile::exists(m_recorder->pgrep() + u".done"));
-        QTest::qWait(100);
-        QCOMPARE(state().others, QList<pid_t>());
+        m_notes->stop(); // has it look again, after what is still to be published
+        QTRY_VERIFY(QFile::exists(m_recorder->pgrep() + u".again"));
+        QVERIFY(!hasFoundOthers && state().others.isEmpty());
     }
 
     void theLogIsARegularFileOrNone()
