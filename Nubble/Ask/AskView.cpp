@@ -50,7 +50,7 @@ AskView::AskView(AskClaude &ask, const DesktopPreferences &preferences, QWidget 
     m_thread->setFooter(m_footer);
 
     auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, margin - 2, 0, 0);
+    layout->setContentsMargins(0, margin - 4, 0, 0);
     layout->setSpacing(8);
     layout->addWidget(m_header);
     layout->addLayout(m_stack, 1);
@@ -72,7 +72,7 @@ AskView::AskView(AskClaude &ask, const DesktopPreferences &preferences, QWidget 
 QWidget *AskView::makeHeader()
 {
     auto *header = new CardHeader(u"Ask Claude"_s, this);
-    header->setContentsMargins(margin + 2, 0, margin, 0);
+    header->setContentsMargins(margin + 2, 0, margin - 2, 0);
     const auto add = [header, this](const QString &symbol, const QString &help, auto wanted) {
         auto *button = new NotchButton(symbol, help);
         button->setSide(headerButton);

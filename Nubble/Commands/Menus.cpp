@@ -94,8 +94,9 @@ QList<MenuEntry> requestEntries(const MenuState &state, AppCommands &commands)
 
 QList<MenuEntry> statusMenu(const MenuState &state, AppCommands &commands)
 {
-    MenuEntry visible =
-        entry(state.visible ? u"Hide Notch"_s : u"Show Notch"_s, [&commands] { commands.toggleVisible(); });
+    // What the entry says, whatever else may have shown or hidden the notch while the menu was open.
+    MenuEntry visible = state.visible ? entry(u"Hide Notch"_s, [&commands] { commands.hide(); })
+                                      : entry(u"Show Notch"_s, [&commands] { commands.show(); });
     visible.checked = state.visible;
     MenuEntry locked = entry(u"Lock Position"_s, [&commands] { commands.toggleLocked(); });
     locked.checked = state.locked;
@@ -122,7 +123,7 @@ QList<MenuEntry> notchMenu(const MenuState &state, AppCommands &commands)
         submenu(u"Add-ons"_s, addonEntries(order, state, commands)),
         entry(u"Refresh Everything"_s, [&commands] { commands.refreshAll(); }),
         entry(u"Restart Nubble"_s, [&commands] { commands.restart(); }),
-        entry(u"Hide Notch"_s, [&commands] { commands.toggleVisible(); }),
+        entry(u"Hide Notch"_s, [&commands] { commands.hide(); }),
         entry(u"Quit Nubble"_s, [&commands] { commands.quit(); }),
     };
 }

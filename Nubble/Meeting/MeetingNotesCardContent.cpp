@@ -29,8 +29,6 @@ namespace nubble {
 namespace {
 
 constexpr int gap = 6;
-constexpr int contentWidth =
-    CardMetrics::width - CardMetrics::textMargins.left() - CardMetrics::textMargins.right();
 constexpr std::array<qsizetype, 4> longestStatus{240, 120, 60, 30}; // the first makes some eight lines
 
 class DocSymbol : public QWidget {
@@ -58,26 +56,29 @@ void showNote(QLabel &label, const QString &text, qsizetype longest = longestSta
 MeetingNotesCardContent::MeetingNotesCardContent(
     MeetingNotes &notes, const Clock &clock, const CardRoom &room, QWidget *parent)
     : QWidget(parent), m_notes(notes), m_clock(clock), m_room(room.height),
-      m_header(new CardHeader(u"Meeting Notes"_s)), m_doc(new QLabel), m_openDoc(new SmallButton(u"Open"_s)),
-      m_pasteLink(new SmallButton(u"Paste link"_s)), m_status(CardMetrics::makeNote()),
-      m_linkHint(CardMetrics::makeNote()), m_othersHint(CardMetrics::makeNote()), m_timing(new TimingLines),
-      m_wave(new SynthWave(notes.mic())), m_big(new BigButton), m_updateNow(new UpdateNowButton)
+      m_header(new CardHeader(u"Meeting Notes"_s)), m_body(new QVBoxLayout), m_doc(new QLabel),
+      m_openDoc(new SmallButton(u"Open"_s)), m_pasteLink(new SmallButton(u"Paste link"_s)),
+      m_status(CardMetrics::makeNote()), m_linkHint(CardMetrics::makeNote()),
+      m_othersHint(CardMetrics::makeNote()), m_timing(new TimingLines), m_wave(new SynthWave(notes.mic())),
+      m_big(new BigButton), m_updateNow(new UpdateNowButton)
 {
     setFixedWidth(CardMetrics::width);
     auto *close = new NotchButton(u"xmark"_s, u"Close"_s);
     connect(close, &NotchButton::clicked, this, room.close);
     m_header->addAccessory(close);
-    m_header->setContentsMargins(0, 0, -6, 0);
 
     auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(CardMetrics::textMargins);
-    layout->setSpacing(CardMetrics::spacing + 3);
+    layout->setContentsMargins(CardMetrics::rowMargins);
+    layout->setSpacing(CardMetrics::spacing);
     layout->addWidget(m_header);
-    layout->addLayout(makeDocRow());
+    m_body->setContentsMargins(CardMetrics::textMargins);
+    m_body->setSpacing(CardMetrics::spacing + 3);
+    layout->addLayout(m_body);
+    m_body->addLayout(makeDocRow());
     for (QWidget *part :
          std::initializer_list<QWidget *>{m_timing, m_wave, m_status, m_linkHint, m_othersHint})
-        layout->addWidget(part);
-    layout->addLayout(makeButtons());
+        m_body->addWidget(part);
+    m_body->addLayout(makeButtons());
 
     m_tick.callOnTimeout(this, &MeetingNotesCardContent::updateTiming);
     connect(m_openDoc, &QAbstractButton::clicked, &notes, &MeetingNotes::openDoc);
@@ -115,7 +116,7 @@ QLayout *MeetingNotesCardContent::makeDocRow()
 // Beside each other where the font leaves room for what they may say.
 QLayout *MeetingNotesCardContent::makeButtons()
 {
-    const bool fits = m_big->widest() + gap + m_updateNow->widest() <= contentWidth;
+    const bool fits = m_big->widest() + gap + m_updateNow->widest() <= CardMetrics::textWidth;
     auto *row = new QBoxLayout(fits ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
     row->setContentsMargins(0, 3, 0, 0);
     row->setSpacing(gap);
@@ -132,7 +133,7 @@ void MeetingNotesCardContent::follow()
     const bool recording = state.phase == MeetingState::Phase::Recording;
     m_header->setDetail(phaseWord(state));
     const QString doc = docLabel(state);
-    m_doc->setText(m_doc->fontMetrics().elidedText(doc, Qt::ElideRight, contentWidth - 21));
+    m_doc->setText(m_doc->fontMetrics().elidedText(doc, Qt::ElideRight, CardMetrics::textWidth - 21));
     m_doc->setToolTip(m_doc->text() == doc ? QString() : toolTipOf(doc));
     m_doc->setAccessibleName(doc);
     m_openDoc->setVisible(isDocTabLink(state.link));
@@ -155,6 +156,7 @@ void MeetingNotesCardContent::showStatus(const QString &status)
 {
     for (const qsizetype longest : longestStatus) {
         showNote(*m_status, status, longest);
+        m_body->invalidate(); // a layout within another learns of it only when it is laid out
         if (layout()->totalHeightForWidth(width()) <= m_room)
             break;
     }

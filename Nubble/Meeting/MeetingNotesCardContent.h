@@ -3,6 +3,7 @@
 #include <QTimer>
 #include <QWidget>
 
+class QBoxLayout;
 class QLabel;
 
 namespace nubble {
@@ -39,6 +40,7 @@ private:
     const Clock &m_clock;
     const int m_room; // for its height
     CardHeader *m_header;
+    QBoxLayout *m_body;
     QLabel *m_doc;
     SmallButton *m_openDoc;
     SmallButton *m_pasteLink;

@@ -64,9 +64,7 @@ int TimingLines::heightForWidth(int width) const
 
 QSize TimingLines::sizeHint() const
 {
-    constexpr int width =
-        CardMetrics::width - CardMetrics::textMargins.left() - CardMetrics::textMargins.right();
-    return {width, heightForWidth(width)};
+    return {CardMetrics::textWidth, heightForWidth(CardMetrics::textWidth)};
 }
 
 void TimingLines::paintEvent(QPaintEvent *)

@@ -42,18 +42,19 @@ void ActionsCell::follow()
     }
 }
 
-void ActionsCell::placeAround(const QPointF &center, NotchEdge edge)
+void ActionsCell::place(const QList<QRectF> &areas, const QPointF &center, NotchEdge edge)
 {
     constexpr double pitch = Layout::actionButton + Layout::actionGap;
     const QPointF step = isVertical(edge) ? QPointF(0, pitch) : QPointF(pitch, 0);
-    const double last = static_cast<double>(m_buttons.size() - 1);
-    QRectF area(0, 0, Layout::actionButton + step.x() * last, Layout::actionButton + step.y() * last);
-    area.moveCenter(center);
-    setGeometry(area.toAlignedRect());
-    QPointF corner = area.topLeft() - pos();
-    for (NotchButton *button : std::as_const(m_buttons)) {
-        button->setGeometry(QRect(corner.toPoint(), button->sizeHint()));
-        corner += step;
+    QRectF cell;
+    for (const QRectF &area : areas)
+        cell |= area;
+    setGeometry(cell.toRect());
+    constexpr QPointF half(Layout::actionButton / 2, Layout::actionButton / 2);
+    QPointF corner = center - step * static_cast<double>(m_buttons.size() - 1) / 2 - half;
+    for (qsizetype i = 0; i < m_buttons.size(); ++i, corner += step) {
+        const QRect circle(corner.toPoint() - pos(), m_buttons.at(i)->sizeHint());
+        m_buttons.at(i)->place(areas.at(i).toRect().translated(-pos()), QRectF(circle).center());
     }
 }
 

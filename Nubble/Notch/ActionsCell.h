@@ -17,8 +17,9 @@ class ActionsCell : public QWidget {
 public:
     explicit ActionsCell(const QList<NotchAction *> &actions, QWidget *parent = nullptr);
 
-    // Lines the buttons up around `center`, in the parent's coordinates.
-    void placeAround(const QPointF &center, NotchEdge edge);
+    // `areas` are what the buttons may be touched in, `center` is where the line of them stands, both in the
+    // parent's coordinates.
+    void place(const QList<QRectF> &areas, const QPointF &center, NotchEdge edge);
     void setMotionReduced(bool reduced);
 
 private:

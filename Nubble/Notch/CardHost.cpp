@@ -6,52 +6,10 @@
 #include <algorithm>
 
 #include "Notch/CardTransition.h"
-#include "Placement/Layout.h"
 #include "Platform/DesktopPreferences.h"
 #include "Widgets/TooltipShell.h"
 
 namespace nubble {
-
-namespace {
-
-// The nearest start at which a span of that length lies within the range; a longer one starts where the range
-// does.
-double fitted(double start, double length, double rangeStart, double rangeEnd)
-{
-    return std::max(rangeStart, std::min(start, rangeEnd - length));
-}
-
-// A card's frame stands at its place beside the body, as near to the ring as the card's area allows.
-QRectF placed(const QSizeF &size, const PanelGeometry &geometry)
-{
-    const QRectF &area = geometry.cardArea;
-    QRectF frame(QPointF(), size);
-    frame.moveCenter(geometry.ringCenter);
-    switch (geometry.edge) {
-    case NotchEdge::Right:
-        frame.moveRight(area.right() - Layout::cardGap);
-        break;
-    case NotchEdge::Left:
-        frame.moveLeft(area.left() + Layout::cardGap);
-        break;
-    case NotchEdge::Top:
-        frame.moveTop(area.top() + Layout::cardGap);
-        break;
-    case NotchEdge::Bottom:
-        frame.moveBottom(area.bottom() - Layout::cardGap);
-        break;
-    }
-    // Cards keep a distance from the ends of the screen; their shadows need not.
-    const QRectF within = area.intersected(geometry.screen.marginsRemoved({8, 8, 8, 8}));
-    const double shadow = Layout::cardPadding;
-    if (isVertical(geometry.edge))
-        frame.moveTop(fitted(frame.top(), size.height(), within.top() - shadow, within.bottom() + shadow));
-    else
-        frame.moveLeft(fitted(frame.left(), size.width(), within.left() - shadow, within.right() + shadow));
-    return frame;
-}
-
-} // namespace
 
 CardHost::CardHost(QWidget *view, QList<Card> cards, const DesktopPreferences &preferences)
     : QObject(view), m_view(view), m_preferences(preferences), m_cards(std::move(cards))
@@ -115,7 +73,7 @@ void CardHost::close()
 void CardHost::layOut()
 {
     CardTransition::cutShort(m_shell);
-    const QRect frame(placed(m_shell->sizeHint(), m_geometry).topLeft().toPoint(), m_shell->sizeHint());
+    const QRect frame(m_geometry.cardFrame(m_shell->sizeHint()).topLeft().toPoint(), m_shell->sizeHint());
     m_shell->setGeometry(frame);
     const QPointF card = m_shell->cardRect().topLeft() + frame.topLeft();
     const QPointF ring = m_geometry.ringCenter - card;

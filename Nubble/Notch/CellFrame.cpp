@@ -4,16 +4,27 @@
 
 namespace nubble {
 
-CellFrame cellFrameAround(const QPointF &center, NotchEdge edge, double lineHeight)
+namespace {
+
+constexpr double half = Layout::ringDiameter / 2;
+constexpr double margin = 6; // around the circle, for its focus ring, its badge and a wider text
+
+} // namespace
+
+QRect CellFrame::shown() const
 {
-    constexpr double gap = 3.5; // between circle and text
-    constexpr double half = Layout::ringDiameter / 2;
-    constexpr double margin = CellFrame::margin;
-    const double distance = half + gap + lineHeight / 2;
-    const QRectF circle(center - QPointF(half, half), QSizeF(2 * half, 2 * half));
+    return QRectF(center - QPointF(half, half), QSizeF(2 * half, 2 * half))
+        .marginsAdded({margin, margin, margin, margin})
+        .united(text)
+        .toAlignedRect();
+}
+
+CellFrame cellFrame(const QRectF &area, const QPointF &center, NotchEdge edge, double lineHeight)
+{
+    const double distance = half + Layout::percentGap + lineHeight / 2;
     QRectF text(0, 0, 2 * half + 2 * margin, lineHeight);
     text.moveCenter(center + QPointF(0, edge == NotchEdge::Bottom ? -distance : distance));
-    const QRect geometry = circle.marginsAdded({margin, margin, margin, margin}).united(text).toAlignedRect();
+    const QRect geometry = area.toRect();
     return {geometry, center - geometry.topLeft(), text.translated(-geometry.topLeft())};
 }
 

@@ -6,16 +6,18 @@
 
 namespace nubble {
 
-// Where a round cell of the body and the line of text beside it are.
+// Where a round cell of the body, which the pointer may touch beyond what it shows, has its circle and the
+// line of text beside that.
 struct CellFrame {
-    static constexpr double margin = 6; // around the circle, which the pointer may touch as well
+    QRect geometry; // of the cell, in the coordinates that its area was given in
+    QPointF center; // of the circle, in the cell's coordinates; so is the text
+    QRectF text;
 
-    QRect geometry; // of the cell, in the coordinates of the circle's centre that was given
-    QPointF center; // of the circle, in the cell's coordinates
-    QRectF text;    // in the cell's coordinates
+    [[nodiscard]] QRect shown() const; // the circle with its focus ring, and the text
 };
 
 // The text is below the circle, or above it where below is the screen's edge.
-[[nodiscard]] CellFrame cellFrameAround(const QPointF &center, NotchEdge edge, double lineHeight);
+[[nodiscard]] CellFrame cellFrame(
+    const QRectF &area, const QPointF &center, NotchEdge edge, double lineHeight);
 
 } // namespace nubble

@@ -41,16 +41,14 @@ QString activityText(const Activity &activity)
 ClaudeCell::ClaudeCell(QWidget *parent) : QAbstractButton(parent)
 {
     setFocusPolicy(Qt::TabFocus);
-    setAttribute(Qt::WA_OpaquePaintEvent); // a frame of the animation is then no concern of the body
     m_frame.setTimerType(Qt::PreciseTimer);
     m_frame.setInterval(16ms);
     connect(&m_frame, &QTimer::timeout, this, [this] { update(ringArea()); });
     describe();
 }
 
-void ClaudeCell::placeAround(const QPointF &ringCenter, NotchEdge edge, double percentLineHeight)
+void ClaudeCell::place(const CellFrame &frame)
 {
-    const CellFrame frame = cellFrameAround(ringCenter, edge, percentLineHeight);
     setGeometry(frame.geometry);
     m_center = frame.center;
     m_percentRect = frame.text;
@@ -139,7 +137,6 @@ void ClaudeCell::hideEvent(QHideEvent *)
 void ClaudeCell::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
-    painter.fillRect(event->rect(), Palette::body);
     painter.setRenderHint(QPainter::Antialiasing);
     if (m_activity.overall == RunState::Working)
         drawActivityArc(

@@ -6,11 +6,11 @@
 
 #include <optional>
 
-#include "Placement/NotchEdge.h"
 #include "Sessions/RunState.h"
 
 namespace nubble {
 
+struct CellFrame;
 struct PlanWindows;
 
 // The status ring with the percentage of the plan below it, a button that opens the sessions card. Repaints
@@ -21,8 +21,7 @@ class ClaudeCell : public QAbstractButton {
 public:
     explicit ClaudeCell(QWidget *parent = nullptr);
 
-    // Takes the place of the ring whose centre is `ringCenter`, in the parent's coordinates.
-    void placeAround(const QPointF &ringCenter, NotchEdge edge, double percentLineHeight);
+    void place(const CellFrame &frame);
 
     void setActivity(const Activity &activity);
     void setUsage(const PlanWindows &windows); // shows the session's; above 1 as 1

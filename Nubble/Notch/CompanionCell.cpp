@@ -34,9 +34,8 @@ CompanionCell::CompanionCell(NotchAction &action, QWidget *parent)
     follow();
 }
 
-void CompanionCell::placeAround(const QPointF &center, NotchEdge edge, double lineHeight)
+void CompanionCell::place(const CellFrame &frame)
 {
-    const CellFrame frame = cellFrameAround(center, edge, lineHeight);
     setGeometry(frame.geometry);
     m_center = frame.center;
     m_textRect = frame.text;

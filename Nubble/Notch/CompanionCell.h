@@ -2,12 +2,12 @@
 
 #include <QAbstractButton>
 
-#include "Placement/NotchEdge.h"
 #include "Widgets/HoverLift.h"
 
 namespace nubble {
 
 class NotchAction;
+struct CellFrame;
 
 // A companion of the ring: a round button with the number of what waits there, and a short text below it.
 class CompanionCell : public QAbstractButton {
@@ -16,8 +16,7 @@ class CompanionCell : public QAbstractButton {
 public:
     explicit CompanionCell(NotchAction &action, QWidget *parent = nullptr); // which outlives it
 
-    // Takes the place of the circle whose centre that is, in the parent's coordinates.
-    void placeAround(const QPointF &center, NotchEdge edge, double lineHeight);
+    void place(const CellFrame &frame);
 
 protected:
     void paintEvent(QPaintEvent *event) override;

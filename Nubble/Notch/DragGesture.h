@@ -2,6 +2,9 @@
 
 #include <QObject>
 #include <QPointF>
+#include <QPointer>
+#include <QRectF>
+#include <QWidget>
 
 #include <functional>
 #include <optional>
@@ -10,8 +13,10 @@ class QMouseEvent;
 
 namespace nubble {
 
-// Dragging by the left button that starts on any of the watched widgets. A drag begins four pixels from where
-// the button went down; the widget below then gets no click.
+// Dragging by the left button that starts at the handle, a part of a widget, on whatever child is there. A
+// drag begins four pixels from where the button went down; the child then gets no click. It ends with the
+// button's release, or when there can be none any more: the widget is hidden, the mouse taken away, or the
+// button up.
 class DragGesture : public QObject {
     Q_OBJECT
 
@@ -20,7 +25,8 @@ public:
 
     explicit DragGesture(ToScreen toScreen, QObject *parent = nullptr);
 
-    void watch(QWidget *widget); // and its children
+    void watch(QWidget *widget);          // with the children that it has
+    void setHandle(const QRectF &handle); // in that widget's coordinates
 
 Q_SIGNALS:
     void began();
@@ -31,11 +37,15 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    void press(QObject *watched, const QMouseEvent &event);
     bool follow(QObject *watched, const QMouseEvent &event);
-    bool end(QObject *watched);
+    bool end();
 
     ToScreen m_toScreen;
-    std::optional<QPointF> m_start; // of a pressed button, on the screen
+    QWidget *m_widget = nullptr;
+    QRectF m_handle;
+    QPointer<QWidget> m_pressed;
+    std::optional<QPointF> m_start; // of the pressed button, on the screen
     bool m_dragging = false;
 };
 

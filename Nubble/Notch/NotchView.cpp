@@ -7,6 +7,7 @@
 
 #include "Notch/ActionsCell.h"
 #include "Notch/CardHost.h"
+#include "Notch/CellFrame.h"
 #include "Notch/ClaudeCell.h"
 #include "Notch/CompanionCell.h"
 #include "Placement/Layout.h"
@@ -67,16 +68,28 @@ void NotchView::setGeometryOnScreen(const PanelGeometry &geometry)
     if (m_geometry == geometry)
         return;
     m_geometry = geometry;
-    m_claude->placeAround(geometry.ringCenter, geometry.edge, Typography::percentLineHeight());
-    if (m_companion)
-        m_companion->placeAround(
-            m_context.layout.quenwickCenterInWindow(geometry.edge) + geometry.origin, geometry.edge,
-            Typography::percentLineHeight());
-    m_actions->placeAround(
-        m_context.layout.actionsCenterInWindow(geometry.edge) + geometry.origin, geometry.edge);
+    placeCells();
     m_cards->setGeometry(geometry);
     update();
     Q_EMIT outlineChanged();
+}
+
+void NotchView::placeCells()
+{
+    const Layout &layout = m_context.layout;
+    const NotchEdge edge = m_geometry.edge;
+    const QPointF &origin = m_geometry.origin;
+    const double lineHeight = Typography::percentLineHeight();
+    m_claude->place(
+        cellFrame(layout.ringArea(edge).translated(origin), m_geometry.ringCenter, edge, lineHeight));
+    if (m_companion)
+        m_companion->place(cellFrame(
+            layout.quenwickArea(edge).translated(origin), layout.quenwickCenterInWindow(edge) + origin, edge,
+            lineHeight));
+    QList<QRectF> areas;
+    for (int i = 0; i < layout.actionCount(); ++i)
+        areas.append(layout.actionArea(edge, i).translated(origin));
+    m_actions->place(areas, layout.actionsCenterInWindow(edge) + origin, edge);
 }
 
 void NotchView::setTranslucent(bool translucent)

@@ -69,6 +69,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    void placeCells();
     void followState();
     void followMotion();
 

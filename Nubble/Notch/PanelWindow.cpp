@@ -69,22 +69,15 @@ void PanelWindow::applyPlacement()
     m_surface->place(
         {.frame = m_geometry->frame, .edge = qtEdge(m_geometry->edge), .offset = m_geometry->offset()});
     m_view->setGeometryOnScreen(*m_geometry);
-    updateActiveRects(m_context.state.mode());
+    m_drag.setHandle(m_geometry->body);
     if (placement.isVisible())
         m_surface->orderFront();
     else
         m_surface->orderOut();
 }
 
-void PanelWindow::updateActiveRects(PanelMode mode)
-{
-    if (m_geometry)
-        m_surface->setActiveRects(m_geometry->activeRects(!mode.isCollapsed()));
-}
-
 void PanelWindow::followMode(PanelMode mode)
 {
-    updateActiveRects(mode);
     if (mode.isCollapsed())
         m_surface->releaseKeyboard();
 }

@@ -43,7 +43,6 @@ protected:
 private:
     void followSurface();
     void followDrags();
-    void updateActiveRects(PanelMode mode);
     void updateTranslucency();
     void followMode(PanelMode mode);
 

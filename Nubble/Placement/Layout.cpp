@@ -21,6 +21,8 @@ constexpr double standingMargins = 551.0 / 9.0 + 167.0 / 15.0; // along, before 
 constexpr double lyingLength = 4426.0 / 45.0;                  // of a body that holds nothing else
 constexpr double lyingQuenwickPitch = 322.0 / 9.0;             // a ring's width and the gap
 
+constexpr double areaBeyondCell = 14; // along, where nothing else is near
+
 // A rectangle given by where it starts along the edge and away from it.
 QRectF onEdge(NotchEdge edge, const QSizeF &window, double along, double length, double across, double depth)
 {
@@ -146,8 +148,55 @@ QPointF Layout::quenwickCenterInWindow(NotchEdge edge) const
 
 QPointF Layout::actionsCenterInWindow(NotchEdge edge) const
 {
+    return ringCenterMovedAlong(edge, actionsStart(edge) + buttonsLength() / 2);
+}
+
+// From a round cell's centre along to the end of what it shows.
+double Layout::shownBehindCenter(NotchEdge edge) const
+{
+    return ringDiameter / 2 + (isVertical(edge) ? percentGap + m_percentLineHeight : 0);
+}
+
+double Layout::actionsStart(NotchEdge edge) const
+{
     const double cellEnd = isVertical(edge) ? ringWithPercent() / 2 : ringDiameter / 2;
-    return ringCenterMovedAlong(edge, quenwickPitch(edge) + cellEnd + cellGap + buttonsLength() / 2);
+    return quenwickPitch(edge) + cellEnd + cellGap;
+}
+
+// Of the last round cell, whose centre is that far from the ring's.
+double Layout::areaEnd(NotchEdge edge, double center) const
+{
+    return m_actionCount > 0 ? actionsStart(edge) - actionGap / 2
+                             : center + shownBehindCenter(edge) + areaBeyondCell;
+}
+
+// Both from the ring's centre.
+QRectF Layout::areaBetween(NotchEdge edge, double start, double end) const
+{
+    const QSizeF window = windowSize(edge);
+    return onEdge(edge, window, along(edge, window) / 2 + start, end - start, 0, bodyDepth(edge));
+}
+
+QRectF Layout::ringArea(NotchEdge edge) const
+{
+    const double end = m_quenwickCellShown
+        ? (shownBehindCenter(edge) + quenwickPitch(edge) - ringDiameter / 2) / 2
+        : areaEnd(edge, 0);
+    return areaBetween(edge, -ringDiameter / 2 - areaBeyondCell, end);
+}
+
+QRectF Layout::quenwickArea(NotchEdge edge) const
+{
+    const double center = quenwickPitch(edge);
+    return areaBetween(
+        edge, (shownBehindCenter(edge) + center - ringDiameter / 2) / 2, areaEnd(edge, center));
+}
+
+QRectF Layout::actionArea(NotchEdge edge, int position) const
+{
+    constexpr double pitch = actionButton + actionGap;
+    const double start = actionsStart(edge) - actionGap / 2 + position * pitch;
+    return areaBetween(edge, start, start + pitch);
 }
 
 double Layout::offsetLimit(NotchEdge edge, double screenLength) const

@@ -20,7 +20,8 @@ public:
     [[nodiscard]] double bodyDepth(NotchEdge edge) const;  // across extent of the collapsed body
     [[nodiscard]] double bodyLength(NotchEdge edge) const; // along extent of the collapsed body
     [[nodiscard]] double quenwickPitch(
-        NotchEdge edge) const;                  // along, from the ring's centre to the companion cell's
+        NotchEdge edge) const; // along, from the ring's centre to the companion cell's
+    [[nodiscard]] int actionCount() const { return m_actionCount; }
     [[nodiscard]] double actionsLength() const; // along extent of the action buttons
     [[nodiscard]] double cardAcross(NotchEdge edge) const;
     [[nodiscard]] double cardAlong(NotchEdge edge) const;
@@ -29,9 +30,15 @@ public:
     // In window coordinates.
     [[nodiscard]] QPointF ringCenter(NotchEdge edge) const;
     [[nodiscard]] QRectF bodyRect(NotchEdge edge) const;
-    [[nodiscard]] QRectF cardArea(NotchEdge edge) const; // takes the mouse while a card is open
+    [[nodiscard]] QRectF cardArea(NotchEdge edge) const; // beside the body; cards stand in it
     [[nodiscard]] QPointF quenwickCenterInWindow(NotchEdge edge) const;
     [[nodiscard]] QPointF actionsCenterInWindow(NotchEdge edge) const;
+
+    // What each cell of the body may be touched in, which is more than what it shows: all of the body's
+    // depth, from the screen's edge on, and along it as far as halfway to its neighbours.
+    [[nodiscard]] QRectF ringArea(NotchEdge edge) const;
+    [[nodiscard]] QRectF quenwickArea(NotchEdge edge) const;
+    [[nodiscard]] QRectF actionArea(NotchEdge edge, int position) const;
 
     // How far the panel's centre may go from the middle of an edge of that length, in both directions.
     [[nodiscard]] double offsetLimit(NotchEdge edge, double screenLength) const;
@@ -42,18 +49,24 @@ public:
 
     [[nodiscard]] static double along(NotchEdge edge, const QSizeF &size);
 
-    static constexpr double cardGap = 448.0 / 39.0;     // between the body and the padded card
-    static constexpr double cardPadding = 160.0 / 13.0; // around an open card, for its shadow
-    static constexpr double tailSpace = 80.0 / 13.0;    // more of it on the body's side, for the card's tail
-    static constexpr double actionButton = 56.0 / 3.0;  // side of an action button
-    static constexpr double actionGap = 44.0 / 9.0;     // between two of them
+    static constexpr double cardGap = 448.0 / 39.0;            // between a standing body and the padded card
+    static constexpr double cardStart = 124.0 / 3.0 + cardGap; // of it from the screen's edge, on every edge
+    static constexpr double cardPadding = 160.0 / 13.0;        // around an open card, for its shadow
+    static constexpr double tailSpace = 80.0 / 13.0;   // more of it on the body's side, for the card's tail
+    static constexpr double actionButton = 56.0 / 3.0; // side of an action button
+    static constexpr double actionGap = 44.0 / 9.0;    // between two of them
     static constexpr double ringDiameter = 26.0;
+    static constexpr double percentGap = 3.5; // between the ring and its percentage
 
 private:
     [[nodiscard]] double ringWithPercent() const;
     [[nodiscard]] double extentBeyondRing(NotchEdge edge) const;
     [[nodiscard]] double cardAreaDepth(NotchEdge edge) const;
     [[nodiscard]] double buttonsLength() const;
+    [[nodiscard]] double shownBehindCenter(NotchEdge edge) const;
+    [[nodiscard]] double actionsStart(NotchEdge edge) const;
+    [[nodiscard]] double areaEnd(NotchEdge edge, double center) const;
+    [[nodiscard]] QRectF areaBetween(NotchEdge edge, double start, double end) const;
     [[nodiscard]] QPointF ringCenterMovedAlong(NotchEdge edge, double distance) const;
 
     double m_percentLineHeight;

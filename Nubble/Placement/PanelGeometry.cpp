@@ -1,7 +1,6 @@
 #include "Placement/PanelGeometry.h"
 
-#include <QList>
-
+#include <algorithm>
 #include <cmath>
 
 #include "Placement/Layout.h"
@@ -18,11 +17,19 @@ double moveInto(double start, double end, double rangeStart, double rangeEnd)
     return end > rangeEnd ? rangeEnd - end : 0;
 }
 
+// `area` with the room for a card's shadow.
 QPointF cardShiftOnto(NotchEdge edge, const QRectF &area, const QRectF &screen)
 {
     if (isVertical(edge))
         return {0, moveInto(area.top(), area.bottom(), screen.top(), screen.bottom())};
     return {moveInto(area.left(), area.right(), screen.left(), screen.right()), 0};
+}
+
+// The nearest start at which a span of that length lies within the range; a longer one starts where the range
+// does.
+double fitted(double start, double length, double rangeStart, double rangeEnd)
+{
+    return std::max(rangeStart, std::min(start, rangeEnd - length));
 }
 
 // Along the edge the panel lies on whole pixels; across, it touches the edge.
@@ -42,14 +49,35 @@ int PanelGeometry::offset() const
     return -qRound(isVertical(edge) ? screen.top() : screen.left());
 }
 
-QList<QRectF> PanelGeometry::activeRects(bool cardOpen) const
+// Beside the body, as near to the ring as the ends of the screen allow.
+QRectF PanelGeometry::cardFrame(const QSizeF &size) const
 {
-    return cardOpen ? QList{body, cardArea} : QList{body};
+    QRectF card(QPointF(), size);
+    card.moveCenter(ringCenter);
+    switch (edge) {
+    case NotchEdge::Right:
+        card.moveRight(screen.right() - Layout::cardStart);
+        break;
+    case NotchEdge::Left:
+        card.moveLeft(screen.left() + Layout::cardStart);
+        break;
+    case NotchEdge::Top:
+        card.moveTop(screen.top() + Layout::cardStart);
+        break;
+    case NotchEdge::Bottom:
+        card.moveBottom(screen.bottom() - Layout::cardStart);
+        break;
+    }
+    if (isVertical(edge))
+        card.moveTop(fitted(card.top(), size.height(), screen.top(), screen.bottom()));
+    else
+        card.moveLeft(fitted(card.left(), size.width(), screen.left(), screen.right()));
+    return card;
 }
 
 double PanelGeometry::roomForCard() const
 {
-    const double beside = isVertical(edge) ? 0 : body.height() + Layout::cardGap + Layout::tailSpace;
+    const double beside = isVertical(edge) ? 0 : Layout::cardStart + Layout::tailSpace;
     return screen.height() - beside - 2 * Layout::cardPadding;
 }
 
@@ -57,9 +85,9 @@ PanelGeometry panelGeometry(const Layout &layout, NotchEdge edge, double offset,
 {
     const QRectF window = alignedAlong(edge, layout.windowFrame(edge, offset, screen));
     const QRectF area = layout.cardArea(edge).translated(window.topLeft());
-    const QPointF shift = cardShiftOnto(edge, area, screen);
     const double room = std::ceil(Layout::cardPadding);
     const QMarginsF around = isVertical(edge) ? QMarginsF(0, room, 0, room) : QMarginsF(room, 0, room, 0);
+    const QPointF shift = cardShiftOnto(edge, area.marginsAdded(around), screen);
 
     PanelGeometry geometry;
     geometry.edge = edge;
@@ -67,7 +95,6 @@ PanelGeometry panelGeometry(const Layout &layout, NotchEdge edge, double offset,
     geometry.screen = screen.translated(-geometry.frame.topLeft());
     geometry.origin = window.topLeft() - geometry.frame.topLeft();
     geometry.body = layout.bodyRect(edge).translated(geometry.origin);
-    geometry.cardArea = layout.cardArea(edge).translated(geometry.origin + shift);
     geometry.ringCenter = layout.ringCenter(edge) + geometry.origin;
     return geometry;
 }

@@ -10,19 +10,18 @@ namespace nubble {
 class Layout;
 
 // The panel on a particular screen: its layout, on whole pixels. The native window is the layout's window,
-// with room around it for shadows. Near a corner of the screen the card's area moves along the edge, so that
-// the card stays in sight.
+// with room around it for shadows. Near a corner of the screen the card moves along the edge, so that it
+// stays in sight with its shadow.
 struct PanelGeometry {
     NotchEdge edge = NotchEdge::Right;
     QRect frame;    // of the native window, in screen coordinates
     QRectF screen;  // the screen, in the coordinates of the native window; so are the others
     QPointF origin; // of the layout's window, which holds the body
     QRectF body;
-    QRectF cardArea; // takes the mouse while a card is open
     QPointF ringCenter;
 
     [[nodiscard]] int offset() const; // of the frame's start from the start of the edge
-    [[nodiscard]] QList<QRectF> activeRects(bool cardOpen) const;
+    [[nodiscard]] QRectF cardFrame(const QSizeF &size) const; // where a padded card of that size stands
     [[nodiscard]] double roomForCard() const; // the height that the screen leaves to an open card
 
     bool operator==(const PanelGeometry &) const = default;

@@ -58,7 +58,6 @@ public:
         window().raise();
     }
     void orderOut() override { window().hide(); }
-    void setActiveRects(const QList<QRectF> &) override { }
     [[nodiscard]] bool isTranslucent() const override { return true; }
     void setOutline(const QPainterPath &) override { }
     void takeKeyboard() override { window().activateWindow(); }

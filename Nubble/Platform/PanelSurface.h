@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QList>
 #include <QObject>
 #include <QPainterPath>
 #include <QRect>
@@ -37,13 +36,12 @@ public:
     virtual void orderFront() = 0;
     virtual void orderOut() = 0;
 
-    // The only places that take mouse events; elsewhere they reach the window below.
-    virtual void setActiveRects(const QList<QRectF> &rects) = 0;
-
-    // Whether translucent pixels show what is below. Without that the window is cut to `outline`, and has to
-    // be painted opaque.
-    [[nodiscard]] virtual bool isTranslucent() const = 0;
+    // Of what is shown. It alone takes mouse events; elsewhere they reach the window below.
     virtual void setOutline(const QPainterPath &outline) = 0;
+
+    // Whether translucent pixels show what is below. Without that the window is cut to its outline, and has
+    // to be painted opaque.
+    [[nodiscard]] virtual bool isTranslucent() const = 0;
 
     // The keyboard, on the user's explicit wish only; releasing gives it back to the window that had it.
     virtual void takeKeyboard() = 0;

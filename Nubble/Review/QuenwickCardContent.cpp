@@ -73,7 +73,6 @@ QuenwickCardContent::QuenwickCardContent(
 QWidget *QuenwickCardContent::makeHeader()
 {
     auto *header = new CardHeader(u"Quenwick"_s);
-    header->setContentsMargins(CardMetrics::rowPadding, 0, CardMetrics::rowPadding - 6, 0);
     m_refresh->setHelpText(refreshHelp());
     header->addAccessory(m_logo);
     header->addAccessory(m_refresh);

@@ -50,7 +50,6 @@ ProjectsCardContent::ProjectsCardContent(
     auto *close = new NotchButton(u"xmark"_s, u"Close"_s);
     connect(close, &NotchButton::clicked, this, &ProjectsCardContent::closeRequested);
     m_header->addAccessory(close);
-    m_header->setContentsMargins(CardMetrics::rowPadding, 0, CardMetrics::rowPadding - 6, 0);
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(CardMetrics::rowMargins);

@@ -45,12 +45,15 @@ UsageCardContent::UsageCardContent(
     header->addAccessory(m_refresh);
 
     auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(CardMetrics::textMargins);
-    layout->setSpacing(CardMetrics::spacing + 2);
-    for (QWidget *part :
-         {static_cast<QWidget *>(header), static_cast<QWidget *>(m_session), static_cast<QWidget *>(m_weekly),
-          static_cast<QWidget *>(m_problem)})
-        layout->addWidget(part);
+    layout->setContentsMargins(CardMetrics::rowMargins);
+    layout->setSpacing(CardMetrics::spacing);
+    layout->addWidget(header);
+    auto *body = new QVBoxLayout;
+    body->setContentsMargins(CardMetrics::textMargins);
+    body->setSpacing(CardMetrics::spacing + 2);
+    layout->addLayout(body);
+    for (QWidget *part : std::initializer_list<QWidget *>{m_session, m_weekly, m_problem})
+        body->addWidget(part);
 
     connect(m_refresh, &RefreshButton::clicked, &planUsage, [&planUsage] { planUsage.refresh(true); });
     connect(&planUsage, &PlanUsageMonitor::changed, this, &UsageCardContent::updateWindows);

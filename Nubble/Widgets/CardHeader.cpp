@@ -4,6 +4,7 @@
 #include <QPainter>
 
 #include "Widgets/CardMetrics.h"
+#include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Typography.h"
 
@@ -15,8 +16,9 @@ CardHeader::CardHeader(const QString &title, QWidget *parent)
     : QWidget(parent), m_title(title), m_accessories(new QHBoxLayout(this))
 {
     m_accessories->setContentsMargins(0, 0, 0, 0);
-    m_accessories->setSpacing(6);
+    m_accessories->setSpacing(0);
     m_accessories->addStretch();
+    setContentsMargins(CardMetrics::rowPadding, 0, 0, 0);
     setFixedHeight(CardMetrics::headerHeight);
     describe();
 }
@@ -33,6 +35,12 @@ void CardHeader::setDetail(const QString &detail)
 void CardHeader::addAccessory(QWidget *accessory)
 {
     m_accessories->addWidget(accessory);
+}
+
+void CardHeader::addAccessory(NotchButton *button)
+{
+    button->setFixedSize(CardMetrics::headerHeight, CardMetrics::headerHeight);
+    m_accessories->addWidget(button);
 }
 
 void CardHeader::describe()

@@ -6,6 +6,8 @@ class QHBoxLayout;
 
 namespace nubble {
 
+class NotchButton;
+
 // The first line of a card: its title, a short text behind it, and small buttons at the end.
 class CardHeader : public QWidget {
     Q_OBJECT
@@ -15,6 +17,7 @@ public:
 
     void setDetail(const QString &detail);
     void addAccessory(QWidget *accessory);
+    void addAccessory(NotchButton *button); // may be touched in all of the header's height
 
 protected:
     void paintEvent(QPaintEvent *event) override;

@@ -10,12 +10,12 @@ namespace nubble::CardMetrics {
 // What all cards have in common; device-independent pixels.
 inline constexpr int width = 246;
 inline constexpr int maxHeight = 460;
-inline constexpr int headerHeight = 24;
+inline constexpr int headerHeight = 28; // what a button in it may be touched in
 inline constexpr int spacing = 6;
-inline constexpr QMargins textMargins{18, 12, 18, 14};
-inline constexpr QMargins rowMargins{
-    8, 12, 8, 10}; // rows have a padding of their own, as wide as the difference
-inline constexpr int rowPadding = textMargins.left() - rowMargins.left();
+inline constexpr QMargins rowMargins{8, 10, 8, 10};                  // around header and rows
+inline constexpr int rowPadding = 10;                                // of the rows' own, left and right
+inline constexpr QMargins textMargins{rowPadding, 0, rowPadding, 4}; // more, around what is no row
+inline constexpr int textWidth = width - 2 * (rowMargins.left() + rowPadding);
 
 // A short text in the card's body type, secondary and wrapped, for what is not a row.
 [[nodiscard]] QLabel *makeNote();

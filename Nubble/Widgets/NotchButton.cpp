@@ -59,6 +59,13 @@ void NotchButton::setSide(double side)
     update();
 }
 
+void NotchButton::place(const QRect &area, const QPointF &center)
+{
+    setGeometry(area);
+    m_center = center - area.topLeft();
+    update();
+}
+
 void NotchButton::setRotation(double degrees)
 {
     if (m_rotation == degrees)
@@ -119,7 +126,7 @@ void NotchButton::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     QRectF circle(0, 0, m_side, m_side);
-    circle.moveCenter(QRectF(rect()).center());
+    circle.moveCenter(m_center.value_or(QRectF(rect()).center()));
 
     painter.setPen(hasFocus() ? QPen(Palette::focus, 1.5) : QPen(Qt::NoPen));
     painter.setBrush(m_hover.lifted(Palette::control, isDown()));

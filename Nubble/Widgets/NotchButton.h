@@ -5,6 +5,8 @@
 #include <QElapsedTimer>
 #include <QTimer>
 
+#include <optional>
+
 #include "Widgets/HoverLift.h"
 
 namespace nubble {
@@ -20,9 +22,13 @@ public:
     void setSymbol(const QString &symbol);
     void setHelpText(const QString &helpText);
     void setTint(const QColor &tint);
-    void setSide(double side);        // of the square that it fills
+    void setSide(double side);        // of the circle that it shows
     void setRotation(double degrees); // of the symbol, clockwise
     void setPulsing(bool pulsing);    // the symbol, slowly, while it is seen
+
+    // To be touched in that area, with the circle somewhere within it; both in the parent's coordinates. By
+    // itself the circle is in the middle.
+    void place(const QRect &area, const QPointF &center);
 
     [[nodiscard]] QSize sizeHint() const override;
 
@@ -38,6 +44,7 @@ private:
     QString m_symbol;
     QColor m_tint;
     double m_side;
+    std::optional<QPointF> m_center; // of the circle
     double m_rotation = 0;
     bool m_pulsing = false;
     QTimer m_pulse;

@@ -11,7 +11,11 @@ namespace nubble {
 
 namespace {
 
-constexpr int tailLength = 14;
+// Beside a body that lies, which is deeper, a card stands nearer.
+double tailLength(NotchEdge edge)
+{
+    return isVertical(edge) ? 14 : 10;
+}
 
 } // namespace
 
@@ -61,7 +65,7 @@ QRect TooltipShell::cardRect() const
 CardFrame TooltipShell::frame() const
 {
     const auto outline = [this](double tail) { return cardOutline(m_edge, cardRect(), tail, m_tailAlong); };
-    return {outline(tailLength), outline(0)};
+    return {outline(tailLength(m_edge)), outline(0)};
 }
 
 QPainterPath TooltipShell::outline() const

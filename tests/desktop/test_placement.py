@@ -76,17 +76,23 @@ class ThePanel(DesktopTest):
         beside = (WIDTH - 200, HEIGHT / 2)
         self.desktop.click(*beside)
         eventually(self.desktop.backdrop.clicks, "the click has reached the window below")
-        self.desktop.click(WIDTH - BODY_DEPTH + 8, HEIGHT / 2 + 40)
+        self.desktop.click(WIDTH - 20, HEIGHT / 2 + 46)  # the body, beyond the ring
         nubble.open_card()
         self.desktop.click(*beside)
         self.assertEqual(nubble.panel()["mode"], "sessions")
         self.assertEqual(self.desktop.backdrop.clicks(), [])
         self.desktop.click(*nubble.ring())
         nubble.until_panel(mode="collapsed")
-        for button in (1, 3):
+        above = (WIDTH - 200, HEIGHT / 2 - 150)  # where a longer card would be
+        for button, place in ((1, (300, 300)), (3, (300, 300)), (1, above)):
             nubble.open_card()
-            self.desktop.click(300, 300, button)
+            self.desktop.click(*place, button)
             nubble.until_panel(mode="collapsed")
+            eventually(self.desktop.backdrop.clicks, "the click has reached the window below, too")
+        self.desktop.click(WIDTH - 1, HEIGHT / 2)  # the screen's last pixel, level with the ring
+        nubble.until_panel(mode="sessions")
+        self.desktop.click(WIDTH - 1, HEIGHT / 2)
+        nubble.until_panel(mode="collapsed")
         nubble.open_card()
         self.desktop.backdrop.clicks()
         self.desktop.click(300, 300, 4)  # the wheel

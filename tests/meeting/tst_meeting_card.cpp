@@ -208,7 +208,7 @@ private Q_SLOTS:
     {
         NotchAction action({u"mic.fill"_s, u"Meeting notes"_s}, [] {});
         ActionsCell cell({&action});
-        cell.placeAround({400, 400}, NotchEdge::Right);
+        cell.place({QRectF(380, 388, 40, 24)}, {400, 400}, NotchEdge::Right);
         cell.show();
         auto *button = cell.findChild<QAbstractButton *>();
         PaintCount count(*button);

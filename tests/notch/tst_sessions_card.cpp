@@ -149,8 +149,8 @@ private Q_SLOTS:
 
         auto *scroll = panel.view().findChild<QScrollArea *>();
         QVERIFY(scroll->height() < 460);
-        QVERIFY(panel.surface->activeRects.last().contains(
-            QRectF(scroll->mapTo(&panel.view(), QPoint()), scroll->size())));
+        QVERIFY(
+            panel.surface->outline.contains(QRectF(scroll->mapTo(&panel.view(), QPoint()), scroll->size())));
         QApplication::setActiveWindow(&panel.view());
         panel.rows().constFirst()->setFocus(Qt::TabFocusReason);
         for (int i = 1; i <= 30; ++i)

@@ -243,6 +243,41 @@ private Q_SLOTS:
         QVERIFY(!body.contains(QPointF(312, 210)) && body.contains(QPointF(315, 210)));
     }
 
+    void cellsAreTouchedFromTheScreensEdgeToTheBodysEndAndHalfwayToTheirNeighbours()
+    {
+        for (const NotchEdge edge : allEdges)
+            for (const auto &[companion, actions] : {std::pair(false, 0), {true, 0}, {false, 3}, {true, 4}}) {
+                const Layout layout(11, companion, actions);
+                QList<QRectF> areas{layout.ringArea(edge)};
+                QList<QPointF> centers{layout.ringCenter(edge)};
+                if (companion) {
+                    areas.append(layout.quenwickArea(edge));
+                    centers.append(layout.quenwickCenterInWindow(edge));
+                }
+                for (int i = 0; i < actions; ++i)
+                    areas.append(layout.actionArea(edge, i));
+                const QRectF body = layout.bodyRect(edge);
+                for (qsizetype i = 0; i < areas.size(); ++i) {
+                    const QRectF &area = areas.at(i);
+                    QVERIFY(holds(body, area));
+                    const double depth = isVertical(edge) ? area.width() : area.height();
+                    QVERIFY(std::abs(depth - layout.bodyDepth(edge)) < hair);
+                    QVERIFY(i == 0 || along(edge, area.topLeft() - areas.at(i - 1).bottomRight()) > -hair);
+                    if (i < centers.size())
+                        QVERIFY(area.contains(QRectF(centers.at(i) - QPointF(13, 13), QSizeF(26, 26))));
+                    else
+                        QVERIFY(std::abs(Layout::along(edge, area.size()) - 23.5) < 0.1);
+                }
+                const double before = along(edge, centers.first() - areas.first().topLeft());
+                QVERIFY(std::abs(before - 27) < hair);
+                if (actions > 0) { // the buttons stand in the middle of theirs
+                    const QRectF all = areas.at(areas.size() - actions) | areas.last();
+                    const QPointF middle = layout.actionsCenterInWindow(edge);
+                    QVERIFY(std::abs(along(edge, all.center() - middle)) < hair);
+                }
+            }
+    }
+
 private:
     static void expectFlushAndInSight(NotchEdge edge, double offset, const QRectF &screen)
     {
@@ -254,7 +289,6 @@ private:
         QVERIFY(holds(
             geometry.frame, QRectF(geometry.origin + geometry.frame.topLeft(), layout.windowSize(edge))));
         QVERIFY(holds(QRectF(QPointF(), geometry.frame.size()), geometry.body));
-        QVERIFY(holds(QRectF(QPointF(), geometry.frame.size()), geometry.cardArea));
         QVERIFY(std::abs(sideOf(edge, geometry.body) - sideOf(edge, geometry.screen)) < hair);
         QVERIFY(std::abs(sideOf(edge, geometry.frame.toRectF()) - sideOf(edge, screen)) < 1);
 
@@ -262,12 +296,17 @@ private:
         QVERIFY(std::abs(along(edge, ring - screen.center()) - clamped) <= 0.5 + hair);
         QCOMPARE(along(edge, geometry.origin), std::round(along(edge, geometry.origin)));
 
-        // The card's area lies beside the body and stays on the screen along the edge, as far as it fits.
-        QVERIFY(!geometry.cardArea.intersects(geometry.body.adjusted(hair, hair, -hair, -hair)));
-        const QRectF area = geometry.cardArea;
-        const double first = along(edge, area.topLeft() - geometry.screen.topLeft());
-        const double room = Layout::along(edge, screen.size()) - Layout::along(edge, area.size());
-        QVERIFY(room < 0 ? std::abs(first) < hair : first > -hair && first < room + hair);
+        // A card of any height lies beside the body, with its shadow on the screen and in the window.
+        for (const double height : {60.0, 250.0, 460.0}) {
+            const QSizeF padded = QSizeF(246, height).grownBy({12, 12, 12, 12});
+            const QRectF card = geometry.cardFrame(padded).marginsRemoved({12, 12, 12, 12});
+            QVERIFY(!card.intersects(geometry.body));
+            QVERIFY(holds(QRectF(QPointF(), geometry.frame.size()), geometry.cardFrame(padded)));
+            const double start =
+                along(edge, geometry.cardFrame(padded).topLeft() - geometry.screen.topLeft());
+            const double room = Layout::along(edge, screen.size()) - Layout::along(edge, padded);
+            QVERIFY(room < 0 ? std::abs(start) < hair : start > -hair && start < room + hair);
+        }
     }
 };
 

@@ -20,7 +20,6 @@ public:
     }
     void orderFront() override { window().show(); }
     void orderOut() override { window().hide(); }
-    void setActiveRects(const QList<QRectF> &rects) override { activeRects = rects; }
     [[nodiscard]] bool isTranslucent() const override { return true; }
     void setOutline(const QPainterPath &path) override { outline = path; }
     void takeKeyboard() override
@@ -40,7 +39,6 @@ public:
 
     int placements = 0;
     SurfacePlace last;
-    QList<QRectF> activeRects;
     QPainterPath outline;
     bool hasKeyboard = false;
     QPointF mouseOffset; // of where it says that mouse events have happened

@@ -42,19 +42,6 @@ int along(int start, int length, int screenStart, int screenLength, int deviceLe
 
 } // namespace
 
-std::vector<xcb_rectangle_t> deviceRects(const QList<QRectF> &rects, qreal scale)
-{
-    std::vector<xcb_rectangle_t> result;
-    for (const QRectF &rect : rects) {
-        if (rect.isEmpty())
-            continue;
-        result.push_back(rectangle(
-            std::floor(rect.left() * scale), std::floor(rect.top() * scale), std::ceil(rect.right() * scale),
-            std::ceil(rect.bottom() * scale)));
-    }
-    return result;
-}
-
 std::vector<xcb_rectangle_t> deviceRects(const QPainterPath &outline, const QSize &window, qreal scale)
 {
     const QSize pixels(qRound(window.width() * scale), qRound(window.height() * scale));

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QList>
 #include <QRect>
 
 #include <vector>
@@ -15,9 +14,6 @@ class X11Connection;
 
 // From device-independent window coordinates to the server's pixels; `scale` is pixels per unit.
 namespace X11Geometry {
-
-// Rounded outwards, so that no active place loses a row of pixels.
-[[nodiscard]] std::vector<xcb_rectangle_t> deviceRects(const QList<QRectF> &rects, qreal scale);
 
 // The pixels whose centres lie within the outline.
 [[nodiscard]] std::vector<xcb_rectangle_t> deviceRects(

@@ -60,22 +60,11 @@ void X11PanelSurface::orderOut()
     m_x11->flush();
 }
 
-void X11PanelSurface::setActiveRects(const QList<QRectF> &rects)
-{
-    if (m_activeRects == rects)
-        return;
-    m_activeRects = rects;
-    applyActiveRects();
-    m_x11->flush();
-}
-
 void X11PanelSurface::setOutline(const QPainterPath &outline)
 {
     if (m_outline == outline)
         return;
     m_outline = outline;
-    if (isTranslucent())
-        return;
     applyOutline();
     m_x11->flush();
 }
@@ -114,7 +103,6 @@ void X11PanelSurface::applyAll()
     if (!nativeWindow())
         return;
     applyPosition();
-    applyActiveRects();
     applyOutline();
     m_x11->flush();
 }
@@ -135,31 +123,23 @@ void X11PanelSurface::applyPosition()
         m_x11->get(), nativeWindow(), XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, values.data()));
 }
 
-void X11PanelSurface::applyActiveRects()
-{
-    const auto native = nativeWindow();
-    if (!native)
-        return;
-    const auto rects = X11Geometry::deviceRects(m_activeRects, window().devicePixelRatioF());
-    m_x11->ignoreErrors(xcb_shape_rectangles_checked(
-        m_x11->get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED, native, 0, 0,
-        static_cast<uint32_t>(rects.size()), rects.data()));
-}
-
 void X11PanelSurface::applyOutline()
 {
     const auto native = nativeWindow();
     if (!native)
         return;
-    if (isTranslucent()) {
+    const auto rects = X11Geometry::deviceRects(m_outline, window().size(), window().devicePixelRatioF());
+    const auto cut = [&](xcb_shape_sk_t kind) {
+        m_x11->ignoreErrors(xcb_shape_rectangles_checked(
+            m_x11->get(), XCB_SHAPE_SO_SET, kind, XCB_CLIP_ORDERING_YX_BANDED, native, 0, 0,
+            static_cast<uint32_t>(rects.size()), rects.data()));
+    };
+    cut(XCB_SHAPE_SK_INPUT);
+    if (isTranslucent())
         m_x11->ignoreErrors(xcb_shape_mask_checked(
             m_x11->get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, native, 0, 0, XCB_PIXMAP_NONE));
-        return;
-    }
-    const auto rects = X11Geometry::deviceRects(m_outline, window().size(), window().devicePixelRatioF());
-    m_x11->ignoreErrors(xcb_shape_rectangles_checked(
-        m_x11->get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, XCB_CLIP_ORDERING_YX_BANDED, native, 0, 0,
-        static_cast<uint32_t>(rects.size()), rects.data()));
+    else
+        cut(XCB_SHAPE_SK_BOUNDING);
 }
 
 } // namespace nubble

@@ -21,7 +21,6 @@ public:
     void place(const SurfacePlace &place) override;
     void orderFront() override;
     void orderOut() override;
-    void setActiveRects(const QList<QRectF> &rects) override;
     [[nodiscard]] bool isTranslucent() const override { return m_compositor.isOwned(); }
     void setOutline(const QPainterPath &outline) override;
     void takeKeyboard() override;
@@ -33,14 +32,12 @@ private:
     [[nodiscard]] uint32_t nativeWindow() const; // 0 while there is none
     void applyAll();
     void applyPosition();
-    void applyActiveRects();
     void applyOutline();
 
     std::shared_ptr<const X11Connection> m_x11;
     X11SelectionWatch m_compositor;
     X11KeyboardFocus m_keyboard;
     QRect m_frame;
-    QList<QRectF> m_activeRects;
     QPainterPath m_outline;
 };
 
