@@ -39,9 +39,9 @@ void AppCommands::openCard(PanelMode mode)
     m_panel.openForKeyboard(mode);
 }
 
-void AppCommands::toggleLocked()
+void AppCommands::setLocked(bool locked)
 {
-    m_placement.toggleLocked();
+    m_placement.setLocked(locked);
 }
 
 void AppCommands::moveToEdge(NotchEdge edge)

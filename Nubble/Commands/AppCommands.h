@@ -34,7 +34,7 @@ public:
     void hide();
     void toggleVisible();
     void openCard(PanelMode mode); // with the keyboard in it; a hidden panel is shown
-    void toggleLocked();
+    void setLocked(bool locked);
     void moveToEdge(NotchEdge edge);
     void centerOnEdge();
 

@@ -94,11 +94,12 @@ QList<MenuEntry> requestEntries(const MenuState &state, AppCommands &commands)
 
 QList<MenuEntry> statusMenu(const MenuState &state, AppCommands &commands)
 {
-    // What the entry says, whatever else may have shown or hidden the notch while the menu was open.
+    // What the entry says, whatever else may have changed while the menu was open.
     MenuEntry visible = state.visible ? entry(u"Hide Notch"_s, [&commands] { commands.hide(); })
                                       : entry(u"Show Notch"_s, [&commands] { commands.show(); });
     visible.checked = state.visible;
-    MenuEntry locked = entry(u"Lock Position"_s, [&commands] { commands.toggleLocked(); });
+    MenuEntry locked =
+        entry(u"Lock Position"_s, [&commands, lock = !state.locked] { commands.setLocked(lock); });
     locked.checked = state.locked;
     const QList<MenuEntry> switches = addonEntries(allAddons, state, commands)
         << MenuEntry::separator() << remark(u"Nubble restarts to add or remove one."_s);
@@ -117,7 +118,7 @@ QList<MenuEntry> notchMenu(const MenuState &state, AppCommands &commands)
     return {
         entry(
             state.locked ? u"Unlock Position"_s : u"Lock Position"_s,
-            [&commands] { commands.toggleLocked(); }),
+            [&commands, lock = !state.locked] { commands.setLocked(lock); }),
         edgeMenu(state, commands),
         centerEntry(state, commands),
         submenu(u"Add-ons"_s, addonEntries(order, state, commands)),

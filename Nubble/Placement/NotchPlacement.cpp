@@ -91,11 +91,11 @@ void NotchPlacement::centerOnEdge()
     apply(centered);
 }
 
-void NotchPlacement::toggleLocked()
+void NotchPlacement::setLocked(bool locked)
 {
-    Settings toggled = m_settings;
-    toggled.locked = !toggled.locked;
-    apply(toggled);
+    Settings changed = m_settings;
+    changed.locked = locked;
+    apply(changed);
 }
 
 void NotchPlacement::setVisible(bool visible)

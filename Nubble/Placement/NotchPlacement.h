@@ -40,7 +40,7 @@ public:
     void moveToEdge(NotchEdge edge, const std::optional<QRectF> &screen);
 
     void centerOnEdge();
-    void toggleLocked();
+    void setLocked(bool locked);
     void setVisible(bool visible);
     void toggleVisible() { setVisible(!isVisible()); }
 

@@ -127,6 +127,9 @@ private Q_SLOTS:
         QCOMPARE(world.placement.offset(), 0);
         QVERIFY(!world.placement.isVisible());
         QVERIFY(world.placement.isLocked());
+        choose(menus.ofIcon, {u"Hide Notch"_s}); // as it was open all the while
+        choose(menus.ofPanel, {u"Lock Position"_s});
+        QVERIFY(!world.placement.isVisible() && world.placement.isLocked());
 
         OpenMenus locked(world);
         const auto placement =

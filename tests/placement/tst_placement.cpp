@@ -97,7 +97,7 @@ private Q_SLOTS:
         placement.moveTo({600, 60}, wide);
         placement.moveTo({600, 70}, wide); // nearer to no other edge
         QCOMPARE(changed.count(), 1);
-        placement.toggleLocked();
+        placement.setLocked(true);
         placement.toggleVisible();
         QCOMPARE(changed.count(), 3);
         QCOMPARE(stored.shown(), u"top -220 locked hidden"_s);
@@ -153,7 +153,7 @@ private Q_SLOTS:
         QCOMPARE(placement.offset(), placement.clamp(10000, wide));
         QVERIFY(placement.offset() < 450);
         placement.centerOnEdge();
-        placement.toggleLocked();
+        placement.setLocked(true);
         placement.moveTo({110, 600}, wide); // a locked panel is not dragged
         QCOMPARE(stored.shown(), u"right 0 locked"_s);
         placement.moveToEdge(NotchEdge::Top, wide); // but moves when told
