@@ -10,7 +10,16 @@ using namespace std::chrono_literals;
 
 namespace nubble {
 
-HoverPreview::HoverPreview(PanelState &state, QObject *parent) : QObject(parent), m_state(state) { }
+namespace {
+
+constexpr auto goneAfter = 150ms;
+
+} // namespace
+
+HoverPreview::HoverPreview(PanelState &state, std::function<bool()> isOnTheWay, QObject *parent)
+    : QObject(parent), m_state(state), m_isOnTheWay(std::move(isOnTheWay))
+{
+}
 
 void HoverPreview::setRingHovered(bool hovered)
 {
@@ -33,13 +42,20 @@ void HoverPreview::closeEveryCardWhenLeft()
 
 void HoverPreview::scheduleCollapse()
 {
-    // Long enough for the pointer to cross from the ring to the card.
-    QTimer::singleShot(150ms, this, [this] {
-        if (m_state.mode() == PanelMode::usage())
-            collapseUnlessHovered();
-    });
+    constexpr int looks = 5;
+    QTimer::singleShot(goneAfter, this, [this] { collapsePreview(looks); });
     if (m_closesEveryCard)
         QTimer::singleShot(1500ms, this, &HoverPreview::collapseUnlessHovered);
+}
+
+void HoverPreview::collapsePreview(int patience)
+{
+    if (m_state.mode() != PanelMode::usage() || m_ringHovered || m_cardHovered)
+        return;
+    if (patience > 0 && m_isOnTheWay())
+        QTimer::singleShot(goneAfter, this, [this, patience] { collapsePreview(patience - 1); });
+    else
+        m_state.collapse();
 }
 
 void HoverPreview::collapseUnlessHovered()

@@ -2,18 +2,23 @@
 
 #include <QObject>
 
+#include <functional>
+
 namespace nubble {
 
 class PanelState;
 
 // The usage card that comes with the pointer over the status ring and goes soon after the pointer has left
-// both ring and card. Cards that a click opened are none of its business, unless it is asked to close them,
-// too. Main thread only.
+// both ring and card, a little later while it is on its way from one to the other. Cards that a click opened
+// are none of its business, unless it is asked to close them, too. Main thread only.
 class HoverPreview : public QObject {
     Q_OBJECT
 
 public:
-    explicit HoverPreview(PanelState &state, QObject *parent = nullptr);
+    // `isOnTheWay` says whether the pointer, which is over neither, may be going to one of them.
+    explicit HoverPreview(
+        PanelState &state, std::function<bool()> isOnTheWay = [] { return false; },
+        QObject *parent = nullptr);
 
     void setRingHovered(bool hovered);
     void setCardHovered(bool hovered);
@@ -21,9 +26,11 @@ public:
 
 private:
     void scheduleCollapse();
+    void collapsePreview(int patience); // in further looks at a pointer on its way
     void collapseUnlessHovered();
 
     PanelState &m_state;
+    std::function<bool()> m_isOnTheWay;
     bool m_ringHovered = false;
     bool m_cardHovered = false;
     bool m_closesEveryCard = false;

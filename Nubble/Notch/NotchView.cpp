@@ -21,7 +21,8 @@ using namespace Qt::StringLiterals;
 namespace nubble {
 
 NotchView::NotchView(const NotchContext &context, const NotchContents &contents, QWidget *parent)
-    : QWidget(parent), m_context(context), m_hover(context.state),
+    : QWidget(parent), m_context(context),
+      m_hover(context.state, [this] { return isPointerBetweenRingAndCard(); }),
       m_cards(new CardHost(this, contents.cards, context.preferences)), m_claude(new ClaudeCell(this)),
       m_companion(contents.companion ? new CompanionCell(*contents.companion, this) : nullptr),
       m_actions(new ActionsCell(contents.actions, this))
@@ -41,6 +42,12 @@ void NotchView::followState()
     connect(m_cards, &CardHost::hoveredChanged, &m_hover, &HoverPreview::setCardHovered);
     connect(m_claude, &ClaudeCell::hoveredChanged, &m_hover, &HoverPreview::setRingHovered);
     connect(m_claude, &ClaudeCell::clicked, this, [this] { open(PanelMode::sessions()); });
+}
+
+bool NotchView::isPointerBetweenRingAndCard() const
+{
+    const QRect way = m_claude->geometry() | m_cards->outline().boundingRect().toAlignedRect();
+    return way.contains(mapFromGlobal(QCursor::pos()));
 }
 
 void NotchView::followMotion()

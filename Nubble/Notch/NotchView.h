@@ -70,6 +70,7 @@ protected:
 
 private:
     void placeCells();
+    [[nodiscard]] bool isPointerBetweenRingAndCard() const;
     void followState();
     void followMotion();
 

@@ -59,11 +59,13 @@ private Q_SLOTS:
              {std::pair(u"ring away card wait"_s, PanelMode::usage()),
               {u"ring away card wait away ring wait"_s, PanelMode::usage()},
               {u"ring away card wait away"_s, PanelMode::collapsed()},
+              {u"way ring away wait wait card wait"_s, PanelMode::usage()},
+              {u"way ring away"_s, PanelMode::collapsed()}, // it does not stay for ever
               {u"ring click away ring wait away wait"_s, PanelMode::sessions()},
               {u"unseen ring click away card wait"_s, PanelMode::sessions()},
               {u"unseen ring click away card wait away"_s, PanelMode::collapsed()}}) {
             PanelState state;
-            HoverPreview hover(state);
+            HoverPreview hover(state, [&steps] { return steps.startsWith(u"way"); });
             for (const QString &step : steps.split(u' ')) {
                 if (step == u"unseen")
                     hover.closeEveryCardWhenLeft();
