@@ -45,7 +45,8 @@ public:
     [[nodiscard]] virtual bool isTranslucent() const = 0;
     virtual void setOutline(const QPainterPath &outline) = 0;
 
-    // The keyboard, on the user's explicit wish only; releasing gives it back to the window that had it.
+    // The keyboard, on the user's explicit wish only; releasing gives it back to the window that had it, or
+    // to the one that has been activated since.
     virtual void takeKeyboard() = 0;
     virtual void releaseKeyboard() = 0;
 

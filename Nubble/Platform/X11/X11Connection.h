@@ -38,6 +38,7 @@ enum class X11Atom {
     NetWmWindowTypeDialog,
     NetWmWindowTypeNormal,
     NetSystemTrayColors,
+    Time,               // ours, on which nothing is written
     CompositingManager, // the selection that one owns on this screen
     SystemTray,         // likewise
     Count

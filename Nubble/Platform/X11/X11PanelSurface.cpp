@@ -10,12 +10,14 @@
 
 #include "Platform/X11/X11Connection.h"
 #include "Platform/X11/X11Geometry.h"
+#include "Platform/X11/X11KeyboardFocus.h"
 
 namespace nubble {
 
-X11PanelSurface::X11PanelSurface(QWidget &window, std::shared_ptr<const X11Connection> x11)
+X11PanelSurface::X11PanelSurface(
+    QWidget &window, std::shared_ptr<const X11Connection> x11, std::shared_ptr<X11KeyboardFocus> keyboard)
     : PanelSurface(window), m_x11(std::move(x11)), m_compositor(m_x11, X11Atom::CompositingManager),
-      m_keyboard(m_x11)
+      m_keyboard(std::move(keyboard))
 {
     // All flags once and for ever: changing one later makes another native window.
     window.setWindowFlags(
@@ -83,13 +85,13 @@ void X11PanelSurface::setOutline(const QPainterPath &outline)
 void X11PanelSurface::takeKeyboard()
 {
     if (const auto native = nativeWindow())
-        m_keyboard.give(native);
+        m_keyboard->lend(native);
 }
 
 void X11PanelSurface::releaseKeyboard()
 {
     if (const auto native = nativeWindow())
-        m_keyboard.takeBack(native);
+        m_keyboard->takeBack(native);
 }
 
 bool X11PanelSurface::eventFilter(QObject *watched, QEvent *event)

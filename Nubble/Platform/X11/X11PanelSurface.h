@@ -3,12 +3,12 @@
 #include <memory>
 
 #include "Platform/PanelSurface.h"
-#include "Platform/X11/X11KeyboardFocus.h"
 #include "Platform/X11/X11SelectionWatch.h"
 
 namespace nubble {
 
 class X11Connection;
+class X11KeyboardFocus;
 
 // The panel as a window that no window manager touches: the only kind that lies flush over docks, above
 // full-screen windows and on all desktops everywhere.
@@ -16,7 +16,10 @@ class X11PanelSurface : public PanelSurface {
     Q_OBJECT
 
 public:
-    X11PanelSurface(QWidget &window, std::shared_ptr<const X11Connection> x11);
+    // The keyboard is shared with whoever activates windows.
+    X11PanelSurface(
+        QWidget &window, std::shared_ptr<const X11Connection> x11,
+        std::shared_ptr<X11KeyboardFocus> keyboard);
 
     void place(const SurfacePlace &place) override;
     void orderFront() override;
@@ -38,7 +41,7 @@ private:
 
     std::shared_ptr<const X11Connection> m_x11;
     X11SelectionWatch m_compositor;
-    X11KeyboardFocus m_keyboard;
+    std::shared_ptr<X11KeyboardFocus> m_keyboard;
     QRect m_frame;
     QList<QRectF> m_activeRects;
     QPainterPath m_outline;
