@@ -84,6 +84,12 @@ X11Connection::X11Connection(xcb_connection_t *connection, xcb_screen_t *screen,
     }
 }
 
+bool X11Connection::offers(xcb_extension_t &extension) const
+{
+    const auto *answer = xcb_get_extension_data(m_connection, &extension);
+    return answer && answer->present;
+}
+
 void X11Connection::askWindowManager(
     xcb_window_t window, X11Atom message, const std::array<uint32_t, 5> &data) const
 {

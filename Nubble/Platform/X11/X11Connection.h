@@ -56,6 +56,9 @@ public:
     [[nodiscard]] xcb_connection_t *get() const { return m_connection; }
     [[nodiscard]] const xcb_screen_t &screen() const { return *m_screen; }
     [[nodiscard]] xcb_window_t root() const { return m_screen->root; }
+    // To be asked before any request of an extension: one that the server does not know ends the connection.
+    [[nodiscard]] bool offers(xcb_extension_t &extension) const;
+
     [[nodiscard]] xcb_atom_t atom(X11Atom name) const { return m_atoms[static_cast<size_t>(name)]; }
 
     // Lets an error of a checked request go unseen: the window it was for may have gone.

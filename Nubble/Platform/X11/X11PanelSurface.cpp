@@ -140,7 +140,7 @@ void X11PanelSurface::applyPosition()
 void X11PanelSurface::applyActiveRects()
 {
     const auto native = nativeWindow();
-    if (!native)
+    if (!native || !m_x11->offers(xcb_shape_id))
         return;
     const auto rects = X11Geometry::deviceRects(m_activeRects, window().devicePixelRatioF());
     m_x11->ignoreErrors(xcb_shape_rectangles_checked(
@@ -151,7 +151,7 @@ void X11PanelSurface::applyActiveRects()
 void X11PanelSurface::applyOutline()
 {
     const auto native = nativeWindow();
-    if (!native)
+    if (!native || !m_x11->offers(xcb_shape_id))
         return;
     if (isTranslucent()) {
         m_x11->ignoreErrors(xcb_shape_mask_checked(
