@@ -21,6 +21,7 @@ struct PanelGeometry {
     QRectF cardArea; // takes the mouse while a card is open
     QPointF ringCenter;
 
+    [[nodiscard]] PanelGeometry cutTo(const QRect &part) const; // of the frame, in screen coordinates
     [[nodiscard]] int offset() const; // of the frame's start from the start of the edge
     [[nodiscard]] QList<QRectF> activeRects(bool cardOpen) const;
     [[nodiscard]] double roomForCard() const; // the height that the screen leaves to an open card

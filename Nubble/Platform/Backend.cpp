@@ -60,9 +60,14 @@ public:
     }
     void orderOut() override { window().hide(); }
     void setActiveRects(const QList<QRectF> &) override { }
+    [[nodiscard]] bool passesClicksThrough() const override { return false; }
     [[nodiscard]] bool isTranslucent() const override { return true; }
     void setOutline(const QPainterPath &) override { }
-    void takeKeyboard() override { window().activateWindow(); }
+    [[nodiscard]] bool takeKeyboard() override
+    {
+        window().activateWindow();
+        return true;
+    }
     void releaseKeyboard() override { }
 };
 

@@ -40,6 +40,9 @@ public:
     // The only places that take mouse events; elsewhere they reach the window below.
     virtual void setActiveRects(const QList<QRectF> &rects) = 0;
 
+    // Whether they do. If not, the window should be no larger than what it shows.
+    [[nodiscard]] virtual bool passesClicksThrough() const { return true; }
+
     // Whether translucent pixels show what is below. Without that the window is cut to `outline`, and has to
     // be painted opaque.
     [[nodiscard]] virtual bool isTranslucent() const = 0;
@@ -47,7 +50,7 @@ public:
 
     // The keyboard, on the user's explicit wish only; releasing gives it back to the window that had it, or
     // to the one that has been activated since.
-    virtual void takeKeyboard() = 0;
+    [[nodiscard]] virtual bool takeKeyboard() = 0; // whether it has come, as far as the desktop tells
     virtual void releaseKeyboard() = 0;
 
     // Around a drag that places the window again and again while the mouse button is held.

@@ -3,7 +3,9 @@
 #include <QGuiApplication>
 
 #include <cstring>
+#include <string_view>
 #include <utility>
+#include <xcb/randr.h>
 
 namespace nubble {
 
@@ -82,6 +84,32 @@ X11Connection::X11Connection(xcb_connection_t *connection, xcb_screen_t *screen,
         const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookies[i], nullptr));
         m_atoms[i] = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
     }
+    m_isXwayland = looksLikeXwayland();
+}
+
+// Newer servers have an extension that says so, older ones name their screens after it.
+bool X11Connection::looksLikeXwayland() const
+{
+    constexpr std::string_view name("XWAYLAND");
+    const XcbReply<xcb_query_extension_reply_t> extension(xcb_query_extension_reply(
+        m_connection, xcb_query_extension(m_connection, name.size(), name.data()), nullptr));
+    if (extension && extension->present)
+        return true;
+    if (!offers(xcb_randr_id))
+        return false;
+    const XcbReply<xcb_randr_get_screen_resources_current_reply_t> resources(
+        xcb_randr_get_screen_resources_current_reply(
+            m_connection, xcb_randr_get_screen_resources_current(m_connection, root()), nullptr));
+    if (!resources || resources->num_outputs == 0)
+        return false;
+    const xcb_randr_output_t first = *xcb_randr_get_screen_resources_current_outputs(resources.get());
+    const XcbReply<xcb_randr_get_output_info_reply_t> output(xcb_randr_get_output_info_reply(
+        m_connection, xcb_randr_get_output_info(m_connection, first, XCB_CURRENT_TIME), nullptr));
+    return output
+        && std::string_view(
+               reinterpret_cast<const char *>(xcb_randr_get_output_info_name(output.get())),
+               static_cast<size_t>(xcb_randr_get_output_info_name_length(output.get())))
+               .starts_with(name);
 }
 
 bool X11Connection::offers(xcb_extension_t &extension) const

@@ -59,6 +59,9 @@ public:
     // To be asked before any request of an extension: one that the server does not know ends the connection.
     [[nodiscard]] bool offers(xcb_extension_t &extension) const;
 
+    // Whether the server's windows lie among those of a Wayland compositor.
+    [[nodiscard]] bool isXwayland() const { return m_isXwayland; }
+
     [[nodiscard]] xcb_atom_t atom(X11Atom name) const { return m_atoms[static_cast<size_t>(name)]; }
 
     // Lets an error of a checked request go unseen: the window it was for may have gone.
@@ -71,9 +74,11 @@ public:
 
 private:
     X11Connection(xcb_connection_t *connection, xcb_screen_t *screen, int screenNumber);
+    [[nodiscard]] bool looksLikeXwayland() const;
 
     xcb_connection_t *m_connection;
     xcb_screen_t *m_screen;
+    bool m_isXwayland = false;
     std::array<xcb_atom_t, static_cast<size_t>(X11Atom::Count)> m_atoms{};
 };
 

@@ -1,5 +1,8 @@
 #include "Platform/X11/X11KeyboardFocus.h"
 
+#include <QDeadlineTimer>
+#include <QThread>
+
 #include <chrono>
 
 #include "Platform/X11/X11Connection.h"
@@ -8,7 +11,8 @@ namespace nubble {
 
 namespace {
 
-constexpr std::chrono::seconds patience{1}; // with a window manager that has been asked
+constexpr std::chrono::seconds patience{1};               // with a window manager that has been asked
+constexpr std::chrono::milliseconds compositorsDelay{60}; // those seen needed five
 
 } // namespace
 
@@ -46,16 +50,31 @@ bool X11KeyboardFocus::focus(xcb_window_t window) const
     return !error;
 }
 
-void X11KeyboardFocus::lend(xcb_window_t window)
+bool X11KeyboardFocus::lend(xcb_window_t window)
 {
     m_handingOn.stop();
-    const xcb_window_t before = focusedWindow();
-    if (before == window)
-        return;
-    m_borrower = window;
-    m_previous = before;
-    m_lastActive = activeWindow();
-    (void)focus(window); // fails harmlessly while the window is not on the screen
+    if (const xcb_window_t before = focusedWindow(); before != window) {
+        m_borrower = window;
+        m_previous = before;
+        m_lastActive = activeWindow();
+        if (!focus(window))
+            return false;
+    }
+    return !m_x11->isXwayland() || getsKeys(window);
+}
+
+// Under a Wayland compositor the focus alone means little. Some take it back at once, some call the focused
+// window the active one; the others send no keys while none of the X server's windows is that.
+bool X11KeyboardFocus::getsKeys(xcb_window_t window) const
+{
+    xcb_window_t active = activeWindow();
+    for (const QDeadlineTimer left(compositorsDelay); active != window && !left.hasExpired();) {
+        if (focusedWindow() != window)
+            return false;
+        QThread::msleep(2);
+        active = activeWindow();
+    }
+    return active != XCB_WINDOW_NONE;
 }
 
 void X11KeyboardFocus::handOn(xcb_window_t window)

@@ -15,7 +15,7 @@ class X11KeyboardFocus {
 public:
     explicit X11KeyboardFocus(std::shared_ptr<const X11Connection> x11);
 
-    void lend(xcb_window_t window);
+    [[nodiscard]] bool lend(xcb_window_t window); // whether it is there
 
     // The window manager has been asked to activate that window, which may take a while to come on the
     // screen.
@@ -29,6 +29,7 @@ private:
     [[nodiscard]] xcb_window_t focusedWindow() const;
     [[nodiscard]] xcb_window_t activeWindow() const; // XCB_WINDOW_NONE: none
     [[nodiscard]] bool focus(xcb_window_t window) const;
+    [[nodiscard]] bool getsKeys(xcb_window_t window) const;
 
     std::shared_ptr<const X11Connection> m_x11;
     QTimer m_handingOn;                          // runs while an activation may still be under way

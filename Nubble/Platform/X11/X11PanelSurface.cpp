@@ -71,6 +71,12 @@ void X11PanelSurface::setActiveRects(const QList<QRectF> &rects)
     m_x11->flush();
 }
 
+// Compositors go by the whole window when it lies over one that is not the X server's.
+bool X11PanelSurface::passesClicksThrough() const
+{
+    return m_x11->offers(xcb_shape_id) && !m_x11->isXwayland();
+}
+
 void X11PanelSurface::setOutline(const QPainterPath &outline)
 {
     if (m_outline == outline)
@@ -82,10 +88,10 @@ void X11PanelSurface::setOutline(const QPainterPath &outline)
     m_x11->flush();
 }
 
-void X11PanelSurface::takeKeyboard()
+bool X11PanelSurface::takeKeyboard()
 {
-    if (const auto native = nativeWindow())
-        m_keyboard->lend(native);
+    const auto native = nativeWindow();
+    return native && m_keyboard->lend(native);
 }
 
 void X11PanelSurface::releaseKeyboard()

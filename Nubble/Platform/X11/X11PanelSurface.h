@@ -25,9 +25,10 @@ public:
     void orderFront() override;
     void orderOut() override;
     void setActiveRects(const QList<QRectF> &rects) override;
+    [[nodiscard]] bool passesClicksThrough() const override;
     [[nodiscard]] bool isTranslucent() const override { return m_compositor.isOwned(); }
     void setOutline(const QPainterPath &outline) override;
-    void takeKeyboard() override;
+    [[nodiscard]] bool takeKeyboard() override;
     void releaseKeyboard() override;
 
     bool eventFilter(QObject *watched, QEvent *event) override;
