@@ -33,10 +33,12 @@ void AppCommands::toggleVisible()
     m_placement.toggleVisible();
 }
 
-void AppCommands::openCard(PanelMode mode)
+Outcome AppCommands::openCard(PanelMode mode)
 {
     show();
-    m_panel.openForKeyboard(mode);
+    if (m_panel.openForKeyboard(mode))
+        return Outcome::done();
+    return Outcome::failed(u"the card is open, but this desktop does not give it the keyboard"_s);
 }
 
 void AppCommands::setLocked(bool locked)

@@ -33,7 +33,7 @@ public:
     void show();
     void hide();
     void toggleVisible();
-    void openCard(PanelMode mode); // with the keyboard in it; a hidden panel is shown
+    Outcome openCard(PanelMode mode); // with the keyboard in it; a hidden panel is shown
     void setLocked(bool locked);
     void moveToEdge(NotchEdge edge);
     void centerOnEdge();

@@ -43,7 +43,7 @@ void ControlAdaptor::Toggle()
 
 void ControlAdaptor::OpenSessions()
 {
-    m_commands->openCard(PanelMode::sessions());
+    answer(m_commands->openCard(PanelMode::sessions()));
 }
 
 void ControlAdaptor::Ask(const QString &question)
@@ -71,7 +71,12 @@ void ControlAdaptor::StopNotes()
 
 void ControlAdaptor::perform(const AddonRequest &request)
 {
-    if (const Outcome outcome = m_commands->performFromOutside(request); !outcome.isDone())
+    answer(m_commands->performFromOutside(request));
+}
+
+void ControlAdaptor::answer(const Outcome &outcome)
+{
+    if (!outcome.isDone())
         m_object.sendErrorReply(u"com.brevandel.nubble.Error.Refused"_s, outcome.why());
 }
 

@@ -7,6 +7,7 @@
 namespace nubble {
 
 class AppCommands;
+class Outcome;
 struct AddonRequest;
 struct CommandLine;
 
@@ -26,7 +27,7 @@ private:
     class ControlAdaptor *m_adaptor;
 };
 
-// Its interface. What an add-on refuses comes back as an error with the reason as its text.
+// Its interface. What cannot be done comes back as an error with the reason as its text.
 class ControlAdaptor : public QDBusAbstractAdaptor {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.brevandel.nubble.Control")
@@ -51,6 +52,7 @@ public Q_SLOTS:
 
 private:
     void perform(const AddonRequest &request);
+    void answer(const Outcome &outcome);
 
     ControlObject &m_object;
     AppCommands *m_commands = nullptr;

@@ -30,7 +30,9 @@ void CardHost::show(PanelMode mode)
     close();
     m_mode = mode;
     open();
-    Q_EMIT outlineChanged();
+    Q_EMIT outlineChanged(); // after which all may lie elsewhere in the window
+    if (m_shell && animates())
+        CardTransition::run(m_shell, towardsBody(), CardTransition::Direction::In);
 }
 
 void CardHost::open()
@@ -48,8 +50,6 @@ void CardHost::open()
     });
     layOut();
     m_shell->show();
-    if (animates())
-        CardTransition::run(m_shell, towardsBody(), CardTransition::Direction::In);
 }
 
 void CardHost::close()

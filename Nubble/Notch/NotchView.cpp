@@ -129,6 +129,15 @@ QPainterPath NotchView::outline() const
     return outline;
 }
 
+QRect NotchView::shownOnScreen() const
+{
+    constexpr double shadow = Layout::cardPadding;
+    QRectF shown = m_geometry.body;
+    if (const QPainterPath card = m_cards->outline(); !card.isEmpty())
+        shown |= card.boundingRect().adjusted(-shadow, -shadow, shadow, shadow);
+    return shown.translated(m_geometry.frame.topLeft()).toAlignedRect();
+}
+
 void NotchView::contextMenuEvent(QContextMenuEvent *event)
 {
     Q_EMIT menuRequested(event->pos());

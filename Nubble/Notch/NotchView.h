@@ -56,6 +56,7 @@ public:
     void focusCard();                      // the keyboard goes to the open card's first control
 
     [[nodiscard]] QPainterPath outline() const; // of all that is shown, in window coordinates
+    [[nodiscard]] QRect shownOnScreen() const;  // what it lies in, with the card's shadow
 
 Q_SIGNALS:
     void outlineChanged();

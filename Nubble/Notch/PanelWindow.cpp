@@ -3,11 +3,19 @@
 #include <QApplication>
 #include <QHelpEvent>
 
+#include <chrono>
+
 #include "Placement/MainScreen.h"
 #include "Placement/NotchPlacement.h"
 #include "Platform/PanelSurface.h"
 
 namespace nubble {
+
+namespace {
+
+constexpr std::chrono::milliseconds transitionsLength{250}; // of a card that closes, and a little more
+
+} // namespace
 
 PanelWindow::PanelWindow(
     const NotchContext &context, const NotchContents &contents, const SurfaceFactory &makeSurface,
@@ -32,10 +40,15 @@ void PanelWindow::followSurface()
 {
     connect(m_surface.get(), &PanelSurface::translucencyChanged, this, &PanelWindow::updateTranslucency);
     connect(m_surface.get(), &PanelSurface::closed, this, &PanelWindow::applyPlacement);
-    connect(
-        m_view.get(), &NotchView::outlineChanged, this, [this] { m_surface->setOutline(m_view->outline()); });
+    connect(m_view.get(), &NotchView::outlineChanged, this, [this] {
+        fit();
+        m_surface->setOutline(m_view->outline());
+    });
+    m_shrinking.setSingleShot(true);
+    m_shrinking.setInterval(transitionsLength);
+    connect(&m_shrinking, &QTimer::timeout, this, &PanelWindow::applyPlacement);
     connect(m_view.get(), &NotchView::keyboardWanted, this, [this] {
-        m_surface->takeKeyboard();
+        (void)m_surface->takeKeyboard(); // the mouse is there
         m_view->focusCard();
     });
 }
@@ -64,16 +77,36 @@ void PanelWindow::applyPlacement()
     if (!screen)
         return;
     const NotchPlacement &placement = m_context.placement;
-    m_geometry = panelGeometry(
+    m_whole = panelGeometry(
         m_context.layout, placement.edge(), placement.clamp(placement.offset(), *screen), *screen);
-    m_surface->place(
-        {.frame = m_geometry->frame, .edge = qtEdge(m_geometry->edge), .offset = m_geometry->offset()});
-    m_view->setGeometryOnScreen(*m_geometry);
-    m_drag.setHandle(m_geometry->body);
+    if (!m_surface->passesClicksThrough())
+        m_view->setGeometryOnScreen(*m_whole); // it then knows what it shows there
+    layOut(m_surface->passesClicksThrough() ? *m_whole : m_whole->cutTo(m_view->shownOnScreen()));
     if (placement.isVisible())
         m_surface->orderFront();
     else
         m_surface->orderOut();
+}
+
+void PanelWindow::layOut(const PanelGeometry &geometry)
+{
+    m_shrinking.stop();
+    m_geometry = geometry;
+    m_surface->place({.frame = geometry.frame, .edge = qtEdge(geometry.edge), .offset = geometry.offset()});
+    m_view->setGeometryOnScreen(geometry);
+    m_drag.setHandle(geometry.body);
+}
+
+// What closes may still be seen for a while.
+void PanelWindow::fit()
+{
+    if (!m_geometry || m_surface->passesClicksThrough())
+        return;
+    const PanelGeometry wanted = m_whole->cutTo(m_view->shownOnScreen());
+    if (!m_geometry->frame.contains(wanted.frame))
+        layOut(wanted);
+    else if (m_geometry->frame != wanted.frame)
+        m_shrinking.start();
 }
 
 void PanelWindow::followMode(PanelMode mode)
@@ -95,12 +128,13 @@ std::optional<WindowAnchor> PanelWindow::bodyOnScreen() const
     return WindowAnchor{m_geometry->body.translated(m_geometry->frame.topLeft()), m_geometry->edge};
 }
 
-void PanelWindow::openForKeyboard(PanelMode mode)
+bool PanelWindow::openForKeyboard(PanelMode mode)
 {
     if (m_context.state.mode() != mode)
         m_view->open(mode);
-    m_surface->takeKeyboard();
+    const bool came = m_surface->takeKeyboard();
     m_view->focusCard();
+    return came;
 }
 
 void PanelWindow::openMenu(QMenu &menu, const QPoint &position)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -34,7 +35,7 @@ public:
     [[nodiscard]] std::optional<WindowAnchor> bodyOnScreen() const;
 
     NotchView &view() { return *m_view; }
-    void openForKeyboard(PanelMode mode);               // the card, with the keyboard in it
+    [[nodiscard]] bool openForKeyboard(PanelMode mode); // the card, with the keyboard in it if that comes
     void openMenu(QMenu &menu, const QPoint &position); // a child of the view's; in window coordinates
 
 protected:
@@ -43,6 +44,8 @@ protected:
 private:
     void followSurface();
     void followDrags();
+    void layOut(const PanelGeometry &geometry);
+    void fit();
     void updateTranslucency();
     void followMode(PanelMode mode);
 
@@ -50,7 +53,9 @@ private:
     std::unique_ptr<NotchView> m_view;
     std::unique_ptr<PanelSurface> m_surface;
     DragGesture m_drag;
-    std::optional<PanelGeometry> m_geometry;
+    std::optional<PanelGeometry> m_whole;    // with room for the tallest card
+    std::optional<PanelGeometry> m_geometry; // the part of it that the window covers
+    QTimer m_shrinking;
 };
 
 } // namespace nubble

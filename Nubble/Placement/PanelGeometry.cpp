@@ -44,6 +44,18 @@ QRectF alignedAlong(NotchEdge edge, QRectF window)
 
 } // namespace
 
+PanelGeometry PanelGeometry::cutTo(const QRect &part) const
+{
+    PanelGeometry cut = *this;
+    cut.frame = frame & part;
+    const QPointF moved = frame.topLeft() - cut.frame.topLeft();
+    for (QRectF *rect : {&cut.screen, &cut.body})
+        rect->translate(moved);
+    for (QPointF *point : {&cut.origin, &cut.ringCenter})
+        *point += moved;
+    return cut;
+}
+
 int PanelGeometry::offset() const
 {
     return -qRound(isVertical(edge) ? screen.top() : screen.left());

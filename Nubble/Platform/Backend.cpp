@@ -13,6 +13,7 @@
 #include "Platform/X11/X11Connection.h"
 #include "Platform/X11/X11FloatingSurface.h"
 #include "Platform/X11/X11HotKeys.h"
+#include "Platform/X11/X11KeyboardFocus.h"
 #include "Platform/X11/X11MouseMonitor.h"
 #include "Platform/X11/X11PanelSurface.h"
 #include "Platform/X11/X11ScreenCapture.h"
@@ -58,9 +59,14 @@ public:
         window().raise();
     }
     void orderOut() override { window().hide(); }
+    [[nodiscard]] bool passesClicksThrough() const override { return false; }
     [[nodiscard]] bool isTranslucent() const override { return true; }
     void setOutline(const QPainterPath &) override { }
-    void takeKeyboard() override { window().activateWindow(); }
+    [[nodiscard]] bool takeKeyboard() override
+    {
+        window().activateWindow();
+        return true;
+    }
     void releaseKeyboard() override { }
 };
 
@@ -81,12 +87,13 @@ Backend makePlainBackend()
 Backend makeX11Backend(const std::shared_ptr<const X11Connection> &x11)
 {
     Backend backend;
-    backend.workspace = std::make_unique<X11Workspace>(x11);
+    const auto keyboard = std::make_shared<X11KeyboardFocus>(x11);
+    backend.workspace = std::make_unique<X11Workspace>(x11, keyboard);
     backend.mouseMonitor = std::make_unique<X11MouseMonitor>(x11);
     backend.hotKeys = std::make_unique<X11HotKeys>(x11);
     backend.screenCapture = std::make_unique<X11ScreenCapture>(x11);
-    backend.makePanelSurface = [x11](QWidget &window) {
-        return std::make_unique<X11PanelSurface>(window, x11);
+    backend.makePanelSurface = [x11, keyboard](QWidget &window) {
+        return std::make_unique<X11PanelSurface>(window, x11, keyboard);
     };
     backend.makeFloatingSurface = [x11](QWidget &window) {
         return std::make_unique<X11FloatingSurface>(window, x11);

@@ -39,12 +39,16 @@ public:
     // Of what is shown. It alone takes mouse events; elsewhere they reach the window below.
     virtual void setOutline(const QPainterPath &outline) = 0;
 
-    // Whether translucent pixels show what is below. Without that the window is cut to its outline, and has
-    // to be painted opaque.
+    // Whether they do. If not, the window should be no larger than what it shows.
+    [[nodiscard]] virtual bool passesClicksThrough() const { return true; }
+
+    // Whether translucent pixels show what is below. Without that the window is cut to its outline, and has to
+    // be painted opaque.
     [[nodiscard]] virtual bool isTranslucent() const = 0;
 
-    // The keyboard, on the user's explicit wish only; releasing gives it back to the window that had it.
-    virtual void takeKeyboard() = 0;
+    // The keyboard, on the user's explicit wish only; releasing gives it back to the window that had it, or
+    // to the one that has been activated since.
+    [[nodiscard]] virtual bool takeKeyboard() = 0; // whether it has come, as far as the desktop tells
     virtual void releaseKeyboard() = 0;
 
     // Around a drag that places the window again and again while the mouse button is held.

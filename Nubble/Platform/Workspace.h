@@ -25,7 +25,8 @@ enum class Activation {
 };
 
 // The desktop's running applications. Main thread only. Activating brings all of an application's windows
-// forward, also iconified ones and ones on another desktop, and gives the keyboard to the one used last.
+// forward, also iconified ones and ones on another desktop, and gives the keyboard to the one used last, also
+// when the panel has it.
 class Workspace {
 public:
     virtual ~Workspace() = default;

@@ -9,6 +9,7 @@
 #include <chrono>
 
 #include "Platform/Clock.h"
+#include "Platform/Workspace.h"
 #include "Sessions/ProcessActivator.h"
 #include "Sessions/ProjectRow.h"
 #include "Sessions/SessionDetails.h"
@@ -114,7 +115,11 @@ ProjectRow *ProjectsCardContent::rowOf(const RowKey &key)
     if (!row) {
         row = new ProjectRow(m_list);
         row->setEnabled(m_bringsForward);
-        connect(row, &ProjectRow::clicked, this, [this, pid = key.second] { m_activator.activate(pid); });
+        connect(row, &ProjectRow::clicked, this, [this, row, pid = key.second] {
+            const bool byKeyboard = row->hasFocus(); // which leaves with the activated window
+            if (m_activator.activate(pid) == Activation::Requested && byKeyboard)
+                Q_EMIT closeRequested();
+        });
     }
     return row;
 }

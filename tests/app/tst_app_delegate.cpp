@@ -100,12 +100,12 @@ private Q_SLOTS:
         const auto percent = [&] { return 100 * status(u"usage"_s)[u"session"_s][u"fraction"_s].toDouble(); };
         QTRY_VERIFY(status(u"usage"_s)[u"problem"_s].isString()); // the first read has found nothing
         program.home.write(u".config/Claude/Cache/Cache_Data/a_0"_s, UsageCache::usageEntry(42));
-        program.commands.openCard(PanelMode::sessions());
+        QCOMPARE(program.commands.openCard(PanelMode::sessions()), Outcome::done());
         QTRY_COMPARE(percent(), 42); // long before its timer
         program.home.write(u".config/Claude/Cache/Cache_Data/b_0"_s, UsageCache::usageEntry(43));
         program.commands.refreshAll();
         QTRY_COMPARE(percent(), 43);
-        program.commands.openCard(PanelMode::sessions()); // does not close it
+        QCOMPARE(program.commands.openCard(PanelMode::sessions()), Outcome::done()); // does not close it
         QCOMPARE(status(u"panel"_s)[u"mode"_s].toString(), u"sessions"_s);
         QCOMPARE(
             program.commands.status().keys(),

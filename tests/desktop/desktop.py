@@ -16,6 +16,7 @@ from Xlib.error import BadDrawable, BadWindow
 from Xlib.ext import xtest
 
 COMPOSITED = os.environ.get("NUBBLE_COMPOSITOR") == "picom"
+MANAGER = os.environ.get("NUBBLE_WINDOW_MANAGER") or "openbox"
 PATIENCE = 20.0  # seconds until a condition that does not come true is a failure
 SCREEN = (1280, 800)
 BACKDROP = (48, 96, 160)
@@ -87,7 +88,7 @@ class Window:
 
 
 class Desktop:
-    """Xvfb with openbox, with picom if the tests run with a compositor, and a session bus."""
+    """Xvfb with a window manager, with picom if the tests run with a compositor, and a session bus."""
 
     def __init__(self):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="nubble-desktop-"))
@@ -102,8 +103,7 @@ class Desktop:
             "dbus-daemon", "--session", "--nofork", "--print-address=FD")
         self.display = display.Display(self.env["DISPLAY"])
         self.root = self.display.screen().root
-        self.services.append(self.start("openbox", "--sm-disable"))
-        eventually(self._openbox_answers, "openbox runs")
+        self._start_manager()
         if COMPOSITED:
             self.services.append(self.start_compositor())
         self.backdrop = Window(self, 0, 0, *SCREEN, managed=False)
@@ -124,6 +124,14 @@ class Desktop:
     def start(self, *command, **options):
         quiet = {"stdin": subprocess.DEVNULL, "stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL}
         return subprocess.Popen(command, env=self.env, **(quiet | options))
+
+    def _start_manager(self):
+        config = self.folder / "i3.conf"
+        config.write_text("# i3 config file (v4)\n")
+        options = {"openbox": ["--sm-disable"], "i3": ["-c", config], "mutter": ["--x11"]}
+        self.services.append(self.start(MANAGER, *options.get(MANAGER, [])))
+        eventually(lambda: self.property("_NET_SUPPORTING_WM_CHECK"), "the window manager runs")
+        eventually(lambda: MANAGER != "openbox" or self._openbox_answers(), "openbox runs")
 
     def _openbox_answers(self):
         """While it starts it may mislay a request; once it has answered one it does not."""
@@ -175,7 +183,12 @@ class Desktop:
         return list(answer.value) if answer else []
 
     def until_active(self, window):
-        eventually(lambda: self.property("_NET_ACTIVE_WINDOW") == [window], "the window is the active one")
+        eventually(lambda: self.property("_NET_ACTIVE_WINDOW")[:1] == [window], "the window is the active one")
+
+    def focused(self):
+        """What has the keyboard, a window's number or less than two."""
+        focus = self.display.get_input_focus().focus
+        return getattr(focus, "id", focus)
 
     def nubble_windows(self, parent=None):
         """The program's windows that are shown, at the top or embedded in others, as (window, parent, geometry)."""

@@ -47,11 +47,8 @@ class ThePanelWithoutAMouse(TerminalTest):
     def press(self, name):
         self.find("push button", name).queryAction().doAction(0)
 
-    def focused(self):
-        return self.desktop.display.get_input_focus().focus.id
-
     def until_focused(self, window):
-        eventually(lambda: self.focused() == window, "the window has the keyboard")
+        eventually(lambda: self.desktop.focused() == window, "the window has the keyboard")
 
     def test_has_a_button_for_the_ring_for_each_row_and_to_close(self):
         nubble = self.start_nubble()
@@ -72,13 +69,13 @@ class ThePanelWithoutAMouse(TerminalTest):
     def test_takes_the_keyboard_when_asked_to_and_gives_it_back_but_takes_it_from_nobody(self):
         self.until_focused(self.other)
         nubble = self.start_nubble()
-        self.assertEqual(self.focused(), self.other)
+        self.assertEqual(self.desktop.focused(), self.other)
         backdrop = self.desktop.backdrop.window  # which the window manager would not give it to
         for close in (lambda: self.desktop.key("Escape"), lambda: nubble.run("hide")):
             backdrop.set_input_focus(X.RevertToParent, X.CurrentTime)
             self.until_focused(backdrop.id)
             nubble.open_for_keyboard()
-            eventually(lambda: self.focused() not in (backdrop.id, self.other), "the card has the keyboard")
+            eventually(lambda: self.desktop.focused() not in (backdrop.id, self.other), "the card has the keyboard")
             close()
             self.until_focused(backdrop.id)
         nubble.open_for_keyboard()
@@ -86,7 +83,7 @@ class ThePanelWithoutAMouse(TerminalTest):
         self.until_focused(self.terminal)
         nubble.run("hide")
         nubble.until_panel(visible=False)
-        self.assertEqual(self.focused(), self.terminal)
+        self.assertEqual(self.desktop.focused(), self.terminal)
 
     def test_brings_a_session_forward_by_keyboard(self):
         _, newer = self.start_terminal()

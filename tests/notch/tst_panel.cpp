@@ -216,19 +216,51 @@ private Q_SLOTS:
         QCOMPARE(panel.window.bodyOnScreen()->body, expected.body.translated(expected.frame.topLeft()));
     }
 
+    void whereClicksDoNotPassTheWindowIsAsLargeAsWhatItShows()
+    {
+        PanelWorld world("placement.offset=1e300\n");
+        world.addSession(1, u"one"_s, u"idle"_s, 0ms);
+        PanelUnderTest panel(world);
+        world.preferences.setReducedMotion(false);
+        panel.surface->passesClicks = false;
+        const QRect &window = panel.surface->last.frame;
+        for (const NotchEdge edge : allEdges) {
+            world.placement.moveToEdge(edge, world.mainScreen.frame());
+            const PanelGeometry whole = world.geometry();
+            const QRect body = whole.body.translated(whole.frame.topLeft()).toAlignedRect() & whole.frame;
+            QTRY_COMPARE(window, body);
+            QCOMPARE(panel.window.bodyOnScreen()->body, whole.body.translated(whole.frame.topLeft()));
+            QVERIFY(QRect({}, window.size()).contains(panel.ring()->geometry()));
+            panel.clickRing();
+            const QRectF card = panel.surface->outline.toSubpathPolygons().last().boundingRect();
+            QVERIFY(QRectF(0, 0, window.width(), window.height()).contains(card));
+            QVERIFY(panel.view().findChild<QGraphicsEffect *>()); // it still fades in
+            QVERIFY(window.contains(body) && whole.frame.contains(window));
+            if (isVertical(edge))
+                QVERIFY(window.height() < whole.frame.height() / 2);
+            panel.clickRing();
+            QVERIFY(window != body); // until the card has faded
+            QTRY_COMPARE(window, body);
+        }
+    }
+
     void theSurfaceTakesTheKeyboardOnRequestOnlyAndShowsToolTipsAndMenus()
     {
         PanelWorld world;
         PanelUnderTest panel(world);
-        panel.window.openForKeyboard(PanelMode::sessions());
+        QVERIFY(panel.window.openForKeyboard(PanelMode::sessions()));
         QVERIFY(panel.surface->hasKeyboard);
         QTRY_VERIFY(QApplication::focusWidget() != nullptr);
         QVERIFY(QApplication::focusWidget() != panel.ring());
-        panel.window.openForKeyboard(PanelMode::sessions()); // does not close it
+        QVERIFY(panel.window.openForKeyboard(PanelMode::sessions())); // does not close it
         QCOMPARE(world.state.mode(), PanelMode::sessions());
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
         QCOMPARE(world.state.mode(), PanelMode::collapsed());
         QVERIFY(!panel.surface->hasKeyboard);
+        panel.surface->givesKeyboard = false;
+        QVERIFY(!panel.window.openForKeyboard(PanelMode::sessions()));
+        panel.surface->givesKeyboard = true;
+        panel.clickRing();
 
         panel.clickRing();
         auto *close = panel.control(u"Close"_s);

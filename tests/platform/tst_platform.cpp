@@ -68,7 +68,7 @@ private Q_SLOTS:
         surface->orderFront();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
         QCOMPARE(window.geometry(), QRect(10, 20, 300, 200));
-        surface->takeKeyboard();
+        QVERIFY(surface->takeKeyboard());
         QTRY_VERIFY(window.isActiveWindow());
         surface->orderOut();
         QVERIFY(!window.isVisible());

@@ -87,13 +87,13 @@ private Q_SLOTS:
         showPanel({100, 100, 200, 200});
         for (const bool hides : {false, true}) {
             xcb_set_input_focus(x11, XCB_INPUT_FOCUS_POINTER_ROOT, had, XCB_CURRENT_TIME);
-            m_surface->takeKeyboard();
+            QVERIFY(m_surface->takeKeyboard());
             QTRY_COMPARE(m_others->focusedWindow(), m_window->id());
             hides ? m_surface->orderOut() : m_surface->releaseKeyboard();
             QTRY_COMPARE(m_others->focusedWindow(), had);
         }
         showPanel({100, 100, 200, 200});
-        m_surface->takeKeyboard();
+        QVERIFY(m_surface->takeKeyboard());
         m_others->focus(m_work);
         m_surface->releaseKeyboard();
         QCOMPARE(m_others->focusedWindow(), m_work);

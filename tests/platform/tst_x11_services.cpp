@@ -6,6 +6,7 @@
 
 #include "Platform/DesktopStatusHost.h"
 #include "Platform/Freedesktop/StatusNotifierWatch.h"
+#include "Platform/X11/X11KeyboardFocus.h"
 #include "Platform/X11/X11Tray.h"
 #include "Platform/X11/X11Workspace.h"
 #include "platform/ForeignApplication.h"
@@ -59,7 +60,8 @@ class TestX11Services : public QObject {
     Q_OBJECT
 
 private:
-    X11Workspace m_workspace{X11Connection::ofThisProgram()};
+    const std::shared_ptr<const X11Connection> m_x11 = X11Connection::ofThisProgram();
+    X11Workspace m_workspace{m_x11, std::make_shared<X11KeyboardFocus>(m_x11)};
     ForeignApplication m_terminal{4242};
     ForeignApplication m_editor{4343};
 

@@ -22,10 +22,12 @@ public:
     void orderOut() override { window().hide(); }
     [[nodiscard]] bool isTranslucent() const override { return true; }
     void setOutline(const QPainterPath &path) override { outline = path; }
-    void takeKeyboard() override
+    [[nodiscard]] bool passesClicksThrough() const override { return passesClicks; }
+    [[nodiscard]] bool takeKeyboard() override
     {
-        hasKeyboard = true;
+        hasKeyboard = givesKeyboard;
         window().activateWindow();
+        return hasKeyboard;
     }
     void releaseKeyboard() override { hasKeyboard = false; }
     void beginMove() override { log.append(QStringLiteral("begin")); }
@@ -41,6 +43,8 @@ public:
     SurfacePlace last;
     QPainterPath outline;
     bool hasKeyboard = false;
+    bool givesKeyboard = true;
+    bool passesClicks = true;
     QPointF mouseOffset; // of where it says that mouse events have happened
     QStringList log;     // moves, menus and tool tips
 };

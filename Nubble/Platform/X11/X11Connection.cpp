@@ -3,7 +3,9 @@
 #include <QGuiApplication>
 
 #include <cstring>
+#include <string_view>
 #include <utility>
+#include <xcb/randr.h>
 
 namespace nubble {
 
@@ -14,7 +16,7 @@ constexpr std::array<const char *, static_cast<size_t>(X11Atom::Count)> atomName
     "_NET_RESTACK_WINDOW", "_NET_SUPPORTED", "_NET_WM_DESKTOP", "_NET_WM_NAME", "_NET_WM_PID",
     "_NET_WM_STATE", "_NET_WM_STATE_HIDDEN", "_NET_WM_STATE_ABOVE", "_NET_WM_STATE_STICKY",
     "_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER", "_NET_WM_WINDOW_TYPE",
-    "_NET_WM_WINDOW_TYPE_DIALOG", "_NET_WM_WINDOW_TYPE_NORMAL", "_NET_SYSTEM_TRAY_COLORS",
+    "_NET_WM_WINDOW_TYPE_DIALOG", "_NET_WM_WINDOW_TYPE_NORMAL", "_NET_SYSTEM_TRAY_COLORS", "_NUBBLE_TIME",
     // followed by the screen's number
     "_NET_WM_CM_S", "_NET_SYSTEM_TRAY_S"};
 
@@ -82,6 +84,38 @@ X11Connection::X11Connection(xcb_connection_t *connection, xcb_screen_t *screen,
         const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookies[i], nullptr));
         m_atoms[i] = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
     }
+    m_isXwayland = looksLikeXwayland();
+}
+
+// Newer servers have an extension that says so, older ones name their screens after it.
+bool X11Connection::looksLikeXwayland() const
+{
+    constexpr std::string_view name("XWAYLAND");
+    const XcbReply<xcb_query_extension_reply_t> extension(xcb_query_extension_reply(
+        m_connection, xcb_query_extension(m_connection, name.size(), name.data()), nullptr));
+    if (extension && extension->present)
+        return true;
+    if (!offers(xcb_randr_id))
+        return false;
+    const XcbReply<xcb_randr_get_screen_resources_current_reply_t> resources(
+        xcb_randr_get_screen_resources_current_reply(
+            m_connection, xcb_randr_get_screen_resources_current(m_connection, root()), nullptr));
+    if (!resources || resources->num_outputs == 0)
+        return false;
+    const xcb_randr_output_t first = *xcb_randr_get_screen_resources_current_outputs(resources.get());
+    const XcbReply<xcb_randr_get_output_info_reply_t> output(xcb_randr_get_output_info_reply(
+        m_connection, xcb_randr_get_output_info(m_connection, first, XCB_CURRENT_TIME), nullptr));
+    return output
+        && std::string_view(
+               reinterpret_cast<const char *>(xcb_randr_get_output_info_name(output.get())),
+               static_cast<size_t>(xcb_randr_get_output_info_name_length(output.get())))
+               .starts_with(name);
+}
+
+bool X11Connection::offers(xcb_extension_t &extension) const
+{
+    const auto *answer = xcb_get_extension_data(m_connection, &extension);
+    return answer && answer->present;
 }
 
 void X11Connection::askWindowManager(

@@ -38,6 +38,7 @@ enum class X11Atom {
     NetWmWindowTypeDialog,
     NetWmWindowTypeNormal,
     NetSystemTrayColors,
+    Time,               // ours, on which nothing is written
     CompositingManager, // the selection that one owns on this screen
     SystemTray,         // likewise
     Count
@@ -55,6 +56,12 @@ public:
     [[nodiscard]] xcb_connection_t *get() const { return m_connection; }
     [[nodiscard]] const xcb_screen_t &screen() const { return *m_screen; }
     [[nodiscard]] xcb_window_t root() const { return m_screen->root; }
+    // To be asked before any request of an extension: one that the server does not know ends the connection.
+    [[nodiscard]] bool offers(xcb_extension_t &extension) const;
+
+    // Whether the server's windows lie among those of a Wayland compositor.
+    [[nodiscard]] bool isXwayland() const { return m_isXwayland; }
+
     [[nodiscard]] xcb_atom_t atom(X11Atom name) const { return m_atoms[static_cast<size_t>(name)]; }
 
     // Lets an error of a checked request go unseen: the window it was for may have gone.
@@ -67,9 +74,11 @@ public:
 
 private:
     X11Connection(xcb_connection_t *connection, xcb_screen_t *screen, int screenNumber);
+    [[nodiscard]] bool looksLikeXwayland() const;
 
     xcb_connection_t *m_connection;
     xcb_screen_t *m_screen;
+    bool m_isXwayland = false;
     std::array<xcb_atom_t, static_cast<size_t>(X11Atom::Count)> m_atoms{};
 };
 

@@ -201,7 +201,7 @@ void X11FloatingSurface::correctPosition() const
 void X11FloatingSurface::applyOutline() const
 {
     const auto native = nativeWindow();
-    if (!native)
+    if (!native || !m_x11->offers(xcb_shape_id))
         return;
     const QPainterPath &outline = m_unseen && !isTranslucent() ? QPainterPath() : m_outline;
     const auto rects = X11Geometry::deviceRects(outline, window().size(), window().devicePixelRatioF());

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <xcb/randr.h>
 
 #include "Platform/X11/X11Connection.h"
@@ -40,6 +41,21 @@ int along(int start, int length, int screenStart, int screenLength, int deviceLe
     return screenStart + qRound((start - screenStart) * scale);
 }
 
+std::optional<QRect> monitorAt(const X11Connection &x11, const QPoint &topLeft)
+{
+    if (!x11.offers(xcb_randr_id))
+        return std::nullopt;
+    const XcbReply<xcb_randr_get_monitors_reply_t> reply(
+        xcb_randr_get_monitors_reply(x11.get(), xcb_randr_get_monitors(x11.get(), x11.root(), 1), nullptr));
+    if (!reply)
+        return std::nullopt;
+    for (auto each = xcb_randr_get_monitors_monitors_iterator(reply.get()); each.rem > 0;
+         xcb_randr_monitor_info_next(&each))
+        if (QPoint(each.data->x, each.data->y) == topLeft)
+            return QRect(each.data->x, each.data->y, each.data->width, each.data->height);
+    return std::nullopt;
+}
+
 } // namespace
 
 std::vector<xcb_rectangle_t> deviceRects(const QPainterPath &outline, const QSize &window, qreal scale)
@@ -69,14 +85,8 @@ QPoint devicePosition(const QRect &frame, const QRect &screen, const QRect &devi
 
 QRect deviceScreenAt(const X11Connection &x11, const QPoint &topLeft)
 {
-    const XcbReply<xcb_randr_get_monitors_reply_t> reply(
-        xcb_randr_get_monitors_reply(x11.get(), xcb_randr_get_monitors(x11.get(), x11.root(), 1), nullptr));
-    if (reply) {
-        for (auto each = xcb_randr_get_monitors_monitors_iterator(reply.get()); each.rem > 0;
-             xcb_randr_monitor_info_next(&each))
-            if (QPoint(each.data->x, each.data->y) == topLeft)
-                return {each.data->x, each.data->y, each.data->width, each.data->height};
-    }
+    if (const std::optional<QRect> monitor = monitorAt(x11, topLeft))
+        return *monitor;
     const XcbReply<xcb_get_geometry_reply_t> root(
         xcb_get_geometry_reply(x11.get(), xcb_get_geometry(x11.get(), x11.root()), nullptr));
     return root ? QRect(0, 0, root->width, root->height)

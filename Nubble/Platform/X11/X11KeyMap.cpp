@@ -83,8 +83,7 @@ uint8_t lockedBy(const xcb_xkb_action_t *actions, uint16_t count)
 std::optional<X11KeyMap> X11KeyMap::read(const X11Connection &x11)
 {
     xcb_connection_t *connection = x11.get();
-    const auto *extension = xcb_get_extension_data(connection, &xcb_xkb_id);
-    if (!extension || !extension->present)
+    if (!x11.offers(xcb_xkb_id))
         return std::nullopt;
     const auto askedState = xcb_xkb_get_state(connection, XCB_XKB_ID_USE_CORE_KBD);
     const auto askedMap = xcb_xkb_get_map(

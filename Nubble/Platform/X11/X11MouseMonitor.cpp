@@ -26,10 +26,9 @@ bool isOwnWindow(xcb_window_t window)
 
 X11MouseMonitor::X11MouseMonitor(std::shared_ptr<const X11Connection> x11) : m_x11(std::move(x11))
 {
-    const auto *extension = xcb_get_extension_data(m_x11->get(), &xcb_input_id);
-    if (!extension || !extension->present)
+    if (!m_x11->offers(xcb_input_id))
         return;
-    m_extension = extension->major_opcode;
+    m_extension = xcb_get_extension_data(m_x11->get(), &xcb_input_id)->major_opcode;
     // Since version 2.1 raw events come also during the grabs of others.
     const auto version = xcb_input_xi_query_version(m_x11->get(), 2, 2);
     xcb_discard_reply(m_x11->get(), version.sequence);

@@ -10,12 +10,14 @@
 
 #include "Platform/X11/X11Connection.h"
 #include "Platform/X11/X11Geometry.h"
+#include "Platform/X11/X11KeyboardFocus.h"
 
 namespace nubble {
 
-X11PanelSurface::X11PanelSurface(QWidget &window, std::shared_ptr<const X11Connection> x11)
+X11PanelSurface::X11PanelSurface(
+    QWidget &window, std::shared_ptr<const X11Connection> x11, std::shared_ptr<X11KeyboardFocus> keyboard)
     : PanelSurface(window), m_x11(std::move(x11)), m_compositor(m_x11, X11Atom::CompositingManager),
-      m_keyboard(m_x11)
+      m_keyboard(std::move(keyboard))
 {
     // All flags once and for ever: changing one later makes another native window.
     window.setWindowFlags(
@@ -60,6 +62,12 @@ void X11PanelSurface::orderOut()
     m_x11->flush();
 }
 
+// Compositors go by the whole window when it lies over one that is not the X server's.
+bool X11PanelSurface::passesClicksThrough() const
+{
+    return m_x11->offers(xcb_shape_id) && !m_x11->isXwayland();
+}
+
 void X11PanelSurface::setOutline(const QPainterPath &outline)
 {
     if (m_outline == outline)
@@ -69,16 +77,16 @@ void X11PanelSurface::setOutline(const QPainterPath &outline)
     m_x11->flush();
 }
 
-void X11PanelSurface::takeKeyboard()
+bool X11PanelSurface::takeKeyboard()
 {
-    if (const auto native = nativeWindow())
-        m_keyboard.give(native);
+    const auto native = nativeWindow();
+    return native && m_keyboard->lend(native);
 }
 
 void X11PanelSurface::releaseKeyboard()
 {
     if (const auto native = nativeWindow())
-        m_keyboard.takeBack(native);
+        m_keyboard->takeBack(native);
 }
 
 bool X11PanelSurface::eventFilter(QObject *watched, QEvent *event)
@@ -126,7 +134,7 @@ void X11PanelSurface::applyPosition()
 void X11PanelSurface::applyOutline()
 {
     const auto native = nativeWindow();
-    if (!native)
+    if (!native || !m_x11->offers(xcb_shape_id))
         return;
     const auto rects = X11Geometry::deviceRects(m_outline, window().size(), window().devicePixelRatioF());
     const auto cut = [&](xcb_shape_sk_t kind) {

@@ -3,12 +3,12 @@
 #include <memory>
 
 #include "Platform/PanelSurface.h"
-#include "Platform/X11/X11KeyboardFocus.h"
 #include "Platform/X11/X11SelectionWatch.h"
 
 namespace nubble {
 
 class X11Connection;
+class X11KeyboardFocus;
 
 // The panel as a window that no window manager touches: the only kind that lies flush over docks, above
 // full-screen windows and on all desktops everywhere.
@@ -16,14 +16,18 @@ class X11PanelSurface : public PanelSurface {
     Q_OBJECT
 
 public:
-    X11PanelSurface(QWidget &window, std::shared_ptr<const X11Connection> x11);
+    // The keyboard is shared with whoever activates windows.
+    X11PanelSurface(
+        QWidget &window, std::shared_ptr<const X11Connection> x11,
+        std::shared_ptr<X11KeyboardFocus> keyboard);
 
     void place(const SurfacePlace &place) override;
     void orderFront() override;
     void orderOut() override;
+    [[nodiscard]] bool passesClicksThrough() const override;
     [[nodiscard]] bool isTranslucent() const override { return m_compositor.isOwned(); }
     void setOutline(const QPainterPath &outline) override;
-    void takeKeyboard() override;
+    [[nodiscard]] bool takeKeyboard() override;
     void releaseKeyboard() override;
 
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -36,7 +40,7 @@ private:
 
     std::shared_ptr<const X11Connection> m_x11;
     X11SelectionWatch m_compositor;
-    X11KeyboardFocus m_keyboard;
+    std::shared_ptr<X11KeyboardFocus> m_keyboard;
     QRect m_frame;
     QPainterPath m_outline;
 };

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "Platform/X11/X11Connection.h"
+#include "Platform/X11/X11KeyboardFocus.h"
 
 namespace nubble {
 
@@ -61,7 +62,11 @@ std::optional<QString> fromUtf8(const QByteArray &bytes)
 
 } // namespace
 
-X11Workspace::X11Workspace(std::shared_ptr<const X11Connection> x11) : m_x11(std::move(x11)) { }
+X11Workspace::X11Workspace(
+    std::shared_ptr<const X11Connection> x11, std::shared_ptr<X11KeyboardFocus> keyboard)
+    : m_x11(std::move(x11)), m_keyboard(std::move(keyboard))
+{
+}
 
 std::vector<xcb_window_t> X11Workspace::managedWindows(X11Atom list) const
 {
@@ -224,6 +229,7 @@ void X11Workspace::bringForward(const std::vector<Window> &windows) const
     for (const Window &window : windows)
         raise(window, desktop);
     focus(windows.back());
+    m_keyboard->handOn(windows.back().id);
     m_x11->flush();
 }
 

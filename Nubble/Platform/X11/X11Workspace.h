@@ -9,13 +9,15 @@
 namespace nubble {
 
 class X11Connection;
+class X11KeyboardFocus;
 enum class X11Atom;
 
 // The applications of an EWMH window manager. What the windows say of themselves is read afresh at each call
 // and believed only as far as it makes sense.
 class X11Workspace : public Workspace {
 public:
-    explicit X11Workspace(std::shared_ptr<const X11Connection> x11);
+    // The keyboard, as far as the panel has it, goes to what is activated.
+    X11Workspace(std::shared_ptr<const X11Connection> x11, std::shared_ptr<X11KeyboardFocus> keyboard);
 
     [[nodiscard]] bool canActivate() const override;
     [[nodiscard]] QList<RunningApplication> runningApplications() const override;
@@ -43,6 +45,7 @@ private:
     void focus(const Window &window) const;
 
     std::shared_ptr<const X11Connection> m_x11;
+    std::shared_ptr<X11KeyboardFocus> m_keyboard;
 };
 
 } // namespace nubble
