@@ -2,6 +2,7 @@
 
 #include <QByteArrayView>
 #include <QList>
+#include <QStringConverter>
 
 using namespace Qt::StringLiterals;
 
@@ -108,6 +109,7 @@ QByteArrayView plainFrom(QByteArrayView value, qsizetype at)
 // None for a list.
 std::optional<QString> unquoted(QByteArrayView value)
 {
+    QStringDecoder decode(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
     QString text;
     bool isQuoted = false;
     for (qsizetype at = 0; at < value.size();) {
@@ -124,7 +126,7 @@ std::optional<QString> unquoted(QByteArrayView value)
             ++at;
         } else {
             const QByteArrayView plain = plainFrom(value, at);
-            text += QString::fromUtf8(plain);
+            text += decode(plain);
             at += plain.size();
         }
     }
