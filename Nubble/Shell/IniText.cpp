@@ -190,7 +190,7 @@ QByteArray valueOf(const QString &text)
 
 std::optional<QString> textOf(const QByteArray &value)
 {
-    const std::optional<QString> text = unquoted(value);
+    std::optional<QString> text = unquoted(value);
     if (!text || !text->startsWith(u'@'))
         return text;
     if (text->startsWith(u"@@"))

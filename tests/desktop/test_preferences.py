@@ -72,8 +72,9 @@ class Preferences(DesktopTest):
     def test_are_written_when_a_drag_has_ended_whatever_looks_like_a_lock(self):
         (self.folder / f"{self.file.name}.lock").mkdir()
         errors = self.start()
+        edges = [("left", (3, 300)), ("top", (500, 3)), ("bottom", (500, SCREEN[1] - 3))]
         with self.desktop.button_held(self.program.ring()):
-            for edge, at in {"left": (3, 300), "top": (500, 3), "bottom": (500, SCREEN[1] - 3)}.items():
+            for edge, at in edges * 8:
                 self.desktop.move_pointer(*at)
                 self.program.until_panel(edge=edge)
             self.assertFalse(self.file.exists())

@@ -67,7 +67,8 @@ private Q_SLOTS:
             u"line\r\n\t\a\x1b"_s,
             u"\x1b"
             "Fix \x01ü \x02🌳e"_s,
-            u"zażółć\u00a0\x7f"_s, u"\ufeff,"_s,
+            u"zażółć\u00a0\x7f"_s,
+            u"\ufeff,"_s,
             u"~/[x] %41 #"_s};
         for (const QString &text : texts) {
             init();
@@ -110,7 +111,7 @@ private Q_SLOTS:
         const QByteArray kept("[General]\na.key=kept\n");
         const QString target = m_home->write(u"dotfiles/conf"_s, kept);
         m_home->write(u".config/x"_s, {});
-        QVERIFY(QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup));
+        QVERIFY(QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner | QFile::WriteGroup));
         const std::function<void()> places[]{
             [&] { QVERIFY(QFile::link(target, file())); },
             [&] { QCOMPARE(::mkfifo(path.constData(), 0600), 0); },
@@ -135,7 +136,7 @@ private Q_SLOTS:
         Defaults(file()).set(u"a.key"_s, u"new"_s);
         QVERIFY(QFileInfo(file()).isSymLink());
         QCOMPARE(m_home->read(u"dotfiles/conf"_s), "[General]\na.key=new\n");
-        QVERIFY(QFileInfo(target).permission(QFile::ReadGroup));
+        QVERIFY(QFileInfo(target).permission(QFile::WriteGroup));
         QCOMPARE(QDir(m_home->path(u"dotfiles"_s)).entryList(QDir::Files | QDir::Hidden), {u"conf"_s});
     }
 
