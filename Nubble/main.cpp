@@ -1,8 +1,8 @@
 #include <QApplication>
-#include <QLockFile>
 #include <QPalette>
 #include <QToolTip>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
@@ -14,6 +14,8 @@
 #include "Commands/ControlObject.h"
 #include "Commands/StatusCommand.h"
 #include "Platform/InstanceBus.h"
+#include "Platform/InstanceLock.h"
+#include "Platform/StandardDescriptors.h"
 #include "Platform/System.h"
 #include "Platform/TerminationSignals.h"
 #include "RenderPreview.h"
@@ -31,14 +33,6 @@ namespace {
 {
     std::fflush(nullptr);
     std::_Exit(status);
-}
-
-// What a session bus sees to otherwise: one instance for each home. After a restart the predecessor is given
-// the time to end.
-bool isHeldElsewhere(QLockFile &lock)
-{
-    lock.setStaleLockTime(0);
-    return !lock.tryLock(3000) && lock.error() == QLockFile::LockFailedError;
 }
 
 void setUpLook()
@@ -78,8 +72,9 @@ int run(int argc, char *argv[], QByteArray platform, const CommandLine &line, co
     ControlObject control;
     if (!bus->claim(&control))
         leave(line.verb == CommandLine::Verb::Start ? ExitDone : runInInstance(line, *bus));
-    QLockFile lock(home.configFolder() + u"/com.brevandel.nubble.lock");
-    if (!bus->isConnected() && isHeldElsewhere(lock))
+    InstanceLock lock(home.configFolder() + u"/com.brevandel.nubble.lock");
+    constexpr std::chrono::seconds forPredecessor(3);
+    if (!bus->isConnected() && lock.isHeldElsewhere(forPredecessor))
         return fail(ExitFailed, u"Nubble runs already, and there is no session bus to reach it by"_s);
 
     {
@@ -98,6 +93,7 @@ int run(int argc, char *argv[], QByteArray platform, const CommandLine &line, co
 
 int main(int argc, char *argv[])
 {
+    openStandardDescriptors();
     if (const std::optional<int> status = RenderPreview::runIfAsked(argc, argv))
         return *status;
     QStringList arguments;
@@ -111,11 +107,9 @@ int main(int argc, char *argv[])
 
     switch (line.verb) {
     case CommandLine::Verb::Help:
-        std::fputs(qUtf8Printable(helpText()), stdout);
-        return ExitDone;
+        return print(helpText().toUtf8());
     case CommandLine::Verb::Version:
-        std::puts("nubble " NUBBLE_VERSION);
-        return ExitDone;
+        return print("nubble " NUBBLE_VERSION "\n");
     case CommandLine::Verb::Run:
     case CommandLine::Verb::Start:
         if (const std::optional<QByteArray> platform = qtPlatform())

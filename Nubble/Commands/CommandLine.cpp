@@ -4,6 +4,7 @@
 #include <QFileInfo>
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
 
 #include "Platform/Outcome.h"
@@ -135,6 +136,13 @@ QString helpText()
            "  --                  end the options: nubble ask -- --why\n"
            "\n"
            "Exit status: 0 done, 1 could not be done, 2 wrong usage, 3 not running.\n"_s;
+}
+
+int print(const QByteArray &text)
+{
+    const auto size = static_cast<size_t>(text.size());
+    const bool isWritten = std::fwrite(text.constData(), 1, size, stdout) == size && std::fflush(stdout) == 0;
+    return isWritten ? ExitDone : fail(ExitFailed, u"standard output: "_s + qt_error_string(errno));
 }
 
 int fail(ExitStatus status, const QString &message)

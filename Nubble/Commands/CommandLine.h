@@ -53,6 +53,9 @@ struct UsageError {
 
 [[nodiscard]] QString helpText();
 
+// Writes to standard output. Returns the status: failed, as said on standard error, when that cannot be.
+int print(const QByteArray &text);
+
 // Says in one line on standard error why it is that status, which it returns.
 int fail(ExitStatus status, const QString &message);
 

@@ -4,7 +4,6 @@
 #include <QEventLoop>
 #include <QJsonDocument>
 
-#include <cstdio>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -66,10 +65,8 @@ int printStatus(const Home &home, const InstanceBus &bus, bool json)
     const QByteArray text = json
         ? QJsonDocument(report).toJson(QJsonDocument::Indented)
         : statusTable(report, terminalWidth(), QDateTime::currentDateTime()).toUtf8();
-    const bool written = std::fwrite(text.constData(), 1, static_cast<size_t>(text.size()), stdout)
-            == static_cast<size_t>(text.size())
-        && std::fflush(stdout) == 0;
-    return written ? exitStatusOf(answer) : fail(ExitFailed, u"the status cannot be written"_s);
+    const int printed = print(text);
+    return printed == ExitDone ? exitStatusOf(answer) : printed;
 }
 
 } // namespace nubble

@@ -54,6 +54,12 @@ NotchPlacement::NotchPlacement(Defaults &defaults, const Layout &layout, QObject
 {
 }
 
+void NotchPlacement::setDragging(bool dragging)
+{
+    m_dragging = dragging;
+    m_defaults.setHeld(dragging);
+}
+
 double NotchPlacement::clamp(double offset, const QRectF &screen) const
 {
     return clampOn(edge(), offset, screen);

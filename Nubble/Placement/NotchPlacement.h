@@ -28,7 +28,7 @@ public:
     [[nodiscard]] bool isLocked() const { return m_settings.locked; } // cannot be dragged
     [[nodiscard]] bool isVisible() const { return m_settings.visible; }
     [[nodiscard]] bool isDragging() const { return m_dragging; } // never saved
-    void setDragging(bool dragging) { m_dragging = dragging; }
+    void setDragging(bool dragging); // the preferences are written when it has ended
 
     // The nearest offset that keeps the panel on the screen.
     [[nodiscard]] double clamp(double offset, const QRectF &screen) const;

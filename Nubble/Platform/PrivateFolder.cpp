@@ -8,6 +8,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "Platform/NewFile.h"
+
 using namespace Qt::StringLiterals;
 
 namespace nubble {
@@ -35,21 +37,6 @@ int openParent(const char *path)
     ::close(parent);
     errno = EPERM;
     return -1;
-}
-
-bool writeAll(int file, const QByteArray &bytes)
-{
-    qsizetype written = 0;
-    while (written < bytes.size()) {
-        const ssize_t count =
-            ::write(file, bytes.constData() + written, static_cast<size_t>(bytes.size() - written));
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0)
-            return false;
-        written += count;
-    }
-    return true;
 }
 
 } // namespace
@@ -94,17 +81,8 @@ Outcome PrivateFolder::openBelow(int parent, const char *name)
 
 Outcome PrivateFolder::create(const QByteArray &name, const QByteArray &bytes, mode_t mode) const
 {
-    constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-    const int file = ::openat(m_descriptor, name.constData(), flags, mode);
-    if (file < 0)
-        return failure(qt_error_string(errno));
-    const bool isWritten = writeAll(file, bytes) && ::fchmod(file, mode) == 0;
-    const int error = isWritten ? 0 : errno;
-    if (::close(file) == 0 && isWritten) // some file systems tell only then
-        return Outcome::done();
-    Outcome outcome = failure(qt_error_string(error != 0 ? error : errno));
-    ::unlinkat(m_descriptor, name.constData(), 0);
-    return outcome;
+    const int error = createFile(m_descriptor, name, bytes, mode);
+    return error == 0 ? Outcome::done() : failure(qt_error_string(error));
 }
 
 Outcome PrivateFolder::failure(const QString &why) const

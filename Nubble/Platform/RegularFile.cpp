@@ -28,10 +28,11 @@ RegularFile::~RegularFile()
         ::close(m_descriptor);
 }
 
-std::optional<RegularFile> RegularFile::open(const char *name, int folder)
+std::optional<RegularFile> RegularFile::open(const char *name, int folder, Links links)
 {
     // Without O_NONBLOCK, opening a FIFO waits for its writer.
-    const int descriptor = ::openat(folder, name, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    constexpr int flags = O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY;
+    const int descriptor = ::openat(folder, name, links == Links::Refused ? flags | O_NOFOLLOW : flags);
     if (descriptor < 0)
         return std::nullopt;
     struct stat info { };

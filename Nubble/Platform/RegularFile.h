@@ -27,8 +27,11 @@ struct FileStamp {
 // opened. Reads are bounded by the caller. Every failure is an absent value. Any thread.
 class RegularFile {
 public:
+    enum class Links { Followed, Refused };
+
     // `name` is taken relative to the open folder `folder` unless it is absolute.
-    [[nodiscard]] static std::optional<RegularFile> open(const char *name, int folder);
+    [[nodiscard]] static std::optional<RegularFile> open(
+        const char *name, int folder, Links links = Links::Followed);
     [[nodiscard]] static std::optional<RegularFile> open(const QString &path);
 
     // One look at the file's attributes, without opening it.

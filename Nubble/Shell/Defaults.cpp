@@ -1,38 +1,42 @@
 #include "Shell/Defaults.h"
 
-#include <QFileInfo>
+#include <QLocale>
 
+#include <chrono>
 #include <cmath>
 
 #include "Platform/Logging.h"
-#include "Platform/RegularFile.h"
+#include "Shell/IniText.h"
 
-using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace nubble {
 
 namespace {
 
-// QSettings would wait for a FIFO, read a device without an end, and make objects of serialised ones.
-bool isFitForSettings(const QString &file)
+// Serialised objects belong to some other program.
+std::optional<DefaultsFile::Content> contentOf(const DefaultsFile &file)
 {
-    constexpr qint64 enough = 1'000'000;
-    if (!QFileInfo::exists(file))
-        return true;
-    const auto opened = RegularFile::open(file);
-    const auto bytes = opened && opened->size() <= enough ? opened->read(0, enough) : std::nullopt;
-    const bool isFit = bytes && !bytes->contains("@Variant(") && !bytes->contains("@DateTime(");
-    if (!isFit)
-        qCDebug(logShell) << file << "is left alone: unreadable, too large, or with serialised objects";
-    return isFit;
+    auto content = file.read();
+    if (content && !IniText::holdsObjects(content->bytes))
+        return content;
+    qCDebug(logShell) << file.name() << "is left alone: unreadable, too large, or with serialised objects";
+    return std::nullopt;
 }
 
 } // namespace
 
-// Nothing can be read from or written to a file "in" /dev/null.
-Defaults::Defaults(const QString &file)
-    : m_settings(isFitForSettings(file) ? file : u"/dev/null"_s + file, QSettings::IniFormat)
+Defaults::Defaults(const QString &file) : m_file(file)
 {
+    if (const auto content = contentOf(m_file))
+        m_values = IniText::valuesIn(content->bytes);
+    m_writing.setSingleShot(true);
+    m_writing.callOnTimeout([this] { synchronize(); });
+}
+
+Defaults::~Defaults()
+{
+    synchronize();
 }
 
 QString Defaults::fileOf(const QString &domain, const QString &configFolder)
@@ -42,17 +46,13 @@ QString Defaults::fileOf(const QString &domain, const QString &configFolder)
 
 bool Defaults::contains(const QString &key) const
 {
-    return m_settings.contains(key);
+    return m_values.contains(IniText::keyOf(key));
 }
 
 std::optional<QString> Defaults::string(const QString &key) const
 {
-    const QVariant value = m_settings.value(key);
-    if (value.metaType().id() == QMetaType::QString)
-        return value.toString();
-    return value.metaType().id() == QMetaType::Bool || value.metaType().id() == QMetaType::Double
-        ? std::optional(value.toString()) // set during this run: not yet the text that the file holds
-        : std::nullopt;
+    const auto value = m_values.constFind(IniText::keyOf(key));
+    return value == m_values.cend() ? std::nullopt : IniText::textOf(*value);
 }
 
 std::optional<double> Defaults::number(const QString &key) const
@@ -72,27 +72,65 @@ std::optional<bool> Defaults::boolean(const QString &key) const
 
 void Defaults::set(const QString &key, const QString &value)
 {
-    m_settings.setValue(key, value);
+    put(IniText::keyOf(key), IniText::valueOf(value));
 }
 
 void Defaults::set(const QString &key, double value)
 {
-    m_settings.setValue(key, value);
+    put(IniText::keyOf(key), QByteArray::number(value, 'g', QLocale::FloatingPointShortest));
 }
 
 void Defaults::set(const QString &key, bool value)
 {
-    m_settings.setValue(key, value);
+    put(IniText::keyOf(key), value ? "true" : "false");
 }
 
 void Defaults::copy(const QString &key, const Defaults &from)
 {
-    m_settings.setValue(key, from.m_settings.value(key));
+    const QByteArray name = IniText::keyOf(key);
+    put(name, from.m_values.value(name));
+}
+
+void Defaults::put(const QByteArray &key, const QByteArray &value)
+{
+    if (const auto known = m_values.constFind(key); known != m_values.cend() && *known == value)
+        return;
+    m_values.insert(key, value);
+    m_pending.insert(key, value);
+    writeSoon();
+}
+
+void Defaults::writeSoon()
+{
+    constexpr auto soon = 200ms;
+    if (!m_held && !m_pending.isEmpty() && !m_writing.isActive())
+        m_writing.start(soon);
+}
+
+void Defaults::setHeld(bool held)
+{
+    m_held = held;
+    if (held)
+        m_writing.stop();
+    else
+        writeSoon();
 }
 
 void Defaults::synchronize()
 {
-    m_settings.sync();
+    m_writing.stop();
+    if (m_pending.isEmpty())
+        return;
+    const auto content = contentOf(m_file);
+    if (!content)
+        return;
+    DefaultsFile::Content changed = *content;
+    for (auto value = m_pending.cbegin(); value != m_pending.cend(); ++value)
+        changed.bytes = IniText::withValue(changed.bytes, value.key(), value.value());
+    if (changed.bytes != content->bytes && !m_file.replace(changed))
+        return;
+    m_values = IniText::valuesIn(changed.bytes);
+    m_pending.clear();
 }
 
 } // namespace nubble

@@ -235,12 +235,17 @@ class Desktop:
     def click(self, x, y, button=1):
         self.drag((x, y), (x, y), button, steps=0)
 
-    def drag(self, start, to, button=1, steps=10):
+    @contextlib.contextmanager
+    def button_held(self, start, button=1):
         self.move_pointer(*start)
         self._fake(X.ButtonPress, button)
-        for step in range(1, steps + 1):
-            self.move_pointer(*(a + (b - a) * step / steps for a, b in zip(start, to)))
+        yield
         self._fake(X.ButtonRelease, button)
+
+    def drag(self, start, to, button=1, steps=10):
+        with self.button_held(start, button):
+            for step in range(1, steps + 1):
+                self.move_pointer(*(a + (b - a) * step / steps for a, b in zip(start, to)))
 
     def key(self, *names):
         """The last key, while the ones before it are held."""

@@ -32,6 +32,9 @@ class TheProgram(DesktopTest):
         self.assertEqual((answer.returncode, answer.stdout), (status, ""))
         self.assertRegex(answer.stderr, rf"\Anubble: [^\n]*{why}[^\n]*\n\Z")
 
+    def descriptors(self, pid):
+        return {os.readlink(f"/proc/{pid}/fd/{each}") for each in range(3)}
+
     def test_is_reached_by_each_command_and_by_another_start_and_tells_why_an_add_on_refuses(self):
         self.program.start()
         for command, visible in [
@@ -49,7 +52,10 @@ class TheProgram(DesktopTest):
             self.check_fails(self.program.run("ask", *words), "is off")
 
     def test_restarts_and_ends(self):
-        self.program.start()
+        closing = ["sh", "-c", 'exec "$@" <&- >&- 2>&-', "sh", PROGRAM, *self.program.home]
+        self.program.process = subprocess.Popen(closing, env=self.desktop.env)
+        eventually(self.program.is_running, "the program answers")
+        self.assertEqual(self.descriptors(self.program.process.pid), {"/dev/null"})
         self.check("hide")
         self.check("restart")
         self.assertEqual(self.program.wait(), DONE)
@@ -68,10 +74,16 @@ class TheProgram(DesktopTest):
 
     def test_is_the_only_one_without_a_bus_too(self):
         env = self.desktop.env | {"DBUS_SESSION_BUS_ADDRESS": ""}
-        self.program.process = subprocess.Popen([PROGRAM, *self.program.home], stdin=subprocess.DEVNULL, env=env)
-        eventually(self.desktop.nubble_windows, "its panel is there")
-        self.check_fails(self.program.run(env=env), "Nubble runs already")
-        self.assertEqual(self.program.instances(), [self.program.process.pid])
+        lock = self.home.path / ".config/com.brevandel.nubble.lock"
+        for make in (lambda: None, lambda: lock.write_bytes(b"\xff\n" * 99), lock.mkdir, lambda: os.mkfifo(lock)):
+            make()
+            self.program.process = subprocess.Popen([PROGRAM, *self.program.home], stdin=subprocess.DEVNULL, env=env)
+            eventually(self.desktop.nubble_windows, "its panel is there")
+            if lock.is_file():
+                self.check_fails(self.program.run(env=env), "Nubble runs already")
+                self.assertEqual(self.program.instances(), [self.program.process.pid])
+            self.assertEqual(self.program.quit(), DONE)
+            lock.rmdir() if lock.is_dir() else lock.unlink()
 
     def test_answers_while_other_programs_flood_it_with_requests(self):
         self.home.preferences(addon_ask="true")
@@ -119,6 +131,11 @@ class TheProgram(DesktopTest):
         self.assertEqual([each["word"] for each in report["sessions"]], ["waiting"])
         self.assertIn("Rake the leaves", run("status").stdout)
         self.check_fails(run(), "display")
+        with open("/dev/full", "wb") as full:
+            for command in (["--help"], ["--version"], ["status"]):
+                answer = subprocess.run(
+                    [PROGRAM, *self.program.home, *command], stdout=full, stderr=subprocess.PIPE, check=False)
+                self.assertEqual((answer.returncode, answer.stderr.count(b"\n")), (FAILED, 1))
         for missing in ("DISPLAY", "DBUS_SESSION_BUS_ADDRESS"):
             env = self.desktop.env | {missing: ""}
             del env["QT_QPA_PLATFORM"]
@@ -131,7 +148,7 @@ class TheProgram(DesktopTest):
             self.home.preferences(placement_visible=before)
             self.check(command)  # which ends only when nobody holds the other ends of its pipes
             [pid] = self.program.instances()
-            self.assertEqual({os.readlink(f"/proc/{pid}/fd/{each}") for each in range(3)}, {"/dev/null"})
+            self.assertEqual(self.descriptors(pid), {"/dev/null"})
             self.assertEqual(os.getsid(pid), os.getpgid(pid))
             self.assertNotEqual(os.getsid(pid), os.getsid(0))
             self.program.until_panel(visible=True, mode=mode)

@@ -2,6 +2,7 @@
 
 import os
 import random
+import resource
 from functools import partial
 
 from desktop import SCREEN, eventually
@@ -50,6 +51,36 @@ class Preferences(DesktopTest):
             self.assertLessEqual(MIDDLE.items(), self.program.panel().items())
             self.quit(errors)
             self.file.rmdir() if self.file.is_dir() else self.file.unlink()
+
+    def test_that_are_swapped_while_it_runs_are_left_alone_and_hold_nothing_up(self):
+        def huge():
+            with self.file.open("wb") as file:
+                file.truncate(2 << 30)
+
+        victim = self.home.path / "victim"
+        victim.write_text("kept")
+        for swap in (partial(os.mkfifo, self.file), partial(self.file.symlink_to, victim), huge):
+            errors = self.start()
+            swap()
+            self.program.run("hide")
+            self.until_body_is_seen(False)
+            self.quit(errors)
+            self.file.unlink()
+        self.assertEqual(victim.read_text(), "kept")
+        self.assertLess(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss, 1 << 20)  # in KiB
+
+    def test_are_written_when_a_drag_has_ended_whatever_looks_like_a_lock(self):
+        (self.folder / f"{self.file.name}.lock").mkdir()
+        errors = self.start()
+        edges = [("left", (3, 300)), ("top", (500, 3)), ("bottom", (500, SCREEN[1] - 3))]
+        with self.desktop.button_held(self.program.ring()):
+            for edge, at in edges * 8:
+                self.desktop.move_pointer(*at)
+                self.program.until_panel(edge=edge)
+            self.assertFalse(self.file.exists())
+        eventually(self.file.exists, "they are written")
+        self.assertIn("placement.edge=bottom", self.file.read_text())
+        self.quit(errors)
 
     def test_that_cannot_be_written_last_until_the_program_ends(self):
         def no_folder():

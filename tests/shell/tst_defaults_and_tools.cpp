@@ -1,4 +1,7 @@
+#include <QSettings>
 #include <QTest>
+
+#include <sys/stat.h>
 
 #include "Shell/Addon.h"
 #include "Shell/Defaults.h"
@@ -51,6 +54,106 @@ private Q_SLOTS:
             QCOMPARE(defaults->number(u"some.length"_s), 1000.0 / 119.0);
             QCOMPARE(defaults->string(u"some.text"_s), text);
         }
+    }
+
+    void filesAreThoseOfQSettings()
+    {
+        const QString texts[]{
+            u""_s,
+            u" both ends "_s,
+            u"a;b,c=d\"e\\"_s,
+            u"@home"_s,
+            u"@Size(1 2)"_s,
+            u"line\r\n\t\a\x1b"_s,
+            u"\x1b"
+            "Fix \x01ü \x02🌳e"_s,
+            u"zażółć\u00a0\x7f"_s,
+            u"\ufeff,"_s,
+            u"~/[x] %41 #"_s};
+        for (const QString &text : texts) {
+            init();
+            const QString key = u"a key.ä€+_-9"_s;
+            QSettings theirs(m_home->path(u"theirs.conf"_s), QSettings::IniFormat);
+            theirs.setValue(key, text);
+            theirs.sync();
+            QCOMPARE(Defaults(theirs.fileName()).string(key), text);
+            Defaults(m_home->path(u"ours.conf"_s)).set(key, text);
+            QCOMPARE(m_home->read(u"ours.conf"_s), m_home->read(u"theirs.conf"_s));
+        }
+    }
+
+    void onlyWhatWasSetIsChangedInTheFileAsItIsByThen()
+    {
+        using Row = std::pair<QByteArray, QByteArray>;
+        for (const auto &[before, after] :
+             {Row{"", "[General]\na.key=new\n"}, Row{"a.key=old", "a.key=new"},
+              Row{"; mine\r\n[general]\r\na.key = \"o;ld\" ; why\r\n",
+                  "; mine\r\n[general]\r\na.key = new ; why\r\n"},
+              Row{"[General]\na.key=1\na.key=2\nA.key=3", "[General]\na.key=1\na.key=new\nA.key=3"},
+              Row{"[General]\nb=1, 2\n\n;a.key=\n[x]\na.key=old\n",
+                  "[General]\nb=1, 2\na.key=new\n\n;a.key=\n[x]\na.key=old\n"},
+              Row{"[x]\nb=@Point(1 2)\nrub\xffish",
+                  "[x]\nb=@Point(1 2)\nrub\xffish\n[General]\na.key=new\n"}}) {
+            init();
+            Defaults defaults(file());
+            defaults.set(u"a.key"_s, u"new"_s);
+            m_home->write(u".config/com.brevandel.nubble.conf"_s, before);
+            defaults.synchronize();
+            QCOMPARE(m_home->read(u".config/com.brevandel.nubble.conf"_s), after);
+        }
+    }
+
+    // A link from the start is followed. One that is put there later is left alone, as is all that is no such
+    // file.
+    void whatIsPutInThePlaceOfTheFileIsNeitherWrittenThroughNorReplaced()
+    {
+        const QByteArray path = QFile::encodeName(file());
+        const QByteArray kept("[General]\na.key=kept\n");
+        const QString target = m_home->write(u"dotfiles/conf"_s, kept);
+        m_home->write(u".config/x"_s, {});
+        QVERIFY(QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner | QFile::WriteGroup));
+        const std::function<void()> places[]{
+            [&] { QVERIFY(QFile::link(target, file())); },
+            [&] { QCOMPARE(::mkfifo(path.constData(), 0600), 0); },
+            [&] { QVERIFY(QDir().mkdir(file())); },
+            [&] { written("b=@Variant(\\0)"); },
+            [&] { written(QByteArray(1'000'000, 'x')); },
+            [&] { QVERIFY(QFile::setPermissions(written("c=d"), QFile::ReadOwner)); }};
+        for (const auto &put : places) {
+            Defaults defaults(file());
+            put();
+            const QDateTime before = QFileInfo(file()).lastModified();
+            defaults.set(u"a.key"_s, u"new"_s);
+            defaults.synchronize();
+            QCOMPARE(QFileInfo(file()).lastModified(), before);
+            QCOMPARE(m_home->read(u"dotfiles/conf"_s), kept);
+            QCOMPARE(defaults.string(u"a.key"_s), u"new"_s);
+            QCOMPARE(::remove(path.constData()), 0);
+            defaults.synchronize(); // it is tried again
+            QVERIFY(QFile::remove(file()));
+        }
+        QVERIFY(QFile::link(target, file()));
+        Defaults(file()).set(u"a.key"_s, u"new"_s);
+        QVERIFY(QFileInfo(file()).isSymLink());
+        QCOMPARE(m_home->read(u"dotfiles/conf"_s), "[General]\na.key=new\n");
+        QVERIFY(QFileInfo(target).permission(QFile::WriteGroup));
+        QCOMPARE(QDir(m_home->path(u"dotfiles"_s)).entryList(QDir::Files | QDir::Hidden), {u"conf"_s});
+    }
+
+    void changesAreWrittenTogetherAndNotWhileTheyAreHeld()
+    {
+        Defaults defaults(file());
+        Defaults others(m_home->path(u"others.conf"_s));
+        defaults.set(u"a"_s, true);
+        defaults.setHeld(true);
+        defaults.set(u"b"_s, 1.0);
+        others.set(u"a"_s, true);
+        QTRY_VERIFY(QFile::exists(m_home->path(u"others.conf"_s)));
+        QVERIFY(!QFile::exists(file()));
+        defaults.setHeld(false);
+        defaults.set(u"b"_s, 2.0);
+        QVERIFY(!QFile::exists(file()));
+        QTRY_COMPARE(m_home->read(u".config/com.brevandel.nubble.conf"_s), "[General]\na=true\nb=2\n");
     }
 
     void withoutAnOldPlacementNothingIsMigratedUntilThereIsOne()
