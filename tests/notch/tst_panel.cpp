@@ -205,6 +205,21 @@ private Q_SLOTS:
         }
     }
 
+    void itBeginsWhereABarAboveAllWindowsEnds()
+    {
+        PanelWorld world;
+        PanelUnderTest panel(world);
+        panel.surface->bars = {1, 2, 4, 8}; // from the left on
+        Q_EMIT panel.surface->barsChanged();
+        const QRectF screen = *world.mainScreen.frame();
+        constexpr QPoint beside[]{{-4, 0}, {1, 0}, {0, 2}, {0, -8}};
+        for (const NotchEdge edge : allEdges) {
+            world.placement.moveToEdge(edge, screen);
+            const QRect expected = world.geometry().frame.translated(beside[static_cast<int>(edge)]);
+            QCOMPARE(panel.surface->last.frame, expected);
+        }
+    }
+
     void theSurfaceTakesTheKeyboardOnRequestOnlyAndShowsToolTipsAndMenus()
     {
         PanelWorld world;

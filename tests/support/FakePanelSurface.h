@@ -23,6 +23,7 @@ public:
     void setActiveRects(const QList<QRectF> &rects) override { activeRects = rects; }
     [[nodiscard]] bool isTranslucent() const override { return true; }
     void setOutline(const QPainterPath &path) override { outline = path; }
+    [[nodiscard]] QMargins barsAbove() const override { return bars; }
     [[nodiscard]] bool passesClicksThrough() const override { return passesClicks; }
     [[nodiscard]] bool takeKeyboard() override
     {
@@ -47,6 +48,7 @@ public:
     bool hasKeyboard = false;
     bool givesKeyboard = true;
     bool passesClicks = true;
+    QMargins bars;
     QPointF mouseOffset; // of where it says that mouse events have happened
     QStringList log;     // moves, menus and tool tips
 };

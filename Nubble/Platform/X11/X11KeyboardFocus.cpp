@@ -94,7 +94,9 @@ void X11KeyboardFocus::takeBack(xcb_window_t window)
     if (borrower == XCB_WINDOW_NONE || focusedWindow() != window)
         return;
     const xcb_window_t active = activeWindow();
-    const auto focusActive = [&] { return active != XCB_WINDOW_NONE && focus(active); };
+    const auto focusActive = [&] {
+        return active > XCB_INPUT_FOCUS_POINTER_ROOT && active != window && focus(active);
+    };
     if ((active == m_lastActive || !focusActive()) && !focus(m_previous) && !focusActive())
         (void)focus(XCB_INPUT_FOCUS_POINTER_ROOT);
 }
