@@ -15,6 +15,27 @@ namespace {
 
 constexpr std::chrono::milliseconds transitionsLength{250}; // of a card that closes, and a little more
 
+// The screen without the bar on that edge.
+QRectF besideBars(NotchEdge edge, const QRectF &screen, const QMarginsF &bars)
+{
+    QMarginsF own;
+    switch (edge) {
+    case NotchEdge::Right:
+        own.setRight(bars.right());
+        break;
+    case NotchEdge::Left:
+        own.setLeft(bars.left());
+        break;
+    case NotchEdge::Top:
+        own.setTop(bars.top());
+        break;
+    case NotchEdge::Bottom:
+        own.setBottom(bars.bottom());
+        break;
+    }
+    return screen.marginsRemoved(own);
+}
+
 } // namespace
 
 PanelWindow::PanelWindow(
@@ -39,6 +60,7 @@ PanelWindow::~PanelWindow() = default;
 void PanelWindow::followSurface()
 {
     connect(m_surface.get(), &PanelSurface::translucencyChanged, this, &PanelWindow::updateTranslucency);
+    connect(m_surface.get(), &PanelSurface::barsChanged, this, &PanelWindow::applyPlacement);
     connect(m_surface.get(), &PanelSurface::closed, this, &PanelWindow::applyPlacement);
     connect(m_view.get(), &NotchView::outlineChanged, this, [this] {
         fit();
@@ -78,7 +100,8 @@ void PanelWindow::applyPlacement()
         return;
     const NotchPlacement &placement = m_context.placement;
     m_whole = panelGeometry(
-        m_context.layout, placement.edge(), placement.clamp(placement.offset(), *screen), *screen);
+        m_context.layout, placement.edge(), placement.clamp(placement.offset(), *screen),
+        besideBars(placement.edge(), *screen, m_surface->barsAbove()));
     if (!m_surface->passesClicksThrough())
         m_view->setGeometryOnScreen(*m_whole); // it then knows what it shows there
     layOut(m_surface->passesClicksThrough() ? *m_whole : m_whole->cutTo(m_view->shownOnScreen()));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMargins>
 #include <QObject>
 #include <QPainterPath>
 #include <QRect>
@@ -13,7 +14,7 @@ namespace nubble {
 // Where the panel's window belongs.
 struct SurfacePlace {
     QRect frame;                   // in screen coordinates, whatever docks reserve there
-    Qt::Edge edge = Qt::RightEdge; // of the screen, which the frame touches
+    Qt::Edge edge = Qt::RightEdge; // of the screen, which the frame touches, or a bar that lies above it
     int offset = 0;                // of the frame's start from the start of that edge, its left or upper end
 
     bool operator==(const SurfacePlace &) const = default;
@@ -42,6 +43,9 @@ public:
     // Whether they do. If not, the window should be no larger than what it shows.
     [[nodiscard]] virtual bool passesClicksThrough() const { return true; }
 
+    // How far bars that lie above every window reach into the primary screen from its edges.
+    [[nodiscard]] virtual QMargins barsAbove() const { return {}; }
+
     // Whether translucent pixels show what is below. Without that the window is cut to its outline, and has to
     // be painted opaque.
     [[nodiscard]] virtual bool isTranslucent() const = 0;
@@ -65,6 +69,7 @@ public:
 
 Q_SIGNALS:
     void translucencyChanged();
+    void barsChanged();
     void closed(); // by the desktop, such as with its screen; placing it again brings it back
 
 protected:

@@ -33,8 +33,12 @@ class TheKeyboard(TerminalTest):
             nubble.until_panel(visible=False)
             self.assertEqual(self.desktop.focused(), self.terminal)
 
-    def test_is_left_to_what_was_activated_meanwhile(self):
+    def test_is_taken_from_nobody_given_back_and_left_to_what_was_activated_meanwhile(self):
         nubble = self.start_nubble()
+        self.assertEqual(self.desktop.focused(), self.other)
+        self.open_for_keyboard(nubble)
+        self.desktop.key("Escape")
+        self.until_focused(self.other)
         self.open_for_keyboard(nubble)
         self.activate(self.terminal)
         self.until_focused(self.terminal)

@@ -22,6 +22,7 @@ public:
     void orderOut() override { window().hide(); }
     [[nodiscard]] bool isTranslucent() const override { return true; }
     void setOutline(const QPainterPath &path) override { outline = path; }
+    [[nodiscard]] QMargins barsAbove() const override { return bars; }
     [[nodiscard]] bool passesClicksThrough() const override { return passesClicks; }
     [[nodiscard]] bool takeKeyboard() override
     {
@@ -45,6 +46,7 @@ public:
     bool hasKeyboard = false;
     bool givesKeyboard = true;
     bool passesClicks = true;
+    QMargins bars;
     QPointF mouseOffset; // of where it says that mouse events have happened
     QStringList log;     // moves, menus and tool tips
 };

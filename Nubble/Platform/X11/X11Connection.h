@@ -25,6 +25,7 @@ enum class X11Atom {
     NetCurrentDesktop,
     NetRestackWindow,
     NetSupported,
+    NetSupportingWmCheck,
     NetWmDesktop,
     NetWmName,
     NetWmPid,
@@ -38,6 +39,7 @@ enum class X11Atom {
     NetWmWindowTypeDialog,
     NetWmWindowTypeNormal,
     NetSystemTrayColors,
+    GtkWorkAreas,
     Time,               // ours, on which nothing is written
     CompositingManager, // the selection that one owns on this screen
     SystemTray,         // likewise

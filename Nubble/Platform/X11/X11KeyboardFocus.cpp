@@ -56,7 +56,6 @@ bool X11KeyboardFocus::lend(xcb_window_t window)
     if (const xcb_window_t before = focusedWindow(); before != window) {
         m_borrower = window;
         m_previous = before;
-        m_lastActive = activeWindow();
         if (!focus(window))
             return false;
     }
@@ -94,8 +93,7 @@ void X11KeyboardFocus::takeBack(xcb_window_t window)
     if (borrower == XCB_WINDOW_NONE || focusedWindow() != window)
         return;
     const xcb_window_t active = activeWindow();
-    const auto focusActive = [&] { return active != XCB_WINDOW_NONE && focus(active); };
-    if ((active == m_lastActive || !focusActive()) && !focus(m_previous) && !focusActive())
+    if (!focus(m_previous) && (active == XCB_WINDOW_NONE || !focus(active)))
         (void)focus(XCB_INPUT_FOCUS_POINTER_ROOT);
 }
 

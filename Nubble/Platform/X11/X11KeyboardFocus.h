@@ -21,8 +21,8 @@ public:
     // screen.
     void handOn(xcb_window_t window);
 
-    // Back to where it was before, unless another window has been activated or is about to be, when `window`
-    // still has it; where that window has gone, to the active one.
+    // Back to where it was before when `window` still has it, unless it is about to be handed on; where that
+    // window has gone, to the active one.
     void takeBack(xcb_window_t window);
 
 private:
@@ -32,10 +32,9 @@ private:
     [[nodiscard]] bool getsKeys(xcb_window_t window) const;
 
     std::shared_ptr<const X11Connection> m_x11;
-    QTimer m_handingOn;                          // runs while an activation may still be under way
-    xcb_window_t m_borrower = XCB_WINDOW_NONE;   // none: nobody
-    xcb_window_t m_previous = XCB_WINDOW_NONE;   // what the borrower gives it back to
-    xcb_window_t m_lastActive = XCB_WINDOW_NONE; // when the keyboard was lent
+    QTimer m_handingOn;                        // runs while an activation may still be under way
+    xcb_window_t m_borrower = XCB_WINDOW_NONE; // none: nobody
+    xcb_window_t m_previous = XCB_WINDOW_NONE; // what the borrower gives it back to
 };
 
 } // namespace nubble

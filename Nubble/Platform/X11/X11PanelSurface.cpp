@@ -17,7 +17,7 @@ namespace nubble {
 X11PanelSurface::X11PanelSurface(
     QWidget &window, std::shared_ptr<const X11Connection> x11, std::shared_ptr<X11KeyboardFocus> keyboard)
     : PanelSurface(window), m_x11(std::move(x11)), m_compositor(m_x11, X11Atom::CompositingManager),
-      m_keyboard(std::move(keyboard))
+      m_bars(m_x11), m_keyboard(std::move(keyboard))
 {
     // All flags once and for ever: changing one later makes another native window.
     window.setWindowFlags(
@@ -27,6 +27,7 @@ X11PanelSurface::X11PanelSurface(
     window.setAttribute(Qt::WA_ShowWithoutActivating);
     window.setAttribute(Qt::WA_AlwaysShowToolTips);
     window.installEventFilter(this);
+    connect(&m_bars, &X11ShellBars::changed, this, &PanelSurface::barsChanged);
     connect(&m_compositor, &X11SelectionWatch::changed, this, [this] {
         applyOutline();
         m_x11->flush();

@@ -4,6 +4,7 @@
 
 #include "Platform/PanelSurface.h"
 #include "Platform/X11/X11SelectionWatch.h"
+#include "Platform/X11/X11ShellBars.h"
 
 namespace nubble {
 
@@ -26,6 +27,7 @@ public:
     void orderOut() override;
     [[nodiscard]] bool passesClicksThrough() const override;
     [[nodiscard]] bool isTranslucent() const override { return m_compositor.isOwned(); }
+    [[nodiscard]] QMargins barsAbove() const override { return m_bars.reach(); }
     void setOutline(const QPainterPath &outline) override;
     [[nodiscard]] bool takeKeyboard() override;
     void releaseKeyboard() override;
@@ -40,6 +42,7 @@ private:
 
     std::shared_ptr<const X11Connection> m_x11;
     X11SelectionWatch m_compositor;
+    X11ShellBars m_bars;
     std::shared_ptr<X11KeyboardFocus> m_keyboard;
     QRect m_frame;
     QPainterPath m_outline;

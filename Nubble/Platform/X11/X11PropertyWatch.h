@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QAbstractNativeEventFilter>
+#include <QObject>
+
+#include <memory>
+#include <vector>
+#include <xcb/xcb.h>
+
+namespace nubble {
+
+class X11Connection;
+enum class X11Atom;
+
+// Tells of changes of the root window's properties, on which window managers publish their state. Qt has
+// already asked for those events. Main thread only.
+class X11PropertyWatch : public QObject, private QAbstractNativeEventFilter {
+    Q_OBJECT
+
+public:
+    X11PropertyWatch(std::shared_ptr<const X11Connection> x11, const std::vector<X11Atom> &properties);
+
+Q_SIGNALS:
+    void changed(); // any of them, perhaps to the same value
+
+private:
+    bool nativeEventFilter(const QByteArray &type, void *message, qintptr *result) override;
+
+    std::shared_ptr<const X11Connection> m_x11;
+    std::vector<xcb_atom_t> m_properties;
+};
+
+} // namespace nubble
