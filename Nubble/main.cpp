@@ -1,7 +1,6 @@
 #include <QApplication>
 #include <QLockFile>
 #include <QPalette>
-#include <QToolTip>
 
 #include <cstdio>
 #include <cstdlib>
@@ -44,7 +43,6 @@ bool isHeldElsewhere(QLockFile &lock)
 void setUpLook()
 {
     QApplication::setPalette(Palette::widgets());
-    QToolTip::setPalette(Palette::widgets());
     QApplication::setFont(Typography::menu(), "QMenu");
 }
 
@@ -71,6 +69,7 @@ int run(int argc, char *argv[], QByteArray platform, const CommandLine &line, co
     QApplication application(count, qtArguments.data());
     QApplication::setApplicationName(u"Nubble"_s); // desktops list the status item by it
     QApplication::setApplicationDisplayName(u"Nubble"_s);
+    QApplication::setDesktopFileName(u"com.brevandel.nubble"_s);
     setUpLook();
     QApplication::setQuitOnLastWindowClosed(false);
 

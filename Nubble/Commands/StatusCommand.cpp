@@ -64,7 +64,7 @@ int printStatus(const Home &home, const InstanceBus &bus, bool json)
     if (report.isEmpty())
         report = freshRead(home);
     const QByteArray text = json
-        ? QJsonDocument(report).toJson(QJsonDocument::Indented)
+        ? statusJson(report)
         : statusTable(report, terminalWidth(), QDateTime::currentDateTime()).toUtf8();
     const bool written = std::fwrite(text.constData(), 1, static_cast<size_t>(text.size()), stdout)
             == static_cast<size_t>(text.size())

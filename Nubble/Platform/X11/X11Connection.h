@@ -38,8 +38,10 @@ enum class X11Atom {
     NetWmWindowTypeDialog,
     NetWmWindowTypeNormal,
     NetSystemTrayColors,
+    Settings,
     CompositingManager, // the selection that one owns on this screen
-    SystemTray,         // likewise
+    SystemTray,         // likewise, and so is the next
+    SettingsManager,
     Count
 };
 
