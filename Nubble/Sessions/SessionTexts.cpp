@@ -17,7 +17,7 @@ QString lastPathComponent(const QString &path)
 
 bool isNamedByUser(const ClaudeSession &session)
 {
-    return !oneLine(session.name.value_or(QString())).isEmpty()
+    return !session.name.value_or(QString()).isEmpty()
         && session.nameSource.value_or(u"derived"_s) != "derived"_L1;
 }
 
@@ -25,7 +25,7 @@ bool isNamedByUser(const ClaudeSession &session)
 
 QString rowTitle(const ClaudeSession &session, const SessionDetail &detail)
 {
-    const QString name = oneLine(session.name.value_or(QString()));
+    const QString name = session.name.value_or(QString());
     if (detail.title && !isNamedByUser(session))
         return *detail.title;
     return name.isEmpty() ? oneLine(lastPathComponent(session.cwd)) : name;

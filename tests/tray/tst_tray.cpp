@@ -60,7 +60,7 @@ private Q_SLOTS:
 
     void withoutAColourItStandsOutFromLightAndDarkGround()
     {
-        const QStringList grounds{u"#ffffff"_s, u"#f0f0f0"_s, u"#838383"_s, u"#2e3436"_s, u"#000000"_s};
+        const QStringList grounds{u"#ffffff"_s, u"#f0f0f0"_s, u"#2e3436"_s, u"#000000"_s};
         for (const bool isVisible : {true, false}) {
             const QIcon icon = Mark::icon(std::nullopt, isVisible);
             for (const QString &ground : grounds) {
