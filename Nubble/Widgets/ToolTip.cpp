@@ -99,6 +99,10 @@ CardFrame ToolTip::frame() const
 void ToolTip::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QColor below = Palette::card; // other texts lie there, and do not shine through
+    below.setAlpha(255);
+    painter.fillPath(frame().outline, below);
     painter.drawPixmap(0, 0, frame().drawn(size(), devicePixelRatioF(), m_translucent));
     const QFont font = Typography::cardBody();
     painter.setFont(font);
