@@ -1,6 +1,5 @@
 #include <QApplication>
 #include <QPalette>
-#include <QToolTip>
 
 #include <chrono>
 #include <cstdio>
@@ -38,7 +37,6 @@ namespace {
 void setUpLook()
 {
     QApplication::setPalette(Palette::widgets());
-    QToolTip::setPalette(Palette::widgets());
     QApplication::setFont(Typography::menu(), "QMenu");
 }
 
@@ -65,6 +63,7 @@ int run(int argc, char *argv[], QByteArray platform, const CommandLine &line, co
     QApplication application(count, qtArguments.data());
     QApplication::setApplicationName(u"Nubble"_s); // desktops list the status item by it
     QApplication::setApplicationDisplayName(u"Nubble"_s);
+    QApplication::setDesktopFileName(u"com.brevandel.nubble"_s);
     setUpLook();
     QApplication::setQuitOnLastWindowClosed(false);
 

@@ -8,7 +8,6 @@
 #include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Symbols.h"
-#include "Widgets/ToolTip.h"
 #include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
@@ -92,8 +91,7 @@ void ScreenChip::show(const std::optional<ScreenContext> &screen, bool capturing
     m_jpeg = !capturing && screen ? screen->jpeg.value_or(QByteArray()) : QByteArray();
     m_remove->setVisible(!capturing);
     setAccessibleName(m_text);
-    // What stands in a title is no markup.
-    setToolTip(m_picture.isNull() ? toolTipOf(m_text) : QString());
+    setToolTip(m_picture.isNull() ? m_text : QString());
     setVisible(text.has_value());
     if (m_preview)
         m_preview->close();
@@ -124,10 +122,7 @@ void ScreenChip::paintEvent(QPaintEvent *)
     painter.setPen(Palette::textSecondary);
     const int left = padding + pictureSize.width() + 8;
     const int right = m_remove->isVisible() ? m_remove->x() - 6 : width() - 10;
-    const QRect line(left, 0, right - left, height());
-    painter.drawText(
-        line, Qt::AlignLeft | Qt::AlignVCenter,
-        painter.fontMetrics().elidedText(m_text, Qt::ElideRight, line.width()));
+    Typography::drawElided(painter, QRectF(left, 0, right - left, height()), m_text);
 }
 
 void ScreenChip::enterEvent(QEnterEvent *)

@@ -63,7 +63,7 @@ int printStatus(const Home &home, const InstanceBus &bus, bool json)
     if (report.isEmpty())
         report = freshRead(home);
     const QByteArray text = json
-        ? QJsonDocument(report).toJson(QJsonDocument::Indented)
+        ? statusJson(report)
         : statusTable(report, terminalWidth(), QDateTime::currentDateTime()).toUtf8();
     const int printed = print(text);
     return printed == ExitDone ? exitStatusOf(answer) : printed;

@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <QJsonArray>
+#include <QJsonDocument>
 
 #include <algorithm>
 #include <array>
@@ -58,9 +59,15 @@ QJsonValue windowReport(const std::optional<PlanWindow> &window)
 
 QString printable(const QJsonValue &value)
 {
-    QString text = value.toString();
-    text.removeIf([](QChar character) { return character.category() == QChar::Other_Control; });
-    return text;
+    return oneLine(value.toString());
+}
+
+// What would move, or hide, something else on a terminal.
+bool disturbsTerminals(QChar each)
+{
+    const bool isControl = each.category() == QChar::Other_Control && each != u'\n';
+    return isControl || isDirectionChange(each) || each == QChar::LineSeparator
+        || each == QChar::ParagraphSeparator;
 }
 
 QString fitted(const QString &text, qsizetype width)
@@ -230,7 +237,7 @@ void reportSearch(const ChatSearchWindow &window, QJsonObject &status)
             {u"open"_s, window.isOpen()},
             {u"results"_s, search.results().size()},
             {u"thread"_s, search.thread().has_value()},
-            {u"problem"_s, search.problem() ? QJsonValue(*search.problem()) : QJsonValue()},
+            {u"problem"_s, search.problem() ? QJsonValue(oneLine(*search.problem())) : QJsonValue()},
         });
 }
 
@@ -241,6 +248,15 @@ void reportHotKeys(const HotKeys &hotKeys, QJsonObject &status)
         keys.append(QJsonObject{
             {u"keys"_s, each.keys}, {u"action"_s, each.action}, {u"registered"_s, each.registered}});
     status.insert("hotKeys"_L1, keys);
+}
+
+QByteArray statusJson(const QJsonObject &report)
+{
+    const QString json = QString::fromUtf8(QJsonDocument(report).toJson(QJsonDocument::Indented));
+    QString safe;
+    for (const QChar each : json)
+        safe += disturbsTerminals(each) ? u"\\u%1"_s.arg(each.unicode(), 4, 16, QChar(u'0')) : QString(each);
+    return safe.toUtf8();
 }
 
 QString statusTable(const QJsonObject &report, qsizetype width, const QDateTime &now)

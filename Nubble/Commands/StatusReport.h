@@ -30,6 +30,9 @@ void reportNotes(const MeetingNotes &notes, QJsonObject &status);
 void reportReview(const QuenwickMonitor &quenwick, QJsonObject &status);
 void reportSearch(const ChatSearchWindow &window, QJsonObject &status);
 
+// As text. What a terminal would obey in it, and what turns the direction of others, is escaped.
+[[nodiscard]] QByteArray statusJson(const QJsonObject &report);
+
 // The same for people, `width` columns wide. Control characters, which a terminal would obey, are left out.
 [[nodiscard]] QString statusTable(const QJsonObject &report, qsizetype width, const QDateTime &now);
 

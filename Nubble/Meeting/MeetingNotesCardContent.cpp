@@ -18,7 +18,6 @@
 #include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Symbols.h"
-#include "Widgets/ToolTip.h"
 #include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
@@ -47,7 +46,7 @@ void showNote(QLabel &label, const QString &text, qsizetype longest = longestSta
 {
     const bool isCut = text.size() > longest;
     label.setText(CardMetrics::breakable(isCut ? text.first(longest - 1) + u'…' : text));
-    label.setToolTip(isCut ? toolTipOf(CardMetrics::breakable(text)) : QString());
+    label.setToolTip(isCut ? text : QString());
     label.setVisible(!text.isEmpty());
 }
 
@@ -133,8 +132,9 @@ void MeetingNotesCardContent::follow()
     const bool recording = state.phase == MeetingState::Phase::Recording;
     m_header->setDetail(phaseWord(state));
     const QString doc = docLabel(state);
-    m_doc->setText(m_doc->fontMetrics().elidedText(doc, Qt::ElideRight, CardMetrics::textWidth - 21));
-    m_doc->setToolTip(m_doc->text() == doc ? QString() : toolTipOf(doc));
+    m_doc->setText(m_doc->fontMetrics().elidedText(
+        doc, state.tabTitle ? Qt::ElideRight : Qt::ElideMiddle, CardMetrics::textWidth - 21));
+    m_doc->setToolTip(m_doc->text() == doc ? QString() : doc);
     m_doc->setAccessibleName(doc);
     m_openDoc->setVisible(isDocTabLink(state.link));
     m_pasteLink->setEnabled(state.phase == MeetingState::Phase::Idle);

@@ -1,13 +1,11 @@
 #include "Notch/PanelWindow.h"
 
-#include <QApplication>
-#include <QHelpEvent>
-
 #include <chrono>
 
 #include "Placement/MainScreen.h"
 #include "Placement/NotchPlacement.h"
 #include "Platform/PanelSurface.h"
+#include "Widgets/ToolTips.h"
 
 namespace nubble {
 
@@ -43,6 +41,8 @@ PanelWindow::PanelWindow(
     QObject *parent)
     : QObject(parent), m_context(context), m_view(std::make_unique<NotchView>(context, contents)),
       m_surface(makeSurface(*m_view)),
+      m_toolTips(new ToolTips(
+          *m_view, [this](QWidget &tip, const QRect &frame) { m_surface->showToolTip(tip, frame); })),
       m_drag([this](const QMouseEvent &event) { return m_surface->onScreen(event); })
 {
     followSurface();
@@ -50,8 +50,7 @@ PanelWindow::PanelWindow(
     connect(&context.state, &PanelState::modeChanged, this, &PanelWindow::followMode);
     connect(&context.placement, &NotchPlacement::changed, this, &PanelWindow::applyPlacement);
     connect(&context.mainScreen, &MainScreen::changed, this, &PanelWindow::applyPlacement);
-    qApp->installEventFilter(this);
-    m_view->setTranslucent(m_surface->isTranslucent());
+    updateTranslucency();
     applyPlacement();
 }
 
@@ -118,6 +117,7 @@ void PanelWindow::layOut(const PanelGeometry &geometry)
     m_surface->place({.frame = geometry.frame, .edge = qtEdge(geometry.edge), .offset = geometry.offset()});
     m_view->setGeometryOnScreen(geometry);
     m_drag.setHandle(geometry.body);
+    m_toolTips->keepFrom(qtEdge(geometry.edge));
 }
 
 // What closes may still be seen for a while.
@@ -141,6 +141,7 @@ void PanelWindow::followMode(PanelMode mode)
 void PanelWindow::updateTranslucency()
 {
     m_view->setTranslucent(m_surface->isTranslucent());
+    m_toolTips->setTranslucent(m_surface->isTranslucent());
     m_surface->setOutline(m_view->outline());
 }
 
@@ -163,19 +164,6 @@ bool PanelWindow::openForKeyboard(PanelMode mode)
 void PanelWindow::openMenu(QMenu &menu, const QPoint &position)
 {
     m_surface->openMenu(menu, position);
-}
-
-// By itself the toolkit would open tool tips as windows of their own.
-bool PanelWindow::eventFilter(QObject *watched, QEvent *event)
-{
-    if (event->type() != QEvent::ToolTip)
-        return false;
-    auto *control = qobject_cast<QWidget *>(watched);
-    if (!control || control->window() != m_view.get() || control->toolTip().isEmpty())
-        return false;
-    const QPoint position = control->mapTo(m_view.get(), static_cast<QHelpEvent *>(event)->pos());
-    m_surface->showToolTip(control->toolTip(), position, *control);
-    return true;
 }
 
 } // namespace nubble

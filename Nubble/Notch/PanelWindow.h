@@ -16,6 +16,7 @@ class QMenu;
 namespace nubble {
 
 class PanelSurface;
+class ToolTips;
 
 // The panel's window: keeps the view on the screen's edge, its shape and its click-through areas in step with
 // placement, mode and screen, and follows drags. Main thread only. Without a screen it does nothing until
@@ -38,9 +39,6 @@ public:
     [[nodiscard]] bool openForKeyboard(PanelMode mode); // the card, with the keyboard in it if that comes
     void openMenu(QMenu &menu, const QPoint &position); // a child of the view's; in window coordinates
 
-protected:
-    bool eventFilter(QObject *watched, QEvent *event) override;
-
 private:
     void followSurface();
     void followDrags();
@@ -52,6 +50,7 @@ private:
     NotchContext m_context;
     std::unique_ptr<NotchView> m_view;
     std::unique_ptr<PanelSurface> m_surface;
+    ToolTips *m_toolTips; // the view's
     DragGesture m_drag;
     std::optional<PanelGeometry> m_whole;    // with room for the tallest card
     std::optional<PanelGeometry> m_geometry; // the part of it that the window covers

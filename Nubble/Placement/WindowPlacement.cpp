@@ -36,7 +36,60 @@ QPoint placed(const QPointF &centre, const QSizeF &size, const QRectF &visible)
     return QPointF(left, top).toPoint();
 }
 
+Qt::Edge opposite(Qt::Edge side)
+{
+    switch (side) {
+    case Qt::LeftEdge:
+        return Qt::RightEdge;
+    case Qt::RightEdge:
+        return Qt::LeftEdge;
+    case Qt::TopEdge:
+        return Qt::BottomEdge;
+    case Qt::BottomEdge:
+        break;
+    }
+    return Qt::TopEdge;
+}
+
+QRect moved(QRect frame, const QRect &control, Qt::Edge side)
+{
+    frame.moveCenter(control.center());
+    switch (side) {
+    case Qt::LeftEdge:
+        frame.moveRight(control.left() - 1);
+        break;
+    case Qt::RightEdge:
+        frame.moveLeft(control.right() + 1);
+        break;
+    case Qt::TopEdge:
+        frame.moveBottom(control.top() - 1);
+        break;
+    case Qt::BottomEdge:
+        frame.moveTop(control.bottom() + 1);
+        break;
+    }
+    return frame;
+}
+
+QRect within(QRect frame, const QRect &screen)
+{
+    frame.moveLeft(std::max(std::min(frame.left(), screen.right() - frame.width() + 1), screen.left()));
+    frame.moveTop(std::max(std::min(frame.top(), screen.bottom() - frame.height() + 1), screen.top()));
+    return frame;
+}
+
 } // namespace
+
+QRect placeToolTip(const QRect &control, const QSize &size, const QRect &screen, Qt::Edge edge)
+{
+    for (const Qt::Edge each :
+         {opposite(edge), edge, Qt::BottomEdge, Qt::TopEdge, Qt::LeftEdge, Qt::RightEdge}) {
+        const QRect frame = within(moved({{}, size}, control, each), screen);
+        if (!frame.intersects(control))
+            return frame;
+    }
+    return within(moved({{}, size}, control, opposite(edge)), screen);
+}
 
 QPoint placeBeside(const std::optional<WindowAnchor> &anchor, const QSize &size, const QRectF &visible)
 {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPoint>
+#include <QRect>
 #include <QRectF>
 #include <QSize>
 
@@ -24,5 +25,10 @@ struct WindowAnchor {
 // That of a window in the upper part of the screen, in the middle from side to side; kept within what is
 // visible in the same way.
 [[nodiscard]] QPoint placeInUpperPart(const QSize &size, const QRectF &screen, const QRectF &visible);
+
+// Where a tool tip of that size stands: at the side of its control that is away from `edge`, or at another
+// one where there is no room, and within the screen. Over the control only where the screen has no room
+// beside it.
+[[nodiscard]] QRect placeToolTip(const QRect &control, const QSize &size, const QRect &screen, Qt::Edge edge);
 
 } // namespace nubble

@@ -8,6 +8,7 @@
 #include "Platform/Freedesktop/FreedesktopPreferences.h"
 #include "Platform/Freedesktop/SessionBusNotifications.h"
 #include "Platform/Freedesktop/StatusNotifierWatch.h"
+#include "Platform/Home.h"
 #include "Platform/Logging.h"
 #include "Platform/PlainFloatingSurface.h"
 #include "Platform/X11/X11Connection.h"
@@ -17,6 +18,7 @@
 #include "Platform/X11/X11MouseMonitor.h"
 #include "Platform/X11/X11PanelSurface.h"
 #include "Platform/X11/X11ScreenCapture.h"
+#include "Platform/X11/X11Settings.h"
 #include "Platform/X11/X11Tray.h"
 #include "Platform/X11/X11Workspace.h"
 
@@ -117,7 +119,8 @@ Backend makeBackend(const Home &home)
     const auto x11 = X11Connection::ofThisProgram(); // null on every other platform of Qt
     qCDebug(logPlatform) << "backend:" << (x11 ? "X11" : "a plain window");
     Backend backend = x11 ? makeX11Backend(x11) : makePlainBackend();
-    backend.preferences = std::make_unique<FreedesktopPreferences>(home);
+    backend.preferences = std::make_unique<FreedesktopPreferences>(
+        home.configFolder(), x11 ? std::make_unique<X11Settings>(x11) : nullptr);
     backend.statusHost = std::make_unique<DesktopStatusHost>(
         std::make_unique<StatusNotifierWatch>(), x11 ? std::make_unique<X11Tray>(x11) : nullptr);
     backend.notifications = std::make_unique<SessionBusNotifications>();

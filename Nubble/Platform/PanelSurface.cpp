@@ -2,7 +2,6 @@
 
 #include <QMenu>
 #include <QMouseEvent>
-#include <QToolTip>
 
 namespace nubble {
 
@@ -16,9 +15,10 @@ void PanelSurface::openMenu(QMenu &menu, const QPoint &position)
     menu.popup(m_window.mapToGlobal(position));
 }
 
-void PanelSurface::showToolTip(const QString &text, const QPoint &position, QWidget &control)
+void PanelSurface::showToolTip(QWidget &tip, const QRect &frame)
 {
-    QToolTip::showText(m_window.mapToGlobal(position), text, &control);
+    tip.setGeometry(frame.translated(m_window.mapToGlobal(QPoint())));
+    tip.show();
 }
 
 } // namespace nubble

@@ -62,10 +62,10 @@ public:
     // Where on the screen a mouse event of the window has happened, also while the window moves below it.
     [[nodiscard]] virtual QPointF onScreen(const QMouseEvent &event) const;
 
-    // Open at a place in window coordinates, as popups of the window. The menu belongs to the window or to a
-    // widget in it; `control` is what the tool tip is about.
+    // Open at a place in window coordinates, as popups of the window. Menu and tool tip belong to the window
+    // or to a widget in it.
     virtual void openMenu(QMenu &menu, const QPoint &position);
-    virtual void showToolTip(const QString &text, const QPoint &position, QWidget &control);
+    virtual void showToolTip(QWidget &tip, const QRect &frame);
 
 Q_SIGNALS:
     void translucencyChanged();

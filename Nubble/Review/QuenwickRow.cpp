@@ -213,8 +213,7 @@ void QuenwickRow::paintEvent(QPaintEvent *)
                 line.colour);
             indent = side + 5;
         }
-        painter.drawText(
-            area.adjusted(indent, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, line.text);
+        Typography::drawElided(painter, area.adjusted(indent, 0, 0, 0), line.text);
         area.translate(0, area.height());
     }
 }

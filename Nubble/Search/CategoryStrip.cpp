@@ -14,7 +14,6 @@
 #include "Search/ChatTexts.h"
 #include "Widgets/HoverLift.h"
 #include "Widgets/Palette.h"
-#include "Widgets/ToolTip.h"
 #include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
@@ -37,14 +36,15 @@ public:
         : QAbstractButton(parent), m_count(count > 0 ? QString::number(count) : QString()), m_hover(this)
     {
         const QFontMetrics metrics(Typography::cardBody());
-        setText(metrics.elidedText(name, Qt::ElideRight, widestName));
-        setToolTip(text() == name ? QString() : toolTipOf(name));
+        const int nameWidth = std::min(metrics.horizontalAdvance(name), widestName);
+        setText(name);
+        setToolTip(nameWidth == widestName ? name : QString());
         setAccessibleName(m_count.isEmpty() ? name : u"%1, %2"_s.arg(name, m_count));
         setCheckable(true);
         setFocusPolicy(Qt::TabFocus);
         setCursor(Qt::PointingHandCursor);
         const int countWidth = m_count.isEmpty() ? 0 : countGap + metrics.horizontalAdvance(m_count);
-        setFixedSize(metrics.horizontalAdvance(text()) + countWidth + 2 * chipPadding, chipHeight);
+        setFixedSize(nameWidth + countWidth + 2 * chipPadding, chipHeight);
     }
 
 protected:
@@ -65,8 +65,10 @@ protected:
         painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), chipHeight / 2.0, chipHeight / 2.0);
         painter.setFont(Typography::cardBody());
         const QRect inside = rect().adjusted(chipPadding, 0, -chipPadding, 0);
+        const int countWidth =
+            m_count.isEmpty() ? 0 : countGap + painter.fontMetrics().horizontalAdvance(m_count);
         painter.setPen(isChecked() ? Palette::textPrimary : Palette::textSecondary);
-        painter.drawText(inside, Qt::AlignLeft | Qt::AlignVCenter, text());
+        Typography::drawElided(painter, inside.adjusted(0, 0, -countWidth, 0), text());
         painter.setPen(Palette::textSecondary);
         painter.drawText(inside, Qt::AlignRight | Qt::AlignVCenter, m_count);
     }

@@ -4,13 +4,12 @@
 #include <QDateTime>
 #include <QHelpEvent>
 #include <QMouseEvent>
-#include <QToolTip>
 
 #include <algorithm>
 
 #include "Search/ChatTexts.h"
 #include "Widgets/SlimScrollBar.h"
-#include "Widgets/ToolTip.h"
+#include "Widgets/ToolTips.h"
 
 using namespace Qt::StringLiterals;
 
@@ -122,7 +121,7 @@ bool ResultList::viewportEvent(QEvent *event)
     if (event->type() != QEvent::ToolTip)
         return QListView::viewportEvent(event);
     const auto *help = static_cast<const QHelpEvent *>(event);
-    showToolTip(help->pos(), help->globalPos());
+    showToolTip(help->pos());
     return true;
 }
 
@@ -132,7 +131,7 @@ void ResultList::setPointer(const QPoint &pointer)
     viewport()->update();
 }
 
-void ResultList::showToolTip(const QPoint &point, const QPoint &onScreen)
+void ResultList::showToolTip(const QPoint &point)
 {
     const QModelIndex index = indexAt(point);
     if (!index.isValid())
@@ -141,7 +140,7 @@ void ResultList::showToolTip(const QPoint &point, const QPoint &onScreen)
     const QRect row = visualRect(index);
     const bool isOnButton = ChatRow::openButton(row).contains(point);
     const QString text = isOnButton ? openText(targetOf(hit)) + u"  Ctrl+Return"_s : titleText(hit.title);
-    QToolTip::showText(onScreen, toolTipOf(text), viewport(), row);
+    ToolTips::show(*viewport(), text, isOnButton ? ChatRow::openButton(row) : row);
 }
 
 } // namespace nubble

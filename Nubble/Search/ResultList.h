@@ -33,7 +33,7 @@ private:
     class Rows;
 
     void setPointer(const QPoint &pointer);
-    void showToolTip(const QPoint &point, const QPoint &onScreen);
+    void showToolTip(const QPoint &point);
 
     Rows *m_rows;
     ChatRow *m_row;

@@ -64,11 +64,11 @@ void ProjectRow::describe()
     const QString help = isEnabled() ? helpText() : QString();
     setAccessibleName(u"%1, %2, %3"_s.arg(m_content.title, rowWord(m_content.state), m_content.elapsed));
     setAccessibleDescription(joined({toolTipLine(m_content.lastPrompt), help}, u". "_s));
-    QStringList lines{m_content.title, m_content.lastPrompt, m_content.folder};
+    // The last prompt last: it is what may be cut off.
+    QStringList lines{help, m_content.title, m_content.folder, m_content.lastPrompt};
     for (QString &line : lines)
-        line = toolTipLine(line).toHtmlEscaped();
-    lines.prepend(help.isEmpty() ? help : u"<b>"_s + help + u"</b>"_s);
-    setToolTip(joined(lines, u"<br>"_s));
+        line = toolTipLine(line);
+    setToolTip(joined(lines, u"\n"_s));
 }
 
 QSize ProjectRow::sizeHint() const
@@ -119,7 +119,8 @@ void ProjectRow::drawTexts(QPainter &painter, const QRectF &area) const
     const bool oneLine = m_content.lastPrompt.isEmpty();
     painter.setFont(Typography::rowTitle());
     painter.setPen(Palette::textPrimary);
-    Typography::drawElided(painter, oneLine ? area : upper, m_content.title);
+    const auto elided = m_content.isTitleIdentifier ? Typography::Elided::Middle : Typography::Elided::End;
+    Typography::drawElided(painter, oneLine ? area : upper, m_content.title, elided);
     if (oneLine)
         return;
     painter.setFont(Typography::cardBody());

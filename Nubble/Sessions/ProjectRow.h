@@ -15,6 +15,7 @@ struct ProjectRowContent {
     QString elapsed;
     QString symbol;
     QString folder;
+    bool isTitleIdentifier = false;
 
     bool operator==(const ProjectRowContent &) const = default;
 };

@@ -140,6 +140,7 @@ void ProjectsCardContent::showRow(const ClaudeSession &session, int position)
         .elapsed = elapsedText(timePointOf(session.lastActivity()), m_clock.now()),
         .symbol = rowSymbol(session),
         .folder = session.cwd,
+        .isTitleIdentifier = isTitleIdentifier(session, detail),
     });
 }
 

@@ -6,6 +6,8 @@
 #include <cmath>
 #include <limits>
 
+#include "Shell/OneLine.h"
+
 namespace nubble {
 
 namespace {
@@ -75,6 +77,8 @@ std::optional<ClaudeSession> decodeSession(const QByteArray &json)
         .entrypoint = fields.text(QLatin1String("entrypoint")),
         .nameSource = fields.text(QLatin1String("nameSource")),
     };
+    if (session.name)
+        session.name = oneLine(*session.name);
     return fields.isValid() ? std::optional(std::move(session)) : std::nullopt;
 }
 

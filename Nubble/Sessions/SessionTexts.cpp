@@ -1,5 +1,7 @@
 #include "Sessions/SessionTexts.h"
 
+#include "Shell/OneLine.h"
+
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
@@ -13,17 +15,25 @@ QString lastPathComponent(const QString &path)
     return component.isEmpty() && path.startsWith(u'/') ? u"/"_s : component;
 }
 
+bool isNamedByUser(const ClaudeSession &session)
+{
+    return !session.name.value_or(QString()).isEmpty()
+        && session.nameSource.value_or(u"derived"_s) != "derived"_L1;
+}
+
 } // namespace
 
 QString rowTitle(const ClaudeSession &session, const SessionDetail &detail)
 {
     const QString name = session.name.value_or(QString());
-    const bool isDerived = session.nameSource.value_or(u"derived"_s) == "derived"_L1;
-    if (!name.isEmpty() && !isDerived)
-        return name;
-    if (detail.title)
+    if (detail.title && !isNamedByUser(session))
         return *detail.title;
-    return name.isEmpty() ? lastPathComponent(session.cwd) : name;
+    return name.isEmpty() ? oneLine(lastPathComponent(session.cwd)) : name;
+}
+
+bool isTitleIdentifier(const ClaudeSession &session, const SessionDetail &detail)
+{
+    return !detail.title && !isNamedByUser(session);
 }
 
 QString rowWord(RunState state)

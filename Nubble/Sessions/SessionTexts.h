@@ -10,7 +10,10 @@
 namespace nubble {
 
 // What the list of sessions says about one of them. Pure; any thread.
-[[nodiscard]] QString rowTitle(const ClaudeSession &session, const SessionDetail &detail);
+[[nodiscard]] QString rowTitle(const ClaudeSession &session, const SessionDetail &detail); // one line
+
+// Whether the title is a folder's name, or made of it, rather than something that was written.
+[[nodiscard]] bool isTitleIdentifier(const ClaudeSession &session, const SessionDetail &detail);
 [[nodiscard]] QString rowWord(RunState state);
 [[nodiscard]] QString rowSymbol(const ClaudeSession &session);
 [[nodiscard]] QString elapsedText(TimePoint since, TimePoint now);

@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <array>
 
+#include "Shell/OneLine.h"
+
 using namespace Qt::StringLiterals;
 
 namespace nubble {
@@ -45,10 +47,10 @@ QString shortened(const QString &text, qsizetype length)
     return text.left(text.at(length - 1).isHighSurrogate() ? length - 1 : length);
 }
 
-std::optional<QString> oneLine(QString text, qsizetype longest)
+std::optional<QString> shortLine(const QString &text, qsizetype longest)
 {
-    text = shortened(text.replace(u'\n', u' ').trimmed(), longest).trimmed();
-    return text.isEmpty() ? std::nullopt : std::optional(text);
+    const QString line = oneLine(shortened(oneLine(text), longest));
+    return line.isEmpty() ? std::nullopt : std::optional(line);
 }
 
 // What Claude Code itself puts in the place of a prompt: commands, their output, notices.
@@ -69,12 +71,13 @@ bool isWrapper(const QString &text)
 std::optional<QString> promptIn(const QJsonValue &content)
 {
     if (content.isString())
-        return isWrapper(content.toString()) ? std::nullopt : oneLine(content.toString(), longestTypedPrompt);
+        return isWrapper(content.toString()) ? std::nullopt
+                                             : shortLine(content.toString(), longestTypedPrompt);
     for (const QJsonValue item : content.toArray()) {
         if (item["type"_L1] != "text"_L1)
             continue;
         const QString text = item["text"_L1].toString();
-        if (auto prompt = isWrapper(text) ? std::nullopt : oneLine(text, longestTypedPrompt))
+        if (auto prompt = isWrapper(text) ? std::nullopt : shortLine(text, longestTypedPrompt))
             return prompt;
     }
     return std::nullopt;
@@ -104,7 +107,7 @@ void findNewest(QByteArrayView lines, bool typedToo, TranscriptValues &values)
 std::optional<QString> field(QByteArrayView line, QLatin1String key)
 {
     const QJsonValue value = parseLine(line).value(key);
-    return value.isString() ? oneLine(value.toString(), longestText) : std::nullopt;
+    return value.isString() ? shortLine(value.toString(), longestText) : std::nullopt;
 }
 
 std::optional<QString> typedPrompt(QByteArrayView line)

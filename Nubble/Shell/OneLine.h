@@ -5,7 +5,13 @@
 namespace nubble {
 
 // A text that others have written, for a place that has one line: a line's end or a change of direction would
-// spill over into what stands beside it. Pure.
+// spill over into what stands beside it, and so would a mark of direction at an end. Pure.
 [[nodiscard]] QString oneLine(QString text);
+
+// The same with its spaces as they are, and its marks.
+[[nodiscard]] QString withoutControls(QString text);
+
+// Whether it overrides or embeds the direction of others, or isolates them.
+[[nodiscard]] bool isDirectionChange(QChar each);
 
 } // namespace nubble

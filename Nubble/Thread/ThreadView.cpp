@@ -4,7 +4,6 @@
 #include <QHelpEvent>
 #include <QMenu>
 #include <QPainter>
-#include <QToolTip>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -18,7 +17,7 @@
 #include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
 #include "Widgets/SlimScrollBar.h"
-#include "Widgets/ToolTip.h"
+#include "Widgets/ToolTips.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -234,8 +233,8 @@ bool ThreadView::viewportEvent(QEvent *event)
     case QEvent::ToolTip: {
         const auto *help = static_cast<const QHelpEvent *>(event);
         constexpr QMargins nearby(4, 4, 4, 4); // farther away it goes
-        QToolTip::showText(
-            help->globalPos(), toolTipOf(m_scene->toolTipAt(help->pos())), viewport(),
+        ToolTips::show(
+            *viewport(), m_scene->toolTipAt(help->pos()),
             QRect(help->pos(), QSize(1, 1)).marginsAdded(nearby));
         return true;
     }

@@ -33,7 +33,7 @@ QPixmap pixmap(int pixels, const std::optional<QColor> &color, double opacity)
     painter.scale(pixels, -pixels);
     const QPainterPath shape = circles(body);
     const QPainterPath holes = circles(eyes);
-    const QPen edge(QColor(0, 0, 0, 190), 2 * std::max(1.0, pixels / 16.0) / pixels);
+    const QPen edge(Qt::black, 2 * std::max(1.0, pixels / 16.0) / pixels);
     if (!color)
         painter.strokePath(shape, edge);
     painter.fillPath(shape, color.value_or(Qt::white));
@@ -86,9 +86,10 @@ private:
 
 } // namespace
 
-QIcon icon(const std::optional<QColor> &color, double opacity, const QString &themeName)
+QIcon icon(const std::optional<QColor> &color, bool panelVisible, const QString &themeName)
 {
-    return QIcon(new Engine(color, opacity, themeName));
+    const double hidden = color ? 0.45 : 0.6; // of two colours, whichever stands out on its ground still does
+    return QIcon(new Engine(color, panelVisible ? 1 : hidden, themeName));
 }
 
 } // namespace nubble::Mark

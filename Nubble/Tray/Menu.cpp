@@ -1,8 +1,10 @@
 #include "Tray/Menu.h"
 
+#include <QHelpEvent>
 #include <QKeyEvent>
 
 #include "Tray/MenuStyle.h"
+#include "Widgets/ToolTips.h"
 
 using namespace Qt::StringLiterals;
 
@@ -23,7 +25,6 @@ Menu::Menu(QWidget *parent) : QMenu(parent)
     auto *style = new MenuStyle;
     style->setParent(this);
     setStyle(style);
-    setToolTipsVisible(true);
 }
 
 void Menu::setEntries(const QList<MenuEntry> &entries, Drawing drawing)
@@ -83,6 +84,23 @@ QAction *Menu::actionFor(const QKeySequence &keys) const
             return action;
     const auto *above = qobject_cast<Menu *>(parentWidget());
     return above ? above->actionFor(keys) : nullptr;
+}
+
+bool Menu::event(QEvent *event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QMenu::event(event);
+    const QPoint point = static_cast<QHelpEvent *>(event)->pos();
+    QAction *action = actionAt(point);
+    const qsizetype entry = actions().indexOf(action);
+    if (entry < 0 || m_entries.at(entry).toolTip.isEmpty())
+        return true;
+    if (!m_toolTips) {
+        m_toolTips = new ToolTips(*this);
+        m_toolTips->keepFrom(Qt::LeftEdge); // beside the menu rather than over its next entry
+    }
+    ToolTips::show(*this, action->toolTip(), actionGeometry(action));
+    return true;
 }
 
 // The toolkit shows the keys of a menu without a window, but does not obey them.

@@ -6,6 +6,8 @@
 
 namespace nubble {
 
+class ToolTips;
+
 // A menu made of plain values. Main thread only.
 class Menu : public QMenu {
     Q_OBJECT
@@ -20,6 +22,7 @@ public:
     void setEntries(const QList<MenuEntry> &entries, Drawing drawing = Drawing::Own);
 
 protected:
+    bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
@@ -28,6 +31,7 @@ private:
     QAction *actionFor(const QKeySequence &keys) const;
 
     QList<MenuEntry> m_entries;
+    ToolTips *m_toolTips = nullptr; // from when one is wanted
 };
 
 } // namespace nubble

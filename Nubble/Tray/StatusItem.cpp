@@ -9,9 +9,6 @@ namespace nubble {
 
 namespace {
 
-constexpr double shownOpacity = 1.0;
-constexpr double hiddenOpacity = 0.45;
-
 // The installed icon that desktops colour themselves. Empty where it is not installed.
 QString themeName(bool panelVisible)
 {
@@ -86,8 +83,7 @@ void StatusItem::show()
         return;
     m_shown = m_look;
     const bool panelVisible = m_look.panelVisible;
-    m_icon->setIcon(
-        Mark::icon(m_look.color, panelVisible ? shownOpacity : hiddenOpacity, themeName(panelVisible)));
+    m_icon->setIcon(Mark::icon(m_look.color, panelVisible, themeName(panelVisible)));
     m_icon->setToolTip(panelVisible ? u"Hide Nubble"_s : u"Show Nubble"_s);
     m_icon->show();
 }

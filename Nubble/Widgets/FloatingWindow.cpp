@@ -6,6 +6,7 @@
 #include "Widgets/CardFrame.h"
 #include "Widgets/FloatingFrame.h"
 #include "Widgets/Palette.h"
+#include "Widgets/ToolTips.h"
 
 namespace nubble {
 
@@ -25,6 +26,7 @@ void FloatingWindow::make()
     m_frame->setWindowTitle(m_title);
     m_frame->setPalette(Palette::widgets());
     m_surface = m_makeSurface(*m_frame);
+    m_toolTips = new ToolTips(*m_frame);
     connect(m_frame.get(), &FloatingFrame::dragged, m_surface.get(), &FloatingSurface::startMove);
     connect(m_frame.get(), &FloatingFrame::dismissed, this, &FloatingWindow::close);
     connect(m_surface.get(), &FloatingSurface::keyboardTaken, this, &FloatingWindow::keyboardTaken);
@@ -38,6 +40,7 @@ void FloatingWindow::make()
 void FloatingWindow::followTranslucency()
 {
     m_frame->setTranslucent(m_surface->isTranslucent());
+    m_toolTips->setTranslucent(m_surface->isTranslucent());
 }
 
 void FloatingWindow::openAt(const QPoint &topLeft)

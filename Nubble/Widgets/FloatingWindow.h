@@ -13,6 +13,7 @@ namespace nubble {
 
 class FloatingFrame;
 class FloatingSurface;
+class ToolTips;
 
 // A window that is called up over one's work: opens with the keyboard in it, is dragged by its background,
 // and closes on Escape or when the keyboard goes to another window. Nothing of it exists before it is first
@@ -66,6 +67,7 @@ private:
     SurfaceFactory m_makeSurface;
     std::unique_ptr<FloatingFrame> m_frame; // outlives the surface
     std::unique_ptr<FloatingSurface> m_surface;
+    ToolTips *m_toolTips = nullptr; // the frame's
     QWidget *m_content = nullptr;
     std::weak_ptr<void> m_hold;
     bool m_open = false;

@@ -12,8 +12,6 @@ QPalette widgets()
     QPalette palette(text, base, base.lighter(160), base.darker(160), base.lighter(220), text, base);
     palette.setColor(QPalette::Highlight, QColor(70, 70, 78));
     palette.setColor(QPalette::HighlightedText, text);
-    palette.setColor(QPalette::ToolTipBase, base);
-    palette.setColor(QPalette::ToolTipText, text);
     for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, dimmed);
     return palette;

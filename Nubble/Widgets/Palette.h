@@ -39,7 +39,7 @@ inline constexpr QColor quenwickText{184, 166, 255}; // the same, light enough t
 inline constexpr QColor textPrimary{255, 255, 255, 235};
 inline constexpr QColor textSecondary{255, 255, 255, 153};
 
-// The same for the menus and tool tips that the toolkit draws.
+// The same for the menus that the toolkit draws.
 [[nodiscard]] QPalette widgets();
 
 } // namespace nubble::Palette

@@ -122,13 +122,20 @@ double percentLineHeight()
     return std::ceil(metrics.ascent() + metrics.descent() + metrics.leading());
 }
 
-void drawElided(QPainter &painter, const QRectF &rect, const QString &text)
+void drawElided(QPainter &painter, const QRectF &rect, const QString &text, Elided elided)
 {
     // Eliding looks at the whole text: one of a megabyte is cut first to what can never fit.
     constexpr qsizetype longest = 400;
-    const QString shown =
-        painter.fontMetrics().elidedText(text.left(longest), Qt::ElideRight, qFloor(rect.width()));
-    painter.drawText(rect, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, shown);
+    const bool isMiddle = elided == Elided::Middle;
+    const QString start = isMiddle && text.size() > longest
+        ? text.left(longest / 2) + u'…' + text.right(longest / 2)
+        : text.left(longest);
+    const QString shown = painter.fontMetrics().elidedText(
+        start, isMiddle ? Qt::ElideMiddle : Qt::ElideRight, qFloor(rect.width()));
+    // Not in the widget's direction: the dots stand where the text itself goes on.
+    const auto direction = text.isRightToLeft() ? Qt::TextForceRightToLeft : Qt::TextForceLeftToRight;
+    painter.drawText(
+        rect, direction | Qt::AlignLeft | Qt::AlignAbsolute | Qt::AlignVCenter | Qt::TextSingleLine, shown);
 }
 
 void drawTabular(QPainter &painter, const QRectF &rect, Qt::Alignment alignment, const QString &text)

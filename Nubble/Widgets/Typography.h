@@ -28,8 +28,12 @@ namespace Typography {
 // The height of one line of `percent()`, whole pixels.
 [[nodiscard]] double percentLineHeight();
 
-// Draws one line at the left, cut off where it does not fit.
-void drawElided(QPainter &painter, const QRectF &rect, const QString &text);
+// Where a line that does not fit is cut: what was written at the end of its own direction of writing, a path
+// or another identifier in the middle.
+enum class Elided { End, Middle };
+
+// Draws one line at the left.
+void drawElided(QPainter &painter, const QRectF &rect, const QString &text, Elided elided = Elided::End);
 
 // Draws one line whose digits are all of the same width, so that changing numbers do not jitter.
 void drawTabular(QPainter &painter, const QRectF &rect, Qt::Alignment alignment, const QString &text);

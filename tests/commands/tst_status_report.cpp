@@ -1,7 +1,9 @@
 #include <QJsonArray>
+#include <QJsonDocument>
 #include <QTest>
 
 #include "Commands/StatusReport.h"
+#include "Shell/OneLine.h"
 #include "support/PanelWorld.h"
 #include "usage/UsageCache.h"
 
@@ -85,22 +87,26 @@ private Q_SLOTS:
 
     void theTableFitsItsWidthWhateverTheTextsAndHoldsNothingThatATerminalObeys()
     {
-        const QString evil = u"a\x1b[31mb\nc\rd\te\u0085f\u009bg"_s;
+        const QString evil = u"a\x1b[31mb\nc\r\te\u0085f\u009bg\u202e\u2028\u2066"_s;
         const QJsonArray sessions{
             sessionOf(evil, evil), sessionOf(QString(500, u't'), QString(100'000, u'p')),
             sessionOf(u"emoji"_s, u"🙂"_s.repeated(200)), sessionOf(QString(), u"x"_s)};
         for (const qsizetype width : {50, 51, 80, 100, 300}) {
             const QStringList lines = tableOf(sessions, width).chopped(1).split(u'\n');
             QCOMPARE(lines.size(), 5);
-            QVERIFY(lines[1].contains(u"a[31mbcdefg  "_s));
+            QVERIFY(lines[1].contains(u"a [31mb c e f g  "_s));
             for (const QString &line : lines) {
                 QVERIFY2(line.size() <= width, qPrintable(line));
                 QVERIFY(!line.endsWith(u' '));
                 QVERIFY2(line.isValidUtf16(), "a character is cut in two");
                 for (const QChar each : line)
-                    QVERIFY(each.category() != QChar::Other_Control);
+                    QVERIFY(each.category() != QChar::Other_Control && !isDirectionChange(each));
             }
         }
+        const QByteArray json = statusJson({{u"cwd"_s, evil}});
+        QCOMPARE(QJsonDocument::fromJson(json)[u"cwd"_s].toString(), evil); // a path stays what it is
+        for (const auto *escaped : {"\\u001b[31mb\\n", "e\\u0085f\\u009bg\\u202e\\u2028\\u2066\""})
+            QVERIFY2(json.contains(escaped), json);
     }
 
     void anAnswerOfAnotherShapeIsNoSessions()

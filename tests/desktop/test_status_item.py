@@ -29,7 +29,7 @@ class OnADesktopThatDrawsIt(DesktopTest):
         host.click()
         nubble.until_panel(visible=False)
         eventually(lambda: host.tool_tip() == "Show Nubble", "the tool tip follows")
-        self.assertEqual(host.opacities()[22], round(255 * 0.45))
+        self.assertEqual(host.opacities()[22], round(255 * 0.6))
         self.assertEqual(host.property("IconName"), "com.brevandel.nubble-hidden-symbolic")
         nubble.run()  # shown from elsewhere
         eventually(lambda: host.tool_tip() == "Hide Nubble", "the item follows the panel")

@@ -3,6 +3,7 @@
 
 #include <ctime>
 
+#include "Shell/OneLine.h"
 #include "Widgets/CardHeader.h"
 #include "Widgets/CardMetrics.h"
 #include "Widgets/Palette.h"
@@ -143,9 +144,8 @@ private Q_SLOTS:
         for (int i = 0; i < titles.size(); ++i) {
             QCOMPARE(rows.at(i)->size(), rows.last()->size());
             QVERIFY(rows.at(i)->toolTip().size() < 10'000);
-            QVERIFY(!rows.at(i)->toolTip().contains(u"<img"_s));
             if (titles.at(i).isValidUtf16())
-                QVERIFY(rows.at(i)->accessibleName().startsWith(titles.at(i)));
+                QVERIFY(rows.at(i)->accessibleName().startsWith(oneLine(titles.at(i)) + u','));
         }
         world.addSession(300, u"session 300"_s, u"busy"_s, 0ms); // from the end to the top
         world.monitor.refresh();

@@ -67,7 +67,7 @@ class WhatIsInstalled(unittest.TestCase):
 
 class TheIcons(unittest.TestCase):
     EYES = ((0.40, 0.44), (0.68, 0.60), (0.63, 0.60))  # the last where the other eye's circle lies below
-    MARK = ((0.40, 0.25), (0.70, 0.26), (0.30, 0.78), (0.82, 0.68))
+    MARK = ((0.40, 0.25), (0.70, 0.26), (0.30, 0.78), (0.78, 0.62))
 
     def alpha(self, name, places):
         """The opacity in percent at places from the upper left corner, in fractions of the size."""
@@ -76,8 +76,21 @@ class TheIcons(unittest.TestCase):
         return [round(pixels[int(y * 160) * 160 + int(x * 160)] / 2.55) for x, y in places]
 
     def test_for_trays_show_the_mark_with_holes_for_eyes_and_the_applications_is_a_tile(self):
-        for name, opacity in (("nubble", 100), ("nubble-hidden", 45)):
+        for name, inside in (("nubble", 100), ("nubble-hidden", 0)):
             self.assertEqual(
                 self.alpha(f"symbolic/apps/com.brevandel.{name}-symbolic.svg", self.MARK + self.EYES),
-                [opacity] * len(self.MARK) + [0] * len(self.EYES))
+                [inside] * len(self.MARK) + [100 - inside] * len(self.EYES))
         self.assertEqual(self.alpha("scalable/apps/com.brevandel.nubble.svg", ((0, 0), (0.5, 0.5))), [0, 100])
+
+    def test_for_trays_are_seen_on_light_and_dark_panels_that_do_not_colour_them(self):
+        def luminance(colour):
+            parts = (((int(colour[i:i + 2], 16) / 255 + 0.055) / 1.055) ** 2.4 for i in (0, 2, 4))
+            return sum(weight * part for weight, part in zip((0.2126, 0.7152, 0.0722), parts))
+
+        for icon in (ICONS / "symbolic/apps").iterdir():
+            drawing = icon.read_text()
+            colour, = re.findall(r"color: #(\w{6});", drawing)
+            self.assertEqual(re.findall(r'(?:fill|color|stroke|opacity)="[^"]*"', drawing), ['fill="currentColor"'])
+            for ground in ("ffffff", "f0f0f0", "2e3436", "000000"):
+                darker, lighter = sorted((luminance(colour), luminance(ground)))
+                self.assertGreater((lighter + 0.05) / (darker + 0.05), 3.2, ground)

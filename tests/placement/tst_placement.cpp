@@ -74,6 +74,26 @@ class TestPlacement : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void aToolTipStandsBesideItsControlWithinTheScreen()
+    {
+        const QRect screen(0, 0, 1280, 800);
+        const QSize size(320, 100);
+        for (const auto &[control, edge, topLeft] :
+             {std::tuple(QRect(1000, 300, 200, 40), Qt::RightEdge, QPoint(680, 270)),
+              {QRect(80, 300, 200, 40), Qt::LeftEdge, QPoint(280, 270)},
+              {QRect(500, 60, 200, 40), Qt::TopEdge, QPoint(440, 100)},
+              {QRect(500, 700, 200, 40), Qt::BottomEdge, QPoint(440, 600)},
+              {QRect(1180, 0, 100, 20), Qt::RightEdge, QPoint(860, 0)},  // not beyond the corner
+              {QRect(1240, 740, 40, 20), Qt::TopEdge, QPoint(960, 640)}, // no room below
+              {QRect(100, 0, 300, 790), Qt::RightEdge, QPoint(400, 345)},
+              {QRect(0, 10, 1280, 600), Qt::RightEdge, QPoint(480, 610)}}) {
+            const QRect frame = placeToolTip(control, size, screen, edge);
+            QCOMPARE(frame, QRect(topLeft, size));
+            QVERIFY(screen.contains(frame) && !frame.intersects(control));
+        }
+        QVERIFY(screen.contains(placeToolTip(screen, size, screen, Qt::TopEdge)));
+    }
+
     void storedSettingsAreReadAndWrongOnesCountAsAbsent()
     {
         for (const auto &[settings, shown] :

@@ -14,6 +14,7 @@
 
 #include "Platform/Backend.h"
 #include "Platform/Freedesktop/FreedesktopPreferences.h"
+#include "Platform/Freedesktop/KdeSettings.h"
 #include "Platform/Freedesktop/SessionBus.h"
 #include "Platform/Freedesktop/SessionBusNotifications.h"
 #include "Platform/ProcessTable.h"
@@ -38,6 +39,19 @@ public Q_SLOTS:
         const bool known = group == u"org.gnome.desktop.interface" && key == u"enable-animations";
         return QDBusVariant(QVariant::fromValue(QDBusVariant(known ? QVariant(false) : u"unknown"_s)));
     }
+};
+
+class SettableAnimations : public AnimationSetting {
+public:
+    [[nodiscard]] std::optional<bool> animates() const override { return m_animates; }
+    void set(std::optional<bool> animates)
+    {
+        m_animates = animates;
+        Q_EMIT changed();
+    }
+
+private:
+    std::optional<bool> m_animates;
 };
 
 } // namespace
@@ -185,7 +199,7 @@ private Q_SLOTS:
         QVERIFY(m_other.registerService(u"org.freedesktop.portal.Desktop"_s));
 
         const TemporaryHome home;
-        FreedesktopPreferences preferences(home.home());
+        FreedesktopPreferences preferences(home.home().configFolder(), nullptr);
         const QSignalSpy changes(&preferences, &DesktopPreferences::reducedMotionChanged);
         QVERIFY(!preferences.reducedMotion()); // until the answer comes
         QTRY_VERIFY(preferences.reducedMotion());
@@ -204,21 +218,41 @@ private Q_SLOTS:
         tell(u"enable-animations"_s, false);
         QTRY_VERIFY(preferences.reducedMotion());
         QCOMPARE(changes.count(), 3);
+        for (const bool isThere : {false, true}) { // asked again when another one comes
+            const auto name = u"org.freedesktop.portal.Desktop"_s;
+            QVERIFY(isThere ? m_other.registerService(name) : m_other.unregisterService(name));
+            QTRY_COMPARE(preferences.reducedMotion(), isThere);
+        }
         QVERIFY(m_other.unregisterService(u"org.freedesktop.portal.Desktop"_s));
     }
 
-    void withoutAPortalReducedMotionComesFromKde()
+    void withoutAPortalReducedMotionComesFromTheDesktopsSettingsOrElseFromKdesFile()
     {
         const TemporaryHome home;
-        home.write(
-            u".config/kdeglobals"_s,
-            "[General]\nAnimationDurationFactor=1\n\n [KDE]\r\n AnimationDurationFactor = 0.0 \r\n");
-        const FreedesktopPreferences preferences(home.home());
-        QTRY_VERIFY(preferences.reducedMotion());
+        const auto write = [&home](const char *text) { home.write(u".config/kdeglobals"_s, text); };
+        QVERIFY(QDir().mkpath(home.home().configFolder()));
+        auto settings = std::make_unique<SettableAnimations>();
+        SettableAnimations &desktop = *settings;
+        const FreedesktopPreferences preferences(home.home().configFolder(), std::move(settings));
+        for (const auto *off : // a file that comes, is written again, and is replaced
+             {"[General]\nAnimationDurationFactor=1\n\n [KDE]\r\n AnimationDurationFactor = 0.0 \r\n",
+              "[KDE]\nAnimationDurationFactor=0\n"}) {
+            write(off);
+            QTRY_VERIFY(preferences.reducedMotion());
+            home.write(u".config/new"_s, "[KDE]\nAnimationDurationFactor=0.5\n");
+            QCOMPARE(
+                ::rename(
+                    qPrintable(home.path(u".config/new"_s)), qPrintable(home.path(u".config/kdeglobals"_s))),
+                0);
+            QTRY_VERIFY(!preferences.reducedMotion());
+        }
+        for (const std::optional<bool> &animates : {std::optional(false), {}, {true}, {false}}) {
+            desktop.set(animates);
+            QCOMPARE(preferences.reducedMotion(), !animates.value_or(true));
+        }
         for (const auto *file :
-             {"[KDE]\nAnimationDurationFactor=0.5\n", "[KDE]\n[Other]\nAnimationDurationFactor=0\n",
-              "[KDE]\nAnimationDurationFactor=\n"})
-            QVERIFY2(!kdeAnimationsAreOff(file), file);
+             {"[KDE]\nAnimationDurationFactor=\n", "[KDE]\n[Other]\nAnimationDurationFactor=0\n", ""})
+            QVERIFY2(!kdeAnimates(file), file);
     }
 
     void theTextsOfANotificationArriveWhateverElseIsInIt()

@@ -7,6 +7,7 @@
 #include "Platform/DesktopStatusHost.h"
 #include "Platform/Freedesktop/StatusNotifierWatch.h"
 #include "Platform/X11/X11KeyboardFocus.h"
+#include "Platform/X11/X11Settings.h"
 #include "Platform/X11/X11Tray.h"
 #include "Platform/X11/X11Workspace.h"
 #include "platform/ForeignApplication.h"
@@ -222,6 +223,36 @@ private Q_SLOTS:
         m_terminal.setText(below, "_NET_WM_NAME", "");
         for (const pid_t pid : {4242, 4444, 0}) // without a title, without a window, and no process
             QCOMPARE(m_workspace.windowTitle(pid), std::nullopt);
+    }
+
+    void animationsAreFollowedAsTheSettingsManagerAnnouncesThemWheneverItComes()
+    {
+        using namespace std::string_literals;
+        const auto bytes = [](const std::string &text) { return QByteArray::fromStdString(text); };
+        const QByteArray text = bytes("\1\0\0\5Net/X\0\0\0\0\0\0\1\0\0\0\3abc\0"s); // big endian
+        const QByteArray colour = bytes("\2\0\0\1C\0\0\0\0\0\0\1\0\0\0\0\0\0\0\0"s);
+        const QByteArray name = bytes("\0\0\0\24Gtk/EnableAnimations\0\0\0\1"s);
+        const QByteArray head = bytes("\1\0\0\0\0\0\0\1\0\0\0\3"s);
+        const auto settings = [&](char value) -> QByteArray {
+            return head + text + colour + name + bytes("\0\0\0"s) + value;
+        };
+        const QByteArray little =
+            bytes("\0\0\0\0\1\0\0\0\1\0\0\0\0\0\24\0Gtk/EnableAnimations\1\0\0\0\0\0\0\0"s);
+        QCOMPARE(settingIn(little, "Gtk/EnableAnimations"), 0);
+        for (qsizetype length = 0; length < settings(1).size(); ++length)
+            QVERIFY(!settingIn(settings(1).first(length), "Gtk/EnableAnimations"));
+        QVERIFY(!settingIn(head + bytes("\1\0\xff\xff"s) + QByteArray(99, '\xff'), "Gtk/EnableAnimations"));
+
+        X11Settings watched(X11Connection::ofThisProgram());
+        QCOMPARE(watched.animates(), std::nullopt);
+        const auto manager = m_editor.open({0, 0, 100, 100}, Qt::red, ForeignApplication::Unmanaged);
+        m_editor.setText(manager, "_XSETTINGS_SETTINGS", settings(0));
+        m_editor.own(X11Atom::SettingsManager, manager);
+        QTRY_COMPARE(watched.animates(), false);
+        m_editor.setText(manager, "_XSETTINGS_SETTINGS", settings(1));
+        QTRY_COMPARE(watched.animates(), true);
+        m_editor.own(X11Atom::SettingsManager, XCB_WINDOW_NONE);
+        QTRY_COMPARE(watched.animates(), std::nullopt);
     }
 
     void anAnnouncedHostIsPreferredToATrayForAWhile()

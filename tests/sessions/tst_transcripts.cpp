@@ -30,6 +30,7 @@ private Q_SLOTS:
                   promptLine("p") + titleLine("old") + titleLine("new"), u"new|p"_s),
               {titleLine("old") + titleLine(R"( \n\t)") + wrongType + '\n', u"old|"_s},
               {titleLine("no UTF-8: caf\xe9"), u"no UTF-8: café|"_s},
+              {titleLine(R"(a\u202eb\u2028\u2067c)") + promptLine(R"(\u200fp\t p\u2069)"), u"ab c|p p"_s},
               {typedLine("stands in") + titleLine("t"), u"t|stands in"_s},
               {promptLine("loses") + promptLine("wins") + typedLine("typed"), u"|wins"_s}}) {
             init(); // or it would be the same transcript, grown

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QLabel>
 #include <QMouseEvent>
 #include <QWidget>
 
@@ -38,7 +39,10 @@ public:
         return PanelSurface::onScreen(event) + mouseOffset;
     }
     void openMenu(QMenu &, const QPoint &) override { log.append(QStringLiteral("menu")); }
-    void showToolTip(const QString &text, const QPoint &, QWidget &) override { log.append(text); }
+    void showToolTip(QWidget &tip, const QRect &) override
+    {
+        log.append(qobject_cast<QLabel *>(&tip)->text());
+    }
 
     int placements = 0;
     SurfacePlace last;

@@ -6,9 +6,9 @@
 #include <QDBusVariant>
 #include <QTimer>
 
+#include "Platform/Freedesktop/KdeSettings.h"
 #include "Platform/Freedesktop/SessionBus.h"
 #include "Platform/Logging.h"
-#include "Platform/RegularFile.h"
 
 using namespace Qt::StringLiterals;
 
@@ -22,83 +22,78 @@ const auto settingsInterface = u"org.freedesktop.portal.Settings"_s;
 const auto settingsGroup = u"org.gnome.desktop.interface"_s;
 const auto settingsKey = u"enable-animations"_s;
 
+// Portals wrap the value in one variant too many.
+std::optional<bool> truthOf(QVariant value)
+{
+    while (value.canConvert<QDBusVariant>())
+        value = value.value<QDBusVariant>().variant();
+    return value.typeId() == QMetaType::Bool ? std::optional(value.toBool()) : std::nullopt;
+}
+
 } // namespace
 
-bool kdeAnimationsAreOff(const QByteArray &kdeglobals)
+FreedesktopPreferences::FreedesktopPreferences(
+    const QString &configFolder, std::unique_ptr<AnimationSetting> settings, QObject *parent)
+    : DesktopPreferences(parent), m_settings(std::move(settings)),
+      m_kde(std::make_unique<KdeSettings>(configFolder))
 {
-    bool inGroup = false;
-    for (const QByteArray &each : kdeglobals.split('\n')) {
-        const QByteArray line = each.trimmed();
-        if (line.startsWith('['))
-            inGroup = line == "[KDE]";
-        const qsizetype equals = line.indexOf('=');
-        if (!inGroup || equals < 0 || line.left(equals).trimmed() != "AnimationDurationFactor")
-            continue;
-        bool isNumber = false;
-        const double factor = line.mid(equals + 1).toDouble(&isNumber);
-        return isNumber && factor <= 0;
-    }
-    return false;
+    if (m_settings)
+        connect(m_settings.get(), &AnimationSetting::changed, this, &FreedesktopPreferences::update);
+    connect(m_kde.get(), &AnimationSetting::changed, this, &FreedesktopPreferences::update);
+    QTimer::singleShot(0, this, &FreedesktopPreferences::watchPortal);
 }
 
-FreedesktopPreferences::FreedesktopPreferences(Home home, QObject *parent)
-    : DesktopPreferences(parent), m_home(std::move(home))
+void FreedesktopPreferences::watchPortal()
 {
-    QTimer::singleShot(0, this, &FreedesktopPreferences::ask);
-}
-
-void FreedesktopPreferences::ask()
-{
+    update();
     QDBusConnection bus = SessionBus::connection();
-    if (!bus.isConnected()) {
-        readKdeSettings();
+    if (!bus.isConnected())
         return;
-    }
     // From whomever: naming the portal here would wait for the answer who owns that name.
     bus.connect(
         {}, portalPath, settingsInterface, u"SettingChanged"_s, {settingsGroup, settingsKey}, u"ssv"_s, this,
         SLOT(onSettingChanged(QDBusMessage)));
+    m_portal.setConnection(bus);
+    m_portal.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
+    m_portal.addWatchedService(portal);
+    connect(&m_portal, &QDBusServiceWatcher::serviceOwnerChanged, this, &FreedesktopPreferences::ask);
+    ask();
+}
+
+void FreedesktopPreferences::ask()
+{
     auto message = QDBusMessage::createMethodCall(portal, portalPath, settingsInterface, u"Read"_s);
     message.setArguments({settingsGroup, settingsKey});
     message.setAutoStartService(false);
-    auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(message), this);
+    auto *watcher = new QDBusPendingCallWatcher(m_portal.connection().asyncCall(message), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
         watcher->deleteLater();
         const QDBusPendingReply<QDBusVariant> reply = *watcher;
-        if (reply.isError()) {
+        if (reply.isError())
             qCDebug(logPlatform) << "the settings portal does not answer:" << reply.error().name();
-            readKdeSettings();
-        } else {
-            setAnimationsEnabled(reply.value().variant());
-        }
+        setPortalAnimates(reply.isError() ? std::nullopt : truthOf(reply.value().variant()));
     });
 }
 
 void FreedesktopPreferences::onSettingChanged(const QDBusMessage &message)
 {
-    setAnimationsEnabled(message.arguments().value(2));
+    if (const auto animates = truthOf(message.arguments().value(2)))
+        setPortalAnimates(animates);
 }
 
-void FreedesktopPreferences::readKdeSettings()
+void FreedesktopPreferences::setPortalAnimates(std::optional<bool> animates)
 {
-    constexpr qint64 enough = 256 * 1024;
-    const auto file = RegularFile::open(m_home.configFolder() + u"/kdeglobals");
-    if (const auto bytes = file ? file->read(0, enough) : std::nullopt)
-        setReducedMotion(kdeAnimationsAreOff(*bytes));
+    m_portalAnimates = animates;
+    update();
 }
 
-// Portals wrap the value in one variant too many.
-void FreedesktopPreferences::setAnimationsEnabled(const QVariant &value)
+void FreedesktopPreferences::update()
 {
-    QVariant enabled = value;
-    while (enabled.canConvert<QDBusVariant>())
-        enabled = enabled.value<QDBusVariant>().variant();
-    if (enabled.typeId() == QMetaType::Bool)
-        setReducedMotion(!enabled.toBool());
-}
-
-void FreedesktopPreferences::setReducedMotion(bool reduced)
-{
+    std::optional<bool> animates = m_portalAnimates;
+    for (const AnimationSetting *each : {m_settings.get(), m_kde.get()})
+        if (!animates && each)
+            animates = each->animates();
+    const bool reduced = !animates.value_or(true);
     if (m_reducedMotion == reduced)
         return;
     m_reducedMotion = reduced;

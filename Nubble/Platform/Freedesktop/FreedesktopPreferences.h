@@ -1,26 +1,29 @@
 #pragma once
 
-#include <QByteArray>
+#include <QDBusServiceWatcher>
+#include <QString>
 
+#include <memory>
+#include <optional>
+
+#include "Platform/AnimationSetting.h"
 #include "Platform/DesktopPreferences.h"
-#include "Platform/Home.h"
 
 class QDBusMessage;
-class QVariant;
 
 namespace nubble {
 
-// Whether KDE's settings file switches animations off.
-[[nodiscard]] bool kdeAnimationsAreOff(const QByteArray &kdeglobals);
-
-// The desktop's preferences from the settings portal, or from KDE's file where the portal does not know.
-// Asked for once the event loop runs, and followed from then on; until the answer has come motion is not
-// reduced.
+// The desktop's preferences. Whether motion is reduced is told, in this order, by the settings portal, by the
+// desktop's settings on its own protocol (XSETTINGS on X11), and by KDE's file: the first that says anything
+// counts. The portal is asked once the event loop runs, and again whenever another one comes; each is
+// followed from then on. Until one has spoken motion is not reduced.
 class FreedesktopPreferences : public DesktopPreferences {
     Q_OBJECT
 
 public:
-    explicit FreedesktopPreferences(Home home, QObject *parent = nullptr);
+    // `settings` is null where the desktop has no such protocol.
+    FreedesktopPreferences(
+        const QString &configFolder, std::unique_ptr<AnimationSetting> settings, QObject *parent = nullptr);
 
     [[nodiscard]] bool reducedMotion() const override { return m_reducedMotion; }
 
@@ -28,12 +31,15 @@ private Q_SLOTS:
     void onSettingChanged(const QDBusMessage &message);
 
 private:
+    void watchPortal();
     void ask();
-    void readKdeSettings();
-    void setAnimationsEnabled(const QVariant &value);
-    void setReducedMotion(bool reduced);
+    void setPortalAnimates(std::optional<bool> animates);
+    void update();
 
-    Home m_home;
+    std::unique_ptr<AnimationSetting> m_settings;
+    std::unique_ptr<AnimationSetting> m_kde;
+    QDBusServiceWatcher m_portal;
+    std::optional<bool> m_portalAnimates;
     bool m_reducedMotion = false;
 };
 

@@ -17,13 +17,13 @@ constexpr std::array<const char *, static_cast<size_t>(X11Atom::Count)> atomName
     "_NET_WM_PID", "_NET_WM_STATE", "_NET_WM_STATE_HIDDEN", "_NET_WM_STATE_ABOVE", "_NET_WM_STATE_STICKY",
     "_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER", "_NET_WM_WINDOW_TYPE",
     "_NET_WM_WINDOW_TYPE_DIALOG", "_NET_WM_WINDOW_TYPE_NORMAL", "_NET_SYSTEM_TRAY_COLORS",
-    "_GTK_WORKAREAS_D0", "_NUBBLE_TIME",
+    "_GTK_WORKAREAS_D0", "_NUBBLE_TIME", "_XSETTINGS_SETTINGS",
     // followed by the screen's number
-    "_NET_WM_CM_S", "_NET_SYSTEM_TRAY_S"};
+    "_NET_WM_CM_S", "_NET_SYSTEM_TRAY_S", "_XSETTINGS_S"};
 
 bool isOfScreen(X11Atom atom)
 {
-    return atom == X11Atom::CompositingManager || atom == X11Atom::SystemTray;
+    return atom >= X11Atom::CompositingManager;
 }
 
 int preferredScreen()

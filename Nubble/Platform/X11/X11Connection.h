@@ -40,9 +40,11 @@ enum class X11Atom {
     NetWmWindowTypeNormal,
     NetSystemTrayColors,
     GtkWorkAreas,
-    Time,               // ours, on which nothing is written
+    Time, // ours, on which nothing is written
+    Settings,
     CompositingManager, // the selection that one owns on this screen
-    SystemTray,         // likewise
+    SystemTray,         // likewise, and so is the next
+    SettingsManager,
     Count
 };
 
