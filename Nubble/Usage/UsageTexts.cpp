@@ -40,13 +40,14 @@ QString resetText(const std::optional<QDateTime> &resetsAt, const QDateTime &now
     return u"Resets "_s + QLocale::c().toString(resetsAt->toLocalTime(), u"ddd h:mm AP");
 }
 
-QString problemText(ReadProblem problem)
+QString problemText(ReadProblem problem, const std::optional<QString> &installCommand)
 {
     switch (problem) {
     case ReadProblem::NoCache:
         return u"Open the Claude app to load plan usage"_s;
     case ReadProblem::NoZstd:
-        return u"Install zstd (brew install zstd) to read plan usage"_s;
+        return u"Install zstd"_s + (installCommand ? u" ("_s + *installCommand + u')' : QString())
+            + u" to read plan usage";
     case ReadProblem::Unreadable:
         break;
     }

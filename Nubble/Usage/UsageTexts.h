@@ -21,7 +21,9 @@ enum class UsageLevel { Ample, Watch, Critical };
 // without a date.
 [[nodiscard]] QString resetText(const std::optional<QDateTime> &resetsAt, const QDateTime &now);
 
-[[nodiscard]] QString problemText(ReadProblem problem);
+// `installCommand` is for zstd, where one is known.
+[[nodiscard]] QString problemText(
+    ReadProblem problem, const std::optional<QString> &installCommand = std::nullopt);
 [[nodiscard]] QString staleText(std::chrono::milliseconds age);
 
 } // namespace nubble
