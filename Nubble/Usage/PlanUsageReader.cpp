@@ -1,6 +1,5 @@
 #include "Usage/PlanUsageReader.h"
 
-#include <QDeadlineTimer>
 #include <QFile>
 
 #include <algorithm>
@@ -43,9 +42,9 @@ void pause(std::chrono::milliseconds span, const std::stop_token &stop)
 struct PlanUsageReader::Run {
     QString zstd;
     const std::stop_token &stop;
-    QDeadlineTimer deadline; // of all children together: one that hangs would do so for each entry
+    bool hasTimedOut = false; // a zstd that hangs would do so for every entry
 
-    [[nodiscard]] bool isOver() const { return stop.stop_requested() || deadline.hasExpired(); }
+    [[nodiscard]] bool isOver() const { return hasTimedOut || stop.stop_requested(); }
 };
 
 struct PlanUsageReader::Entry {
@@ -81,8 +80,7 @@ ReadOutcome PlanUsageReader::read(const QList<QByteArray> &known, const std::sto
     note("reading", zstd ? nullptr : "needs zstd");
     if (!zstd)
         return {ReadProblem::NoZstd, std::nullopt, Distribution::installCommand(m_osRelease(), u"zstd"_s)};
-    const auto &time = m_pace.decompression.time;
-    const Run run{*zstd, stop, time ? QDeadlineTimer(*time) : QDeadlineTimer::Forever};
+    Run run{*zstd, stop};
     ReadOutcome outcome = attempt(known, run);
     if (missesLast(outcome) && !run.isOver()) {
         pause(m_pace.secondLook, stop);
@@ -110,7 +108,7 @@ bool PlanUsageReader::missesLast(const ReadOutcome &outcome) const
         || (outcome.entries && !outcome.entries->contains(m_last->entry));
 }
 
-ReadOutcome PlanUsageReader::attempt(const QList<QByteArray> &known, const Run &run)
+ReadOutcome PlanUsageReader::attempt(const QList<QByteArray> &known, Run &run)
 {
     if (const auto reading = newestReading(known, run))
         return {*reading, std::nullopt, std::nullopt};
@@ -123,7 +121,7 @@ ReadOutcome PlanUsageReader::attempt(const QList<QByteArray> &known, const Run &
     return {ReadProblem::Unreadable, found, std::nullopt};
 }
 
-std::optional<Reading> PlanUsageReader::newestReading(const QList<QByteArray> &entries, const Run &run)
+std::optional<Reading> PlanUsageReader::newestReading(const QList<QByteArray> &entries, Run &run)
 {
     for (const Entry &each : Entry::byModification(entries)) {
         if (run.isOver())
@@ -135,7 +133,7 @@ std::optional<Reading> PlanUsageReader::newestReading(const QList<QByteArray> &e
 }
 
 // The state is older than the look, never newer: a change in between is seen at the next read.
-std::optional<Reading> PlanUsageReader::readingOf(const Entry &entry, const Run &run)
+std::optional<Reading> PlanUsageReader::readingOf(const Entry &entry, Run &run)
 {
     const auto last = m_looks.constFind(entry.path);
     if (last != m_looks.cend() && last->state == entry.state)
@@ -149,7 +147,7 @@ std::optional<Reading> PlanUsageReader::readingOf(const Entry &entry, const Run 
     return look.reading;
 }
 
-PlanUsageReader::Look PlanUsageReader::lookInto(const QByteArray &entry, const Run &run) const
+PlanUsageReader::Look PlanUsageReader::lookInto(const QByteArray &entry, Run &run) const
 {
     const auto file = RegularFile::open(entry.constData(), AT_FDCWD);
     if (!file || file->size() >= CacheEntry::sizeLimit)
@@ -172,12 +170,11 @@ PlanUsageReader::Look PlanUsageReader::lookInto(const QByteArray &entry, const R
 
 // The exit status says nothing of the output: zstd complains about whatever follows the first frame, after it
 // has written that frame out.
-CommandEnd PlanUsageReader::decompress(QByteArrayView body, const Run &run) const
+CommandEnd PlanUsageReader::decompress(QByteArrayView body, Run &run) const
 {
-    CommandLimits limits = m_pace.decompression;
-    if (!run.deadline.isForever())
-        limits.time = std::chrono::milliseconds(run.deadline.remainingTime());
-    return runCommand({run.zstd, {u"-dc"_s}}, body.toByteArray(), limits, run.stop);
+    CommandEnd end = runCommand({run.zstd, {u"-dc"_s}}, body.toByteArray(), m_pace.decompression, run.stop);
+    run.hasTimedOut = end.cause == CommandEnd::Cause::TimeLimit;
+    return end;
 }
 
 // Says it when it is not what was said of it last; null when there is no obstacle.

@@ -23,12 +23,13 @@ struct ReadOutcome {
 };
 
 struct ReaderPace {
-    CommandLimits decompression{.output = 16'777'216, .time = std::chrono::seconds(10)}; // all of a read's
+    CommandLimits decompression{.output = 16'777'216, .time = std::chrono::seconds(10)};
     std::chrono::milliseconds secondLook{150}; // an entry being written is whole again by then
 };
 
 // Reads the newest usage answer out of the desktop application's HTTP cache. Blocks and starts child
-// processes, though only for entries that have changed since it last did: for a worker, one call at a time.
+// processes, though only for entries that have changed since it last did, and none after one that had to be
+// ended for its time: for a worker, one call at a time.
 class PlanUsageReader {
 public:
     using FindTool = std::function<std::optional<QString>()>;
@@ -57,11 +58,11 @@ private:
         std::optional<Reading> reading;
     };
 
-    ReadOutcome attempt(const QList<QByteArray> &known, const Run &run);
-    std::optional<Reading> newestReading(const QList<QByteArray> &entries, const Run &run);
-    std::optional<Reading> readingOf(const Entry &entry, const Run &run);
-    Look lookInto(const QByteArray &entry, const Run &run) const;
-    CommandEnd decompress(QByteArrayView body, const Run &run) const;
+    ReadOutcome attempt(const QList<QByteArray> &known, Run &run);
+    std::optional<Reading> newestReading(const QList<QByteArray> &entries, Run &run);
+    std::optional<Reading> readingOf(const Entry &entry, Run &run);
+    Look lookInto(const QByteArray &entry, Run &run) const;
+    CommandEnd decompress(QByteArrayView body, Run &run) const;
     void note(const QByteArray &what, const char *obstacle);
     bool missesLast(const ReadOutcome &outcome) const;
 
