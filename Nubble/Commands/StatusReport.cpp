@@ -52,6 +52,7 @@ QJsonValue windowReport(const std::optional<PlanWindow> &window)
         return {};
     return QJsonObject{
         {u"fraction"_s, window->fraction},
+        {u"percent"_s, percentOf(window->fraction)},
         {u"resetsAt"_s,
          window->resetsAt ? QJsonValue(window->resetsAt->toUTC().toString(Qt::ISODate)) : QJsonValue()},
     };
@@ -122,7 +123,7 @@ QString usageLine(const QString &label, const QJsonValue &window, const QDateTim
         return {};
     const QDateTime resetsAt = QDateTime::fromString(window["resetsAt"_L1].toString(), Qt::ISODate);
     const QString reset = resetText(resetsAt.isValid() ? std::optional(resetsAt) : std::nullopt, now);
-    return label.leftJustified(17) + percentText(window["fraction"_L1].toDouble()).leftJustified(11) + reset
+    return label.leftJustified(17) + percentText(percentOf(window["fraction"_L1].toDouble())).leftJustified(11) + reset
         + u'\n';
 }
 

@@ -2,7 +2,6 @@
 
 #include <QPainter>
 
-#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -68,8 +67,8 @@ void drawStatusRing(QPainter &painter, const QPointF &center, RunState state, st
         return;
     }
     drawTrack(painter, center);
-    if (const double used = std::clamp(fraction.value_or(0), 0.0, 1.0); used > 0)
-        drawArc(painter, center, colorOf(levelOf(used)), 0, used);
+    if (const int percent = percentOf(fraction.value_or(0)); percent > 0)
+        drawArc(painter, center, colorOf(levelOf(percent)), 0, percent / 100.0);
     drawGlyph(painter, center, Palette::textSecondary);
 }
 

@@ -40,7 +40,7 @@ QList<PreviewSample> usageSamples()
     add("watch"_L1, windows(0.58, 0.4));
     add("critical"_L1, windows(1, 0.74));
     add("no reading"_L1, {}, problemText(ReadProblem::NoCache));
-    add("no zstd"_L1, {}, problemText(ReadProblem::NoZstd));
+    add("no zstd"_L1, {}, problemText(ReadProblem::NoZstd, u"sudo apt install zstd"_s));
     add("session only"_L1, {.session = PlanWindow{0.07, {}}, .weekly = {}});
     add("old"_L1, windows(0.42, 0.55), staleText(95min));
     return samples;

@@ -153,7 +153,7 @@ QString describe(ReviewAction action, const std::optional<QuenwickAnswer> &answe
     const QString how = answer ? answer->how : QString();
     if (how == u"google")
         return u"Added to Google Calendar"_s;
-    return how == u"ics" ? u"Opened in Calendar — confirm to save"_s : u"Added to your calendar"_s;
+    return how == u"ics" ? u"Opened in your calendar — confirm to save"_s : u"Added to your calendar"_s;
 }
 
 QString scanText(const std::optional<QuenwickAnswer> &answer)

@@ -106,7 +106,7 @@ void ChatSearch::accept(const std::optional<SearchResponse> &response, const QSt
     m_problem.reset();
     if (!response)
         m_problem = Tools::find(u"yarnbin"_s, m_home)
-            ? u"Search failed — run `yarnbin sync` in Terminal"_s
+            ? u"Search failed — run `yarnbin sync` in a terminal"_s
             : u"yarnbin isn't installed — the `yarnbin` command wasn't found"_s;
     m_results = response ? response->results : QList<ChatHit>();
     if (response) {

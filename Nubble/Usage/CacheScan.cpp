@@ -43,14 +43,14 @@ bool canBeEntry(int folder, const char *name, struct stat &info)
 } // namespace
 
 struct CacheScan::Candidate {
-    FileTime modified;
     qint64 position; // in the listing
     QByteArray name;
-    State state;
+    FileState state;
 
     bool operator<(const Candidate &other) const // newest first, then as listed
     {
-        return modified != other.modified ? modified > other.modified : position < other.position;
+        return state.modified != other.state.modified ? state.modified > other.state.modified
+                                                      : position < other.position;
     }
 };
 
@@ -61,7 +61,7 @@ CacheScan::CacheScan(QByteArray folder, QByteArray domain)
 
 // Keeps a heap of the newest files seen so far, the oldest of them on top: memory stays bounded in a folder
 // of any size.
-std::vector<CacheScan::Candidate> CacheScan::newestIn(DIR *folder)
+std::optional<std::vector<CacheScan::Candidate>> CacheScan::newestIn(DIR *folder)
 {
     std::vector<Candidate> heap;
     struct stat info { };
@@ -69,19 +69,18 @@ std::vector<CacheScan::Candidate> CacheScan::newestIn(DIR *folder)
     for (qint64 position = 0; const dirent *each = ::readdir(folder); ++position, errno = 0) {
         if (!canBeEntry(::dirfd(folder), each->d_name, info))
             continue;
-        const FileTime modified = fileTimeOf(info.st_mtim);
+        const FileState state = fileStateOf(info);
         if (heap.size() == filesExamined) {
-            if (modified <= heap.front().modified)
+            if (state.modified <= heap.front().state.modified)
                 continue;
             std::pop_heap(heap.begin(), heap.end());
             heap.pop_back();
         }
-        heap.push_back(
-            {modified, position, each->d_name, {info.st_ino, info.st_size, fileTimeOf(info.st_ctim)}});
+        heap.push_back({position, each->d_name, state});
         std::push_heap(heap.begin(), heap.end());
     }
     if (errno != 0)
-        return {};
+        return std::nullopt;
     std::sort_heap(heap.begin(), heap.end());
     return heap;
 }
@@ -99,21 +98,43 @@ std::optional<bool> CacheScan::holdsUsage(int folder, const QByteArray &name) co
 
 QList<QByteArray> CacheScan::usageEntries()
 {
-    QList<QByteArray> found;
-    QHash<QByteArray, Verdict> verdicts;
+    if (m_settled && fileStateOf(m_folder) == m_folderState)
+        return m_found;
     const Folder folder = openFolder(m_folder);
-    for (const Candidate &each : folder ? newestIn(folder.get()) : std::vector<Candidate>()) {
+    struct stat info { };
+    const auto state = folder && ::fstat(::dirfd(folder.get()), &info) == 0 ? std::optional(fileStateOf(info))
+                                                                            : std::nullopt;
+    const bool isWhole = list(folder.get());
+    m_settled = isWhole && state && state == m_folderState;
+    m_folderState = state;
+    return m_found;
+}
+
+// False when something could not be read, which the folder's state does not tell of once it can.
+bool CacheScan::list(DIR *folder)
+{
+    const auto candidates = folder ? newestIn(folder) : std::nullopt;
+    bool isWhole = candidates.has_value();
+    QHash<QByteArray, Verdict> verdicts;
+    m_found.clear();
+    for (const Candidate &each : candidates.value_or(std::vector<Candidate>())) {
         const Verdict last = m_verdicts.value(each.name);
-        const auto isUsage =
-            last.state == each.state ? last.isUsage : holdsUsage(::dirfd(folder.get()), each.name);
-        if (!isUsage)
-            continue;
-        verdicts.insert(each.name, {each.state, *isUsage});
-        if (*isUsage)
-            found.append(m_folder + '/' + each.name);
+        const auto isUsage = last.state == each.state ? last.isUsage : holdsUsage(::dirfd(folder), each.name);
+        if (isUsage)
+            verdicts.insert(each.name, {each.state, *isUsage});
+        else
+            isWhole = false;
+        if (isUsage.value_or(false))
+            m_found.append(m_folder + '/' + each.name);
     }
     m_verdicts = verdicts;
-    return found;
+    return isWhole;
+}
+
+void CacheScan::forget()
+{
+    m_settled = false;
+    m_folderState.reset();
 }
 
 } // namespace nubble

@@ -37,19 +37,19 @@ QSize LimitRow::sizeHint() const
     return {100, qCeil(m_resetText.isEmpty() ? barTop + barHeight + 2 : resetTop + resetHeight + 1)};
 }
 
-void LimitRow::setWindow(std::optional<double> fraction, const QString &resetText, bool animated)
+void LimitRow::setWindow(std::optional<int> percent, const QString &resetText, bool animated)
 {
-    if (m_fraction == fraction && m_resetText == resetText)
+    if (m_percent == percent && m_resetText == resetText)
         return;
-    const bool runs = animated && m_fraction && fraction && m_fraction != fraction;
-    const double target = std::clamp(fraction.value_or(0), 0.0, 1.0);
+    const bool runs = animated && m_percent && percent && m_percent != percent;
+    const double target = percent.value_or(0) / 100.0;
     m_bar.stop();
     m_bar.setStartValue(runs ? m_bar.currentValue() : QVariant(target));
     m_bar.setEndValue(target);
     m_bar.setCurrentTime(0);
     if (runs)
         m_bar.start();
-    m_fraction = fraction;
+    m_percent = percent;
     m_resetText = resetText;
     describe();
     updateGeometry();
@@ -58,7 +58,7 @@ void LimitRow::setWindow(std::optional<double> fraction, const QString &resetTex
 
 void LimitRow::describe()
 {
-    QStringList parts{m_label, m_fraction ? percentText(*m_fraction) : u"not known"_s, m_resetText};
+    QStringList parts{m_label, m_percent ? percentText(*m_percent) : u"not known"_s, m_resetText};
     parts.removeAll(QString());
     setAccessibleName(parts.join(u", "_s));
 }
@@ -73,7 +73,7 @@ void LimitRow::paintEvent(QPaintEvent *)
     painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter, m_label);
     painter.setFont(Typography::cardBody());
     painter.setPen(Palette::textSecondary);
-    Typography::drawTabular(painter, line, Qt::AlignRight, m_fraction ? percentText(*m_fraction) : QString());
+    Typography::drawTabular(painter, line, Qt::AlignRight, m_percent ? percentText(*m_percent) : QString());
     drawBar(painter, QRectF(0, barTop, width(), barHeight));
     painter.setFont(Typography::caption());
     painter.setPen(Palette::textSecondary);
@@ -86,11 +86,11 @@ void LimitRow::drawBar(QPainter &painter, const QRectF &bar) const
     painter.setBrush(Palette::barTrack);
     painter.drawRoundedRect(bar, barHeight / 2, barHeight / 2);
     const double shown = m_bar.currentValue().toDouble();
-    if (!m_fraction || shown <= 0)
+    if (!m_percent || shown <= 0)
         return;
     QRectF used = bar;
     used.setWidth(std::max(barHeight, bar.width() * shown)); // never less than a dot
-    painter.setBrush(colorOf(levelOf(*m_fraction)));
+    painter.setBrush(colorOf(levelOf(*m_percent)));
     painter.drawRoundedRect(used, barHeight / 2, barHeight / 2);
 }
 

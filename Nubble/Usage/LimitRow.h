@@ -15,8 +15,8 @@ class LimitRow : public QWidget {
 public:
     explicit LimitRow(const QString &label, QWidget *parent = nullptr);
 
-    // The bar runs to a new fraction within 200 ms, but for the first one or when `animated` is false.
-    void setWindow(std::optional<double> fraction, const QString &resetText, bool animated);
+    // The bar runs to a new percentage within 200 ms, but for the first one or when `animated` is false.
+    void setWindow(std::optional<int> percent, const QString &resetText, bool animated);
 
     [[nodiscard]] QSize sizeHint() const override;
 
@@ -28,9 +28,9 @@ private:
     void drawBar(QPainter &painter, const QRectF &bar) const;
 
     QString m_label;
-    std::optional<double> m_fraction;
+    std::optional<int> m_percent;
     QString m_resetText;
-    QVariantAnimation m_bar; // the fraction that is drawn
+    QVariantAnimation m_bar; // the part of it that is drawn, 0 to 1
 };
 
 } // namespace nubble

@@ -15,6 +15,7 @@ namespace nubble {
 namespace {
 
 constexpr auto entriesTrustedFor = 3min;
+constexpr auto folderTrustedFor = 30min; // to tell of what happens in it; not all file systems do
 constexpr auto freshFor = 30min;
 
 constexpr int politeness = 10; // niceness of the worker and of what it runs
@@ -43,6 +44,7 @@ PlanUsageMonitor::PlanUsageMonitor(PlanUsageReader reader, const Clock &clock, Q
     refresh(false);
     auto *timer = new QTimer(this);
     timer->callOnTimeout(this, [this] { refresh(false); });
+    timer->setTimerType(Qt::VeryCoarseTimer); // together with others
     timer->start(10s);
 }
 
@@ -55,28 +57,36 @@ PlanUsageMonitor::PlanUsageMonitor(
 
 QString PlanUsageMonitor::domainIn(const Defaults &defaults)
 {
-    return defaults.string(u"planUsage.domain"_s).value_or(defaultDomain);
+    // In lower case, as it stands in the cache's addresses.
+    const QString preferred = defaults.string(u"planUsage.domain"_s).value_or(QString()).trimmed().toLower();
+    return preferred.isEmpty() ? defaultDomain : preferred;
 }
 
 void PlanUsageMonitor::refresh(bool rescan)
 {
     if (rescan)
-        m_scannedAt.reset();
+        m_listedAt.reset();
     if (m_working || !m_clock)
         return;
     m_working = true;
+    const bool lists = !isWithin(folderTrustedFor, m_listedAt);
+    if (lists)
+        m_listedAt = m_clock->now();
+    const bool trusts = !lists && isWithin(entriesTrustedFor, m_scannedAt);
     m_worker.add(
-        [this, known = trustsEntries() ? m_entries : QList<QByteArray>()](const std::stop_token &stop) {
+        [this, lists, known = trusts ? m_entries : QList<QByteArray>()](const std::stop_token &stop) {
+            if (lists)
+                m_reader.forget();
             return m_reader.read(known, stop);
         },
         [this](const ReadOutcome &outcome) { accept(outcome); });
     Q_EMIT refreshingChanged();
 }
 
-bool PlanUsageMonitor::trustsEntries() const
+bool PlanUsageMonitor::isWithin(std::chrono::milliseconds span, const std::optional<TimePoint> &since) const
 {
-    const auto age = m_clock->now() - m_scannedAt.value_or(TimePoint());
-    return m_scannedAt && age >= 0s && age < entriesTrustedFor; // below 0, the clock was put back
+    const auto age = m_clock->now() - since.value_or(TimePoint());
+    return since && age >= 0s && age < span; // below 0, the clock was put back
 }
 
 void PlanUsageMonitor::accept(const ReadOutcome &outcome)
@@ -99,7 +109,7 @@ void PlanUsageMonitor::accept(const ReadOutcome &outcome)
 PlanUsageMonitor::Shown PlanUsageMonitor::shownAfter(const ReadOutcome &outcome) const
 {
     if (const ReadProblem *problem = std::get_if<ReadProblem>(&outcome.result))
-        return {m_shown.windows, problemText(*problem)};
+        return {m_shown.windows, problemText(*problem, outcome.installCommand)};
     const Reading &reading = std::get<Reading>(outcome.result);
     const auto age = m_clock->now() - reading.capturedAt;
     return {reading.windows, age > freshFor ? std::optional(staleText(age)) : std::nullopt};

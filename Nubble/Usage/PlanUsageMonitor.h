@@ -35,8 +35,8 @@ public:
     } // absent when fresh
     [[nodiscard]] bool isRefreshing() const { return m_working; }
 
-    // Starts a read unless one is under way; `rescan` has the cache folder listed again, by the next read at
-    // the latest.
+    // Starts a read unless one is under way; `rescan` has the cache folder listed again, whether it seems to
+    // have changed or not, by that read or the next.
     void refresh(bool rescan);
 
 Q_SIGNALS:
@@ -53,12 +53,13 @@ private:
 
     void accept(const ReadOutcome &outcome);
     Shown shownAfter(const ReadOutcome &outcome) const;
-    bool trustsEntries() const;
+    bool isWithin(std::chrono::milliseconds span, const std::optional<TimePoint> &since) const;
 
     const Clock *const m_clock; // none for a sample
     Shown m_shown;
     QList<QByteArray> m_entries;          // known to hold usage answers
-    std::optional<TimePoint> m_scannedAt; // when the folder was last listed
+    std::optional<TimePoint> m_scannedAt; // when the folder was last scanned
+    std::optional<TimePoint> m_listedAt;  // when it was last listed whatever it seemed; none: is to be
     bool m_working = false;
     PlanUsageReader m_reader; // the worker's, while m_working
     SerialWorker m_worker;

@@ -28,7 +28,7 @@ namespace {
 void showWindow(LimitRow &row, const std::optional<PlanWindow> &window, const QDateTime &now, bool animated)
 {
     row.setWindow(
-        window ? std::optional(window->fraction) : std::nullopt,
+        window ? std::optional(percentOf(window->fraction)) : std::nullopt,
         window ? resetText(window->resetsAt, now) : QString(), animated);
 }
 

@@ -11,20 +11,20 @@ namespace nubble {
 
 int percentOf(double fraction)
 {
-    // Rounded: 29 of 100 comes back as 28.999….
-    return std::isnan(fraction) ? 0 : static_cast<int>(std::lround(std::clamp(fraction, 0.0, 1.0) * 100));
+    constexpr double binaryError = 1e-9; // 29 of 100 comes back as 28.999…
+    return std::isnan(fraction) ? 0 : static_cast<int>(std::clamp(fraction, 0.0, 1.0) * 100 + binaryError);
 }
 
-QString percentText(double fraction)
+QString percentText(int percent)
 {
-    return QString::number(percentOf(fraction)) + u"% Used";
+    return QString::number(percent) + u"% Used";
 }
 
-UsageLevel levelOf(double fraction)
+UsageLevel levelOf(int percent)
 {
-    if (fraction >= 0.7)
+    if (percent >= 70)
         return UsageLevel::Critical;
-    return fraction >= 0.5 ? UsageLevel::Watch : UsageLevel::Ample;
+    return percent >= 50 ? UsageLevel::Watch : UsageLevel::Ample;
 }
 
 QString resetText(const std::optional<QDateTime> &resetsAt, const QDateTime &now)
@@ -40,13 +40,14 @@ QString resetText(const std::optional<QDateTime> &resetsAt, const QDateTime &now
     return u"Resets "_s + QLocale::c().toString(resetsAt->toLocalTime(), u"ddd h:mm AP");
 }
 
-QString problemText(ReadProblem problem)
+QString problemText(ReadProblem problem, const std::optional<QString> &installCommand)
 {
     switch (problem) {
     case ReadProblem::NoCache:
         return u"Open the Claude app to load plan usage"_s;
     case ReadProblem::NoZstd:
-        return u"Install zstd (brew install zstd) to read plan usage"_s;
+        return u"Install zstd"_s + (installCommand ? u" ("_s + *installCommand + u')' : QString())
+            + u" to read plan usage";
     case ReadProblem::Unreadable:
         break;
     }

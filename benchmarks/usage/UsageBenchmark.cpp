@@ -1,6 +1,7 @@
 #include <benchmark/benchmark.h>
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include "Usage/CacheScan.h"
@@ -57,28 +58,55 @@ void firstScan(benchmark::State &state)
 }
 BENCHMARK(firstScan)->Arg(1000)->Arg(20'000)->Unit(benchmark::kMillisecond);
 
+// As after a file has come or gone.
 void laterScan(benchmark::State &state)
 {
     const Cache cache(state.range(0));
     CacheScan scan(cache.nativeFolder(), "claude.ai");
     benchmark::DoNotOptimize(scan.usageEntries());
     while (state.KeepRunning()) {
+        scan.forget();
         if (scan.usageEntries().size() != 2)
             state.SkipWithError("the usage entries are not found");
     }
 }
 BENCHMARK(laterScan)->Arg(1000)->Arg(20'000)->Unit(benchmark::kMillisecond);
 
-void refreshOfKnownEntries(benchmark::State &state)
+void scanOfAnUnchangedFolder(benchmark::State &state)
 {
     const Cache cache(state.range(0));
+    CacheScan scan(cache.nativeFolder(), "claude.ai");
+    for (int listing = 0; listing < 2; ++listing)
+        benchmark::DoNotOptimize(scan.usageEntries());
+    while (state.KeepRunning()) {
+        if (scan.usageEntries().size() != 2)
+            state.SkipWithError("the usage entries are not found");
+    }
+}
+BENCHMARK(scanOfAnUnchangedFolder)->Arg(1000)->Arg(20'000)->Unit(benchmark::kMillisecond);
+
+// One that knows the entries, which have changed since the last or have not.
+void refresh(benchmark::State &state, bool hasChanged)
+{
+    const Cache cache(10);
     const auto entries = CacheScan(cache.nativeFolder(), "claude.ai").usageEntries();
     PlanUsageReader reader(cache.folder(), u"claude.ai"_s, [] { return u"/usr/bin/zstd"_s; });
     while (state.KeepRunning()) {
+        for (const QByteArray &each : hasChanged ? entries : QList<QByteArray>())
+            ::utimensat(AT_FDCWD, each.constData(), nullptr, 0);
         if (!std::holds_alternative<Reading>(reader.read(entries).result))
             state.SkipWithError("the usage is not read");
     }
 }
-BENCHMARK(refreshOfKnownEntries)->Arg(1000)->Arg(20'000)->Unit(benchmark::kMillisecond);
+void refreshAfterAChange(benchmark::State &state)
+{
+    refresh(state, true);
+}
+BENCHMARK(refreshAfterAChange)->Unit(benchmark::kMillisecond);
+void refreshWithoutAChange(benchmark::State &state)
+{
+    refresh(state, false);
+}
+BENCHMARK(refreshWithoutAChange)->Unit(benchmark::kMillisecond);
 
 } // namespace

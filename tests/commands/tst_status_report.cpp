@@ -70,10 +70,11 @@ private Q_SLOTS:
             u".config/Claude/Cache/Cache_Data/a_0"_s,
             UsageCache::entry(UsageCache::usageKey(), UsageCache::compressed(R"({
                 "five_hour":{"utilization":50},
-                "seven_day":{"utilization":75,"resets_at":"2026-10-01T12:00:00+02:00"}})")));
+                "seven_day":{"utilization":75.5,"resets_at":"2026-10-01T12:00:00+02:00"}})")));
         world.planUsage.refresh(true);
-        const QJsonObject session{{u"fraction"_s, 0.5}, {u"resetsAt"_s, QJsonValue()}};
-        const QJsonObject weekly{{u"fraction"_s, 0.75}, {u"resetsAt"_s, u"2026-10-01T10:00:00Z"_s}};
+        const QJsonObject session{{u"fraction"_s, 0.5}, {u"percent"_s, 50}, {u"resetsAt"_s, QJsonValue()}};
+        const QJsonObject weekly{
+            {u"fraction"_s, 0.755}, {u"percent"_s, 75}, {u"resetsAt"_s, u"2026-10-01T10:00:00Z"_s}};
         QTRY_COMPARE(
             usage(),
             (QJsonObject{{u"session"_s, session}, {u"weekly"_s, weekly}, {u"problem"_s, QJsonValue()}}));

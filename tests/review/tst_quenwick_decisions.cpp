@@ -133,7 +133,7 @@ private Q_SLOTS:
         m_world->server.answer("/api/decide", "{}");
         m_world->server.answer("/api/notch", ReviewWorld::inbox(0, {}));
         m_world->monitor->schedule(ReviewWorld::item(u"a"_s));
-        QTRY_COMPARE(m_world->shown(), u"live 0: Opened in Calendar — confirm to save"_s);
+        QTRY_COMPARE(m_world->shown(), u"live 0: Opened in your calendar — confirm to save"_s);
         QCOMPARE(
             m_world->server.requestsFor("/api/schedule").last()
                 + m_world->server.requestsFor("/api/decide").last(),

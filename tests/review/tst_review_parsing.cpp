@@ -127,7 +127,7 @@ private Q_SLOTS:
               Row{R"({"added":0,"how":"x"})", "Up to date", "Approved", "Added to your calendar"},
               Row{R"({"added":"2","how":"google"})", "Up to date", "Approved", "Added to Google Calendar"},
               Row{R"({"error":null,"how":"ics"})", "Up to date", "Approved",
-                  "Opened in Calendar — confirm to save"},
+                  "Opened in your calendar — confirm to save"},
               Row{R"({"added":2,"how":"ics","error":"Off"})", "Off", "Off", "Off"}}) {
             const auto answer = parseAnswer(json);
             QCOMPARE(scanText(answer), QString::fromUtf8(scan));

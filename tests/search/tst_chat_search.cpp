@@ -141,7 +141,7 @@ private Q_SLOTS:
         QCOMPARE(titles().size(), 1);
         m_tool->follow(script);
         search(u"r"_s);
-        QCOMPARE(m_search->problem(), u"Search failed — run `yarnbin sync` in Terminal"_s);
+        QCOMPARE(m_search->problem(), u"Search failed — run `yarnbin sync` in a terminal"_s);
         QVERIFY(titles().isEmpty());
         m_tool->remove();
         search(u"s"_s);

@@ -6,6 +6,7 @@
 #include "Shell/Addon.h"
 #include "Shell/Defaults.h"
 #include "Shell/DesktopEntry.h"
+#include "Shell/Distribution.h"
 #include "Shell/Migration.h"
 #include "Shell/Tools.h"
 #include "support/TemporaryHome.h"
@@ -36,6 +37,20 @@ private Q_SLOTS:
             QCOMPARE(shown(defaults.number(u"a.key"_s)), number);
             QCOMPARE(shown(defaults.boolean(u"a.key"_s)), boolean);
         }
+    }
+
+    void packagesAreInstalledByTheDistributionsOwnCommand()
+    {
+        using Row = std::pair<const char *, const char *>;
+        for (const auto &[osRelease, command] :
+             {Row{"NAME=\"Debian\"\nID=debian\n", "sudo apt install zstd"},
+              Row{"ID_LIKE='ubuntu debian'\nID=linuxmint", "sudo apt install zstd"},
+              Row{"ID=\"rocky\"\r\nID_LIKE=\"rhel centos fedora\"\r\n", "sudo dnf install zstd"},
+              Row{"#ID=debian\nID=x\n ID=arch", "sudo pacman -S zstd"},
+              Row{"ID=opensuse-leap\nID_LIKE=\"suse opensuse\"\nID_LIKES=debian", "sudo zypper install zstd"},
+              Row{"", "none"}, Row{"ID=\"\nID_LIKE=debians\nVARIANT_ID=fedora\nID", "none"}})
+            QCOMPARE(Distribution::installCommand(osRelease, u"zstd"_s).value_or(u"none"_s), QLatin1String(command));
+        QCOMPARE(Distribution::osRelease().isEmpty(), !QFile::exists(u"/etc/os-release"_s));
     }
 
     void whatIsSetIsReadBackAlikeInThisRunAndTheNext()

@@ -44,6 +44,7 @@ private Q_SLOTS:
         m_cache.emplace();
         m_clock = ManualClock();
         m_zstd = u"/usr/bin/zstd"_s;
+        m_osRelease = "ID=debian\n";
     }
     void cleanup()
     {
@@ -115,10 +116,70 @@ private Q_SLOTS:
         const QByteArray other(usage.size(), 'x');
         PlanUsageReader first = reader();
         for (const QByteArray &bytes : {other, usage, other}) {
+            QFile::remove(m_cache->folder() + u"/a_0");
             m_cache->add(u"a_0"_s, bytes, m_clock.now());
             for (int look = 0; look < 2; ++look)
                 QCOMPARE(printed(first.read({})), bytes == usage ? "10: a_0" : "no cache:");
         }
+    }
+
+    void aFolderThatHasNotChangedIsListedOnceMore()
+    {
+        const auto rewrite = [this](const QByteArray &bytes) {
+            m_cache->add(u"a_0"_s, bytes, m_clock.now());
+        };
+        const QByteArray usage = UsageCache::usageEntry(10);
+        rewrite({});
+        PlanUsageReader first = reader();
+        QCOMPARE(printed(first.read({})), "no cache:");
+        rewrite(usage); // its key comes late
+        QCOMPARE(printed(first.read({})), "10: a_0");
+        rewrite({});
+        QCOMPARE(printed(first.read({})), "unreadable: a_0");
+        PlanUsageReader second = reader();
+        for (int look = 0; look < 2; ++look)
+            QCOMPARE(printed(second.read({})), "no cache:");
+        rewrite(usage);
+        QCOMPARE(printed(second.read({})), "no cache:");
+        second.forget();
+        QCOMPARE(printed(second.read({})), "10: a_0");
+        add(u"b_0"_s, 20, -1ms);
+        QCOMPARE(printed(second.read({})), "20: b_0 a_0");
+    }
+
+    void onlyEntriesThatHaveChangedAreDecompressed()
+    {
+        PlanUsageReader first = reader();
+        const auto afterThreeReads = [&]() -> QByteArray {
+            QByteArray last;
+            for (int look = 0; look < 3; ++look)
+                last = printed(first.read({}));
+            return last + ", run " + QByteArray::number(runs());
+        };
+        setZstd("exec zstd -dc");
+        add(u"a_0"_s, 10, 0ms);
+        QCOMPARE(afterThreeReads(), "10: a_0, run 1");
+        add(u"a_0"_s, 20, 0ms); // as long and as old
+        QCOMPARE(afterThreeReads(), "20: a_0, run 2");
+        const QByteArray noise = UsageCache::entry(UsageCache::usageKey(), "\x28\xb5\x2f\xfdnoise");
+        m_cache->add(u"a_0"_s, noise, m_clock.now());
+        QCOMPARE(afterThreeReads(), "unreadable: a_0, run 3");
+        first.forget();
+        QCOMPARE(afterThreeReads(), "unreadable: a_0, run 4");
+        setZstd("exit 127"); // which is not for what it was given
+        add(u"a_0"_s, 30, 0ms);
+        QCOMPARE(afterThreeReads(), "unreadable: a_0, run 7");
+        setZstd("exec zstd -dc");
+        QCOMPARE(afterThreeReads(), "30: a_0, run 8");
+    }
+
+    void aDecompressionThatHangsEndsTheWholeRead()
+    {
+        for (const QString &name : {u"a_0"_s, u"b_0"_s, u"c_0"_s})
+            add(name, 10, 0ms);
+        setZstd("exec sleep 600");
+        QVERIFY(printed(reader({.time = 300ms}).read({})).startsWith("unreadable: "));
+        QVERIFY(runs() <= 1);
     }
 
     void anEntryThatIsBeingWrittenIsLookedAtAgain()
@@ -163,7 +224,9 @@ private Q_SLOTS:
         m_cache->add(u"a_0"_s, UsageCache::entry(UsageCache::usageKey(), "plain"), m_clock.now());
         QCOMPARE(afterRefresh(), u"42, Couldn't read Claude's usage cache");
         m_zstd.clear();
-        QCOMPARE(afterRefresh(), u"42, Install zstd (brew install zstd) to read plan usage");
+        QCOMPARE(afterRefresh(), u"42, Install zstd (sudo apt install zstd) to read plan usage");
+        m_osRelease.clear();
+        QCOMPARE(afterRefresh(), u"42, Install zstd to read plan usage");
     }
 
     void theKnownEntriesAreTrustedForThreeMinutesUnlessTheClockIsSetBack()
@@ -184,6 +247,22 @@ private Q_SLOTS:
         QCOMPARE(afterRefresh(), u"40"); // nor is it old
     }
 
+    void aFolderThatDoesNotSeemToHaveChangedIsListedOnRequestAndEveryHalfHour()
+    {
+        m_cache->add(u"a_0"_s, {}, m_clock.now());
+        start();
+        QCOMPARE(afterRefresh(), u"none, Open the Claude app to load plan usage");
+        add(u"a_0"_s, 10, 0min);
+        m_clock.advance(30min - 1ms);
+        QCOMPARE(afterRefresh(), u"none, Open the Claude app to load plan usage");
+        m_clock.advance(1ms);
+        QCOMPARE(afterRefresh(), u"10");
+        start();
+        add(u"b_0"_s, 20, -1h);
+        QCOMPARE(afterRefresh(), u"10");
+        QCOMPARE(afterRefresh(true), u"20");
+    }
+
     void itReadsByItselfEveryTenSeconds()
     {
         add(u"a_0"_s, 42, 1min);
@@ -197,9 +276,15 @@ private Q_SLOTS:
 
     void theUserMayPreferTheAnswersOfAnotherService()
     {
-        const Defaults defaults(m_cache->write(u"a.conf"_s, "[General]\nplanUsage.domain=example.org\n"));
-        QCOMPARE(PlanUsageMonitor::domainIn(defaults), u"example.org"_s);
-        QCOMPARE(PlanUsageMonitor::domainIn(Defaults(m_cache->path(u"b.conf"_s))), u"claude.ai"_s);
+        using Row = std::pair<const char *, const char *>;
+        for (const auto &[preferred, domain] :
+             {Row("planUsage.domain=Example.ORG", "example.org"), Row("planUsage.domain=", "claude.ai"),
+              Row("planUsage.domain=\" \"", "claude.ai"), Row("", "claude.ai")}) {
+            m_cache.emplace();
+            const Defaults defaults(
+                m_cache->write(u"a.conf"_s, QByteArray("[General]\n") + preferred + '\n'));
+            QCOMPARE(PlanUsageMonitor::domainIn(defaults), QLatin1String(domain));
+        }
     }
 
     void aMonitorCanGoInTheMiddleOfARead()
@@ -214,7 +299,7 @@ private Q_SLOTS:
 
     void theCardSaysHowMuchIsUsedAndWhenItStartsAnew()
     {
-        addAnswer(R"({"five_hour":{"utilization":42,"resets_at":"2026-09-21T15:12:20Z"},)"
+        addAnswer(R"({"five_hour":{"utilization":42.9,"resets_at":"2026-09-21T15:12:20Z"},)"
                   R"("seven_day":{"utilization":150}})");
         openCard();
         QTRY_COMPARE(onCard(), u"Current session, 42% Used, Resets in 59 min; All models, 100% Used"_s);
@@ -237,11 +322,19 @@ private Q_SLOTS:
     }
 
 private:
-    PlanUsageReader reader() const
+    PlanUsageReader reader(CommandLimits limits = {}) const
     {
         const auto findZstd = [this] { return m_zstd.isEmpty() ? std::nullopt : std::optional(m_zstd); };
-        return PlanUsageReader(m_cache->folder(), PlanUsageMonitor::defaultDomain, findZstd, {{}, 1ms});
+        return PlanUsageReader(
+            m_cache->folder(), PlanUsageMonitor::defaultDomain, findZstd, {limits, 1ms},
+            [this] { return m_osRelease; });
     }
+    // One that counts how often it is run.
+    void setZstd(const QByteArray &line)
+    {
+        m_zstd = m_cache->writeScript(u"zstd"_s, "#!/bin/sh\nprintf x >> \"${0%/*}/runs\"\n" + line + '\n');
+    }
+    qsizetype runs() const { return m_cache->read(u"runs"_s).size(); }
     QByteArray read(const QList<QByteArray> &known = {}) const { return printed(reader().read(known)); }
     QByteArray add(const QString &name, int percent, std::chrono::milliseconds age) const
     {
@@ -290,6 +383,7 @@ private:
     std::optional<UsageCache> m_cache;
     ManualClock m_clock;
     QString m_zstd;
+    QByteArray m_osRelease;
     FakeDesktopPreferences m_preferences;
     std::unique_ptr<PlanUsageMonitor> m_monitor;
     std::unique_ptr<UsageCardContent> m_card;

@@ -86,14 +86,15 @@ private Q_SLOTS:
     void aFractionIsShownAsAWholePercentageAndAColour()
     {
         using Row = std::tuple<double, QString, UsageLevel>;
-        for (const auto &[fraction, text, level] :
-             {Row(-0.2, u"0% Used"_s, UsageLevel::Ample), Row(29 / 100.0, u"29% Used"_s, UsageLevel::Ample),
-              Row(49 / 100.0, u"49% Used"_s, UsageLevel::Ample),
-              Row(50 / 100.0, u"50% Used"_s, UsageLevel::Watch),
-              Row(70 / 100.0, u"70% Used"_s, UsageLevel::Critical),
+        for (const auto &[percent, text, level] :
+             {Row(-20, u"0% Used"_s, UsageLevel::Ample), Row(29, u"29% Used"_s, UsageLevel::Ample),
+              Row(49.99, u"49% Used"_s, UsageLevel::Ample), Row(50, u"50% Used"_s, UsageLevel::Watch),
+              Row(57, u"57% Used"_s, UsageLevel::Watch), Row(69.5, u"69% Used"_s, UsageLevel::Watch),
+              Row(70, u"70% Used"_s, UsageLevel::Critical), Row(99.5, u"99% Used"_s, UsageLevel::Critical),
               Row(1e300, u"100% Used"_s, UsageLevel::Critical)}) {
-            QCOMPARE(percentText(fraction), text);
-            QCOMPARE(levelOf(fraction), level);
+            const int shown = percentOf(percent / 100);
+            QCOMPARE(percentText(shown), text);
+            QCOMPARE(levelOf(shown), level);
         }
     }
 
