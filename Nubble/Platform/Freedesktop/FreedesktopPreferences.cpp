@@ -6,7 +6,7 @@
 #include <QDBusVariant>
 #include <QTimer>
 
-#include "Platform/Freedesktop/SessionBus.h"
+#include "Platform/Freedesktop/SessionLink.h"
 #include "Platform/Logging.h"
 #include "Platform/RegularFile.h"
 
@@ -42,14 +42,15 @@ bool kdeAnimationsAreOff(const QByteArray &kdeglobals)
 }
 
 FreedesktopPreferences::FreedesktopPreferences(Home home, QObject *parent)
-    : DesktopPreferences(parent), m_home(std::move(home))
+    : DesktopPreferences(parent), m_home(std::move(home)), m_link(SessionLink::ofThisProgram())
 {
+    connect(m_link.get(), &SessionLink::returned, this, &FreedesktopPreferences::ask);
     QTimer::singleShot(0, this, &FreedesktopPreferences::ask);
 }
 
 void FreedesktopPreferences::ask()
 {
-    QDBusConnection bus = SessionBus::connection();
+    QDBusConnection bus = m_link->connection();
     if (!bus.isConnected()) {
         readKdeSettings();
         return;

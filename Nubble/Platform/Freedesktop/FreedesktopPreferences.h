@@ -2,6 +2,8 @@
 
 #include <QByteArray>
 
+#include <memory>
+
 #include "Platform/DesktopPreferences.h"
 #include "Platform/Home.h"
 
@@ -9,6 +11,8 @@ class QDBusMessage;
 class QVariant;
 
 namespace nubble {
+
+class SessionLink;
 
 // Whether KDE's settings file switches animations off.
 [[nodiscard]] bool kdeAnimationsAreOff(const QByteArray &kdeglobals);
@@ -34,6 +38,7 @@ private:
     void setReducedMotion(bool reduced);
 
     Home m_home;
+    std::shared_ptr<SessionLink> m_link;
     bool m_reducedMotion = false;
 };
 
