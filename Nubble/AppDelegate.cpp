@@ -124,6 +124,11 @@ std::unique_ptr<MeetingNotes> AppDelegate::meetingNotes()
         MeetingNotes::Pace());
 }
 
+template <typename Part, typename... Signals> void AppDelegate::tellOfChanges(Part &part, Signals... signal)
+{
+    (connect(&part, signal, &m_commands, &AppCommands::statusTouched), ...);
+}
+
 void AppDelegate::registerParts()
 {
     showOnRing(m_panel.view().ring(), m_sessionMonitor, m_planUsage);
@@ -136,6 +141,12 @@ void AppDelegate::registerParts()
     m_commands.addReport([this](QJsonObject &status) { reportUsage(m_planUsage, status); });
     m_commands.addReport([this](QJsonObject &status) { reportPanel(m_panelState, m_placement, status); });
     m_commands.addReport([this](QJsonObject &status) { reportHotKeys(m_hotKeys, status); });
+    tellOfChanges(
+        m_sessionMonitor, &SessionMonitor::sessionsChanged, &SessionMonitor::recentlyCompletedChanged);
+    tellOfChanges(m_sessionMonitor.details(), &SessionDetails::byIdChanged);
+    tellOfChanges(m_planUsage, &PlanUsageMonitor::changed);
+    tellOfChanges(m_panelState, &PanelState::modeChanged);
+    tellOfChanges(m_placement, &NotchPlacement::changed);
 }
 
 void AppDelegate::observeState()
@@ -201,6 +212,10 @@ void AppDelegate::openAskAddon()
         return Outcome::done();
     });
     m_commands.addReport([this](QJsonObject &status) { reportAsk(*m_askWindow, status); });
+    tellOfChanges(*m_askWindow, &AskWindow::closed);
+    tellOfChanges(
+        m_askWindow->conversation(), &AskClaude::busyChanged, &AskClaude::problemChanged,
+        &AskClaude::capturingChanged, &AskClaude::wasReset);
 }
 
 void AppDelegate::openSearchAddon()
@@ -224,6 +239,8 @@ void AppDelegate::openSearchAddon()
         return Outcome::done();
     });
     m_commands.addReport([this](QJsonObject &status) { reportSearch(*m_searchWindow, status); });
+    tellOfChanges(*m_searchWindow, &ChatSearchWindow::closed);
+    tellOfChanges(m_searchWindow->search(), &ChatSearch::answered, &ChatSearch::threadChanged);
 }
 
 void AppDelegate::openNotesAddon()
@@ -242,6 +259,7 @@ void AppDelegate::openNotesAddon()
         return hasStarted ? Outcome::done() : Outcome::failed(statusText(state));
     });
     m_commands.addReport([this](QJsonObject &status) { reportNotes(*m_meetingNotes, status); });
+    tellOfChanges(*m_meetingNotes, &MeetingNotes::changed);
     m_meetingNotes->watch();
 }
 
@@ -275,6 +293,7 @@ void AppDelegate::openReviewAddon()
         return;
     m_commands.addRefresh([this] { m_quenwick->refreshNow(); });
     m_commands.addReport([this](QJsonObject &status) { reportReview(*m_quenwick, status); });
+    tellOfChanges(*m_quenwick, &QuenwickMonitor::changed);
 }
 
 void AppDelegate::registerHotKeys()
@@ -297,6 +316,7 @@ void AppDelegate::perform(HotKey key)
         m_askWindow->screenshot();
         break;
     }
+    Q_EMIT m_commands.statusTouched();
 }
 
 MenuState AppDelegate::menuState() const

@@ -51,6 +51,7 @@ private:
     [[nodiscard]] NotchContents notchContents();                // the panel's cards and buttons
     [[nodiscard]] std::unique_ptr<MeetingNotes> meetingNotes(); // while the add-on is on
     void registerParts();
+    template <typename Part, typename... Signals> void tellOfChanges(Part &part, Signals... signal);
     void openAskAddon();
     void openSearchAddon();
     void openNotesAddon();

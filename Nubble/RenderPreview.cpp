@@ -143,7 +143,7 @@ Outcome drawAll(int scale, const QString &folder, const QString &temporary)
         QApplication::setPalette(Palette::widgets());
         outcome = drawAll(scale, folder, temporary);
     }
-    const int status = outcome.isDone() ? ExitDone : fail(ExitFailed, outcome.why());
+    const int status = outcome.isDone() ? ExitDone : fail(ExitFailed, outcome.why().toStdString());
     std::fflush(nullptr);
     std::_Exit(status); // what the parent made is the parent's to clean up
 }
@@ -157,7 +157,7 @@ int runScales(const QString &folder, char *program)
             runScale(scale, folder, temporary.path(), program);
         int status = 0;
         if (child < 0 || ::waitpid(child, &status, 0) != child || !WIFEXITED(status))
-            return fail(ExitFailed, u"there is no process to draw in, or it broke off"_s);
+            return fail(ExitFailed, "there is no process to draw in, or it broke off");
         if (WEXITSTATUS(status) != ExitDone)
             return WEXITSTATUS(status);
     }
@@ -171,10 +171,10 @@ std::optional<int> runIfAsked(int argc, char *argv[])
     if (argc < 2 || std::string_view(argv[1]) != "--render-quenwick")
         return std::nullopt;
     if (argc > 3)
-        return fail(ExitWrongUsage, u"--render-quenwick takes one folder."_s);
+        return fail(ExitWrongUsage, "--render-quenwick takes one folder.");
     const QDir folder(argc == 3 ? QFile::decodeName(argv[2]) : u"nubble-cards"_s);
     if (!folder.mkpath(u"."_s))
-        return fail(ExitFailed, u"cannot make the folder "_s + folder.path());
+        return fail(ExitFailed, "cannot make the folder " + folder.path().toStdString());
     const int status = runScales(folder.absolutePath(), argv[0]);
     if (status == ExitDone)
         std::puts(QFile::encodeName(folder.absolutePath()).constData());

@@ -1,18 +1,24 @@
 #include <QApplication>
+#include <QDeadlineTimer>
+#include <QFile>
 #include <QPalette>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
+#include <sys/prctl.h>
 #include <vector>
 
 #include "AppDelegate.h"
 #include "Commands/CommandClient.h"
 #include "Commands/CommandLine.h"
 #include "Commands/ControlObject.h"
+#include "Commands/StartCommand.h"
 #include "Commands/StatusCommand.h"
 #include "Platform/InstanceBus.h"
+#include "Platform/InstanceClient.h"
 #include "Platform/InstanceLock.h"
 #include "Platform/StandardDescriptors.h"
 #include "Platform/System.h"
@@ -23,6 +29,7 @@
 #include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 using namespace nubble;
 
 namespace {
@@ -45,12 +52,32 @@ void setUpLook()
     using Verb = CommandLine::Verb;
     if (line.verb == Verb::AutostartOn || line.verb == Verb::AutostartOff)
         leave(setAutostart(line, home));
-    const auto bus = System::instanceBus(ControlObject::serviceName(line));
-    leave(line.verb == Verb::Status ? printStatus(home, *bus, line.json) : runInInstance(line, *bus));
+    InstanceClient client(line.serviceName());
+    if (const std::optional<int> status = runInInstance(line, client))
+        leave(*status);
+    leave(line.verb == Verb::Status ? printStatus(home, line.json) : startFor(line, home));
+}
+
+// By the instance that has the lock. It may be about to end, or to find a bus again that it has lost: none
+// when the lock has become free.
+std::optional<int> answeredElsewhere(InstanceLock &lock, const CommandLine &line)
+{
+    const QDeadlineTimer patience(InstanceClient::isBusSetUp() ? 10s : 3s);
+    InstanceClient client(line.serviceName());
+    while (lock.isHeldElsewhere(50ms)) {
+        if (const std::optional<int> status = runInInstance(line, client))
+            return status;
+        if (patience.hasExpired())
+            return fail(ExitFailed, "Nubble runs already, and cannot be reached over the session bus");
+    }
+    return std::nullopt;
 }
 
 int run(int argc, char *argv[], QByteArray platform, const CommandLine &line, const Home &home)
 {
+    InstanceLock lock(home.configFolder() + u"/com.brevandel.nubble.lock");
+    if (const std::optional<int> status = answeredElsewhere(lock, line))
+        return *status;
     auto fonts = System::fontPreload();
     // As an argument, for the environment would be handed down to every child process.
     std::vector<char *> qtArguments(argv, argv + argc);
@@ -67,21 +94,18 @@ int run(int argc, char *argv[], QByteArray platform, const CommandLine &line, co
     setUpLook();
     QApplication::setQuitOnLastWindowClosed(false);
 
-    const auto bus = System::instanceBus(ControlObject::serviceName(line));
+    const auto bus = System::instanceBus(QString::fromStdString(line.serviceName()));
     ControlObject control;
-    if (!bus->claim(&control))
-        leave(line.verb == CommandLine::Verb::Start ? ExitDone : runInInstance(line, *bus));
-    InstanceLock lock(home.configFolder() + u"/com.brevandel.nubble.lock");
-    constexpr std::chrono::seconds forPredecessor(3);
-    if (!bus->isConnected() && lock.isHeldElsewhere(forPredecessor))
-        return fail(ExitFailed, u"Nubble runs already, and there is no session bus to reach it by"_s);
-
+    if (!bus->claim(&control)) { // an instance would have the lock, too
+        InstanceClient client(line.serviceName());
+        leave(runInInstance(line, client).value_or(ExitFailed));
+    }
     {
         Defaults defaults(Defaults::fileOf(u"com.brevandel.nubble"_s, home.configFolder()));
         Migration::fromBrindleCove(defaults, home);
     }
     fonts.reset();
-    AppDelegate delegate(home, *bus, Relaunch::ofThisProgram(line.startArguments()));
+    AppDelegate delegate(home, *bus, Relaunch::ofThisProgram(startArguments(line)));
     control.serve(delegate.commands());
     const auto termination = System::terminationSignals();
     QObject::connect(termination.get(), &TerminationSignals::received, &application, &AppDelegate::end);
@@ -93,30 +117,18 @@ int run(int argc, char *argv[], QByteArray platform, const CommandLine &line, co
 int main(int argc, char *argv[])
 {
     openStandardDescriptors();
+    ::prctl(PR_SET_NAME, "nubble"); // by which users know it
     if (const std::optional<int> status = RenderPreview::runIfAsked(argc, argv))
         return *status;
-    QStringList arguments;
-    for (int i = 1; i < argc; ++i)
-        arguments.append(QString::fromLocal8Bit(argv[i]));
-    const auto parsed = parseCommandLine(arguments);
+    const auto parsed = parseCommandLine(std::vector<std::string>(argv + std::min(argc, 1), argv + argc));
     if (const auto *error = std::get_if<UsageError>(&parsed))
         return fail(ExitWrongUsage, error->message);
     const CommandLine &line = *std::get_if<CommandLine>(&parsed);
-    const Home home = line.home ? Home(*line.home) : Home::ofUser();
+    const Home home = line.home ? Home(QFile::decodeName(line.home->c_str())) : Home::ofUser();
 
-    switch (line.verb) {
-    case CommandLine::Verb::Help:
-        return print(helpText().toUtf8());
-    case CommandLine::Verb::Version:
-        return print("nubble " NUBBLE_VERSION "\n");
-    case CommandLine::Verb::Run:
-    case CommandLine::Verb::Start:
+    if (line.verb == CommandLine::Verb::Run || line.verb == CommandLine::Verb::Start)
         if (const std::optional<QByteArray> platform = qtPlatform())
             return run(argc, argv, *platform, line, home);
-        break;
-    default:
-        break;
-    }
     const QCoreApplication application(argc, argv);
     runCommand(line, home);
 }

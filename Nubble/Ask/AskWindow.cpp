@@ -25,6 +25,7 @@ AskWindow::AskWindow(const Home &home, Surroundings surroundings, QObject *paren
       m_capturer(m_surroundings.workspace, m_surroundings.capture)
 {
     connect(&m_window, &FloatingWindow::closed, this, [this] { m_sinceClosed.start(); });
+    connect(&m_window, &FloatingWindow::closed, this, &AskWindow::closed);
     connect(&m_settling, &ScreenSettling::settled, this, &AskWindow::grab);
 }
 

@@ -47,6 +47,9 @@ public:
     [[nodiscard]] const AskClaude &conversation() const { return m_ask; }
     [[nodiscard]] bool isOpen() const { return m_window.isOpen(); }
 
+Q_SIGNALS:
+    void closed();
+
 private:
     [[nodiscard]] QWidget *makeView();
     void noteFront();

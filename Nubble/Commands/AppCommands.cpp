@@ -74,15 +74,16 @@ Outcome AppCommands::perform(const AddonRequest &request)
     if (handler == m_handlers.end())
         return Outcome::failed(
             u"This version has nothing to open for \"%1\" yet."_s.arg(title(addonOf(request))));
-    return handler->second(request);
+    const Outcome outcome = handler->second(request);
+    Q_EMIT statusTouched();
+    return outcome;
 }
 
 Outcome AppCommands::performFromOutside(const AddonRequest &request)
 {
     const Addon addon = addonOf(request);
     if (!m_addons.contains(addon))
-        return Outcome::failed(
-            u"The add-on \"%1\" is off. It is switched on in the menu."_s.arg(title(addon)));
+        return Outcome::failed(offText(addon));
     return perform(request);
 }
 

@@ -58,6 +58,7 @@ Q_SIGNALS:
     void refused(nubble::Addon addon, const QString &why);
     void restartRequested();
     void quitRequested();
+    void statusTouched(); // by whatever may have changed what status() tells
 
 private:
     PanelWindow &m_panel;

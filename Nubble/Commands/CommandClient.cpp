@@ -1,18 +1,13 @@
 #include "Commands/CommandClient.h"
 
-#include <QDeadlineTimer>
-#include <QThread>
-
 #include <cstdio>
+#include <sys/ioctl.h>
+#include <thread>
+#include <unistd.h>
 
 #include "Commands/CommandLine.h"
-#include "Platform/Backend.h"
-#include "Platform/Home.h"
-#include "Platform/InstanceBus.h"
-#include "Shell/Autostart.h"
-#include "Shell/Relaunch.h"
+#include "Platform/InstanceClient.h"
 
-using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace nubble {
@@ -20,110 +15,108 @@ namespace nubble {
 namespace {
 
 using Verb = CommandLine::Verb;
+using Kind = InstanceAnswer::Kind;
 
 struct Request {
-    QString method;
-    QVariantList arguments;
-    QString methodAfterStart; // empty where nothing is started
+    const char *method = nullptr;
+    std::vector<InstanceClient::Argument> arguments = {};
+    const char *methodAfterStart = nullptr; // none where nothing is started
 };
 
 Request requestFor(const CommandLine &line)
 {
-    const auto opening = [](const QString &method, const QVariantList &arguments = {}) {
-        return Request{method, arguments, method};
-    };
     switch (line.verb) {
     case Verb::Start:
-        return opening(u"Status"_s); // nothing but whether it is there
+        return {"Status", {}, "Status"}; // nothing but whether it is there
     case Verb::Hide:
-        return {u"Hide"_s, {}, {}};
+        return {"Hide"};
     case Verb::Toggle:
-        return {u"Toggle"_s, {}, u"Show"_s};
+        return {"Toggle", {}, "Show"};
     case Verb::Sessions:
-        return opening(u"OpenSessions"_s);
+        return {"OpenSessions", {}, "OpenSessions"};
     case Verb::Ask:
-        return opening(u"Ask"_s, {line.question});
+        return {"Ask", {line.question}, "Ask"};
     case Verb::Search:
-        return opening(u"Search"_s);
+        return {"Search", {}, "Search"};
     case Verb::StartNotes:
-        return {u"StartNotes"_s, {}, {}};
+        return {"StartNotes"};
     case Verb::StopNotes:
-        return {u"StopNotes"_s, {}, {}};
+        return {"StopNotes"};
+    case Verb::Status:
+        return {"StatusText", {line.json ? "json" : "table", terminalWidth()}};
     case Verb::Restart:
-        return {u"Restart"_s, {}, {}};
+        return {"Restart"};
     case Verb::Quit:
-        return {u"Quit"_s, {}, {}};
+        return {"Quit"};
     default:
-        return opening(u"Show"_s);
+        return {"Show", {}, "Show"};
     }
 }
 
-Outcome start(const CommandLine &line, const InstanceBus &bus)
-{
-    if (!qtPlatform())
-        return Outcome::failed(u"there is no display to show the panel on"_s);
-    if (!bus.isConnected())
-        return Outcome::failed(u"there is no session bus to reach Nubble by"_s);
-    if (!Relaunch::ofThisProgram(line.startArguments()).startDetached())
-        return Outcome::failed(u"Nubble cannot be started"_s);
-    return Outcome::done();
-}
-
 // Whichever instance comes up first: another command may be starting one as well.
-BusAnswer askOnceThere(const InstanceBus &bus, const QString &method, const QVariantList &arguments = {})
+InstanceAnswer askOnceThere(
+    InstanceClient &client, const char *method, const std::vector<InstanceClient::Argument> &arguments)
 {
-    QDeadlineTimer patience(10s);
+    const auto end = std::chrono::steady_clock::now() + 10s;
     while (true) {
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(patience.remainingTimeAsDuration());
-        BusAnswer answer = bus.call(method, arguments, left);
-        if (answer.kind != BusAnswer::Kind::NotOwned || patience.hasExpired())
+        const auto left =
+            std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+        InstanceAnswer answer = client.call(method, arguments, left);
+        if (answer.kind != Kind::NotOwned || left <= 0ms)
             return answer;
-        QThread::msleep(20);
+        std::this_thread::sleep_for(20ms);
     }
 }
 
 } // namespace
 
-int runInInstance(const CommandLine &line, const InstanceBus &bus)
+std::optional<int> runInInstance(const CommandLine &line, InstanceClient &client)
 {
-    constexpr auto patience = 5s;
     const Request request = requestFor(line);
-    BusAnswer answer = bus.call(request.method, request.arguments, patience);
-    if (answer.kind == BusAnswer::Kind::NotOwned && !request.methodAfterStart.isEmpty()) {
-        if (const Outcome started = start(line, bus); !started.isDone())
-            return fail(ExitFailed, started.why());
-        answer = askOnceThere(bus, request.methodAfterStart, request.arguments);
-        if (answer.kind == BusAnswer::Kind::NotOwned)
-            return fail(ExitFailed, u"Nubble does not start; without a command it says why"_s);
-    }
-    if (answer.kind == BusAnswer::Kind::Reply && line.verb == Verb::Restart)
-        answer = askOnceThere(bus, u"Status"_s); // what follows in a script finds the successor
+    const bool isStatus = line.verb == Verb::Status;
+    InstanceAnswer answer = client.call(request.method, request.arguments, isStatus ? 2s : 5s);
+    if (answer.kind == Kind::NotOwned && (request.methodAfterStart || isStatus))
+        return std::nullopt;
+    if (answer.kind == Kind::Reply && line.verb == Verb::Restart)
+        answer = askOnceThere(client, "Status", {}); // what follows in a script finds the successor
+    if (answer.kind == Kind::Reply && isStatus)
+        return print(answer.text);
     return exitStatusOf(answer);
 }
 
-int setAutostart(const CommandLine &line, const Home &home)
+int runOnceThere(const CommandLine &line, InstanceClient &client)
 {
-    const Autostart autostart(home.configFolder());
-    const Outcome outcome = line.verb == Verb::AutostartOn
-        ? autostart.enable(Relaunch::ofThisProgram(line.startArguments()))
-        : autostart.disable();
-    return outcome.isDone() ? ExitDone : fail(ExitFailed, outcome.why());
+    const Request request = requestFor(line);
+    const InstanceAnswer answer = askOnceThere(client, request.methodAfterStart, request.arguments);
+    if (answer.kind == Kind::NotOwned)
+        return fail(ExitFailed, "Nubble does not start; without a command it says why");
+    return exitStatusOf(answer);
 }
 
-int exitStatusOf(const BusAnswer &answer)
+int terminalWidth()
+{
+    winsize size{};
+    return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 100;
+}
+
+int exitStatusOf(const InstanceAnswer &answer)
 {
     switch (answer.kind) {
-    case BusAnswer::Kind::Reply:
+    case Kind::Reply:
         return ExitDone;
-    case BusAnswer::Kind::NotOwned:
+    case Kind::NotOwned:
         std::fputs("Nubble is not running.\n", stderr);
         return ExitNotRunning;
-    case BusAnswer::Kind::Error:
-        return fail(ExitFailed, answer.error);
-    case BusAnswer::Kind::Silence:
+    case Kind::Foreign:
+        return fail(ExitFailed, "another program, or another version, has Nubble's name on the session bus");
+    case Kind::Error:
+        return fail(ExitFailed, answer.text);
+    case Kind::Silence:
+        return fail(ExitFailed, "the running instance does not answer");
+    case Kind::BusSilence:
         break;
     }
-    return fail(ExitFailed, u"the running instance does not answer"_s);
+    return fail(ExitFailed, "the session bus does not answer");
 }
 
 } // namespace nubble

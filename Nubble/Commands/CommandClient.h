@@ -1,21 +1,24 @@
 #pragma once
 
+#include <optional>
+
 namespace nubble {
 
-struct BusAnswer;
 struct CommandLine;
-class Home;
-class InstanceBus;
+struct InstanceAnswer;
+class InstanceClient;
 
-// Has the running instance do what the line asks for, and starts one first for the commands that open
-// something. Needs a QCoreApplication, no display. Returns the exit status, having said on standard error why
-// it is not 0.
-int runInInstance(const CommandLine &line, const InstanceBus &bus);
+// The commands, as far as the running instance carries them out. Without the toolkit. Each returns the exit
+// status, having said on standard error why it is not 0.
 
-// Starts Nubble at login, or no longer. The same otherwise.
-int setAutostart(const CommandLine &line, const Home &home);
+// None where no instance runs and the command can do without one, or starts one first.
+std::optional<int> runInInstance(const CommandLine &line, InstanceClient &client);
 
-// What the instance's answer means, said on standard error when it is not 0.
-int exitStatusOf(const BusAnswer &answer);
+// For the commands that open something: in the instance that comes up within ten seconds.
+int runOnceThere(const CommandLine &line, InstanceClient &client);
+
+[[nodiscard]] int terminalWidth(); // columns of the terminal on standard output, 100 where there is none
+
+int exitStatusOf(const InstanceAnswer &answer);
 
 } // namespace nubble

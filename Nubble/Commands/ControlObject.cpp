@@ -1,29 +1,34 @@
 #include "Commands/ControlObject.h"
 
-#include <QCryptographicHash>
+#include <QDateTime>
 #include <QJsonDocument>
 
 #include "Commands/AppCommands.h"
-#include "Commands/CommandLine.h"
+#include "Commands/StatusLine.h"
+#include "Commands/StatusReport.h"
 
 using namespace Qt::StringLiterals;
 
 namespace nubble {
-
-QString ControlObject::serviceName(const CommandLine &line)
-{
-    QString name = u"com.brevandel.nubble"_s;
-    if (!line.home)
-        return name;
-    const QByteArray hash = QCryptographicHash::hash(line.home->toUtf8(), QCryptographicHash::Sha1);
-    return name + u".home_"_s + QString::fromLatin1(hash.toHex());
-}
 
 ControlObject::ControlObject() : m_adaptor(new ControlAdaptor(this)) { }
 
 void ControlObject::serve(AppCommands &commands)
 {
     m_adaptor->serve(commands);
+}
+
+ControlAdaptor::ControlAdaptor(ControlObject *object) : QDBusAbstractAdaptor(object), m_object(*object)
+{
+    connect(&m_news, &StatusNews::changed, this, &ControlAdaptor::StatusChanged);
+}
+
+void ControlAdaptor::serve(AppCommands &commands)
+{
+    m_commands = &commands;
+    connect(m_commands, &AppCommands::statusTouched, &m_news, [this] {
+        m_news.consider([this] { return m_commands->status(); });
+    });
 }
 
 void ControlAdaptor::Show()
@@ -83,6 +88,18 @@ void ControlAdaptor::answer(const Outcome &outcome)
 QString ControlAdaptor::Status()
 {
     return QString::fromUtf8(QJsonDocument(m_commands->status()).toJson(QJsonDocument::Compact));
+}
+
+QString ControlAdaptor::StatusText(const QString &format, int columns)
+{
+    const QJsonObject status = m_commands->status();
+    const bool isJson = format.startsWith(u"json");
+    if (!format.endsWith(u"line"))
+        return isJson ? QString::fromUtf8(QJsonDocument(status).toJson(QJsonDocument::Indented))
+                      : statusTable(status, columns, QDateTime::currentDateTime());
+    m_news.begin(status);
+    return isJson ? QString::fromUtf8(QJsonDocument(forStatusBars(status)).toJson(QJsonDocument::Compact))
+                  : statusLine(status);
 }
 
 void ControlAdaptor::Restart()

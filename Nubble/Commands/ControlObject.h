@@ -4,21 +4,19 @@
 #include <QDBusContext>
 #include <QString>
 
+#include "Commands/StatusNews.h"
+
 namespace nubble {
 
 class AppCommands;
 class Outcome;
 struct AddonRequest;
-struct CommandLine;
 
 // What the running instance offers on the bus: other processes of the user ask it for the commands.
 class ControlObject : public QObject, public QDBusContext {
     Q_OBJECT
 
 public:
-    // The bus name of the instance: each home folder given by hand has one of its own.
-    [[nodiscard]] static QString serviceName(const CommandLine &line);
-
     ControlObject();
 
     void serve(AppCommands &commands); // before the event loop runs
@@ -33,9 +31,9 @@ class ControlAdaptor : public QDBusAbstractAdaptor {
     Q_CLASSINFO("D-Bus Interface", "com.brevandel.nubble.Control")
 
 public:
-    explicit ControlAdaptor(ControlObject *object) : QDBusAbstractAdaptor(object), m_object(*object) { }
+    explicit ControlAdaptor(ControlObject *object);
 
-    void serve(AppCommands &commands) { m_commands = &commands; }
+    void serve(AppCommands &commands);
 
 public Q_SLOTS:
     void Show();
@@ -47,8 +45,14 @@ public Q_SLOTS:
     void StartNotes();
     void StopNotes();
     QString Status(); // JSON
-    void Restart();   // the name is free when this answers
+    // As "table", with lines of so many columns, or "json"; or as "line" or "json-line", whose caller is told
+    // of changes by the signal from then on.
+    QString StatusText(const QString &format, int columns);
+    void Restart(); // the name is free when this answers
     void Quit();
+
+Q_SIGNALS:
+    void StatusChanged(); // no more often than four times a second
 
 private:
     void perform(const AddonRequest &request);
@@ -56,6 +60,7 @@ private:
 
     ControlObject &m_object;
     AppCommands *m_commands = nullptr;
+    StatusNews m_news;
 };
 
 } // namespace nubble

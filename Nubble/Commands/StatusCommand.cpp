@@ -4,16 +4,13 @@
 #include <QEventLoop>
 #include <QJsonDocument>
 
-#include <sys/ioctl.h>
-#include <unistd.h>
-
 #include "Ask/AskClaude.h"
 #include "Commands/CommandClient.h"
 #include "Commands/CommandLine.h"
 #include "Commands/StatusReport.h"
 #include "Platform/Clock.h"
 #include "Platform/Home.h"
-#include "Platform/InstanceBus.h"
+#include "Platform/InstanceClient.h"
 #include "Platform/ProcessTable.h"
 #include "Platform/System.h"
 #include "Sessions/SessionMonitor.h"
@@ -21,7 +18,6 @@
 #include "Usage/PlanUsageMonitor.h"
 
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
 namespace nubble {
 
@@ -47,26 +43,16 @@ QJsonObject freshRead(const Home &home)
     return status;
 }
 
-qsizetype terminalWidth()
-{
-    winsize size{};
-    return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 100;
-}
-
 } // namespace
 
-int printStatus(const Home &home, const InstanceBus &bus, bool json)
+int printStatus(const Home &home, bool json)
 {
-    constexpr auto patience = 2s;
-    const BusAnswer answer = bus.call(u"Status"_s, {}, patience);
-    QJsonObject report = QJsonDocument::fromJson(answer.values.value(0).toString().toUtf8()).object();
-    if (report.isEmpty())
-        report = freshRead(home);
+    const QJsonObject report = freshRead(home);
     const QByteArray text = json
         ? statusJson(report)
         : statusTable(report, terminalWidth(), QDateTime::currentDateTime()).toUtf8();
-    const int printed = print(text);
-    return printed == ExitDone ? exitStatusOf(answer) : printed;
+    const int printed = print(text.toStdString());
+    return printed == ExitDone ? exitStatusOf({}) : printed;
 }
 
 } // namespace nubble

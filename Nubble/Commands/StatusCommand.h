@@ -3,10 +3,9 @@
 namespace nubble {
 
 class Home;
-class InstanceBus;
 
-// Prints what the running instance shows; when none answers, what one fresh read finds, and says so on
-// standard error. Needs a QCoreApplication, no display. Returns the exit status.
-int printStatus(const Home &home, const InstanceBus &bus, bool json);
+// Prints what one fresh read finds, where no instance runs, and says so on standard error. Needs a
+// QCoreApplication, no display. Returns the exit status.
+int printStatus(const Home &home, bool json);
 
 } // namespace nubble

@@ -23,12 +23,14 @@ DesktopStatusHost::~DesktopStatusHost() = default;
 
 void DesktopStatusHost::decide()
 {
+    using State = StatusNotifierWatch::State;
+    const State notifiers = m_notifiers->state();
     if (m_kind != Kind::None) {
+        if (m_kind == Kind::Remote && notifiers != State::Unanswered)
+            m_isHostGone = notifiers != State::Hosted;
         Q_EMIT changed(); // another tray may have other colours
         return;
     }
-    using State = StatusNotifierWatch::State;
-    const State notifiers = m_notifiers->state();
     const bool tray = m_tray && m_tray->isThere();
     if (notifiers == State::Hosted)
         settleFor(Kind::Remote);

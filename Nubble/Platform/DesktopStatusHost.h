@@ -12,7 +12,8 @@ class StatusNotifierWatch;
 class X11Tray;
 
 // Picks one of the two protocols for status items: the one on the session bus, if a desktop with both comes
-// up slowly, too. Once picked it stays, as does Qt's own choice.
+// up slowly, too. Once picked it stays, as does Qt's own choice; while the host on the bus is gone there is
+// none.
 class DesktopStatusHost : public StatusHost {
     Q_OBJECT
 
@@ -24,7 +25,7 @@ public:
         std::chrono::milliseconds patience = std::chrono::seconds(10));
     ~DesktopStatusHost() override;
 
-    [[nodiscard]] Kind kind() const override { return m_kind; }
+    [[nodiscard]] Kind kind() const override { return m_isHostGone ? Kind::None : m_kind; }
     [[nodiscard]] std::optional<QColor> foreground() const override;
 
 private:
@@ -34,7 +35,8 @@ private:
     std::unique_ptr<StatusNotifierWatch> m_notifiers;
     std::unique_ptr<X11Tray> m_tray;
     QTimer m_patience;
-    Kind m_kind = Kind::None;
+    Kind m_kind = Kind::None; // as picked
+    bool m_isHostGone = false;
 };
 
 } // namespace nubble

@@ -18,6 +18,7 @@ ChatSearchWindow::ChatSearchWindow(const Home &home, Surroundings surroundings, 
       m_window(
           u"Search Chats"_s, viewSize, [this] { return makePanel(); }, m_surroundings.makeSurface)
 {
+    connect(&m_window, &FloatingWindow::closed, this, &ChatSearchWindow::closed);
 }
 
 QWidget *ChatSearchWindow::makePanel()

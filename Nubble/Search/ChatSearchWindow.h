@@ -36,6 +36,9 @@ public:
     [[nodiscard]] const ChatSearch &search() const { return m_search; }
     [[nodiscard]] bool isOpen() const { return m_window.isOpen(); }
 
+Q_SIGNALS:
+    void closed();
+
 private:
     [[nodiscard]] QWidget *makePanel();
 

@@ -51,6 +51,11 @@ QString description(Addon addon)
     return found.description.toString().replace(u"%1"_s, keysText(found.key));
 }
 
+QString offText(Addon addon)
+{
+    return u"The add-on \"%1\" is off. It is switched on in the menu."_s.arg(title(addon));
+}
+
 QString defaultsKey(Addon addon)
 {
     return u"addon."_s + describe(addon).rawValue;

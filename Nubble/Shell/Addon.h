@@ -19,6 +19,7 @@ inline constexpr std::array allAddons{Addon::Quenwick, Addon::Ask, Addon::Search
 
 [[nodiscard]] QString title(Addon addon);
 [[nodiscard]] QString description(Addon addon); // one sentence, for tool tips
+[[nodiscard]] QString offText(Addon addon);     // why it does nothing for others while it is off
 [[nodiscard]] QString defaultsKey(Addon addon);
 
 // What the add-on lacks on this machine, as one sentence; none when it can work. Looked up afresh at every

@@ -13,7 +13,8 @@ namespace nubble {
 
 Relaunch Relaunch::ofThisProgram(const QStringList &arguments)
 {
-    return {QCoreApplication::applicationFilePath(), arguments};
+    const QString name = QCoreApplication::arguments().value(0);
+    return {QDir::isAbsolutePath(name) ? name : QCoreApplication::applicationFilePath(), arguments};
 }
 
 void Relaunch::now() const

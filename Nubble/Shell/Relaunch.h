@@ -9,7 +9,8 @@ struct Relaunch {
     QString program;       // absolute path of the executable
     QStringList arguments; // without the program's name
 
-    // Taken early: when a package update has replaced the executable, its path can no longer be asked for.
+    // The program as it was called: the small one, which has become this one, where it names its path. Taken
+    // early: when a package update has replaced the executable, its path can no longer be asked for.
     // Needs the application object.
     [[nodiscard]] static Relaunch ofThisProgram(const QStringList &arguments);
 

@@ -41,8 +41,13 @@ StatusItem::~StatusItem() = default;
 
 void StatusItem::followHost()
 {
-    if (!m_icon && m_host.kind() != StatusHost::Kind::None)
+    const bool isHosted = m_host.kind() != StatusHost::Kind::None;
+    if (m_icon && !isHosted) {
+        m_icon.reset(); // a host that comes later has to be told of a new one
+        m_shown.reset();
+    } else if (!m_icon && isHosted) {
         create();
+    }
     m_look.color = m_host.foreground();
     update(m_look.panelVisible);
 }

@@ -20,7 +20,7 @@ _nubble() {
     case $given in
     '') words='show hide toggle sessions ask search notes status autostart start restart quit --home --help --version' ;;
     notes) words='start stop' ;;
-    status) words='--json' ;;
+    status) words='--json --follow' ;;
     autostart) words='on off' ;;
     *) words='' ;;
     esac

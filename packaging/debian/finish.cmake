@@ -21,5 +21,5 @@ file(COPY_FILE ${CMAKE_CURRENT_LIST_DIR}/lintian-overrides ${share}/lintian/over
 # Whatever the umask was.
 set(for_all OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
 set(enter OWNER_EXECUTE GROUP_EXECUTE WORLD_EXECUTE)
-file(CHMOD ${usr} ${usr}/bin PERMISSIONS ${for_all} ${enter})
+file(CHMOD ${usr} ${usr}/bin ${usr}/libexec ${usr}/libexec/nubble PERMISSIONS ${for_all} ${enter})
 file(CHMOD_RECURSE ${share} FILE_PERMISSIONS ${for_all} DIRECTORY_PERMISSIONS ${for_all} ${enter})

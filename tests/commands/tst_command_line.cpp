@@ -11,15 +11,16 @@ namespace {
 QString shown(const std::variant<CommandLine, UsageError> &parsed)
 {
     if (const auto *error = std::get_if<UsageError>(&parsed))
-        return u"error: "_s + error->message;
+        return u"error: "_s + QString::fromStdString(error->message);
     const auto &line = std::get<CommandLine>(parsed);
     const QStringList verbs{
         u"run"_s,           u"start"_s,   u"show"_s,        u"hide"_s,       u"toggle"_s, u"sessions"_s,
         u"ask"_s,           u"search"_s,  u"notes start"_s, u"notes stop"_s, u"status"_s, u"autostart on"_s,
         u"autostart off"_s, u"restart"_s, u"quit"_s,        u"help"_s,       u"version"_s};
-    return verbs.at(static_cast<int>(line.verb)) + (line.json ? u" json"_s : QString())
-        + (line.question.isEmpty() ? QString() : u" ["_s + line.question + u']')
-        + (line.home ? u" in "_s + *line.home : QString());
+    return verbs.at(static_cast<int>(line.verb)) + (line.follow ? u" follow"_s : QString())
+        + (line.json ? u" json"_s : QString())
+        + (line.question.empty() ? QString() : u" ["_s + QString::fromStdString(line.question) + u']')
+        + (line.home ? u" in "_s + QString::fromStdString(*line.home) : QString());
 }
 
 } // namespace
@@ -39,6 +40,7 @@ private Q_SLOTS:
             {u""_s, u"run"_s},
             {u"notes|start"_s, u"notes start"_s},
             {u"status|--json"_s, u"status json"_s},
+            {u"--follow|status|-json"_s, u"status follow json"_s},
             {u"--bogus|-h"_s, u"help"_s},
             {u"ask"_s, u"ask"_s},
             {u"ask||"_s, u"ask"_s},
@@ -54,6 +56,8 @@ private Q_SLOTS:
             {u"--home|--json|status"_s, u"error: --home needs an existing folder. See nubble --help."_s},
             {u"--home|sub/file"_s, u"error: --home needs an existing folder. See nubble --help."_s},
             {u"--json"_s, u"error: --json belongs to the command \"status\". See nubble --help."_s},
+            {u"hide|--follow"_s, u"error: --follow belongs to the command \"status\". See nubble --help."_s},
+            {u"status|--json=1"_s, u"error: Unexpected value after '--json'. See nubble --help."_s},
             {u"ask|-v"_s, u"error: Unknown option 'v'. See nubble --help."_s},
             {u"-session|1"_s, u"error: Unknown option 'session'. See nubble --help."_s},
             {u"Status"_s, u"error: There is no command \"Status\". See nubble --help."_s},
@@ -64,7 +68,9 @@ private Q_SLOTS:
         for (auto [arguments, meaning] : cases) {
             for (QString *text : {&arguments, &meaning})
                 text->replace(u"HOME"_s, QDir::currentPath());
-            const QStringList words = arguments.isEmpty() ? QStringList() : arguments.split(u'|');
+            std::vector<std::string> words;
+            for (const QString &word : arguments.isEmpty() ? QStringList() : arguments.split(u'|'))
+                words.push_back(word.toStdString());
             QCOMPARE(arguments + u": "_s + shown(parseCommandLine(words)), arguments + u": "_s + meaning);
         }
     }

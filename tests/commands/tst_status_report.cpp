@@ -1,7 +1,10 @@
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QSignalSpy>
 #include <QTest>
 
+#include "Commands/StatusLine.h"
+#include "Commands/StatusNews.h"
 #include "Commands/StatusReport.h"
 #include "Shell/OneLine.h"
 #include "support/PanelWorld.h"
@@ -108,6 +111,55 @@ private Q_SLOTS:
         QCOMPARE(QJsonDocument::fromJson(json)[u"cwd"_s].toString(), evil); // a path stays what it is
         for (const auto *escaped : {"\\u001b[31mb\\n", "e\\u0085f\\u009bg\\u202e\\u2028\\u2066\""})
             QVERIFY2(json.contains(escaped), json);
+    }
+
+    void aStatusBarIsToldHowManyDoWhatAndWhatIsUsed()
+    {
+        const auto session = [](const QString &word, const QString &title) {
+            return QJsonObject{{u"word"_s, word}, {u"title"_s, title}};
+        };
+        QJsonObject report{
+            {u"activity"_s, u"completed"_s},
+            {u"sessions"_s,
+             QJsonArray{
+                 session(u"idle"_s, u"a"_s), session(u"done"_s, u"b\nc"_s), session(u"idle"_s, u"d"_s)}}};
+        QCOMPARE(statusLine(report), u"1 done, 2 idle"_s);
+        report[u"usage"_s] = QJsonObject{{u"session"_s, QJsonObject{{u"fraction"_s, 0.29}}}};
+        report = forStatusBars(report);
+        QCOMPARE(report[u"text"_s].toString(), u"1 done, 2 idle · 29%"_s);
+        QCOMPARE(report[u"tooltip"_s].toString(), u"a: idle\nb c: done\nd: idle"_s);
+        QCOMPARE(report[u"class"_s].toString(), u"completed"_s);
+        QCOMPARE(report[u"percentage"_s].toInt(), 29);
+        QCOMPARE(statusLine({}), u"no sessions"_s);
+    }
+
+    void whoeverFollowsIsToldOfChangesOnlyAndNotOfAges()
+    {
+        QString word = u"idle"_s, elapsed = u"1m ago"_s;
+        int reads = 0;
+        const auto status = [&] {
+            ++reads;
+            const QJsonObject session{{u"word"_s, word}, {u"elapsed"_s, elapsed}};
+            return QJsonObject{{u"sessions"_s, QJsonArray{session}}};
+        };
+        StatusNews news;
+        const QSignalSpy changes(&news, &StatusNews::changed);
+        const auto considered = [&](int times) {
+            const int before = reads;
+            for (int i = 0; i < times; ++i)
+                news.consider(status);
+            return QTest::qWaitFor([&] { return reads > before; }, 2000) && reads == before + 1;
+        };
+        news.consider(status);
+        news.begin(status());
+        elapsed = u"2m ago"_s;
+        QVERIFY(considered(3));
+        QCOMPARE(changes.count(), 0);
+        word = u"working"_s;
+        news.begin(status()); // one who comes later hides nothing from the others
+        QVERIFY(considered(3));
+        QCOMPARE(changes.count(), 1);
+        QCOMPARE(reads, 4);
     }
 
     void anAnswerOfAnotherShapeIsNoSessions()

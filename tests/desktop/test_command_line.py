@@ -3,6 +3,8 @@
 import functools
 import json
 import os
+import pathlib
+import re
 import signal
 import subprocess
 import tempfile
@@ -10,12 +12,18 @@ import time
 
 from gi.repository import GLib
 
-from desktop import eventually
+from desktop import end, eventually
 from program import PROGRAM, DesktopTest, Home
 from status_item_host import connect
 
 DONE, FAILED, WRONG_USAGE, NOT_RUNNING = range(4)
 ODD_NAME = "a 'b' \"c\" $HOME `d` \\e 100%f = ~ü\t\n"
+
+
+def switches(pid):
+    """How often that process has gone to sleep."""
+    text = pathlib.Path(f"/proc/{pid}/status").read_text()
+    return int(re.search(r"^voluntary_ctxt_switches:\s+(\d+)", text, re.M)[1])
 
 
 class TheProgram(DesktopTest):
@@ -80,7 +88,8 @@ class TheProgram(DesktopTest):
             self.program.process = subprocess.Popen([PROGRAM, *self.program.home], stdin=subprocess.DEVNULL, env=env)
             eventually(self.desktop.nubble_windows, "its panel is there")
             if lock.is_file():
-                self.check_fails(self.program.run(env=env), "Nubble runs already")
+                for start in ([], ["start"]):  # nor with a bus that it does not know
+                    self.check_fails(self.program.run(*start, env=env if not start else None), "Nubble runs already")
                 self.assertEqual(self.program.instances(), [self.program.process.pid])
             self.assertEqual(self.program.quit(), DONE)
             lock.rmdir() if lock.is_dir() else lock.unlink()
@@ -97,6 +106,39 @@ class TheProgram(DesktopTest):
         self.program.until_panel(visible=False)
         self.assertLess(self.program.processor_time() - answering, 10 * (time.process_time() - asking))
         bus.close_sync(None)
+
+    def test_tells_status_bars_of_each_change_until_they_stop_reading(self):
+        self.program.start()
+        bars = [self.start_bar("--json"), self.start_bar()]
+        self.assertEqual([next(json.loads(line)["text"] for line in bars[0].stdout), bars[1].stdout.readline()],
+                         ["no sessions", "no sessions\n"])
+        self.home.record(os.getpid(), status="busy")
+        self.assertEqual(bars[1].stdout.readline(), "1 working\n")
+        self.assertEqual({"working", 0, "garden: working"}, self.of_bar(bars[0], "class", "percentage", "tooltip"))
+        waking = [switches(bar.pid) for bar in bars]
+        self.check("hide")
+        self.assertEqual(json.loads(bars[0].stdout.readline())["panel"]["visible"], False)
+        self.program.quit()
+        self.assertEqual(bars[1].stdout.readline(), "not running\n")
+        self.assertEqual({"off", 0, "Nubble is not running."}, self.of_bar(bars[0], "class", "percentage", "tooltip"))
+        self.program.start()
+        self.assertEqual(bars[1].stdout.readline(), "1 working\n")
+        self.assertLess(sum(map(switches, (bar.pid for bar in bars))) - sum(waking), 60)
+        for bar in bars:
+            bar.stdout.close()
+            self.assertEqual(bar.wait(20), DONE)
+
+    def start_bar(self, *arguments):
+        bar = subprocess.Popen(
+            [PROGRAM, *self.program.home, "status", "--follow", *arguments], env=self.desktop.env, text=True,
+            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE)
+        self.addCleanup(lambda: bar.poll() is None and end(bar))
+        return bar
+
+    @staticmethod
+    def of_bar(bar, *keys):
+        told = json.loads(bar.stdout.readline())
+        return {told[key] for key in keys}
 
     def test_of_another_home_is_another_one(self):
         self.program.start()
@@ -155,7 +197,7 @@ class TheProgram(DesktopTest):
             self.program.end_all()
         for command in ("ask", "search"):
             self.check_fails(self.program.run(command), "is off")
-        self.assertEqual(len(self.program.instances()), 1)
+        self.assertEqual(self.program.instances(), [])
 
     def test_is_one_instance_when_several_commands_start_it_at_once(self):
         commands = [

@@ -59,7 +59,11 @@ class ThePackage(DesktopTest):
         nubble.home = []  # the user's own, as the entry starts it
         nubble.process = self.start("Desktop Entry")
         nubble.until_panel(visible=True)
-        self.assertEqual(os.readlink(f"/proc/{nubble.process.pid}/exe"), str(self.root / "usr/bin/nubble"))
+        process = pathlib.Path(f"/proc/{nubble.process.pid}")
+        self.assertEqual(os.readlink(process / "exe"), str(self.root / "usr/libexec/nubble/nubble-panel"))
+        self.assertEqual(
+            ((process / "comm").read_text(), (process / "cmdline").read_text()),
+            ("nubble\n", f"{self.root}/usr/bin/nubble\0"))
         toggle, sessions = self.entry.sections()[1:]
         for action, mode, visible in (
                 (toggle, "collapsed", False), (toggle, "collapsed", True), (sessions, "sessions", True)):

@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusVariant>
@@ -15,8 +16,8 @@
 #include "Platform/Backend.h"
 #include "Platform/Freedesktop/FreedesktopPreferences.h"
 #include "Platform/Freedesktop/KdeSettings.h"
-#include "Platform/Freedesktop/SessionBus.h"
 #include "Platform/Freedesktop/SessionBusNotifications.h"
+#include "Platform/InstanceClient.h"
 #include "Platform/ProcessTable.h"
 #include "Platform/RegularFile.h"
 #include "Platform/System.h"
@@ -177,17 +178,18 @@ private Q_SLOTS:
 
     void aCallTellsWhyItIsNotAnswered()
     {
-        const SessionBus bus(u"com.brevandel.nubble.test"_s);
-        QCOMPARE(bus.call(u"Repeat"_s, {}, 1s).kind, BusAnswer::Kind::NotOwned);
-
+        using Kind = InstanceAnswer::Kind;
+        InstanceClient client("com.brevandel.nubble.test");
+        const auto repeat = [&client](std::chrono::milliseconds patience) {
+            return client.call("Repeat", {"text", 1}, patience).kind;
+        };
+        QCOMPARE(repeat(1s), Kind::NotOwned);
         QVERIFY(m_other.registerService(u"com.brevandel.nubble.test"_s));
-        const BusAnswer refused = bus.call(u"Repeat"_s, {}, 1s);
-        QCOMPARE(refused.kind, BusAnswer::Kind::Error);
-        QVERIFY(refused.error.contains(u"/com/brevandel/nubble"_s)); // which it does not have
+        QCOMPARE(repeat(1s), Kind::Foreign); // it has no such object
 
         QObject busy; // this thread serves it, and is waiting
         QVERIFY(m_other.registerObject(u"/com/brevandel/nubble"_s, &busy, QDBusConnection::ExportAllSlots));
-        QCOMPARE(bus.call(u"Repeat"_s, {}, 50ms).kind, BusAnswer::Kind::Silence);
+        QCOMPARE(repeat(50ms), Kind::Silence);
         QVERIFY(m_other.unregisterService(u"com.brevandel.nubble.test"_s));
     }
 

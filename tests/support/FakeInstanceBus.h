@@ -10,11 +10,6 @@ public:
     [[nodiscard]] bool isConnected() const override { return true; }
     [[nodiscard]] bool claim(QObject *) override { return true; }
     void release() override { ++releases; }
-    [[nodiscard]] BusAnswer call(
-        const QString &, const QVariantList &, std::chrono::milliseconds) const override
-    {
-        return {};
-    }
 
     int releases = 0;
 };

@@ -7,7 +7,7 @@
 #include <QTimer>
 
 #include "Platform/Freedesktop/KdeSettings.h"
-#include "Platform/Freedesktop/SessionBus.h"
+#include "Platform/Freedesktop/SessionLink.h"
 #include "Platform/Logging.h"
 
 using namespace Qt::StringLiterals;
@@ -35,18 +35,22 @@ std::optional<bool> truthOf(QVariant value)
 FreedesktopPreferences::FreedesktopPreferences(
     const QString &configFolder, std::unique_ptr<AnimationSetting> settings, QObject *parent)
     : DesktopPreferences(parent), m_settings(std::move(settings)),
-      m_kde(std::make_unique<KdeSettings>(configFolder))
+      m_kde(std::make_unique<KdeSettings>(configFolder)), m_link(SessionLink::ofThisProgram())
 {
     if (m_settings)
         connect(m_settings.get(), &AnimationSetting::changed, this, &FreedesktopPreferences::update);
     connect(m_kde.get(), &AnimationSetting::changed, this, &FreedesktopPreferences::update);
+    m_portal.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
+    m_portal.addWatchedService(portal);
+    connect(&m_portal, &QDBusServiceWatcher::serviceOwnerChanged, this, &FreedesktopPreferences::ask);
+    connect(m_link.get(), &SessionLink::returned, this, &FreedesktopPreferences::watchPortal);
     QTimer::singleShot(0, this, &FreedesktopPreferences::watchPortal);
 }
 
 void FreedesktopPreferences::watchPortal()
 {
     update();
-    QDBusConnection bus = SessionBus::connection();
+    QDBusConnection bus = m_link->connection();
     if (!bus.isConnected())
         return;
     // From whomever: naming the portal here would wait for the answer who owns that name.
@@ -54,9 +58,6 @@ void FreedesktopPreferences::watchPortal()
         {}, portalPath, settingsInterface, u"SettingChanged"_s, {settingsGroup, settingsKey}, u"ssv"_s, this,
         SLOT(onSettingChanged(QDBusMessage)));
     m_portal.setConnection(bus);
-    m_portal.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
-    m_portal.addWatchedService(portal);
-    connect(&m_portal, &QDBusServiceWatcher::serviceOwnerChanged, this, &FreedesktopPreferences::ask);
     ask();
 }
 

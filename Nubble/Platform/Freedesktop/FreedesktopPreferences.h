@@ -13,6 +13,8 @@ class QDBusMessage;
 
 namespace nubble {
 
+class SessionLink;
+
 // The desktop's preferences. Whether motion is reduced is told, in this order, by the settings portal, by the
 // desktop's settings on its own protocol (XSETTINGS on X11), and by KDE's file: the first that says anything
 // counts. The portal is asked once the event loop runs, and again whenever another one comes; each is
@@ -38,6 +40,7 @@ private:
 
     std::unique_ptr<AnimationSetting> m_settings;
     std::unique_ptr<AnimationSetting> m_kde;
+    std::shared_ptr<SessionLink> m_link;
     QDBusServiceWatcher m_portal;
     std::optional<bool> m_portalAnimates;
     bool m_reducedMotion = false;

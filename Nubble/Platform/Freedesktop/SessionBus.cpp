@@ -1,8 +1,9 @@
 #include "Platform/Freedesktop/SessionBus.h"
 
-#include <QDBusError>
 #include <QDBusMessage>
-#include <QFileInfo>
+
+#include "Platform/Freedesktop/ControlNames.h"
+#include "Platform/Logging.h"
 
 using namespace Qt::StringLiterals;
 
@@ -10,83 +11,46 @@ namespace nubble {
 
 namespace {
 
-const auto objectPath = u"/com/brevandel/nubble"_s;
-const auto interfaceName = u"com.brevandel.nubble.Control"_s;
-
-bool isBusSetUp()
-{
-    return !qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS")
-        || QFileInfo::exists(qEnvironmentVariable("XDG_RUNTIME_DIR") + u"/bus");
-}
-
-BusAnswer::Kind kindOf(const QDBusError &error)
-{
-    if (error.type() == QDBusError::ServiceUnknown
-        || error.name() == u"org.freedesktop.DBus.Error.NameHasNoOwner") // which has no type of its own
-        return BusAnswer::Kind::NotOwned;
-    switch (error.type()) {
-    case QDBusError::NoReply:
-    case QDBusError::Timeout:
-    case QDBusError::TimedOut:
-    case QDBusError::Disconnected:
-        return BusAnswer::Kind::Silence;
-    default:
-        return BusAnswer::Kind::Error;
-    }
-}
+const auto objectPath = QString::fromLatin1(ControlNames::objectPath);
 
 } // namespace
 
-QDBusConnection SessionBus::connection()
+SessionBus::SessionBus(QString serviceName)
+    : m_serviceName(std::move(serviceName)), m_link(SessionLink::ofThisProgram())
 {
-    return isBusSetUp() ? QDBusConnection::sessionBus() : QDBusConnection(u"none"_s);
-}
-
-SessionBus::SessionBus(QString serviceName) : m_serviceName(std::move(serviceName)), m_bus(connection()) { }
-
-SessionBus::~SessionBus()
-{
-    giveUp();
+    connect(m_link.get(), &SessionLink::returned, this, [this] {
+        if (m_exported && !claimOn(m_link->connection()))
+            qCDebug(logPlatform) << "somebody else has taken the name on the session bus";
+    });
 }
 
 bool SessionBus::claim(QObject *exported)
 {
-    if (!isConnected() || m_owner)
-        return true;
-    // The object first: whoever sees the name must find it.
-    const bool offered = m_bus.registerObject(objectPath, exported, QDBusConnection::ExportAdaptors);
-    m_owner = m_bus.registerService(m_serviceName);
-    if (offered && !m_owner)
-        m_bus.unregisterObject(objectPath);
-    return m_owner;
+    m_exported = exported;
+    return !isConnected() || claimOn(m_link->connection());
 }
 
+bool SessionBus::claimOn(QDBusConnection bus)
+{
+    // The object first: whoever sees the name must find it.
+    const bool offered = bus.registerObject(objectPath, m_exported, QDBusConnection::ExportAdaptors);
+    const bool owner = bus.registerService(m_serviceName);
+    if (offered && !owner)
+        bus.unregisterObject(objectPath);
+    return owner;
+}
+
+// Not by the toolkit, which would wait for a bus that is stuck.
 void SessionBus::release()
 {
-    giveUp();
-}
-
-void SessionBus::giveUp()
-{
-    if (!m_owner)
+    if (!std::exchange(m_exported, nullptr) || !isConnected())
         return;
-    m_owner = false;
-    m_bus.unregisterService(m_serviceName);
-    m_bus.unregisterObject(objectPath);
-}
-
-BusAnswer SessionBus::call(
-    const QString &method, const QVariantList &arguments, std::chrono::milliseconds timeout) const
-{
-    if (!isConnected())
-        return {};
-    auto message = QDBusMessage::createMethodCall(m_serviceName, objectPath, interfaceName, method);
-    message.setArguments(arguments);
-    message.setAutoStartService(false);
-    const QDBusMessage reply = m_bus.call(message, QDBus::Block, static_cast<int>(timeout.count()));
-    if (reply.type() == QDBusMessage::ReplyMessage)
-        return {BusAnswer::Kind::Reply, reply.arguments(), {}};
-    return {kindOf(QDBusError(reply)), {}, reply.errorMessage()};
+    QDBusConnection bus = m_link->connection();
+    auto message = QDBusMessage::createMethodCall(
+        u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus"_s, u"ReleaseName"_s);
+    message.setArguments({m_serviceName});
+    bus.call(message, QDBus::Block, 1000);
+    bus.unregisterObject(objectPath);
 }
 
 } // namespace nubble

@@ -3,7 +3,7 @@
 #include <QDBusArgument>
 #include <QDBusMessage>
 
-#include "Platform/Freedesktop/SessionBus.h"
+#include "Platform/Freedesktop/SessionLink.h"
 
 using namespace Qt::StringLiterals;
 
@@ -31,9 +31,16 @@ QMap<QString, QString> userInfoOf(const QDBusMessage &message)
 
 } // namespace
 
-SessionBusNotifications::SessionBusNotifications(QObject *parent) : DistributedNotifications(parent)
+SessionBusNotifications::SessionBusNotifications(QObject *parent)
+    : DistributedNotifications(parent), m_link(SessionLink::ofThisProgram())
 {
-    QDBusConnection bus = SessionBus::connection();
+    connect(m_link.get(), &SessionLink::returned, this, &SessionBusNotifications::listen);
+    listen();
+}
+
+void SessionBusNotifications::listen()
+{
+    QDBusConnection bus = m_link->connection();
     for (const QString &name : {u"ask"_s, u"notes"_s})
         bus.connect({}, {}, u"com.brevandel.nubble"_s, name, this, SLOT(receive(QDBusMessage)));
 }

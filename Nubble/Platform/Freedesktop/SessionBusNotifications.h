@@ -1,10 +1,14 @@
 #pragma once
 
+#include <memory>
+
 #include "Platform/DistributedNotifications.h"
 
 class QDBusMessage;
 
 namespace nubble {
+
+class SessionLink;
 
 // Signals on the session bus, from any sender and object path: interface "com.brevandel.nubble", members
 // "ask" and "notes", one argument of type a{sv}, or a{ss}, which is all that some senders can write.
@@ -17,6 +21,11 @@ public:
 private Q_SLOTS:
     // The raw message: with parameters of its own the toolkit would crash on another signature.
     void receive(const QDBusMessage &message);
+
+private:
+    void listen();
+
+    std::shared_ptr<SessionLink> m_link;
 };
 
 } // namespace nubble

@@ -8,7 +8,7 @@
 
 #include <array>
 
-#include "Platform/Freedesktop/SessionBus.h"
+#include "Platform/Freedesktop/SessionLink.h"
 #include "Platform/Logging.h"
 
 using namespace Qt::StringLiterals;
@@ -22,15 +22,23 @@ const auto path = u"/StatusNotifierWatcher"_s;
 
 } // namespace
 
-StatusNotifierWatch::StatusNotifierWatch(QObject *parent) : QObject(parent)
+StatusNotifierWatch::StatusNotifierWatch(QObject *parent)
+    : QObject(parent), m_link(SessionLink::ofThisProgram())
 {
-    QDBusConnection bus = SessionBus::connection();
-    if (!bus.isConnected())
-        return;
-    m_watcher.setConnection(bus);
     m_watcher.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
     m_watcher.addWatchedService(service);
     connect(&m_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this, &StatusNotifierWatch::ask);
+    connect(m_link.get(), &SessionLink::lost, this, [this] { setState(State::Absent); });
+    connect(m_link.get(), &SessionLink::returned, this, &StatusNotifierWatch::listen);
+    listen();
+}
+
+void StatusNotifierWatch::listen()
+{
+    QDBusConnection bus = m_link->connection();
+    if (!bus.isConnected())
+        return;
+    m_watcher.setConnection(bus);
     bus.connect({}, path, service, u"StatusNotifierHostRegistered"_s, this, SLOT(ask()));
     bus.connect({}, path, service, u"StatusNotifierHostUnregistered"_s, this, SLOT(ask()));
     m_state = State::Unanswered;

@@ -3,7 +3,11 @@
 #include <QDBusServiceWatcher>
 #include <QObject>
 
+#include <memory>
+
 namespace nubble {
+
+class SessionLink;
 
 // Knows whether the desktop shows status items that are announced on the session bus (freedesktop.org's
 // StatusNotifierItem, under the names that all implementations use). Asks without waiting. Main thread only.
@@ -29,8 +33,10 @@ private Q_SLOTS:
     void ask();
 
 private:
+    void listen();
     void setState(State state);
 
+    std::shared_ptr<SessionLink> m_link;
     QDBusServiceWatcher m_watcher;
     State m_state = State::Absent;
 };
