@@ -49,7 +49,7 @@ public:
 private:
     QJsonValue value(QLatin1String key, QJsonValue::Type type)
     {
-        const QJsonValue found = m_object.value(key);
+        QJsonValue found = m_object.value(key);
         m_valid = m_valid && (found.type() == type || found.isNull() || found.isUndefined());
         return found;
     }
