@@ -235,6 +235,7 @@ private Q_SLOTS:
             QVERIFY(QRectF(0, 0, window.width(), window.height()).contains(card));
             QVERIFY(panel.view().findChild<QGraphicsEffect *>()); // it still fades in
             QVERIFY(window.contains(body) && whole.frame.contains(window));
+            QVERIFY(body.translated(-window.topLeft()).contains(panel.ring()->geometry()));
             panel.clickRing();
             QVERIFY(window != body); // until the card has faded
             QTRY_COMPARE(window, body);
