@@ -74,7 +74,7 @@ Outcome AppCommands::perform(const AddonRequest &request)
     if (handler == m_handlers.end())
         return Outcome::failed(
             u"This version has nothing to open for \"%1\" yet."_s.arg(title(addonOf(request))));
-    const Outcome outcome = handler->second(request);
+    Outcome outcome = handler->second(request);
     Q_EMIT statusTouched();
     return outcome;
 }
