@@ -145,10 +145,10 @@ void pollUnchanged(benchmark::State &state)
     const LinuxProcessTable processes;
     const SystemClock clock;
     SessionMonitor monitor(sample.sessionsFolder(), sample.projectsFolder(), QString(), processes, clock);
-    monitor.waitForDetails();
+    monitor.waitForDone();
     const QByteArray folder = QFile::encodeName(sample.sessionsFolder());
     compare(
-        state, [&] { monitor.refresh(); }, [&] { bareReads(folder); }, [&] { monitor.waitForDetails(); });
+        state, [&] { monitor.refresh(); }, [&] { bareReads(folder); }, [&] { monitor.waitForDone(); });
 }
 
 void updateUnchanged(benchmark::State &state)

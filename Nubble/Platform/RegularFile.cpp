@@ -55,6 +55,14 @@ std::optional<FileStamp> RegularFile::stampOf(const char *path)
     return FileStamp{fileTimeOf(info.st_mtim), info.st_size};
 }
 
+std::optional<FileState> RegularFile::stateOf(const char *name, int folder)
+{
+    struct stat info { };
+    if (::fstatat(folder, name, &info, 0) != 0 || !S_ISREG(info.st_mode))
+        return std::nullopt;
+    return FileState{info.st_ino, info.st_size, fileTimeOf(info.st_ctim)};
+}
+
 std::optional<QByteArray> RegularFile::read(qint64 offset, qint64 length) const
 {
     QByteArray bytes(length, Qt::Uninitialized);

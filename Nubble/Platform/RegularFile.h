@@ -20,6 +20,15 @@ struct FileStamp {
     bool operator==(const FileStamp &) const = default;
 };
 
+// The same, and whether it has been replaced; nobody can set the time of the last change.
+struct FileState {
+    quint64 inode = 0;
+    qint64 size = 0;
+    FileTime changed;
+
+    bool operator==(const FileState &) const = default;
+};
+
 // Held within the range of the type: a file can claim any year.
 [[nodiscard]] FileTime fileTimeOf(const timespec &time);
 
@@ -33,6 +42,7 @@ public:
 
     // One look at the file's attributes, without opening it.
     [[nodiscard]] static std::optional<FileStamp> stampOf(const char *path);
+    [[nodiscard]] static std::optional<FileState> stateOf(const char *name, int folder);
 
     RegularFile(RegularFile &&other) noexcept
         : m_descriptor(std::exchange(other.m_descriptor, -1)), m_size(other.m_size),
