@@ -17,8 +17,8 @@ namespace nubble {
 
 namespace {
 
-constexpr auto pause = 50ms;      // between two tellings
-constexpr auto lookInterval = 5s; // a link on the way may lead elsewhere by then
+constexpr auto pause = 50ms;       // between two tellings
+constexpr auto lookInterval = 60s; // a link on the way may lead elsewhere by then
 constexpr qsizetype mostWatches = 256;
 constexpr uint32_t movements = IN_CREATE | IN_MOVED_TO | IN_DELETE_SELF | IN_MOVE_SELF;
 constexpr uint32_t changes = movements | IN_MODIFY | IN_ATTRIB | IN_MOVED_FROM | IN_DELETE;
