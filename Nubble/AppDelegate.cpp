@@ -49,8 +49,12 @@ AppDelegate::AppDelegate(const Home &home, InstanceBus &bus, Relaunch relaunch)
       m_placement(m_defaults, m_layout),
       m_sessionMonitor(
           home.file(u".claude/sessions"_s), home.file(u".claude/projects"_s),
-          AskClaude::workingDirectory(home), *m_processes, m_clock),
-      m_planUsage(home, m_clock, PlanUsageMonitor::domainIn(m_defaults)), m_activator(*m_backend.workspace),
+          AskClaude::workingDirectory(home), *m_processes, m_clock,
+          {.records = System::folderWatch(),
+           .transcripts = System::folderWatch(),
+           .processes = System::processWatch()}),
+      m_planUsage(home, m_clock, PlanUsageMonitor::domainIn(m_defaults)),
+      m_activator(*m_backend.workspace, ProcessActivator::askingPs(*m_processes)),
       m_panel(
           {
               .state = m_panelState,

@@ -32,7 +32,7 @@ QJsonObject freshRead(const Home &home)
         *processes, clock);
     const Defaults defaults(Defaults::fileOf(u"com.brevandel.nubble"_s, home.configFolder()));
     const PlanUsageMonitor planUsage(home, clock, PlanUsageMonitor::domainIn(defaults));
-    monitor.waitForDetails();
+    monitor.waitForDone();
     QEventLoop reading;
     QObject::connect(&planUsage, &PlanUsageMonitor::refreshingChanged, &reading, &QEventLoop::quit);
     if (planUsage.isRefreshing())

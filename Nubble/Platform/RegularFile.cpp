@@ -17,6 +17,17 @@ FileTime fileTimeOf(const timespec &time)
     return FileTime(seconds + std::chrono::nanoseconds(time.tv_nsec));
 }
 
+FileState fileStateOf(const struct stat &info)
+{
+    return {info.st_ino, info.st_size, fileTimeOf(info.st_mtim), fileTimeOf(info.st_ctim)};
+}
+
+std::optional<FileState> fileStateOf(const QByteArray &path)
+{
+    struct stat info { };
+    return ::stat(path.constData(), &info) == 0 ? std::optional(fileStateOf(info)) : std::nullopt;
+}
+
 RegularFile::RegularFile(int descriptor, qint64 size, FileTime modified)
     : m_descriptor(descriptor), m_size(size), m_modified(modified)
 {
@@ -54,6 +65,14 @@ std::optional<FileStamp> RegularFile::stampOf(const char *path)
     if (::stat(path, &info) != 0 || !S_ISREG(info.st_mode))
         return std::nullopt;
     return FileStamp{fileTimeOf(info.st_mtim), info.st_size};
+}
+
+std::optional<FileState> RegularFile::stateOf(const char *name, int folder)
+{
+    struct stat info { };
+    if (::fstatat(folder, name, &info, 0) != 0 || !S_ISREG(info.st_mode))
+        return std::nullopt;
+    return fileStateOf(info);
 }
 
 std::optional<QByteArray> RegularFile::read(qint64 offset, qint64 length) const

@@ -8,6 +8,8 @@
 #include <optional>
 #include <utility>
 
+struct stat;
+
 namespace nubble {
 
 using FileTime = std::chrono::sys_time<std::chrono::nanoseconds>;
@@ -20,8 +22,21 @@ struct FileStamp {
     bool operator==(const FileStamp &) const = default;
 };
 
+// What differs after every change of a file's bytes, or of the names in a folder.
+struct FileState {
+    quint64 inode = 0;
+    qint64 size = 0;
+    FileTime modified;
+    FileTime changed; // which nobody can set
+
+    bool operator==(const FileState &) const = default;
+};
+
 // Held within the range of the type: a file can claim any year.
 [[nodiscard]] FileTime fileTimeOf(const timespec &time);
+
+[[nodiscard]] FileState fileStateOf(const struct stat &info);
+[[nodiscard]] std::optional<FileState> fileStateOf(const QByteArray &path); // of a folder, too
 
 // A regular file opened for reading: never a FIFO, folder or device, and never one that blocks while it is
 // opened. Reads are bounded by the caller. Every failure is an absent value. Any thread.
@@ -36,6 +51,7 @@ public:
 
     // One look at the file's attributes, without opening it.
     [[nodiscard]] static std::optional<FileStamp> stampOf(const char *path);
+    [[nodiscard]] static std::optional<FileState> stateOf(const char *name, int folder);
 
     RegularFile(RegularFile &&other) noexcept
         : m_descriptor(std::exchange(other.m_descriptor, -1)), m_size(other.m_size),

@@ -2,7 +2,9 @@
 
 #include "Platform/Freedesktop/FontPreload.h"
 #include "Platform/Freedesktop/SessionBus.h"
+#include "Platform/Linux/LinuxFolderWatch.h"
 #include "Platform/Linux/LinuxProcessTable.h"
+#include "Platform/Linux/LinuxProcessWatch.h"
 #include "Platform/Linux/LinuxTerminationSignals.h"
 #include "Platform/Pulse/PulseAudioInput.h"
 
@@ -11,6 +13,16 @@ namespace nubble::System {
 std::unique_ptr<ProcessTable> processTable()
 {
     return std::make_unique<LinuxProcessTable>();
+}
+
+std::unique_ptr<ProcessWatch> processWatch()
+{
+    return std::make_unique<LinuxProcessWatch>();
+}
+
+std::unique_ptr<FolderWatch> folderWatch()
+{
+    return std::make_unique<LinuxFolderWatch>();
 }
 
 std::unique_ptr<InstanceBus> instanceBus(const QString &serviceName)

@@ -7,14 +7,18 @@ class QString;
 namespace nubble {
 
 class AudioInput;
+class FolderWatch;
 class InstanceBus;
 class ProcessTable;
+class ProcessWatch;
 class TerminationSignals;
 
 // What every process of the program may need of the system, with a display or without.
 namespace System {
 
 [[nodiscard]] std::unique_ptr<ProcessTable> processTable();
+[[nodiscard]] std::unique_ptr<ProcessWatch> processWatch();
+[[nodiscard]] std::unique_ptr<FolderWatch> folderWatch();
 [[nodiscard]] std::unique_ptr<InstanceBus> instanceBus(const QString &serviceName);
 [[nodiscard]] std::unique_ptr<AudioInput> audioInput();
 [[nodiscard]] std::unique_ptr<TerminationSignals> terminationSignals(); // needs the application object

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "Platform/MainThread.h"
+#include "Platform/ProcessTable.h"
 #include "Platform/Workspace.h"
 #include "Shell/Command.h"
 
@@ -60,13 +61,19 @@ Activation ProcessActivator::activateClaudeDesktop()
     return found == applications.end() ? Activation::NotFound : m_workspace.activate(*found);
 }
 
-std::optional<pid_t> ProcessActivator::parentPid(pid_t pid)
+ProcessActivator::ParentLookup ProcessActivator::askingPs(const ProcessTable &processes, const QString &ps)
 {
-    const Command ps{u"/bin/ps"_s, {u"-o"_s, u"ppid="_s, u"-p"_s, QString::number(pid)}};
-    const CommandEnd end = runCommand(ps, {}, lookupLimits);
-    bool isNumber = false;
-    const pid_t parent = end.output.trimmed().toInt(&isNumber);
-    return isNumber ? std::optional(parent) : std::nullopt;
+    return [&processes, ps](pid_t pid) -> std::optional<pid_t> {
+        const Command command{ps, {u"-o"_s, u"ppid="_s, u"-p"_s, QString::number(pid)}};
+        const CommandEnd end = runCommand(command, {}, lookupLimits);
+        if (end.kind == CommandEnd::Kind::NotStarted) {
+            const auto process = processes.find(pid);
+            return process ? process->parent : std::nullopt;
+        }
+        bool isNumber = false;
+        const pid_t parent = end.output.trimmed().toInt(&isNumber);
+        return isNumber ? std::optional(parent) : std::nullopt;
+    };
 }
 
 } // namespace nubble

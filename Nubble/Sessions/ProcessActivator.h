@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QList>
+#include <QString>
 
 #include <functional>
 #include <optional>
@@ -8,6 +9,7 @@
 
 namespace nubble {
 
+class ProcessTable;
 class Workspace;
 enum class Activation;
 
@@ -17,11 +19,14 @@ class ProcessActivator {
 public:
     using ParentLookup = std::function<std::optional<pid_t>(pid_t)>;
 
-    explicit ProcessActivator(Workspace &workspace, ParentLookup parentOf = &ProcessActivator::parentPid);
+    ProcessActivator(Workspace &workspace, ParentLookup parentOf);
 
     [[nodiscard]] bool canActivate() const; // whether this desktop brings anything forward
     Activation activate(pid_t pid);
-    [[nodiscard]] static std::optional<pid_t> parentPid(pid_t pid);
+
+    // Asks the program `ps`, and the kernel's table where that is not installed.
+    [[nodiscard]] static ParentLookup askingPs(
+        const ProcessTable &processes, const QString &ps = QStringLiteral("/bin/ps"));
 
 private:
     [[nodiscard]] QList<pid_t> withAncestors(pid_t pid) const;

@@ -7,9 +7,13 @@ using namespace Qt::StringLiterals;
 
 namespace nubble {
 
-SessionDetails::SessionDetails(const QString &projectsFolder, const Clock &clock, QObject *parent)
-    : QObject(parent), m_clock(&clock), m_transcripts(projectsFolder), m_worker(u"SessionDetails"_s)
+SessionDetails::SessionDetails(
+    const QString &projectsFolder, const Clock &clock, std::unique_ptr<FolderWatch> watch, QObject *parent)
+    : QObject(parent), m_clock(&clock), m_watch(std::move(watch)), m_transcripts(projectsFolder),
+      m_worker(u"SessionDetails"_s)
 {
+    if (m_watch)
+        connect(m_watch.get(), &FolderWatch::changed, this, [this] { update(m_sessions, false); });
 }
 
 SessionDetails::SessionDetails(QHash<QString, SessionDetail> sample)
@@ -24,11 +28,14 @@ void SessionDetails::update(const QList<ClaudeSession> &sessions, bool force)
         return;
     m_force =
         force || (m_force && m_worker.hasLatestWaiting()); // what is replaced may have been to look at all
+    m_sessions = sessions;
     m_worker.addLatest(
         [this, sessions, all = m_force, now = m_clock->now()](const std::stop_token &stop) {
-            return m_transcripts.update(sessions, all, now, stop);
+            Reading reading{m_transcripts.update(sessions, all, now, stop), false};
+            reading.isTold = m_watch && m_watch->watch(m_transcripts.places(sessions));
+            return reading;
         },
-        [this](const QHash<QString, SessionDetail> &details) { publish(details); });
+        [this](const Reading &reading) { publish(reading); });
 }
 
 void SessionDetails::waitForDone()
@@ -36,12 +43,13 @@ void SessionDetails::waitForDone()
     m_worker.waitForDone();
 }
 
-void SessionDetails::publish(const QHash<QString, SessionDetail> &details)
+void SessionDetails::publish(const Reading &reading)
 {
     assertMainThread("Nubble/Sessions/SessionDetails");
-    if (details == m_byId)
+    m_isTold = reading.isTold;
+    if (reading.details == m_byId)
         return;
-    m_byId = details;
+    m_byId = reading.details;
     Q_EMIT byIdChanged();
 }
 

@@ -2,12 +2,13 @@
 
 #include <QFile>
 
+#include <algorithm>
 #include <array>
-#include <cstring>
 #include <dirent.h>
 #include <memory>
 #include <string_view>
 #include <thread>
+#include <utility>
 
 #include "Platform/Logging.h"
 #include "Platform/RegularFile.h"
@@ -20,9 +21,10 @@ namespace nubble {
 namespace {
 
 constexpr qint64 largestRecord = 1'048'576; // bytes
-constexpr qint64 largestPass = 64 * largestRecord;
-constexpr auto longestWait = 2ms;
+constexpr qint64 largestPass = 4 * largestRecord;
+constexpr auto longestWait = 5ms;
 constexpr auto waitStep = 100us;
+constexpr auto settlesAfter = 3s; // longer than a tick of any file system's clock
 
 bool isCandidate(const dirent &entry)
 {
@@ -37,80 +39,109 @@ bool isCandidate(const dirent &entry)
 
 SessionFiles::SessionFiles(const QString &folder) : m_folder(QFile::encodeName(folder)) { }
 
-std::optional<QList<ClaudeSession>> SessionFiles::read()
+SessionReading SessionFiles::read(const std::stop_token &stop)
 {
     const std::unique_ptr<DIR, int (*)(DIR *)> folder(::opendir(m_folder.constData()), &::closedir);
     if (!folder)
-        return std::nullopt;
-    ++m_pass;
-    QList<ClaudeSession> sessions;
+        return {};
+    const QList<Listed> listed = list(*folder);
+    QList<Listed> due;
+    for (const Listed &each : listed)
+        if (each.record->state = RegularFile::stateOf(each.name.constData(), ::dirfd(folder.get()));
+            isDue(*each.record))
+            due.append(each);
+    std::stable_sort(due.begin(), due.end(), [](const Listed &a, const Listed &b) {
+        return a.record->readInPass < b.record->readInPass;
+    });
+    SessionReading reading{.sessions = QList<ClaudeSession>()};
     Allowance allowance{.bytes = largestPass, .waitUntil = std::nullopt};
-    while (const dirent *entry = ::readdir(folder.get())) {
-        if (!isCandidate(*entry))
-            continue;
-        Record &record = recordNamed(entry->d_name);
-        const bool wasLeftOut = record.pass != 0 && !record.session;
-        record.pass = m_pass;
-        settleRecord(entry->d_name, ::dirfd(folder.get()), wasLeftOut, record, allowance);
-        if (record.session)
-            sessions.append(*record.session);
-    }
-    m_records.removeIf([this](const auto &each) { return each.value().pass != m_pass; });
-    return sessions;
+    for (const Listed &each : due)
+        if (!stop.stop_requested() && !bringUpToDate(::dirfd(folder.get()), each, allowance))
+            reading.isBehind = true;
+    for (const Listed &each : listed)
+        if (each.record->session)
+            reading.sessions->append(*each.record->session);
+    return reading;
 }
 
-SessionFiles::Record &SessionFiles::recordNamed(const char *name)
+QList<SessionFiles::Listed> SessionFiles::list(DIR &folder)
 {
-    const auto known =
-        m_records.find(QByteArray::fromRawData(name, static_cast<qsizetype>(std::strlen(name))));
-    return known != m_records.end() ? *known : m_records[QByteArray(name)];
+    ++m_pass;
+    QList<QByteArray> names;
+    while (const dirent *entry = ::readdir(&folder)) {
+        if (!isCandidate(*entry))
+            continue;
+        names.append(entry->d_name);
+        m_records[names.last()].listedInPass = m_pass;
+    }
+    m_records.removeIf([this](const auto &each) { return each.value().listedInPass != m_pass; });
+    QList<Listed> listed; // only now, since adding and removing moves records
+    for (const QByteArray &name : names)
+        listed.append({name, &m_records[name]});
+    return listed;
+}
+
+// What has been written to long before it was read cannot have changed since without a trace.
+bool SessionFiles::isDue(const Record &record)
+{
+    return !record.state || record.state != record.readState
+        || record.readAt - record.state->changed < settlesAfter;
+}
+
+// False if another pass has to do it. A record that no longer decodes keeps what it said for one pass more:
+// its writer may be slow.
+bool SessionFiles::bringUpToDate(int folder, const Listed &listed, Allowance &allowance) const
+{
+    constexpr std::array reasons{"is a record again", "is no record", "cannot be read", "is too large"};
+    Record &record = *listed.record;
+    const bool isSame = record.state == record.readState;
+    const FileTime now = std::chrono::system_clock::now();
+    std::optional<ClaudeSession> session;
+    const Outcome outcome =
+        readSettled(listed.name, folder, !isSame || record.session.has_value(), session, allowance);
+    if (outcome == Outcome::Postponed)
+        return isSame;
+    const bool isNews = outcome != std::exchange(record.outcome, outcome);
+    if (isNews)
+        qCDebug(logSessions) << listed.name.constData() << reasons.at(static_cast<size_t>(outcome));
+    const bool keeps = outcome == Outcome::Undecodable && isNews && record.session;
+    if (!keeps)
+        record.session = std::move(session);
+    record.readState = keeps || outcome == Outcome::Unreadable ? std::nullopt : record.state;
+    record.readInPass = m_pass;
+    record.readAt = now;
+    return !keeps;
 }
 
 // A record is rewritten in place, and cut to its new length only after that: between the two it does not
-// decode. So such a file is read again, and again while the pass may wait, unless these very bytes were left
-// out at the last pass: then it is no writer's doing.
-void SessionFiles::settleRecord(
-    const char *name, int folder, bool wasLeftOut, Record &record, Allowance &allowance)
+// decode. So such a file is read again, and again while the pass may wait, unless it is as it was when it was
+// left out: then it is no writer's doing.
+SessionFiles::Outcome SessionFiles::readSettled(
+    const QByteArray &name, int folder, bool mayBeWritten, std::optional<ClaudeSession> &session,
+    Allowance &allowance)
 {
-    const QByteArray before = record.bytes;
-    Outcome outcome = readRecord(name, folder, record, allowance);
-    if (outcome == Outcome::Undecodable)
-        outcome = readRecord(name, folder, record, allowance);
-    while (outcome == Outcome::Undecodable && !(wasLeftOut && record.bytes == before)
-           && waitForWriter(allowance))
-        outcome = readRecord(name, folder, record, allowance);
-    setOutcome(name, outcome, record);
+    Outcome outcome = readOnce(name, folder, session, allowance);
+    while (outcome == Outcome::Undecodable && mayBeWritten && waitForWriter(allowance))
+        outcome = readOnce(name, folder, session, allowance);
+    return outcome;
 }
 
-void SessionFiles::setOutcome(const char *name, Outcome outcome, Record &record)
+SessionFiles::Outcome SessionFiles::readOnce(
+    const QByteArray &name, int folder, std::optional<ClaudeSession> &session, Allowance &allowance)
 {
-    constexpr std::array reasons{"is a record again", "is no record", "cannot be read", "is too large"};
-    if (outcome != record.outcome)
-        qCDebug(logSessions) << name << reasons.at(static_cast<size_t>(outcome));
-    record.outcome = outcome;
-    if (outcome == Outcome::Unreadable || outcome == Outcome::TooLarge) {
-        record.bytes.clear();
-        record.session.reset();
-    }
-}
-
-SessionFiles::Outcome SessionFiles::readRecord(
-    const char *name, int folder, Record &record, Allowance &allowance)
-{
-    const auto file = RegularFile::open(name, folder);
+    const auto file = RegularFile::open(name.constData(), folder);
     if (!file)
         return Outcome::Unreadable;
-    if (file->size() > std::min(largestRecord, allowance.bytes))
+    if (file->size() > largestRecord)
         return Outcome::TooLarge;
-    auto bytes = file->read(0, file->size());
+    if (file->size() > allowance.bytes)
+        return Outcome::Postponed;
+    const auto bytes = file->read(0, file->size());
     if (!bytes)
         return Outcome::Unreadable;
     allowance.bytes -= bytes->size();
-    if (*bytes != record.bytes) {
-        record.bytes = std::move(*bytes);
-        record.session = decodeSession(record.bytes);
-    }
-    return record.session ? Outcome::Decoded : Outcome::Undecodable;
+    session = decodeSession(*bytes);
+    return session ? Outcome::Decoded : Outcome::Undecodable;
 }
 
 bool SessionFiles::waitForWriter(Allowance &allowance)

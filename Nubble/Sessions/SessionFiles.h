@@ -5,30 +5,47 @@
 #include <QList>
 
 #include <chrono>
+#include <dirent.h>
 #include <optional>
+#include <stop_token>
 
+#include "Platform/RegularFile.h"
 #include "Sessions/ClaudeSession.h"
 
 namespace nubble {
 
-// The session records in one folder. Every read opens and reads every file, since records are rewritten in
-// place within one tick of the file system's clock and at the same size, but decodes only bytes that it has
-// not met before. One thread at a time; may wait 2 ms for a writer. What cannot be read is left out.
+// What a pass over a folder of session records has found.
+struct SessionReading {
+    std::optional<QList<ClaudeSession>>
+        sessions{};        // in the folder's own order; none when it cannot be listed
+    bool isBehind = false; // some records are not up to date, and another pass soon would help
+};
+
+// The session records in one folder. A pass reads what has changed since the last one, and what could have
+// since it was read: records are rewritten in place within one tick of the file system's clock and at the
+// same size. It reads 4 MB at most, and may wait 5 ms for writers. What cannot be read is left out. Blocks;
+// one thread at a time.
 class SessionFiles {
 public:
     explicit SessionFiles(const QString &folder);
 
-    // The records in the folder's own order; none when the folder cannot be listed.
-    [[nodiscard]] std::optional<QList<ClaudeSession>> read();
+    [[nodiscard]] SessionReading read(const std::stop_token &stop = {});
 
 private:
-    enum class Outcome { Decoded, Undecodable, Unreadable, TooLarge };
+    enum class Outcome { Decoded, Undecodable, Unreadable, TooLarge, Postponed };
 
     struct Record {
-        QByteArray bytes;
-        std::optional<ClaudeSession> session;
-        quint64 pass = 0; // when it was last listed
+        std::optional<FileState> state{};     // in this pass
+        std::optional<FileState> readState{}; // just before it was last read; none: to be read in any case
+        FileTime readAt;
+        std::optional<ClaudeSession> session{};
+        quint64 listedInPass = 0;
+        quint64 readInPass = 0;
         Outcome outcome = Outcome::Decoded;
+    };
+    struct Listed {
+        QByteArray name;
+        Record *record;
     };
 
     // What one pass may still spend.
@@ -37,12 +54,15 @@ private:
         std::optional<std::chrono::steady_clock::time_point> waitUntil;
     };
 
-    static Outcome readRecord(const char *name, int folder, Record &record, Allowance &allowance);
-    static void settleRecord(
-        const char *name, int folder, bool wasLeftOut, Record &record, Allowance &allowance);
-    static void setOutcome(const char *name, Outcome outcome, Record &record);
+    [[nodiscard]] QList<Listed> list(DIR &folder);
+    [[nodiscard]] static bool isDue(const Record &record);
+    [[nodiscard]] bool bringUpToDate(int folder, const Listed &listed, Allowance &allowance) const;
+    static Outcome readSettled(
+        const QByteArray &name, int folder, bool mayBeWritten, std::optional<ClaudeSession> &session,
+        Allowance &allowance);
+    static Outcome readOnce(
+        const QByteArray &name, int folder, std::optional<ClaudeSession> &session, Allowance &allowance);
     static bool waitForWriter(Allowance &allowance);
-    Record &recordNamed(const char *name);
 
     QByteArray m_folder;
     QHash<QByteArray, Record> m_records; // by file name

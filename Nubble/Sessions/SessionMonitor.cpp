@@ -1,5 +1,6 @@
 #include "Sessions/SessionMonitor.h"
 
+#include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -9,13 +10,16 @@
 #include "Platform/MainThread.h"
 #include "Platform/ProcessTable.h"
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace nubble {
 
 namespace {
 
-constexpr auto pollInterval = 1s;
+constexpr auto blindPoll = 1s;
+constexpr auto safetyPoll = 10s;
+constexpr auto soon = 50ms;
 constexpr auto completionLasts = 120s;
 
 // Sessions of equal activity keep their order.
@@ -35,22 +39,45 @@ QList<ClaudeSession> newestFirst(const QList<ClaudeSession> &sessions)
     return sorted;
 }
 
+bool worksIn(const QString &ownFolder, const ClaudeSession &session)
+{
+    if (session.cwd == ownFolder)
+        return !ownFolder.isEmpty();
+    // The same by another path, such as a home folder behind a link. Files are looked at only for this.
+    const QFileInfo own(ownFolder);
+    const QFileInfo folder(session.cwd);
+    return folder.fileName() == own.fileName() && folder.exists() && folder == own;
+}
+
 } // namespace
 
 SessionMonitor::SessionMonitor(
     const QString &sessionsFolder, const QString &projectsFolder, const QString &ownFolder,
-    const ProcessTable &processes, const Clock &clock, QObject *parent)
-    : QObject(parent), m_files(sessionsFolder), m_ownFolder(ownFolder), m_processes(&processes),
-      m_clock(&clock), m_details(projectsFolder, clock)
+    const ProcessTable &processes, const Clock &clock, SessionWatches watches, QObject *parent)
+    : QObject(parent), m_files(sessionsFolder),
+      m_ownFolder(ownFolder), m_recordsEntries{QFile::encodeName(sessionsFolder), ".json"},
+      m_recordsWatch(std::move(watches.records)), m_processWatch(std::move(watches.processes)),
+      m_processes(&processes), m_clock(&clock),
+      m_details(projectsFolder, clock, std::move(watches.transcripts)), m_worker(u"SessionMonitor"_s)
 {
+    if (m_recordsWatch)
+        connect(m_recordsWatch.get(), &FolderWatch::changed, this, &SessionMonitor::refresh);
+    if (m_processWatch)
+        connect(m_processWatch.get(), &ProcessWatch::ended, this, &SessionMonitor::update);
+    m_poll.callOnTimeout(this, &SessionMonitor::refresh);
+    m_poll.start(blindPoll);
+    m_soon.setSingleShot(true);
+    m_soon.callOnTimeout(this, &SessionMonitor::refresh);
+    m_expiry.setSingleShot(true);
+    m_expiry.setTimerType(Qt::PreciseTimer);
+    m_expiry.callOnTimeout(this, &SessionMonitor::update);
     refresh();
-    m_timer.callOnTimeout(this, &SessionMonitor::refresh);
-    m_timer.start(pollInterval);
 }
 
 SessionMonitor::SessionMonitor(const SessionsSample &sample, QObject *parent)
     : QObject(parent), m_files(QString()), m_processes(nullptr), m_clock(nullptr), m_details(sample.details),
-      m_sessions(sample.sessions), m_recentlyCompleted(sample.recentlyCompleted)
+      m_sessions(sample.sessions), m_recentlyCompleted(sample.recentlyCompleted),
+      m_worker(u"SessionMonitor"_s)
 {
 }
 
@@ -81,16 +108,48 @@ void SessionMonitor::refresh()
     assertMainThread("Nubble/Sessions/SessionMonitor");
     if (!m_processes)
         return;
-    auto live = m_files.read();
-    if (!live) {
-        publish({});
+    m_worker.addLatest(
+        [this](const std::stop_token &stop) { return look(stop); }, [this](const Look &look) { take(look); });
+}
+
+// Watched before it is read, so that nothing goes by between the two.
+SessionMonitor::Look SessionMonitor::look(const std::stop_token &stop)
+{
+    Look look{.isTold = m_recordsWatch && m_recordsWatch->watch({m_recordsEntries})};
+    look.reading = m_files.read(stop);
+    if (look.reading.sessions)
+        look.reading.sessions->removeIf(
+            [this](const ClaudeSession &session) { return worksIn(m_ownFolder, session); });
+    return look;
+}
+
+void SessionMonitor::take(const Look &look)
+{
+    m_look = look;
+    if (look.reading.isBehind)
+        m_soon.start(soon);
+    update();
+    if (look.reading.sessions)
+        refreshDetails(false);
+}
+
+void SessionMonitor::update()
+{
+    assertMainThread("Nubble/Sessions/SessionMonitor");
+    QList<ClaudeSession> live = m_look.reading.sessions.value_or(QList<ClaudeSession>());
+    const bool endsAreTold = leaveOutEnded(live);
+    if (m_look.reading.sessions)
+        trackRuns(live);
+    publish(newestFirst(live));
+    pollEvery(m_look.isTold && endsAreTold && m_details.isTold() ? safetyPoll : blindPoll);
+}
+
+void SessionMonitor::pollEvery(std::chrono::milliseconds interval)
+{
+    if (m_poll.intervalAsDuration() == interval)
         return;
-    }
-    live->removeIf([this](const ClaudeSession &session) { return isOwn(session); });
-    leaveOutEnded(*live);
-    trackRuns(*live);
-    publish(newestFirst(*live));
-    refreshDetails(false);
+    m_poll.setTimerType(interval == blindPoll ? Qt::CoarseTimer : Qt::VeryCoarseTimer);
+    m_poll.start(interval);
 }
 
 void SessionMonitor::refreshDetails(bool force)
@@ -98,26 +157,23 @@ void SessionMonitor::refreshDetails(bool force)
     m_details.update(m_sessions, force);
 }
 
-void SessionMonitor::waitForDetails()
+void SessionMonitor::waitForDone()
 {
+    m_worker.waitForDone();
     m_details.waitForDone();
 }
 
-bool SessionMonitor::isOwn(const ClaudeSession &session) const
+// Returns whether the end of those that are left will be told.
+bool SessionMonitor::leaveOutEnded(QList<ClaudeSession> &sessions)
 {
-    if (session.cwd == m_ownFolder)
-        return !m_ownFolder.isEmpty();
-    // The same by another path, such as a home folder behind a link. Files are looked at only for this.
-    const QFileInfo own(m_ownFolder);
-    const QFileInfo folder(session.cwd);
-    return folder.fileName() == own.fileName() && folder.exists() && folder == own;
-}
-
-void SessionMonitor::leaveOutEnded(QList<ClaudeSession> &sessions)
-{
+    QSet<qint32> running;
+    for (const ClaudeSession &session : sessions)
+        if (m_processes->canSignal(session.pid))
+            running.insert(session.pid);
+    const bool endsAreTold = m_processWatch && m_processWatch->watch(running);
     QSet<qint32> ended;
     sessions.removeIf([&](const ClaudeSession &session) {
-        if (m_processes->canSignal(session.pid))
+        if (running.contains(session.pid) && !(m_processWatch && m_processWatch->hasEnded(session.pid)))
             return false;
         if (!m_ended.contains(session.pid))
             qCDebug(logSessions) << "session" << session.sessionId << "has no process" << session.pid;
@@ -125,6 +181,7 @@ void SessionMonitor::leaveOutEnded(QList<ClaudeSession> &sessions)
         return true;
     });
     m_ended = std::move(ended);
+    return endsAreTold;
 }
 
 void SessionMonitor::publish(QList<ClaudeSession> sessions)
@@ -158,11 +215,21 @@ void SessionMonitor::forgetCompletions(const QSet<QString> &ids, TimePoint now)
 {
     m_completedAt.removeIf(
         [&](const auto &each) { return !ids.contains(each.key()) || now - each.value() >= completionLasts; });
+    expectExpiry(now);
     QSet<QString> completed(m_completedAt.keyBegin(), m_completedAt.keyEnd());
     if (completed == m_recentlyCompleted)
         return;
     m_recentlyCompleted = std::move(completed);
     Q_EMIT recentlyCompletedChanged();
+}
+
+void SessionMonitor::expectExpiry(TimePoint now)
+{
+    const auto oldest = std::min_element(m_completedAt.cbegin(), m_completedAt.cend());
+    if (oldest == m_completedAt.cend())
+        m_expiry.stop();
+    else
+        m_expiry.start(std::min<std::chrono::milliseconds>(*oldest + completionLasts - now, completionLasts));
 }
 
 } // namespace nubble

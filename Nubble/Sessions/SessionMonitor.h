@@ -6,13 +6,17 @@
 #include <QSet>
 #include <QTimer>
 
+#include <memory>
 #include <utility>
 
 #include "Platform/Clock.h"
+#include "Platform/FolderWatch.h"
+#include "Platform/ProcessWatch.h"
 #include "Sessions/ClaudeSession.h"
 #include "Sessions/RunState.h"
 #include "Sessions/SessionDetails.h"
 #include "Sessions/SessionFiles.h"
+#include "Shell/SerialWorker.h"
 
 namespace nubble {
 
@@ -25,9 +29,17 @@ struct SessionsSample {
     QHash<QString, SessionDetail> details{}; // by session id
 };
 
-// The ordered list of live sessions and the set of those that finished within the last two minutes. Polls its
-// folder once a second, for the first time while it is constructed. Main thread only; every failure is silent
-// and looked at again at the next poll.
+// What tells that there is something to read.
+struct SessionWatches {
+    std::unique_ptr<FolderWatch> records{};
+    std::unique_ptr<FolderWatch> transcripts{};
+    std::unique_ptr<ProcessWatch> processes{};
+};
+
+// The ordered list of live sessions and the set of those that finished within the last two minutes. Reads its
+// folder when the watches tell of changes, and every ten seconds to be sure; each second where a watch is
+// missing or cannot tell all. Main thread only; files are read on a worker, for the first time from the
+// constructor on. Every failure is silent and looked at again at the next reading.
 class SessionMonitor : public QObject {
     Q_OBJECT
 
@@ -35,7 +47,8 @@ public:
     // Sessions that work in `ownFolder` are this program's and left out.
     SessionMonitor(
         const QString &sessionsFolder, const QString &projectsFolder, const QString &ownFolder,
-        const ProcessTable &processes, const Clock &clock, QObject *parent = nullptr);
+        const ProcessTable &processes, const Clock &clock, SessionWatches watches = {},
+        QObject *parent = nullptr);
     // Shows that and never anything else: for pictures of the card.
     explicit SessionMonitor(const SessionsSample &sample, QObject *parent = nullptr);
 
@@ -49,9 +62,9 @@ public:
     [[nodiscard]] Activity activity() const;
     [[nodiscard]] const SessionDetails &details() const { return m_details; }
 
-    void refresh();
+    void refresh();                  // returns at once
     void refreshDetails(bool force); // of the sessions as last read; see SessionDetails::update
-    void waitForDetails();           // blocks until they are read and published
+    void waitForDone();              // blocks until all that was asked for is read and published
 
 Q_SIGNALS:
     void sessionsChanged();
@@ -61,23 +74,43 @@ private:
     // A terminal: two of them can have the same conversation open, one working and one not.
     using Run = std::pair<QString, qint32>;
 
-    [[nodiscard]] bool isOwn(const ClaudeSession &session) const;
-    void leaveOutEnded(QList<ClaudeSession> &sessions);
+    // What a look at the folder has brought.
+    struct Look {
+        SessionReading reading{};
+        bool isTold = false; // of every change since
+    };
+
+    [[nodiscard]] Look look(const std::stop_token &stop); // on the worker
+    void take(const Look &look);
+    void update();
+    void pollEvery(std::chrono::milliseconds interval);
+    bool leaveOutEnded(QList<ClaudeSession> &sessions);
     void trackRuns(const QList<ClaudeSession> &live);
     void forgetCompletions(const QSet<QString> &ids, TimePoint now);
+    void expectExpiry(TimePoint now);
     void publish(QList<ClaudeSession> sessions);
 
+    // The worker's alone.
     SessionFiles m_files;
     const QString m_ownFolder;
-    const ProcessTable *const m_processes; // none for a sample, as the next
+    const WatchedEntries m_recordsEntries;
+    const std::unique_ptr<FolderWatch>
+        m_recordsWatch; // none without watches or for a sample, as the next three
+
+    const std::unique_ptr<ProcessWatch> m_processWatch;
+    const ProcessTable *const m_processes;
     const Clock *const m_clock;
     SessionDetails m_details;
+    Look m_look; // the last one
     QList<ClaudeSession> m_sessions;
     QSet<QString> m_recentlyCompleted;
     QSet<qint32> m_ended;                    // process ids that records still name
-    QSet<Run> m_busy;                        // at the last poll
+    QSet<Run> m_busy;                        // at the last update
     QHash<QString, TimePoint> m_completedAt; // by session id
-    QTimer m_timer;
+    QTimer m_poll{this};
+    QTimer m_soon;   // runs while the last look is known to be behind
+    QTimer m_expiry; // of the oldest completion
+    SerialWorker m_worker;
 };
 
 } // namespace nubble

@@ -52,25 +52,33 @@ void TranscriptFinder::startPass(TimePoint now, bool force)
 
 std::optional<FoundTranscript> TranscriptFinder::find(const ClaudeSession &session)
 {
-    if (!isFileName(session.sessionId))
+    const QByteArray expected = expectedPath(session);
+    if (expected.isEmpty())
         return std::nullopt;
-    const QByteArray file = QFile::encodeName(session.sessionId) + ".jsonl";
-    if (auto found = at(QFile::encodeName(projectFolderName(session.cwd)), file))
+    if (auto found = at(expected))
         return found;
     if (m_searched.contains(session.sessionId))
         return std::nullopt;
+    const QByteArray file = expected.sliced(expected.lastIndexOf('/'));
     for (const QByteArray &folder : folders())
-        if (auto found = at(folder, file))
+        if (auto found = at(m_projects + '/' + folder + file))
             return found;
     m_searched.insert(session.sessionId);
     return std::nullopt;
 }
 
-std::optional<FoundTranscript> TranscriptFinder::at(const QByteArray &folder, const QByteArray &file)
+QByteArray TranscriptFinder::expectedPath(const ClaudeSession &session) const
 {
-    QByteArray path = m_projects + '/' + folder + '/' + file;
+    if (!isFileName(session.sessionId))
+        return {};
+    return m_projects + '/' + QFile::encodeName(projectFolderName(session.cwd)) + '/'
+        + QFile::encodeName(session.sessionId) + ".jsonl";
+}
+
+std::optional<FoundTranscript> TranscriptFinder::at(const QByteArray &path)
+{
     const auto stamp = stampOf(path);
-    return stamp ? std::optional(FoundTranscript{std::move(path), *stamp}) : std::nullopt;
+    return stamp ? std::optional(FoundTranscript{path, *stamp}) : std::nullopt;
 }
 
 std::optional<FileStamp> TranscriptFinder::stampOf(const QByteArray &path)

@@ -33,9 +33,10 @@ public:
     void startPass(TimePoint now, bool force); // `force` looks in all folders anyhow
     [[nodiscard]] std::optional<FoundTranscript> find(const ClaudeSession &session);
     [[nodiscard]] std::optional<FileStamp> stampOf(const QByteArray &path);
+    [[nodiscard]] QByteArray expectedPath(const ClaudeSession &session) const; // empty for an id that is none
 
 private:
-    [[nodiscard]] std::optional<FoundTranscript> at(const QByteArray &folder, const QByteArray &file);
+    [[nodiscard]] std::optional<FoundTranscript> at(const QByteArray &path);
     [[nodiscard]] const QList<QByteArray> &folders();
 
     QByteArray m_projects;

@@ -32,6 +32,19 @@ QHash<QString, SessionDetail> Transcripts::update(
     return details;
 }
 
+QList<WatchedEntries> Transcripts::places(const QList<ClaudeSession> &sessions) const
+{
+    QList<WatchedEntries> places;
+    for (const ClaudeSession &session : sessions) {
+        const auto known = m_transcripts.constFind(session.sessionId);
+        const QByteArray path = known == m_transcripts.cend() ? m_finder.expectedPath(session) : known->path;
+        const qsizetype slash = path.lastIndexOf('/');
+        if (slash > 0)
+            places.append({path.first(slash), path.sliced(slash + 1)});
+    }
+    return places;
+}
+
 void Transcripts::note(const QString &id, Gap gap)
 {
     Gap &known = m_gaps[id];

@@ -5,6 +5,7 @@
 
 #include <stop_token>
 
+#include "Platform/FolderWatch.h"
 #include "Sessions/ClaudeSession.h"
 #include "Sessions/SessionDetail.h"
 #include "Sessions/TranscriptFinder.h"
@@ -24,6 +25,9 @@ public:
     // its attributes.
     QHash<QString, SessionDetail> update(
         const QList<ClaudeSession> &sessions, bool force, TimePoint now, const std::stop_token &stop = {});
+
+    // Where they are, or are looked for first.
+    [[nodiscard]] QList<WatchedEntries> places(const QList<ClaudeSession> &sessions) const;
 
     [[nodiscard]] const FileCosts &costs() const { return m_costs; } // since it was constructed
 

@@ -8,7 +8,7 @@
 #include <optional>
 #include <vector>
 
-#include "Usage/FileState.h"
+#include "Platform/RegularFile.h"
 
 namespace nubble {
 

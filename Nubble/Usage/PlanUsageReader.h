@@ -11,7 +11,7 @@
 #include "Shell/Command.h"
 #include "Shell/Distribution.h"
 #include "Usage/CacheScan.h"
-#include "Usage/FileState.h"
+#include "Platform/RegularFile.h"
 #include "Usage/Reading.h"
 
 namespace nubble {

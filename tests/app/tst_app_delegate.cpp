@@ -83,7 +83,6 @@ private Q_SLOTS:
         const std::string transcript = write(' ');
         const auto date = std::filesystem::last_write_time(transcript);
         commands.refreshAll();
-        QCOMPARE(commands.status()[u"sessions"_s].toArray().size(), 1); // without waiting for the next poll
         QTRY_COMPARE(title(), u"A title"_s);
         write('\n');
         std::filesystem::last_write_time(transcript, date);

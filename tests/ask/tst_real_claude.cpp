@@ -157,9 +157,10 @@ private Q_SLOTS:
         m_server.answerWith({MessagesServer::message({{u"a"_s}})});
         ask(u"q"_s);
         const auto sessionsBut = [this](const QString &own) {
-            const SessionMonitor monitor(
+            SessionMonitor monitor(
                 m_home->path(u".claude/sessions"_s), m_home->path(u".claude/projects"_s), own,
                 LinuxProcessTable(), SystemClock());
+            monitor.waitForDone();
             return monitor.sessions().size();
         };
         QTRY_COMPARE(sessionsBut({}), 1);

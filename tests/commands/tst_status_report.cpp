@@ -40,7 +40,7 @@ private Q_SLOTS:
         world.addSession(12, u"busy one"_s, u"busy"_s, 1s);
         world.addSession(
             13, QString(), u"idle"_s, 0ms, {{u"updatedAt"_s, QJsonValue()}, {u"cwd"_s, u"/a/b c"_s}});
-        world.monitor.refresh();
+        world.readSessions();
 
         QJsonObject report;
         reportSessions(world.monitor, world.clock, report);

@@ -30,10 +30,11 @@ inline QImage pictureOf(QWidget &widget, int scale)
 class PanelUnderTest {
 public:
     explicit PanelUnderTest(PanelWorld &world)
-        : notes(
-            world.home.home(), world.defaults, world.clock,
-            {.processes = world.processes, .microphone = microphone, .clipboardText = {}, .openLink = {}},
-            {}),
+        : monitor(world.monitor),
+          notes(
+              world.home.home(), world.defaults, world.clock,
+              {.processes = world.processes, .microphone = microphone, .clipboardText = {}, .openLink = {}},
+              {}),
           actions(notchActions(
               world.addons, world.state, world.notifications, &notes,
               [this](PanelMode mode) { window.view().open(mode); })),
@@ -62,7 +63,11 @@ public:
     [[nodiscard]] QAbstractButton *ring() { return control(QStringLiteral("Claude sessions")); }
 
     void click(const QString &name) { QTest::mouseClick(control(name), Qt::LeftButton); }
-    void clickRing() { click(QStringLiteral("Claude sessions")); }
+    void clickRing()
+    {
+        click(QStringLiteral("Claude sessions"));
+        monitor.waitForDone(); // what the card asks for
+    }
 
     // The rows of the open card from top to bottom.
     [[nodiscard]] QList<ProjectRow *> rows()
@@ -103,6 +108,7 @@ private:
     }
 
 public:
+    SessionMonitor &monitor;
     FakeAudioInput microphone;
     MeetingNotes notes; // does nothing
     std::vector<std::unique_ptr<NotchAction>> actions;

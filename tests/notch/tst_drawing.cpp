@@ -132,7 +132,7 @@ private Q_SLOTS:
         PanelUnderTest panel(world);
         const auto picture = [&](const QString &status, const QString &said) {
             world.addSession(11, u"one"_s, status, 0s);
-            world.monitor.refresh();
+            world.readSessions();
             if (panel.ring()->accessibleName() != u"Claude sessions: "_s + said)
                 qFatal("the ring says %s", qPrintable(panel.ring()->accessibleName()));
             return RingPicture(world, panel);
@@ -162,8 +162,7 @@ private Q_SLOTS:
             const PaintCounter counter;
             for (int poll = 0; poll < 5; ++poll) {
                 world.addSession(3, u"session 3"_s, u"idle"_s, 5min); // rewritten as it was
-                world.monitor.refresh();
-                world.monitor.waitForDetails();
+                world.readSessions();
                 settle(panel);
             }
             Q_EMIT world.mainScreen.changed();
@@ -174,7 +173,7 @@ private Q_SLOTS:
             settle(panel);
             QCOMPARE(counter.painted, QStringList());
             world.addSession(2, u"renamed"_s, u"idle"_s, 200s);
-            world.monitor.refresh();
+            world.readSessions();
             settle(panel);
             QCOMPARE(counter.paintsOf(u"renamed"_s) > 0, open);
             QCOMPARE(counter.paintsOf(u"(Claude sessions|session)"_s), 0);
@@ -217,7 +216,7 @@ private Q_SLOTS:
         expectMotion(true);
 
         world.addSession(1, u"one"_s, u"idle"_s, 0ms);
-        world.monitor.refresh();
+        world.readSessions();
         settle(panel);
         expectMotion(false);
     }

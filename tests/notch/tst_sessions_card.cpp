@@ -32,7 +32,7 @@ private Q_SLOTS:
         world.addSession(11, u"a"_s, u"busy"_s, 0ms);
         world.endSession(12);
         world.addSession(14, u"d"_s, u"idle"_s, 500ms);
-        world.monitor.refresh();
+        world.readSessions();
         QTRY_COMPARE(
             panel.rowNames(),
             QStringList({u"a, working, just now"_s, u"d, idle, just now"_s, u"c, idle, just now"_s}));
@@ -87,7 +87,7 @@ private Q_SLOTS:
         const QList<QColor> accents{Palette::badge, Palette::bronze, Palette::ample};
         PanelWorld world;
         world.addSession(13, u"finishes"_s, u"busy"_s, 3s);
-        world.monitor.refresh();
+        world.readSessions();
         world.addSession(11, u"waits"_s, u"waiting"_s, 1s);
         world.addSession(12, u"works"_s, u"busy"_s, 2s);
         world.addSession(13, u"finishes"_s, u"idle"_s, 3s);
@@ -148,7 +148,7 @@ private Q_SLOTS:
                 QVERIFY(rows.at(i)->accessibleName().startsWith(oneLine(titles.at(i)) + u','));
         }
         world.addSession(300, u"session 300"_s, u"busy"_s, 0ms); // from the end to the top
-        world.monitor.refresh();
+        world.readSessions();
         QTRY_VERIFY(panel.rows().constFirst()->accessibleName().startsWith(u"session 300,"_s));
         QVERIFY2(std::clock() - before < 5 * CLOCKS_PER_SEC, "the card takes too long");
         QCOMPARE(panel.rows().size(), 300);
@@ -168,7 +168,7 @@ private Q_SLOTS:
         QVERIFY(scroll->verticalScrollBar()->isVisible());
         for (int pid = 3; pid <= 300; ++pid)
             world.endSession(pid);
-        world.monitor.refresh();
+        world.readSessions();
         QTRY_COMPARE(scroll->height(), 2 * panel.rows().constFirst()->height() + 1);
         QVERIFY(!scroll->verticalScrollBar()->isVisible());
     }

@@ -3,6 +3,7 @@
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusVariant>
+#include <QElapsedTimer>
 #include <QImage>
 #include <QProcess>
 #include <QSignalSpy>
@@ -14,6 +15,7 @@
 #include <unistd.h>
 
 #include "Platform/Backend.h"
+#include "Platform/FolderWatch.h"
 #include "Platform/Freedesktop/FreedesktopPreferences.h"
 #include "Platform/Freedesktop/KdeSettings.h"
 #include "Platform/Freedesktop/SessionBusNotifications.h"
@@ -66,6 +68,38 @@ private:
         QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"another process"_s);
 
 private Q_SLOTS:
+    void tellsOfAFolderThatIsMadeLaterAtOnceButNoMoreOftenThanEvery50Milliseconds()
+    {
+        const TemporaryHome home;
+        const auto watch = System::folderWatch();
+        QSignalSpy changed(watch.get(), &FolderWatch::changed);
+        const auto watched = [&] {
+            return watch->watch({{QFile::encodeName(home.path(u"a/b"_s)), ".json"}});
+        };
+        QVERIFY(watched());
+        QTRY_COMPARE(changed.count(), 1); // from now on
+        home.write(u"other"_s, "1");
+        home.write(u"a/b/1.json"_s, "1");
+        QTRY_COMPARE(changed.count(), 2);
+        for (int look = 0; look < 3; ++look)
+            QVERIFY(watched());
+        QTRY_COMPARE(changed.count(), 3);
+        QElapsedTimer time;
+        time.start();
+        for (int number = 0; number < 500; ++number) {
+            home.write(number % 2 == 0 ? u"a/b/1.json"_s : u"a/b/1.json.new"_s, "2");
+            QCoreApplication::processEvents();
+        }
+        QTRY_VERIFY(changed.count() > 3);
+        QVERIFY(changed.count() <= 3 + 2 + time.elapsed() / 50);
+        QTest::qWait(0);
+        const qsizetype before = changed.count();
+        home.write(u"a/b/1.json.new"_s, "of no concern");
+        QVERIFY(QDir(home.path(u"a"_s)).removeRecursively());
+        QTRY_VERIFY(changed.count() > before);
+        QVERIFY(watched());
+    }
+
     void everyServiceIsThereWithoutADesktop()
     {
         Backend backend = makeBackend(Home(u"/nonexistent"_s));

@@ -54,6 +54,11 @@ struct PanelWorld {
         processes.alive.insert(pid);
         home.write(u".claude/sessions/%1.json"_s.arg(pid), QJsonDocument::fromVariant(record).toJson());
     }
+    void readSessions()
+    {
+        monitor.refresh();
+        monitor.waitForDone();
+    }
     void endSession(pid_t pid) { processes.alive.remove(pid); }
 
     [[nodiscard]] PanelGeometry geometry() const
