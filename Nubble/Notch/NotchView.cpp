@@ -44,8 +44,9 @@ void NotchView::followState()
 
 void NotchView::followMotion()
 {
-    m_claude->setMotionReduced(m_context.preferences.reducedMotion());
-    m_actions->setMotionReduced(m_context.preferences.reducedMotion());
+    const bool still = m_context.preferences.reducedMotion() || !m_observable;
+    m_claude->setMotionReduced(still);
+    m_actions->setMotionReduced(still);
 }
 
 void NotchView::open(PanelMode mode)
@@ -84,6 +85,12 @@ void NotchView::setTranslucent(bool translucent)
     m_translucent = translucent;
     m_cards->setTranslucent(translucent);
     update();
+}
+
+void NotchView::setObservable(bool observable)
+{
+    m_observable = observable;
+    followMotion();
 }
 
 void NotchView::endPreview()

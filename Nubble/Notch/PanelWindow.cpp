@@ -31,6 +31,9 @@ PanelWindow::~PanelWindow() = default;
 void PanelWindow::followSurface()
 {
     connect(m_surface.get(), &PanelSurface::translucencyChanged, this, &PanelWindow::updateTranslucency);
+    const auto followVeils = [this] { m_view->setObservable(m_surface->isObservable()); };
+    connect(m_surface.get(), &PanelSurface::observableChanged, this, followVeils);
+    followVeils();
     connect(m_surface.get(), &PanelSurface::closed, this, &PanelWindow::applyPlacement);
     connect(
         m_view.get(), &NotchView::outlineChanged, this, [this] { m_surface->setOutline(m_view->outline()); });

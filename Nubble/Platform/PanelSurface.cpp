@@ -21,4 +21,12 @@ void PanelSurface::showToolTip(const QString &text, const QPoint &position, QWid
     QToolTip::showText(m_window.mapToGlobal(position), text, &control);
 }
 
+void PanelSurface::setVeil(Veil veil, bool there)
+{
+    const bool before = isObservable();
+    m_veils.setFlag(veil, there);
+    if (isObservable() != before)
+        Q_EMIT observableChanged();
+}
+
 } // namespace nubble

@@ -61,8 +61,16 @@ public:
     virtual void openMenu(QMenu &menu, const QPoint &position);
     virtual void showToolTip(const QString &text, const QPoint &position, QWidget &control);
 
+    // What keeps everybody from seeing the window: a blank screen, a locked session, other windows all over
+    // it. Known only as far as the desktop tells.
+    enum class Veil { Blank = 1, Lock = 2, Windows = 4 };
+    Q_DECLARE_FLAGS(Veils, Veil)
+    [[nodiscard]] bool isObservable() const { return !m_veils; }
+    void setVeil(Veil veil, bool there);
+
 Q_SIGNALS:
     void translucencyChanged();
+    void observableChanged();
     void closed(); // by the desktop, such as with its screen; placing it again brings it back
 
 protected:
@@ -70,6 +78,7 @@ protected:
 
 private:
     QWidget &m_window;
+    Veils m_veils;
 };
 
 } // namespace nubble

@@ -5,6 +5,7 @@
 #include "Platform/PanelSurface.h"
 #include "Platform/X11/X11KeyboardFocus.h"
 #include "Platform/X11/X11SelectionWatch.h"
+#include "Platform/X11/X11Visibility.h"
 
 namespace nubble {
 
@@ -39,6 +40,7 @@ private:
     std::shared_ptr<const X11Connection> m_x11;
     X11SelectionWatch m_compositor;
     X11KeyboardFocus m_keyboard;
+    X11Visibility m_visibility;
     QRect m_frame;
     QList<QRectF> m_activeRects;
     QPainterPath m_outline;
