@@ -3,7 +3,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 
-#include <chrono>
+#include <utility>
 
 #include "Notch/CellFrame.h"
 #include "Notch/StatusRing.h"
@@ -14,13 +14,11 @@
 #include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
 namespace nubble {
 
 namespace {
 
-constexpr qint64 turnMsecs = 1400;
 QString activityText(const Activity &activity)
 {
     switch (activity.waiting ? RunState::Waiting : activity.overall) {
@@ -43,8 +41,8 @@ ClaudeCell::ClaudeCell(QWidget *parent) : QAbstractButton(parent)
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_OpaquePaintEvent); // a frame of the animation is then no concern of the body
     m_frame.setTimerType(Qt::PreciseTimer);
-    m_frame.setInterval(16ms);
-    connect(&m_frame, &QTimer::timeout, this, [this] { update(ringArea()); });
+    m_frame.setInterval(stepTime);
+    connect(&m_frame, &QTimer::timeout, this, &ClaudeCell::turnOn);
     describe();
 }
 
@@ -80,14 +78,9 @@ void ClaudeCell::setUsage(const PlanWindows &windows)
 void ClaudeCell::setMotionReduced(bool reduced)
 {
     m_motionReduced = reduced;
+    m_step = 0;
     animateIfNeeded();
     update();
-}
-
-QRect ClaudeCell::ringArea() const
-{
-    const double half = Layout::ringDiameter / 2 + 1;
-    return QRectF(m_center - QPointF(half, half), QSizeF(2 * half, 2 * half)).toAlignedRect();
 }
 
 QString ClaudeCell::percentText() const
@@ -97,15 +90,24 @@ QString ClaudeCell::percentText() const
 
 void ClaudeCell::animateIfNeeded()
 {
-    const bool turns = m_activity.overall == RunState::Working && !m_motionReduced && isVisible();
+    const bool turns = isWorking() && !m_motionReduced && isVisible();
     if (turns == m_frame.isActive())
         return;
-    if (turns) {
-        m_turning.start();
+    if (turns)
         m_frame.start();
-    } else {
+    else
         m_frame.stop();
-    }
+}
+
+void ClaudeCell::turnOn()
+{
+    const auto turn = [](int step) { return static_cast<double>(step) / stepsPerTurn; };
+    const int before = std::exchange(m_step, (m_step + 1) % stepsPerTurn);
+    const auto places = changedByTurning(m_center, turn(before), turn(m_step));
+    QRegion changed;
+    for (size_t i = 0; i < places.size(); ++i)
+        changed |= m_steps[m_step][i].place = places[i];
+    repaint(changed);
 }
 
 void ClaudeCell::describe()
@@ -139,12 +141,36 @@ void ClaudeCell::hideEvent(QHideEvent *)
 void ClaudeCell::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
-    painter.fillRect(event->rect(), Palette::body);
+    Step &step = m_steps[m_step];
+    if (m_frame.isActive() && event->region() == QRegion(step[0].place) + step[1].place) {
+        for (EndOfArc &end : step)
+            drawEnd(painter, end);
+        return;
+    }
+    m_steps = {}; // for one of the reasons for which all is drawn again
+    draw(painter);
+}
+
+// From its picture, which is also quicker to make: a fill of many spans would be shared among threads.
+void ClaudeCell::drawEnd(QPainter &painter, EndOfArc &end) const
+{
+    const QTransform &onDevice = painter.deviceTransform();
+    const QRect pixels = onDevice.mapRect(QRectF(end.place)).toAlignedRect();
+    if (end.picture.isNull()) {
+        end.picture = QImage(pixels.size(), QImage::Format_ARGB32_Premultiplied);
+        QPainter own(&end.picture);
+        own.setTransform(onDevice * QTransform::fromTranslate(-pixels.x(), -pixels.y()));
+        draw(own);
+    }
+    painter.drawImage(onDevice.inverted().mapRect(QRectF(pixels)), end.picture);
+}
+
+void ClaudeCell::draw(QPainter &painter) const
+{
+    painter.fillRect(rect(), Palette::body);
     painter.setRenderHint(QPainter::Antialiasing);
-    if (m_activity.overall == RunState::Working)
-        drawActivityArc(
-            painter, m_center,
-            m_frame.isActive() ? static_cast<double>(m_turning.elapsed() % turnMsecs) / turnMsecs : 0);
+    if (isWorking())
+        drawActivityArc(painter, m_center, static_cast<double>(m_step) / stepsPerTurn);
     else
         drawStatusRing(painter, m_center, m_activity.overall, m_fraction);
     if (m_activity.waiting)
@@ -154,8 +180,6 @@ void ClaudeCell::paintEvent(QPaintEvent *event)
         painter.setBrush(Qt::NoBrush);
         painter.drawEllipse(m_center, Layout::ringDiameter / 2 + 2.5, Layout::ringDiameter / 2 + 2.5);
     }
-    if (!event->rect().intersects(m_percentRect.toAlignedRect()))
-        return; // a frame of the animation
     painter.setFont(Typography::percent());
     painter.setPen(Palette::textPrimary);
     Typography::drawTabular(painter, m_percentRect, Qt::AlignHCenter, percentText());

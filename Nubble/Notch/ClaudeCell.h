@@ -1,9 +1,10 @@
 #pragma once
 
 #include <QAbstractButton>
-#include <QElapsedTimer>
+#include <QImage>
 #include <QTimer>
 
+#include <array>
 #include <optional>
 
 #include "Placement/NotchEdge.h"
@@ -14,7 +15,8 @@ namespace nubble {
 struct PlanWindows;
 
 // The status ring with the percentage of the plan below it, a button that opens the sessions card. Repaints
-// only when something that it shows changes, and at every frame while something works.
+// only when something that it shows changes, and the ends of the turning arc while something works and is
+// seen.
 class ClaudeCell : public QAbstractButton {
     Q_OBJECT
 
@@ -39,10 +41,23 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    [[nodiscard]] QRect ringArea() const;
+    // A turn in 1.4 seconds. In a step the arc's ends move by less than two pixels, however late it is.
+    static constexpr int stepTime = 35; // milliseconds
+    static constexpr int stepsPerTurn = 40;
+
+    struct EndOfArc {
+        QRect place;
+        QImage picture; // on the device's pixels; null until it has been drawn
+    };
+    using Step = std::array<EndOfArc, 2>;
+
+    [[nodiscard]] bool isWorking() const { return m_activity.overall == RunState::Working; }
     [[nodiscard]] QString percentText() const;
     void animateIfNeeded();
+    void turnOn();
     void describe();
+    void draw(QPainter &painter) const;
+    void drawEnd(QPainter &painter, EndOfArc &end) const;
 
     QPointF m_center; // of the ring, in the cell's coordinates
     QRectF m_percentRect;
@@ -50,7 +65,8 @@ private:
     std::optional<double> m_fraction;
     bool m_motionReduced = false;
     QTimer m_frame;
-    QElapsedTimer m_turning;
+    int m_step = 0;
+    std::array<Step, stepsPerTurn> m_steps; // as they have been drawn in the turns before
 };
 
 } // namespace nubble

@@ -72,7 +72,7 @@ protected:
         if (event->type() == QEvent::Paint && widget)
             painted.append(widget->accessibleName());
         const auto *timer = event->type() == QEvent::Timer ? qobject_cast<QTimer *>(watched) : nullptr;
-        frames += timer && timer->interval() < 20;
+        frames += timer && timer->interval() < 40;
         return false;
     }
 };
@@ -216,13 +216,53 @@ private Q_SLOTS:
         world.placement.setVisible(true);
         expectMotion(true);
 
+        for (const auto veil : {PanelSurface::Veil::Blank, PanelSurface::Veil::Lock}) {
+            panel.surface->setVeil(veil, true);
+            settle(panel);
+        }
+        panel.surface->setVeil(PanelSurface::Veil::Blank, false);
+        expectMotion(false);
+        panel.surface->setVeil(PanelSurface::Veil::Lock, false);
+        expectMotion(true);
+
         world.addSession(1, u"one"_s, u"idle"_s, 0ms);
         world.monitor.refresh();
         settle(panel);
         expectMotion(false);
     }
 
+    void theTurningRingLooksAsIfItWereDrawnWhole()
+    {
+        for (const auto &[status, focused] : {std::pair(u"busy"_s, true), {u"waiting"_s, false}}) {
+            PanelWorld world;
+            world.preferences.setReducedMotion(false);
+            world.addSession(1, u"one"_s, status, 0ms);
+            world.addSession(2, u"two"_s, u"busy"_s, 0ms);
+            PanelUnderTest panel(world);
+            QVERIFY(QTest::qWaitForWindowExposed(&panel.view()));
+            if (focused)
+                panel.ring()->setFocus(Qt::TabFocusReason);
+            for (const int frames : {1, 7, 40 + 25}) { // before and after all have been drawn once
+                const PaintCounter counter;
+                QTRY_VERIFY(counter.paintsOf(u"Claude sessions"_s) >= frames);
+                const QImage seen = panel.view().screen()->grabWindow(panel.view().winId()).toImage();
+                const QImage whole = panel.view().grab().toImage();
+                QCOMPARE(seen.size(), whole.size());
+                const QRect ring = panel.ring()->geometry();
+                for (int y = ring.top(); y <= ring.bottom(); ++y)
+                    for (int x = ring.left(); x <= ring.right(); ++x)
+                        QVERIFY(isNear(seen.pixel(x, y), whole.pixel(x, y)));
+            }
+        }
+    }
+
 private:
+    static bool isNear(QRgb a, QRgb b) // but for the soft edges of curves that begin elsewhere
+    {
+        const auto differ = [](int x, int y) { return std::abs(x - y) > 24; };
+        return !differ(qRed(a), qRed(b)) && !differ(qGreen(a), qGreen(b)) && !differ(qBlue(a), qBlue(b));
+    }
+
     // A timer that fires nearly as often as the frames do tells when several would have been painted.
     static void expectMotion(bool turning)
     {
@@ -230,7 +270,7 @@ private:
         int ticks = 0;
         QTimer frames;
         frames.callOnTimeout([&ticks] { ++ticks; });
-        frames.start(20);
+        frames.start(40);
         if (turning)
             QTRY_VERIFY(counter.paintsOf(u"Claude sessions"_s) >= 5);
         QTRY_VERIFY(ticks >= 10);
