@@ -114,7 +114,6 @@ void CardHost::close()
 
 void CardHost::layOut()
 {
-    CardTransition::cutShort(m_shell);
     const QRect frame(placed(m_shell->sizeHint(), m_geometry).topLeft().toPoint(), m_shell->sizeHint());
     m_shell->setGeometry(frame);
     const QPointF card = m_shell->cardRect().topLeft() + frame.topLeft();
