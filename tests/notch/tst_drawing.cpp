@@ -1,5 +1,6 @@
 #include <QRegularExpression>
 #include <QSignalSpy>
+#include <QVariantAnimation>
 
 #include <cmath>
 #include <numbers>
@@ -229,6 +230,37 @@ private Q_SLOTS:
         world.monitor.refresh();
         settle(panel);
         expectMotion(false);
+    }
+
+    void aCardComesAndGoesAsAPictureThatShowsEveryChange()
+    {
+        PanelWorld world;
+        world.preferences.setReducedMotion(false);
+        for (int pid = 1; pid <= 20; ++pid)
+            world.addSession(pid, u"session %1"_s.arg(pid), u"idle"_s, pid * 100s);
+        PanelUnderTest panel(world);
+        settle(panel);
+        for (const bool comes : {true, false}) {
+            const PaintCounter counter;
+            panel.clickRing();
+            const auto isMoving = [&] {
+                const auto animations = panel.view().findChildren<QVariantAnimation *>(u"transition"_s);
+                return !animations.isEmpty();
+            };
+            QVERIFY(isMoving());
+            QCOMPARE(panel.control(u"session 1,"_s) != nullptr, comes); // at once
+            QTRY_VERIFY(counter.paintsOf(u"Nubble"_s) >= 3);
+            QCOMPARE(isMoving(), true);
+            if (comes) {
+                world.addSession(1, u"renamed"_s, u"idle"_s, 100s);
+                world.monitor.refresh();
+                const auto before = counter.paintsOf(u"renamed"_s);
+                QTRY_VERIFY(counter.paintsOf(u"renamed"_s) > before);
+            }
+            QTRY_VERIFY(!isMoving());
+            settle(panel);
+            QVERIFY(counter.paintsOf(u"session 3"_s) <= (comes ? 4 : 2)); // of ten frames
+        }
     }
 
     void theTurningRingLooksAsIfItWereDrawnWhole()
