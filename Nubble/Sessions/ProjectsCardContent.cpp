@@ -107,12 +107,11 @@ QList<int> ProjectsCardContent::rowsAround() const
     const int top = m_scroll->verticalScrollBar()->value();
     const int first = std::max(0, m_rows->numberAt(top) - around);
     const int last = std::min(count - 1, m_rows->numberAt(top + m_scroll->height()) + around);
-    const auto isFocused = [this](const ClaudeSession &session) {
-        const ProjectRow *row = m_rowOf.value(keyOf(session));
-        return row && row->hasFocus();
-    };
-    const auto focused = std::find_if(sessions.begin(), sessions.end(), isFocused);
-    const int focus = focused == sessions.end() ? 0 : static_cast<int>(focused - sessions.begin());
+    const RowKey focused = m_rowOf.key(qobject_cast<ProjectRow *>(m_rows->focusWidget()));
+    const auto focus =
+        std::find_if(
+            sessions.begin(), sessions.end(), [&focused](const auto &each) { return keyOf(each) == focused; })
+        - sessions.begin();
     QList<int> rows;
     for (int position = 0; position < count; ++position)
         if ((first <= position && position <= last) || std::abs(position - focus) <= 1 || position == 0
