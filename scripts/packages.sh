@@ -6,6 +6,7 @@ build_packages=(
     g++ cmake ninja-build pkgconf
     qt6-base-dev qt6-svg-dev libgl-dev
     libxcb1-dev libxcb-shape0-dev libxcb-xinput-dev libxcb-xfixes0-dev libxcb-randr0-dev libxcb-xkb-dev
+    libxcb-screensaver0-dev
     libdbus-1-dev libpulse-dev libsqlite3-dev
 )
 run_packages=(zstd procps fonts-inter)

@@ -72,7 +72,6 @@ void CardHost::close()
 
 void CardHost::layOut()
 {
-    CardTransition::cutShort(m_shell);
     const QRect frame(m_geometry.cardFrame(m_shell->sizeHint()).topLeft().toPoint(), m_shell->sizeHint());
     m_shell->setGeometry(frame);
     const QPointF card = m_shell->cardRect().topLeft() + frame.topLeft();

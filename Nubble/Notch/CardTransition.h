@@ -12,11 +12,9 @@ namespace CardTransition {
 
 enum class Direction { In, Out };
 
-// `towardsBody` is a unit step. A card that goes is hidden and deleted afterwards.
+// `towardsBody` is a unit step. Goes on wherever the card is moved or resized meanwhile; a later transition
+// of the same card takes its place. A card that goes is hidden and deleted afterwards.
 void run(QWidget *card, const QPoint &towardsBody, Direction direction);
-
-// Ends a transition that brings the card in: it is opaque at once.
-void cutShort(QWidget *card);
 
 } // namespace CardTransition
 

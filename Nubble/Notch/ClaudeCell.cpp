@@ -1,26 +1,16 @@
 #include "Notch/ClaudeCell.h"
 
-#include <QPaintEvent>
-#include <QPainter>
-
-#include <chrono>
-
 #include "Notch/CellFrame.h"
-#include "Notch/StatusRing.h"
-#include "Placement/Layout.h"
+#include "Notch/RingPicture.h"
 #include "Usage/PlanWindow.h"
 #include "Usage/UsageTexts.h"
-#include "Widgets/Palette.h"
-#include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
 namespace nubble {
 
 namespace {
 
-constexpr qint64 turnMsecs = 1400;
 QString activityText(const Activity &activity)
 {
     switch (activity.waiting ? RunState::Waiting : activity.overall) {
@@ -38,21 +28,16 @@ QString activityText(const Activity &activity)
 
 } // namespace
 
-ClaudeCell::ClaudeCell(QWidget *parent) : QAbstractButton(parent)
+ClaudeCell::ClaudeCell(QWidget *parent) : QAbstractButton(parent), m_picture(new RingPicture(this))
 {
     setFocusPolicy(Qt::TabFocus);
-    m_frame.setTimerType(Qt::PreciseTimer);
-    m_frame.setInterval(16ms);
-    connect(&m_frame, &QTimer::timeout, this, [this] { update(ringArea()); });
     describe();
 }
 
 void ClaudeCell::place(const CellFrame &frame)
 {
     setGeometry(frame.geometry);
-    m_center = frame.center;
-    m_percentRect = frame.text;
-    update();
+    m_picture->place(frame);
 }
 
 void ClaudeCell::setActivity(const Activity &activity)
@@ -60,9 +45,8 @@ void ClaudeCell::setActivity(const Activity &activity)
     if (m_activity == activity)
         return;
     m_activity = activity;
+    m_picture->setActivity(activity);
     describe();
-    animateIfNeeded();
-    update();
 }
 
 void ClaudeCell::setUsage(const PlanWindows &windows)
@@ -71,44 +55,18 @@ void ClaudeCell::setUsage(const PlanWindows &windows)
     if (m_fraction == fraction)
         return;
     m_fraction = fraction;
+    m_picture->setFraction(fraction);
     describe();
-    update();
 }
 
 void ClaudeCell::setMotionReduced(bool reduced)
 {
-    m_motionReduced = reduced;
-    animateIfNeeded();
-    update();
-}
-
-QRect ClaudeCell::ringArea() const
-{
-    const double half = Layout::ringDiameter / 2 + 1;
-    return QRectF(m_center - QPointF(half, half), QSizeF(2 * half, 2 * half)).toAlignedRect();
-}
-
-QString ClaudeCell::percentText() const
-{
-    return m_fraction ? QString::number(percentOf(*m_fraction)) : QString();
-}
-
-void ClaudeCell::animateIfNeeded()
-{
-    const bool turns = m_activity.overall == RunState::Working && !m_motionReduced && isVisible();
-    if (turns == m_frame.isActive())
-        return;
-    if (turns) {
-        m_turning.start();
-        m_frame.start();
-    } else {
-        m_frame.stop();
-    }
+    m_picture->setMotionReduced(reduced);
 }
 
 void ClaudeCell::describe()
 {
-    const QString used = m_fraction ? u", %1 % of the plan used"_s.arg(percentText()) : QString();
+    const QString used = m_fraction ? u", %1 % of the plan used"_s.arg(percentOf(*m_fraction)) : QString();
     setAccessibleName(u"Claude sessions: "_s + activityText(m_activity) + used);
 }
 
@@ -124,38 +82,16 @@ void ClaudeCell::leaveEvent(QEvent *event)
     QAbstractButton::leaveEvent(event);
 }
 
-void ClaudeCell::showEvent(QShowEvent *)
+void ClaudeCell::focusInEvent(QFocusEvent *event)
 {
-    animateIfNeeded();
+    m_picture->setFocused(true);
+    QAbstractButton::focusInEvent(event);
 }
 
-void ClaudeCell::hideEvent(QHideEvent *)
+void ClaudeCell::focusOutEvent(QFocusEvent *event)
 {
-    animateIfNeeded();
-}
-
-void ClaudeCell::paintEvent(QPaintEvent *event)
-{
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    if (m_activity.overall == RunState::Working)
-        drawActivityArc(
-            painter, m_center,
-            m_frame.isActive() ? static_cast<double>(m_turning.elapsed() % turnMsecs) / turnMsecs : 0);
-    else
-        drawStatusRing(painter, m_center, m_activity.overall, m_fraction);
-    if (m_activity.waiting)
-        drawWaitingBadge(painter, m_center);
-    if (hasFocus()) {
-        painter.setPen(QPen(Palette::focus, 1.5));
-        painter.setBrush(Qt::NoBrush);
-        painter.drawEllipse(m_center, Layout::ringDiameter / 2 + 2.5, Layout::ringDiameter / 2 + 2.5);
-    }
-    if (!event->rect().intersects(m_percentRect.toAlignedRect()))
-        return; // a frame of the animation
-    painter.setFont(Typography::percent());
-    painter.setPen(Palette::textPrimary);
-    Typography::drawTabular(painter, m_percentRect, Qt::AlignHCenter, percentText());
+    m_picture->setFocused(false);
+    QAbstractButton::focusOutEvent(event);
 }
 
 } // namespace nubble

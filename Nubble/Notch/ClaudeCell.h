@@ -1,20 +1,17 @@
 #pragma once
 
 #include <QAbstractButton>
-#include <QElapsedTimer>
-#include <QTimer>
-
-#include <optional>
 
 #include "Sessions/RunState.h"
 
 namespace nubble {
 
+class RingPicture;
 struct CellFrame;
 struct PlanWindows;
 
-// The status ring with the percentage of the plan below it, a button that opens the sessions card. Repaints
-// only when something that it shows changes, and at every frame while something works.
+// The status ring with the percentage of the plan below it, a button that opens the sessions card. It is
+// larger than its picture.
 class ClaudeCell : public QAbstractButton {
     Q_OBJECT
 
@@ -33,23 +30,16 @@ Q_SIGNALS:
 protected:
     void enterEvent(QEnterEvent *event) override;
     void leaveEvent(QEvent *event) override;
-    void showEvent(QShowEvent *event) override;
-    void hideEvent(QHideEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+    void paintEvent(QPaintEvent *) override { } // the picture is all that is seen of it
 
 private:
-    [[nodiscard]] QRect ringArea() const;
-    [[nodiscard]] QString percentText() const;
-    void animateIfNeeded();
     void describe();
 
-    QPointF m_center; // of the ring, in the cell's coordinates
-    QRectF m_percentRect;
+    RingPicture *m_picture;
     Activity m_activity;
     std::optional<double> m_fraction;
-    bool m_motionReduced = false;
-    QTimer m_frame;
-    QElapsedTimer m_turning;
 };
 
 } // namespace nubble

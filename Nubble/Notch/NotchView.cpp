@@ -52,8 +52,9 @@ bool NotchView::isPointerBetweenRingAndCard() const
 
 void NotchView::followMotion()
 {
-    m_claude->setMotionReduced(m_context.preferences.reducedMotion());
-    m_actions->setMotionReduced(m_context.preferences.reducedMotion());
+    const bool still = m_context.preferences.reducedMotion() || !m_observable;
+    m_claude->setMotionReduced(still);
+    m_actions->setMotionReduced(still);
 }
 
 void NotchView::open(PanelMode mode)
@@ -104,6 +105,12 @@ void NotchView::setTranslucent(bool translucent)
     m_translucent = translucent;
     m_cards->setTranslucent(translucent);
     update();
+}
+
+void NotchView::setObservable(bool observable)
+{
+    m_observable = observable;
+    followMotion();
 }
 
 void NotchView::endPreview()

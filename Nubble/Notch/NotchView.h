@@ -51,6 +51,7 @@ public:
 
     void setGeometryOnScreen(const PanelGeometry &geometry);
     void setTranslucent(bool translucent); // whether what is below shines through
+    void setObservable(bool observable);   // whether anybody can see it
     void endPreview();                     // closes a card that only the pointer has opened
     void closeCardsWhenLeft();             // by the pointer: where presses elsewhere cannot be noticed
     void focusCard();                      // the keyboard goes to the open card's first control
@@ -79,6 +80,7 @@ private:
     HoverPreview m_hover;
     PanelGeometry m_geometry;
     bool m_translucent = true;
+    bool m_observable = true;
     CardHost *m_cards;
     ClaudeCell *m_claude;
     CompanionCell *m_companion; // may be none

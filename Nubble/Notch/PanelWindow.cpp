@@ -60,6 +60,9 @@ void PanelWindow::followSurface()
 {
     connect(m_surface.get(), &PanelSurface::translucencyChanged, this, &PanelWindow::updateTranslucency);
     connect(m_surface.get(), &PanelSurface::barsChanged, this, &PanelWindow::applyPlacement);
+    const auto followVeils = [this] { m_view->setObservable(m_surface->isObservable()); };
+    connect(m_surface.get(), &PanelSurface::observableChanged, this, followVeils);
+    followVeils();
     connect(m_surface.get(), &PanelSurface::closed, this, &PanelWindow::applyPlacement);
     connect(m_view.get(), &NotchView::outlineChanged, this, [this] {
         fit();

@@ -15,10 +15,18 @@ namespace {
 
 constexpr double stroke = 2.75;
 constexpr double radius = (Layout::ringDiameter - stroke) / 2;
+constexpr double arcLength = 0.25; // in turns
 
 QRectF circle(const QPointF &center, double r)
 {
     return {center.x() - r, center.y() - r, 2 * r, 2 * r};
+}
+
+// On the middle of the ring's stroke, clockwise from the top.
+QPointF pointAt(const QPointF &center, double turn)
+{
+    const double angle = (turn - 0.25) * 2 * std::numbers::pi;
+    return center + radius * QPointF(std::cos(angle), std::sin(angle));
 }
 
 // A part of the ring, clockwise from the top; both in turns.
@@ -75,8 +83,18 @@ void drawStatusRing(QPainter &painter, const QPointF &center, RunState state, st
 void drawActivityArc(QPainter &painter, const QPointF &center, double turn)
 {
     drawTrack(painter, center);
-    drawArc(painter, center, Palette::bronze, turn, 0.25);
+    drawArc(painter, center, Palette::bronze, turn, arcLength);
     drawGlyph(painter, center, Palette::bronze);
+}
+
+std::array<QRect, 2> changedByTurning(const QPointF &center, double from, double to)
+{
+    const auto around = [&](double end) { // from its round cap there to the one here, with their soft edges
+        const QRectF caps = circle(pointAt(center, from + end), stroke / 2)
+                                .united(circle(pointAt(center, to + end), stroke / 2));
+        return caps.adjusted(-0.5, -0.5, 0.5, 0.5).toAlignedRect();
+    };
+    return {around(0), around(arcLength)};
 }
 
 void drawWaitingBadge(QPainter &painter, const QPointF &center)

@@ -2,11 +2,13 @@
 
 #include <QPointF>
 
+#include <array>
 #include <optional>
 
 #include "Sessions/RunState.h"
 
 class QPainter;
+class QRect;
 
 namespace nubble {
 
@@ -18,6 +20,9 @@ void drawStatusRing(QPainter &painter, const QPointF &center, RunState state, st
 
 // While something works: a quarter of the circle, `turn` (0 to 1) of the way round.
 void drawActivityArc(QPainter &painter, const QPointF &center, double turn);
+
+// All that looks different when the arc has gone on from one turn to another: the places of its two ends.
+[[nodiscard]] std::array<QRect, 2> changedByTurning(const QPointF &center, double from, double to);
 
 // Something waits for the user.
 void drawWaitingBadge(QPainter &painter, const QPointF &center);

@@ -6,6 +6,7 @@
 
 #include "Platform/DesktopStatusHost.h"
 #include "Platform/Freedesktop/FreedesktopPreferences.h"
+#include "Platform/Freedesktop/ScreenLock.h"
 #include "Platform/Freedesktop/SessionBusNotifications.h"
 #include "Platform/Freedesktop/StatusNotifierWatch.h"
 #include "Platform/Home.h"
@@ -103,6 +104,21 @@ Backend makeX11Backend(const std::shared_ptr<const X11Connection> &x11)
     return backend;
 }
 
+// Whatever the backend, a locker hides the panel.
+void lockWithTheSession(Backend &backend)
+{
+    const auto lock = std::make_shared<ScreenLock>();
+    backend.makePanelSurface = [lock, make = backend.makePanelSurface](QWidget &window) {
+        std::unique_ptr<PanelSurface> surface = make(window);
+        const auto follow = [lock, surface = surface.get()] {
+            surface->setVeil(PanelSurface::Veil::Lock, lock->isLocked());
+        };
+        QObject::connect(lock.get(), &ScreenLock::changed, surface.get(), follow);
+        follow();
+        return surface;
+    };
+}
+
 } // namespace
 
 std::optional<QByteArray> qtPlatform()
@@ -119,6 +135,7 @@ Backend makeBackend(const Home &home)
     const auto x11 = X11Connection::ofThisProgram(); // null on every other platform of Qt
     qCDebug(logPlatform) << "backend:" << (x11 ? "X11" : "a plain window");
     Backend backend = x11 ? makeX11Backend(x11) : makePlainBackend();
+    lockWithTheSession(backend);
     backend.preferences = std::make_unique<FreedesktopPreferences>(
         home.configFolder(), x11 ? std::make_unique<X11Settings>(x11) : nullptr);
     backend.statusHost = std::make_unique<DesktopStatusHost>(

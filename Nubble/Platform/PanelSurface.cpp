@@ -21,4 +21,12 @@ void PanelSurface::showToolTip(QWidget &tip, const QRect &frame)
     tip.show();
 }
 
+void PanelSurface::setVeil(Veil veil, bool there)
+{
+    const bool before = isObservable();
+    m_veils.setFlag(veil, there);
+    if (isObservable() != before)
+        Q_EMIT observableChanged();
+}
+
 } // namespace nubble

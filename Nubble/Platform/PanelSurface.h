@@ -46,8 +46,8 @@ public:
     // How far bars that lie above every window reach into the primary screen from its edges.
     [[nodiscard]] virtual QMargins barsAbove() const { return {}; }
 
-    // Whether translucent pixels show what is below. Without that the window is cut to its outline, and has to
-    // be painted opaque.
+    // Whether translucent pixels show what is below. Without that the window is cut to its outline, and has
+    // to be painted opaque.
     [[nodiscard]] virtual bool isTranslucent() const = 0;
 
     // The keyboard, on the user's explicit wish only; releasing gives it back to the window that had it, or
@@ -67,9 +67,17 @@ public:
     virtual void openMenu(QMenu &menu, const QPoint &position);
     virtual void showToolTip(QWidget &tip, const QRect &frame);
 
+    // What keeps everybody from seeing the window: a blank screen, a locked session, other windows all over
+    // it. Known only as far as the desktop tells.
+    enum class Veil { Blank = 1, Lock = 2, Windows = 4 };
+    Q_DECLARE_FLAGS(Veils, Veil)
+    [[nodiscard]] bool isObservable() const { return !m_veils; }
+    void setVeil(Veil veil, bool there);
+
 Q_SIGNALS:
     void translucencyChanged();
     void barsChanged();
+    void observableChanged();
     void closed(); // by the desktop, such as with its screen; placing it again brings it back
 
 protected:
@@ -77,6 +85,7 @@ protected:
 
 private:
     QWidget &m_window;
+    Veils m_veils;
 };
 
 } // namespace nubble

@@ -17,7 +17,6 @@ namespace nubble {
 
 namespace {
 
-constexpr int rowHeight = 46;
 constexpr double iconSide = 15;
 constexpr qsizetype longestToolTipText = 600;
 
@@ -47,7 +46,6 @@ QString joined(QStringList parts, const QString &separator)
 ProjectRow::ProjectRow(QWidget *parent) : QAbstractButton(parent), m_hover(this)
 {
     setFocusPolicy(Qt::TabFocus);
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
 void ProjectRow::setContent(const ProjectRowContent &content)
@@ -69,11 +67,6 @@ void ProjectRow::describe()
     for (QString &line : lines)
         line = toolTipLine(line);
     setToolTip(joined(lines, u"\n"_s));
-}
-
-QSize ProjectRow::sizeHint() const
-{
-    return {100, rowHeight};
 }
 
 void ProjectRow::paintEvent(QPaintEvent *)

@@ -26,11 +26,11 @@ class ProjectRow : public QAbstractButton {
     Q_OBJECT
 
 public:
+    static constexpr int rowHeight = 46;
+
     explicit ProjectRow(QWidget *parent = nullptr);
 
     void setContent(const ProjectRowContent &content); // an equal one repaints nothing
-
-    [[nodiscard]] QSize sizeHint() const override;
 
 protected:
     void paintEvent(QPaintEvent *event) override;

@@ -1,17 +1,20 @@
 #include "Sessions/ProjectsCardContent.h"
 
 #include <QLabel>
+#include <QScrollBar>
 #include <QSet>
 #include <QTimer>
 #include <QVBoxLayout>
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
 
 #include "Platform/Clock.h"
 #include "Platform/Workspace.h"
 #include "Sessions/ProcessActivator.h"
 #include "Sessions/ProjectRow.h"
+#include "Sessions/RowColumn.h"
 #include "Sessions/SessionDetails.h"
 #include "Sessions/SessionMonitor.h"
 #include "Sessions/SessionTexts.h"
@@ -38,16 +41,19 @@ QLabel *makeEmptyLabel()
 
 } // namespace
 
+ProjectsCardContent::RowKey ProjectsCardContent::keyOf(const ClaudeSession &session)
+{
+    return {session.sessionId, session.pid};
+}
+
 ProjectsCardContent::ProjectsCardContent(
     const SessionMonitor &monitor, ProcessActivator &activator, const Clock &clock, int maxHeight,
     QWidget *parent)
     : QWidget(parent), m_monitor(monitor), m_activator(activator), m_bringsForward(activator.canActivate()),
       m_clock(clock), m_header(new CardHeader(u"Claude Projects"_s)), m_empty(makeEmptyLabel()),
-      m_list(new QWidget), m_rows(new QVBoxLayout(m_list))
+      m_rows(new RowColumn(ProjectRow::rowHeight))
 {
     setFixedWidth(CardMetrics::width);
-    m_rows->setContentsMargins(0, 0, 0, 0);
-    m_rows->setSpacing(1);
     auto *close = new NotchButton(u"xmark"_s, u"Close"_s);
     connect(close, &NotchButton::clicked, this, &ProjectsCardContent::closeRequested);
     m_header->addAccessory(close);
@@ -60,8 +66,9 @@ ProjectsCardContent::ProjectsCardContent(
     const int around = CardMetrics::rowMargins.top() + CardMetrics::rowMargins.bottom()
         + CardMetrics::headerHeight + CardMetrics::spacing;
     layout->addWidget(
-        m_scroll = new CappedScroll(m_list, std::min(CardMetrics::maxHeight, maxHeight) - around));
+        m_scroll = new CappedScroll(m_rows, std::min(CardMetrics::maxHeight, maxHeight) - around));
 
+    connect(m_scroll->verticalScrollBar(), &QScrollBar::valueChanged, this, &ProjectsCardContent::updateRows);
     connect(&monitor, &SessionMonitor::sessionsChanged, this, &ProjectsCardContent::updateRows);
     connect(&monitor, &SessionMonitor::recentlyCompletedChanged, this, &ProjectsCardContent::updateRows);
     connect(&monitor.details(), &SessionDetails::byIdChanged, this, &ProjectsCardContent::updateRows);
@@ -74,11 +81,14 @@ ProjectsCardContent::ProjectsCardContent(
 void ProjectsCardContent::updateRows()
 {
     const QList<ClaudeSession> &sessions = m_monitor.sessions();
+    m_rows->setCount(static_cast<int>(sessions.size()));
+    m_scroll->fit();
+    const QList<int> positions = rowsAround();
     QList<RowKey> keys;
-    for (const ClaudeSession &session : sessions)
-        keys.append({session.sessionId, session.pid});
+    for (const int position : positions)
+        keys.append(keyOf(sessions.at(position)));
     removeRowsExcept(keys);
-    for (int position = 0; position < sessions.size(); ++position)
+    for (const int position : positions)
         showRow(sessions.at(position), position);
     if (std::exchange(m_order, keys) != keys)
         orderFocus();
@@ -87,11 +97,34 @@ void ProjectsCardContent::updateRows()
     m_scroll->setVisible(!sessions.isEmpty());
 }
 
+// Those in sight, as many around them that nobody scrolls or goes on by Tab beyond them, and those that Tab
+// leads to from elsewhere: the ends, and the neighbours of the one with the focus.
+QList<int> ProjectsCardContent::rowsAround() const
+{
+    constexpr int around = 40;
+    const QList<ClaudeSession> &sessions = m_monitor.sessions();
+    const int count = static_cast<int>(sessions.size());
+    const int top = m_scroll->verticalScrollBar()->value();
+    const int first = std::max(0, m_rows->numberAt(top) - around);
+    const int last = std::min(count - 1, m_rows->numberAt(top + m_scroll->height()) + around);
+    const RowKey focused = m_rowOf.key(qobject_cast<ProjectRow *>(m_rows->focusWidget()));
+    const auto focus =
+        std::find_if(
+            sessions.begin(), sessions.end(), [&focused](const auto &each) { return keyOf(each) == focused; })
+        - sessions.begin();
+    QList<int> rows;
+    for (int position = 0; position < count; ++position)
+        if ((first <= position && position <= last) || std::abs(position - focus) <= 1 || position == 0
+            || position == count - 1)
+            rows.append(position);
+    return rows;
+}
+
 // Tab goes from row to row as they stand; by itself it would go in the order in which they came.
 void ProjectsCardContent::orderFocus()
 {
-    for (int position = 1; position < m_rows->count(); ++position)
-        setTabOrder(m_rows->itemAt(position - 1)->widget(), m_rows->itemAt(position)->widget());
+    for (qsizetype i = 1; i < m_order.size(); ++i)
+        setTabOrder(m_rowOf.value(m_order.at(i - 1)), m_rowOf.value(m_order.at(i)));
 }
 
 void ProjectsCardContent::removeRowsExcept(const QList<RowKey> &keys)
@@ -102,7 +135,6 @@ void ProjectsCardContent::removeRowsExcept(const QList<RowKey> &keys)
             ++row;
             continue;
         }
-        m_rows->removeWidget(row.value());
         row.value()->hide();
         row.value()->deleteLater(); // it may be the one whose click is being handled
         row = m_rowOf.erase(row);
@@ -113,7 +145,7 @@ ProjectRow *ProjectsCardContent::rowOf(const RowKey &key)
 {
     ProjectRow *&row = m_rowOf[key];
     if (!row) {
-        row = new ProjectRow(m_list);
+        row = new ProjectRow(m_rows);
         row->setEnabled(m_bringsForward);
         connect(row, &ProjectRow::clicked, this, [this, row, pid = key.second] {
             const bool byKeyboard = row->hasFocus(); // which leaves with the activated window
@@ -126,12 +158,8 @@ ProjectRow *ProjectsCardContent::rowOf(const RowKey &key)
 
 void ProjectsCardContent::showRow(const ClaudeSession &session, int position)
 {
-    ProjectRow *row = rowOf({session.sessionId, session.pid});
-    const QLayoutItem *there = m_rows->itemAt(position);
-    if (!there || there->widget() != row) {
-        m_rows->removeWidget(row);
-        m_rows->insertWidget(position, row);
-    }
+    ProjectRow *row = rowOf(keyOf(session));
+    m_rows->place(row, position);
     const SessionDetail detail = m_monitor.details().byId().value(session.sessionId);
     row->setContent({
         .title = rowTitle(session, detail),

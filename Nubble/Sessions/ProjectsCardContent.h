@@ -6,7 +6,6 @@
 #include <utility>
 
 class QLabel;
-class QVBoxLayout;
 
 namespace nubble {
 
@@ -16,10 +15,12 @@ class Clock;
 class ProcessActivator;
 struct ClaudeSession;
 class ProjectRow;
+class RowColumn;
 class SessionMonitor;
 
 // The sessions card: every live session as a row, newest activity first. Rows follow their sessions, so that
-// hover, focus and scroll position outlast a poll.
+// hover, focus and scroll position outlast a poll. Only the rows in sight and some around them are there,
+// besides those that Tab can lead to.
 class ProjectsCardContent : public QWidget {
     Q_OBJECT
 
@@ -35,7 +36,9 @@ Q_SIGNALS:
 private:
     using RowKey = std::pair<QString, qint32>; // two terminals can hold the same session
 
+    [[nodiscard]] static RowKey keyOf(const ClaudeSession &session);
     void updateRows();
+    [[nodiscard]] QList<int> rowsAround() const;
     ProjectRow *rowOf(const RowKey &key);
     void removeRowsExcept(const QList<RowKey> &keys);
     void orderFocus();
@@ -47,11 +50,10 @@ private:
     const Clock &m_clock;
     CardHeader *m_header;
     QLabel *m_empty;
-    QWidget *m_list;
+    RowColumn *m_rows;
     CappedScroll *m_scroll;
-    QVBoxLayout *m_rows;
     QHash<RowKey, ProjectRow *> m_rowOf;
-    QList<RowKey> m_order; // from top to bottom
+    QList<RowKey> m_order; // of those that are there, from top to bottom
 };
 
 } // namespace nubble

@@ -12,14 +12,13 @@ public:
     CappedScroll(QWidget *content, int maxHeight, QWidget *parent = nullptr);
 
     [[nodiscard]] QSize sizeHint() const override;
+    void fit(); // to the content; by itself where that has a layout
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
 
 private:
-    void fit();
-
     int m_maxHeight;
 };
 

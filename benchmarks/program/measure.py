@@ -1,10 +1,13 @@
 #!/usr/bin/python3
 """Measures the program beside a bare window, both in one run, on a private X server with openbox.
 
-    measure.py BUILD_FOLDER [--seconds 60] [--starts 11]
+    measure.py BUILD_FOLDER [--seconds 60] [--starts 11] [--before PROGRAM]
 
 BUILD_FOLDER holds a release build with its benchmarks. The program runs against a home of its own in which twenty
 sessions live and do nothing. Every figure is taken in the same way of both; the ratio is the one to read.
+
+With --before it measures the program beside an earlier one instead, turn by turn: while a session works, with picom,
+and when the sessions card opens and closes.
 """
 
 import argparse
@@ -20,7 +23,7 @@ import time
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tests/desktop"))
 from desktop import BACKDROP, SCREEN, Desktop, end, eventually
-from program import Home
+from program import RING_ACROSS, Home
 
 SESSIONS = 20
 
@@ -130,8 +133,53 @@ def measure_idle(command, desktop, seconds):
         return figures
 
 
-def table(title, figures, other):
-    print(f"{title:32}{'nubble':>10}{'bare':>10}{'ratio':>8}")
+def measure_working(command, desktop, seconds, servers):
+    """One session of the home works. Of the program, and of those who show what it draws."""
+    with running(desktop, *command) as pid:
+        settled(pid)
+        pids = {"program": pid} | servers
+        before = {name: spent(each) for name, each in pids.items()}
+        time.sleep(seconds)
+        after = {name: spent(each) for name, each in pids.items()}
+        figures = {f"{name}, % of a core": (after[name][0] - before[name][0]) / seconds / 1e7 for name in pids}
+        figures["all of them, % of a core"] = sum(figures.values())
+        figures["program, context switches/s"] = (after["program"][1] - before["program"][1]) / seconds
+        return figures
+
+
+def measure_card(command, desktop, times):
+    """Milliseconds of the main thread, from the click until nothing moves any more."""
+    with running(desktop, *command) as pid:
+        settled(pid)
+        main = pathlib.Path(f"/proc/{pid}/task/{pid}/schedstat")
+        figures = {"card opens, ms": [], "card closes, ms": []}
+        for _ in range(times + 1):
+            for costs in figures.values():
+                start = int(main.read_text().split()[0])
+                desktop.click(SCREEN[0] - RING_ACROSS, SCREEN[1] // 2)
+                time.sleep(0.5)
+                costs.append((int(main.read_text().split()[0]) - start) / 1e6)
+        return {name: statistics.median(costs[1:]) for name, costs in figures.items()}
+
+
+def medians(runs):
+    return {name: statistics.median(run[name] for run in runs) for name in runs[0]}
+
+
+def compare_moving(desktop, home, programs, seconds):
+    """Both programs by turns, three times."""
+    servers = {"X server": desktop.services[0].pid, "compositor": desktop.start_compositor().pid}
+    commands = [[str(program), "--home", str(home.path)] for program in programs]
+    cards = [[measure_card(command, desktop, 10) for command in commands] for _ in range(3)]
+    table(f"{SESSIONS} sessions, medians", *map(medians, zip(*cards)), names=("nubble", "before"))
+    busy = desktop.start("sleep", "100000")
+    home.record(busy.pid, status="busy")
+    work = [[measure_working(command, desktop, seconds, servers) for command in commands] for _ in range(3)]
+    table(f"a session works, {seconds} s", *map(medians, zip(*work)), names=("nubble", "before"))
+
+
+def table(title, figures, other, names=("nubble", "bare")):
+    print(f"{title:32}{names[0]:>10}{names[1]:>10}{'ratio':>8}")
     for name, value in figures.items():
         ratio = f"{value / other[name]:8.2f}" if other.get(name) else " " * 7 + "-"
         print(f"{name:32}{value:10.3f}{other.get(name, 0):10.3f}{ratio}")
@@ -142,12 +190,17 @@ def main():
     parser.add_argument("build", type=pathlib.Path)
     parser.add_argument("--seconds", type=int, default=60, help="of idling (default 60)")
     parser.add_argument("--starts", type=int, default=11, help="of each program (default 11)")
+    parser.add_argument("--before", type=pathlib.Path, help="an earlier program, to be measured beside this one")
     options = parser.parse_args()
     bare = [next(str(path) for path in options.build.rglob("nubble_bench_bare_window") if path.is_file())]
     desktop = Desktop()
     try:
         home = add_idle_sessions(desktop)
-        nubble = [str(options.build.resolve() / "nubble"), "--home", str(home.path)]
+        program = options.build.resolve() / "nubble"
+        if options.before:
+            compare_moving(desktop, home, (program, options.before.resolve()), options.seconds)
+            return
+        nubble = [str(program), "--home", str(home.path)]
         times = [
             (first_frame(nubble, desktop), first_frame(bare, desktop)) for _ in range(options.starts + 1)]
         own, others = map(statistics.median, zip(*times[1:]))  # the first fills caches

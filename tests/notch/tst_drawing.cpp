@@ -1,5 +1,6 @@
 #include <QRegularExpression>
 #include <QSignalSpy>
+#include <QVariantAnimation>
 
 #include <cmath>
 #include <numbers>
@@ -72,7 +73,7 @@ protected:
         if (event->type() == QEvent::Paint && widget)
             painted.append(widget->accessibleName());
         const auto *timer = event->type() == QEvent::Timer ? qobject_cast<QTimer *>(watched) : nullptr;
-        frames += timer && timer->interval() < 20;
+        frames += timer && timer->interval() < 40;
         return false;
     }
 };
@@ -215,13 +216,84 @@ private Q_SLOTS:
         world.placement.setVisible(true);
         expectMotion(true);
 
+        for (const auto veil : {PanelSurface::Veil::Blank, PanelSurface::Veil::Lock}) {
+            panel.surface->setVeil(veil, true);
+            settle(panel);
+        }
+        panel.surface->setVeil(PanelSurface::Veil::Blank, false);
+        expectMotion(false);
+        panel.surface->setVeil(PanelSurface::Veil::Lock, false);
+        expectMotion(true);
+
         world.addSession(1, u"one"_s, u"idle"_s, 0ms);
         world.readSessions();
         settle(panel);
         expectMotion(false);
     }
 
+    void aCardComesAndGoesAsAPictureThatShowsEveryChange()
+    {
+        PanelWorld world;
+        world.preferences.setReducedMotion(false);
+        for (int pid = 1; pid <= 20; ++pid)
+            world.addSession(pid, u"session %1"_s.arg(pid), u"idle"_s, pid * 100s);
+        PanelUnderTest panel(world);
+        settle(panel);
+        for (const bool comes : {true, false}) {
+            const PaintCounter counter;
+            panel.clickRing();
+            const auto isMoving = [&] {
+                const auto animations = panel.view().findChildren<QVariantAnimation *>(u"transition"_s);
+                return !animations.isEmpty();
+            };
+            QVERIFY(isMoving());
+            QCOMPARE(panel.control(u"session 1,"_s) != nullptr, comes); // at once
+            QTRY_VERIFY(counter.paintsOf(u"Nubble"_s) >= 3);
+            QCOMPARE(isMoving(), true);
+            if (comes) {
+                world.addSession(1, u"renamed"_s, u"idle"_s, 100s);
+                world.monitor.refresh();
+                const auto before = counter.paintsOf(u"renamed"_s);
+                QTRY_VERIFY(counter.paintsOf(u"renamed"_s) > before);
+            }
+            QTRY_VERIFY(!isMoving());
+            settle(panel);
+            QVERIFY(counter.paintsOf(u"session 3"_s) <= (comes ? 4 : 2)); // of ten frames
+        }
+    }
+
+    void theTurningRingLooksAsIfItWereDrawnWhole()
+    {
+        for (const auto &[status, focused] : {std::pair(u"busy"_s, true), {u"waiting"_s, false}}) {
+            PanelWorld world;
+            world.preferences.setReducedMotion(false);
+            world.addSession(1, u"one"_s, status, 0ms);
+            world.addSession(2, u"two"_s, u"busy"_s, 0ms);
+            PanelUnderTest panel(world);
+            QVERIFY(QTest::qWaitForWindowExposed(&panel.view()));
+            if (focused)
+                panel.ring()->setFocus(Qt::TabFocusReason);
+            for (const int frames : {1, 7, 40 + 25}) { // before and after all have been drawn once
+                const PaintCounter counter;
+                QTRY_VERIFY(counter.paintsOf(u"Claude sessions"_s) >= frames);
+                const QImage seen = panel.view().screen()->grabWindow(panel.view().winId()).toImage();
+                const QImage whole = panel.view().grab().toImage();
+                QCOMPARE(seen.size(), whole.size());
+                const QRect ring = panel.ring()->geometry();
+                for (int y = ring.top(); y <= ring.bottom(); ++y)
+                    for (int x = ring.left(); x <= ring.right(); ++x)
+                        QVERIFY(isNear(seen.pixel(x, y), whole.pixel(x, y)));
+            }
+        }
+    }
+
 private:
+    static bool isNear(QRgb a, QRgb b) // but for the soft edges of curves that begin elsewhere
+    {
+        const auto differ = [](int x, int y) { return std::abs(x - y) > 24; };
+        return !differ(qRed(a), qRed(b)) && !differ(qGreen(a), qGreen(b)) && !differ(qBlue(a), qBlue(b));
+    }
+
     // A timer that fires nearly as often as the frames do tells when several would have been painted.
     static void expectMotion(bool turning)
     {
@@ -229,7 +301,7 @@ private:
         int ticks = 0;
         QTimer frames;
         frames.callOnTimeout([&ticks] { ++ticks; });
-        frames.start(20);
+        frames.start(40);
         if (turning)
             QTRY_VERIFY(counter.paintsOf(u"Claude sessions"_s) >= 5);
         QTRY_VERIFY(ticks >= 10);

@@ -121,6 +121,25 @@ private Q_SLOTS:
         QTRY_VERIFY(window.isActiveWindow());
         surface->orderOut();
         QVERIFY(!window.isVisible());
+
+        QVERIFY(surface->isObservable());
+        for (const auto *interface : {"org.freedesktop.ScreenSaver", "org.gnome.ScreenSaver"}) {
+            const auto tell = [&](bool active) {
+                auto signal = QDBusMessage::createSignal(
+                    u"/locker"_s, QString::fromLatin1(interface), u"ActiveChanged"_s);
+                signal.setArguments({active});
+                return QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"locker"_s).send(signal);
+            };
+            for (const bool dies : {false, true}) {
+                QVERIFY(tell(true));
+                QTRY_VERIFY(!surface->isObservable());
+                if (dies)
+                    QDBusConnection::disconnectFromBus(u"locker"_s);
+                else
+                    QVERIFY(tell(false));
+                QTRY_VERIFY(surface->isObservable());
+            }
+        }
     }
 
     void aFloatingWindowHasTheKeyboardAndIsMovedByHand()

@@ -101,6 +101,32 @@ private Q_SLOTS:
         m_others->setNumbers(root, "_NET_SUPPORTING_WM_CHECK", manager, "WINDOW");
     }
 
+    void knowsWhenNobodyCanSeeIt()
+    {
+        xcb_connection_t *x11 = m_others->x11().get();
+        showPanel({100, 100, 200, 200});
+        m_window->windowHandle()->destroy();
+        m_window->windowHandle()->create(); // another native window
+        m_surface->orderOut();
+        m_surface->orderFront();
+        QVERIFY(m_surface->isObservable());
+        for (const auto saver : {XCB_SCREEN_SAVER_ACTIVE, XCB_SCREEN_SAVER_RESET}) {
+            xcb_force_screen_saver(x11, saver);
+            m_others->x11().flush();
+            QTRY_COMPARE(m_surface->isObservable(), saver == XCB_SCREEN_SAVER_RESET);
+        }
+        for (const auto state : {XCB_VISIBILITY_FULLY_OBSCURED, XCB_VISIBILITY_PARTIALLY_OBSCURED}) {
+            xcb_visibility_notify_event_t event{};
+            event.response_type = XCB_VISIBILITY_NOTIFY;
+            event.window = m_window->id();
+            event.state = static_cast<uint8_t>(state);
+            xcb_send_event( // as a server does that has no Composite extension
+                x11, 0, event.window, XCB_EVENT_MASK_VISIBILITY_CHANGE, reinterpret_cast<char *>(&event));
+            m_others->x11().flush();
+            QTRY_COMPARE(m_surface->isObservable(), state == XCB_VISIBILITY_PARTIALLY_OBSCURED);
+        }
+    }
+
     void givesTheKeyboardBackToTheWindowThatHadIt()
     {
         // Not the active window, to which it would go otherwise.

@@ -17,7 +17,7 @@ namespace nubble {
 X11PanelSurface::X11PanelSurface(
     QWidget &window, std::shared_ptr<const X11Connection> x11, std::shared_ptr<X11KeyboardFocus> keyboard)
     : PanelSurface(window), m_x11(std::move(x11)), m_compositor(m_x11, X11Atom::CompositingManager),
-      m_bars(m_x11), m_keyboard(std::move(keyboard))
+      m_bars(m_x11), m_keyboard(std::move(keyboard)), m_visibility(m_x11)
 {
     // All flags once and for ever: changing one later makes another native window.
     window.setWindowFlags(
@@ -33,6 +33,12 @@ X11PanelSurface::X11PanelSurface(
         m_x11->flush();
         Q_EMIT translucencyChanged();
     });
+    const auto followVisibility = [this] {
+        setVeil(Veil::Blank, m_visibility.isScreenBlank());
+        setVeil(Veil::Windows, m_visibility.isCovered());
+    };
+    connect(&m_visibility, &X11Visibility::changed, this, followVisibility);
+    followVisibility();
 }
 
 // QWidget::winId() stays at the old window when Qt makes another one; the handle knows.
@@ -111,6 +117,7 @@ void X11PanelSurface::applyAll()
 {
     if (!nativeWindow())
         return;
+    m_visibility.watch(nativeWindow());
     applyPosition();
     applyOutline();
     m_x11->flush();

@@ -5,6 +5,7 @@
 #include "Platform/PanelSurface.h"
 #include "Platform/X11/X11SelectionWatch.h"
 #include "Platform/X11/X11ShellBars.h"
+#include "Platform/X11/X11Visibility.h"
 
 namespace nubble {
 
@@ -44,6 +45,7 @@ private:
     X11SelectionWatch m_compositor;
     X11ShellBars m_bars;
     std::shared_ptr<X11KeyboardFocus> m_keyboard;
+    X11Visibility m_visibility;
     QRect m_frame;
     QPainterPath m_outline;
 };

@@ -1,0 +1,142 @@
+#include "Notch/RingPicture.h"
+
+#include <QPaintEvent>
+#include <QPainter>
+
+#include <utility>
+
+#include "Notch/CellFrame.h"
+#include "Notch/StatusRing.h"
+#include "Placement/Layout.h"
+#include "Usage/UsageTexts.h"
+#include "Widgets/Palette.h"
+#include "Widgets/Typography.h"
+
+namespace nubble {
+
+RingPicture::RingPicture(QWidget *cell) : QWidget(cell)
+{
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    setAttribute(Qt::WA_OpaquePaintEvent); // a frame of the animation is then no concern of the body
+    m_frame.setTimerType(Qt::PreciseTimer);
+    m_frame.setInterval(stepTime);
+    connect(&m_frame, &QTimer::timeout, this, &RingPicture::turnOn);
+}
+
+void RingPicture::place(const CellFrame &frame)
+{
+    const QRect shown = frame.shown();
+    setGeometry(shown);
+    m_center = frame.center - shown.topLeft();
+    m_percentRect = frame.text.translated(-shown.topLeft());
+    update();
+}
+
+void RingPicture::setActivity(const Activity &activity)
+{
+    m_activity = activity;
+    animateIfNeeded();
+    update();
+}
+
+void RingPicture::setFraction(std::optional<double> fraction)
+{
+    m_fraction = fraction;
+    update();
+}
+
+void RingPicture::setFocused(bool focused)
+{
+    m_focused = focused;
+    update();
+}
+
+void RingPicture::setMotionReduced(bool reduced)
+{
+    m_motionReduced = reduced;
+    m_step = 0;
+    animateIfNeeded();
+    update();
+}
+
+void RingPicture::animateIfNeeded()
+{
+    const bool turns = isWorking() && !m_motionReduced && isVisible();
+    if (turns == m_frame.isActive())
+        return;
+    if (turns)
+        m_frame.start();
+    else
+        m_frame.stop();
+}
+
+void RingPicture::turnOn()
+{
+    const auto turn = [](int step) { return static_cast<double>(step) / stepsPerTurn; };
+    const int before = std::exchange(m_step, (m_step + 1) % stepsPerTurn);
+    const auto places = changedByTurning(m_center, turn(before), turn(m_step));
+    QRegion changed;
+    for (size_t i = 0; i < places.size(); ++i)
+        changed |= m_steps[m_step][i].place = places[i];
+    repaint(changed);
+}
+
+void RingPicture::showEvent(QShowEvent *)
+{
+    animateIfNeeded();
+}
+
+void RingPicture::hideEvent(QHideEvent *)
+{
+    animateIfNeeded();
+}
+
+void RingPicture::paintEvent(QPaintEvent *event)
+{
+    QPainter painter(this);
+    Step &step = m_steps[m_step];
+    if (m_frame.isActive() && event->region() == QRegion(step[0].place) + step[1].place) {
+        for (EndOfArc &end : step)
+            drawEnd(painter, end);
+        return;
+    }
+    m_steps = {}; // for one of the reasons for which all is drawn again
+    draw(painter);
+}
+
+// From its picture, which is also quicker to make: a fill of many spans would be shared among threads.
+void RingPicture::drawEnd(QPainter &painter, EndOfArc &end) const
+{
+    const QTransform &onDevice = painter.deviceTransform();
+    const QRect pixels = onDevice.mapRect(QRectF(end.place)).toAlignedRect();
+    if (end.picture.isNull()) {
+        end.picture = QImage(pixels.size(), QImage::Format_ARGB32_Premultiplied);
+        QPainter own(&end.picture);
+        own.setTransform(onDevice * QTransform::fromTranslate(-pixels.x(), -pixels.y()));
+        draw(own);
+    }
+    painter.drawImage(onDevice.inverted().mapRect(QRectF(pixels)), end.picture);
+}
+
+void RingPicture::draw(QPainter &painter) const
+{
+    painter.fillRect(rect(), Palette::body);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (isWorking())
+        drawActivityArc(painter, m_center, static_cast<double>(m_step) / stepsPerTurn);
+    else
+        drawStatusRing(painter, m_center, m_activity.overall, m_fraction);
+    if (m_activity.waiting)
+        drawWaitingBadge(painter, m_center);
+    if (m_focused) {
+        painter.setPen(QPen(Palette::focus, 1.5));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawEllipse(m_center, Layout::ringDiameter / 2 + 2.5, Layout::ringDiameter / 2 + 2.5);
+    }
+    painter.setFont(Typography::percent());
+    painter.setPen(Palette::textPrimary);
+    Typography::drawTabular(painter, m_percentRect, Qt::AlignHCenter,
+        m_fraction ? QString::number(percentOf(*m_fraction)) : QString());
+}
+
+} // namespace nubble

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QImage>
+#include <QTimer>
+#include <QWidget>
+
+#include <array>
+#include <optional>
+
+#include "Sessions/RunState.h"
+
+namespace nubble {
+
+struct CellFrame;
+
+// What is drawn of the status ring's cell: the ring, the percentage below it, and the keyboard's focus. Opaque,
+// on the body's black; the mouse goes to the cell. Repaints only when something that it shows changes, and the
+// ends of the turning arc while something works and is seen.
+class RingPicture : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit RingPicture(QWidget *cell);
+
+    void place(const CellFrame &frame);
+
+    void setActivity(const Activity &activity);
+    void setFraction(std::optional<double> fraction); // of the plan; above 1 as 1
+    void setFocused(bool focused);
+    void setMotionReduced(bool reduced);
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    // A turn in 1.4 seconds. In a step the arc's ends move by less than two pixels, however late it is.
+    static constexpr int stepTime = 35; // milliseconds
+    static constexpr int stepsPerTurn = 40;
+
+    struct EndOfArc {
+        QRect place;
+        QImage picture; // on the device's pixels; null until it has been drawn
+    };
+    using Step = std::array<EndOfArc, 2>;
+
+    [[nodiscard]] bool isWorking() const { return m_activity.overall == RunState::Working; }
+    void animateIfNeeded();
+    void turnOn();
+    void draw(QPainter &painter) const;
+    void drawEnd(QPainter &painter, EndOfArc &end) const;
+
+    QPointF m_center; // of the ring
+    QRectF m_percentRect;
+    Activity m_activity;
+    std::optional<double> m_fraction;
+    bool m_focused = false;
+    bool m_motionReduced = false;
+    QTimer m_frame;
+    int m_step = 0;
+    std::array<Step, stepsPerTurn> m_steps; // as they have been drawn in the turns before
+};
+
+} // namespace nubble
