@@ -29,8 +29,7 @@ class TheKeyboard(TerminalTest):
             self.until_focused(self.terminal)
             nubble.until_panel(mode="collapsed")
             self.desktop.key("Escape")
-            nubble.run("hide")
-            nubble.until_panel(visible=False)
+            nubble.run("show")
             self.assertEqual(self.desktop.focused(), self.terminal)
 
     def test_is_taken_from_nobody_given_back_and_left_to_what_was_activated_meanwhile(self):

@@ -7,13 +7,11 @@ from program import BODY_DEPTH, DesktopTest
 from x_server_door import door
 
 DISPENSABLE = ["RANDR", "SHAPE", "XInputExtension", "XFIXES", "XKEYBOARD", "RENDER"]
-LIKE_XWAYLAND = {"XWAYLAND": "XINERAMA"}  # an extension that is there
 
 
 class AnXServer(DesktopTest):
     def panel(self):
-        shown = self.desktop.nubble_windows()
-        return shown[0][2] if shown else None
+        return next((geometry for _, _, geometry in self.desktop.nubble_windows()), None)
 
     def test_without_an_extension_is_enough(self):
         for missing in [*([name] for name in DISPENSABLE), DISPENSABLE]:
@@ -27,7 +25,7 @@ class AnXServer(DesktopTest):
                 self.assertEqual(nubble.quit(), 0)
 
     def test_within_a_compositor_says_when_the_keyboard_does_not_come_and_keeps_no_click_beside_the_panel(self):
-        with door(self.desktop.env["DISPLAY"], LIKE_XWAYLAND) as display:
+        with door(self.desktop.env["DISPLAY"], {"XWAYLAND": "XINERAMA"}) as display:  # which is there
             nubble = self.start_nubble(DISPLAY=display)
             eventually(lambda: self.panel().width < BODY_DEPTH + 2, "it is as large as its body")
             self.desktop.root.set_input_focus(X.RevertToParent, X.CurrentTime)
