@@ -48,9 +48,9 @@ private Q_SLOTS:
               Row{"ID=\"rocky\"\r\nID_LIKE=\"rhel centos fedora\"\r\n", "sudo dnf install zstd"},
               Row{"#ID=debian\nID=x\n ID=arch", "sudo pacman -S zstd"},
               Row{"ID=opensuse-leap\nID_LIKE=\"suse opensuse\"\nID_LIKES=debian", "sudo zypper install zstd"},
-              Row{"", "none"}, Row{"ID=\"\nID_LIKE=debians\nVARIANT_ID=fedora\nID", "none"}})
-            QCOMPARE(Distribution::installCommand(osRelease, u"zstd"_s).value_or(u"none"_s), QLatin1String(command));
-        QCOMPARE(Distribution::osRelease().isEmpty(), !QFile::exists(u"/etc/os-release"_s));
+              Row{"", ""}, Row{"ID=\"\nID_LIKE=debians\nVARIANT_ID=fedora\nID", ""}})
+            QCOMPARE(
+                Distribution::installCommand(osRelease, u"zstd"_s).value_or(QString()).toUtf8(), command);
     }
 
     void whatIsSetIsReadBackAlikeInThisRunAndTheNext()

@@ -44,7 +44,6 @@ private Q_SLOTS:
         m_cache.emplace();
         m_clock = ManualClock();
         m_zstd = u"/usr/bin/zstd"_s;
-        m_osRelease = "ID=debian\n";
     }
     void cleanup()
     {
@@ -125,38 +124,23 @@ private Q_SLOTS:
 
     void aFolderThatHasNotChangedIsListedOnceMore()
     {
-        const auto rewrite = [this](const QByteArray &bytes) {
-            m_cache->add(u"a_0"_s, bytes, m_clock.now());
-        };
-        const QByteArray usage = UsageCache::usageEntry(10);
-        rewrite({});
-        PlanUsageReader first = reader();
-        QCOMPARE(printed(first.read({})), "no cache:");
-        rewrite(usage); // its key comes late
-        QCOMPARE(printed(first.read({})), "10: a_0");
-        rewrite({});
-        QCOMPARE(printed(first.read({})), "unreadable: a_0");
-        PlanUsageReader second = reader();
-        for (int look = 0; look < 2; ++look)
-            QCOMPARE(printed(second.read({})), "no cache:");
-        rewrite(usage);
-        QCOMPARE(printed(second.read({})), "no cache:");
-        second.forget();
-        QCOMPARE(printed(second.read({})), "10: a_0");
-        add(u"b_0"_s, 20, -1ms);
-        QCOMPARE(printed(second.read({})), "20: b_0 a_0");
+        m_cache->add(u"a_0"_s, {}, m_clock.now());
+        PlanUsageReader once = reader(), twice = reader();
+        for (PlanUsageReader *each : {&once, &twice, &twice})
+            QCOMPARE(printed(each->read({})), "no cache:");
+        add(u"a_0"_s, 10, 0ms); // its key comes late
+        QCOMPARE(printed(once.read({})), "10: a_0");
+        QCOMPARE(printed(twice.read({})), "no cache:");
     }
 
     void onlyEntriesThatHaveChangedAreDecompressed()
     {
         PlanUsageReader first = reader();
         const auto afterThreeReads = [&]() -> QByteArray {
-            QByteArray last;
-            for (int look = 0; look < 3; ++look)
-                last = printed(first.read({}));
-            return last + ", run " + QByteArray::number(runs());
+            const auto all = {printed(first.read({})), printed(first.read({})), printed(first.read({}))};
+            return *std::rbegin(all) + ", run " + QByteArray::number(runs());
         };
-        setZstd("exec zstd -dc");
+        setCountingZstd("exec zstd -dc");
         add(u"a_0"_s, 10, 0ms);
         QCOMPARE(afterThreeReads(), "10: a_0, run 1");
         add(u"a_0"_s, 20, 0ms); // as long and as old
@@ -164,20 +148,18 @@ private Q_SLOTS:
         const QByteArray noise = UsageCache::entry(UsageCache::usageKey(), "\x28\xb5\x2f\xfdnoise");
         m_cache->add(u"a_0"_s, noise, m_clock.now());
         QCOMPARE(afterThreeReads(), "unreadable: a_0, run 3");
-        first.forget();
-        QCOMPARE(afterThreeReads(), "unreadable: a_0, run 4");
-        setZstd("exit 127"); // which is not for what it was given
+        setCountingZstd("exit 127"); // which is not for what it was given
         add(u"a_0"_s, 30, 0ms);
-        QCOMPARE(afterThreeReads(), "unreadable: a_0, run 7");
-        setZstd("exec zstd -dc");
-        QCOMPARE(afterThreeReads(), "30: a_0, run 8");
+        QCOMPARE(afterThreeReads(), "unreadable: a_0, run 6");
+        setCountingZstd("exec zstd -dc");
+        QCOMPARE(afterThreeReads(), "30: a_0, run 7");
     }
 
     void aDecompressionThatHangsEndsTheWholeRead()
     {
-        for (const QString &name : {u"a_0"_s, u"b_0"_s, u"c_0"_s})
-            add(name, 10, 0ms);
-        setZstd("exec sleep 600");
+        add(u"a_0"_s, 10, 0ms);
+        add(u"b_0"_s, 10, 0ms);
+        setCountingZstd("exec sleep 600");
         QVERIFY(printed(reader({.time = 300ms}).read({})).startsWith("unreadable: "));
         QVERIFY(runs() <= 1);
     }
@@ -225,8 +207,6 @@ private Q_SLOTS:
         QCOMPARE(afterRefresh(), u"42, Couldn't read Claude's usage cache");
         m_zstd.clear();
         QCOMPARE(afterRefresh(), u"42, Install zstd (sudo apt install zstd) to read plan usage");
-        m_osRelease.clear();
-        QCOMPARE(afterRefresh(), u"42, Install zstd to read plan usage");
     }
 
     void theKnownEntriesAreTrustedForThreeMinutesUnlessTheClockIsSetBack()
@@ -247,20 +227,16 @@ private Q_SLOTS:
         QCOMPARE(afterRefresh(), u"40"); // nor is it old
     }
 
-    void aFolderThatDoesNotSeemToHaveChangedIsListedOnRequestAndEveryHalfHour()
+    void aFolderThatDoesNotSeemToHaveChangedIsListedEveryHalfHour()
     {
         m_cache->add(u"a_0"_s, {}, m_clock.now());
         start();
-        QCOMPARE(afterRefresh(), u"none, Open the Claude app to load plan usage");
+        afterRefresh();
         add(u"a_0"_s, 10, 0min);
         m_clock.advance(30min - 1ms);
         QCOMPARE(afterRefresh(), u"none, Open the Claude app to load plan usage");
         m_clock.advance(1ms);
         QCOMPARE(afterRefresh(), u"10");
-        start();
-        add(u"b_0"_s, 20, -1h);
-        QCOMPARE(afterRefresh(), u"10");
-        QCOMPARE(afterRefresh(true), u"20");
     }
 
     void itReadsByItselfEveryTenSeconds()
@@ -278,11 +254,11 @@ private Q_SLOTS:
     {
         using Row = std::pair<const char *, const char *>;
         for (const auto &[preferred, domain] :
-             {Row("planUsage.domain=Example.ORG", "example.org"), Row("planUsage.domain=", "claude.ai"),
-              Row("planUsage.domain=\" \"", "claude.ai"), Row("", "claude.ai")}) {
+             {Row("=Example.ORG", "example.org"), Row("=", "claude.ai"), Row("=\" \"", "claude.ai"),
+              Row(".not=a", "claude.ai")}) {
             m_cache.emplace();
-            const Defaults defaults(
-                m_cache->write(u"a.conf"_s, QByteArray("[General]\n") + preferred + '\n'));
+            const QByteArray text = QByteArray("[General]\nplanUsage.domain") + preferred;
+            const Defaults defaults(m_cache->write(u"a.conf"_s, text));
             QCOMPARE(PlanUsageMonitor::domainIn(defaults), QLatin1String(domain));
         }
     }
@@ -327,10 +303,9 @@ private:
         const auto findZstd = [this] { return m_zstd.isEmpty() ? std::nullopt : std::optional(m_zstd); };
         return PlanUsageReader(
             m_cache->folder(), PlanUsageMonitor::defaultDomain, findZstd, {limits, 1ms},
-            [this] { return m_osRelease; });
+            [] { return QByteArray("ID=debian"); });
     }
-    // One that counts how often it is run.
-    void setZstd(const QByteArray &line)
+    void setCountingZstd(const QByteArray &line)
     {
         m_zstd = m_cache->writeScript(u"zstd"_s, "#!/bin/sh\nprintf x >> \"${0%/*}/runs\"\n" + line + '\n');
     }
@@ -383,7 +358,6 @@ private:
     std::optional<UsageCache> m_cache;
     ManualClock m_clock;
     QString m_zstd;
-    QByteArray m_osRelease;
     FakeDesktopPreferences m_preferences;
     std::unique_ptr<PlanUsageMonitor> m_monitor;
     std::unique_ptr<UsageCardContent> m_card;
