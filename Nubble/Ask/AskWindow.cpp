@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include "Ask/AskView.h"
+#include "Platform/MainThread.h"
 #include "Platform/ScreenCapture.h"
 
 using namespace Qt::StringLiterals;
@@ -41,6 +42,7 @@ QWidget *AskWindow::makeView()
 
 void AskWindow::activate(const std::optional<QString> &question)
 {
+    assertMainThread("Nubble/Ask/AskWindow");
     m_ask.reset();
     m_question = question;
     shoot();
@@ -71,6 +73,7 @@ void AskWindow::screenshot()
 
 void AskWindow::shoot()
 {
+    assertMainThread("Nubble/Ask/AskWindow");
     noteFront();
     ++m_shot;
     m_ask.setCapturing(true);

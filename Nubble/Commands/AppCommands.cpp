@@ -3,6 +3,7 @@
 #include "Notch/PanelWindow.h"
 #include "Placement/MainScreen.h"
 #include "Placement/NotchPlacement.h"
+#include "Platform/MainThread.h"
 #include "Shell/Defaults.h"
 
 using namespace Qt::StringLiterals;
@@ -19,12 +20,14 @@ AppCommands::AppCommands(
 
 void AppCommands::show()
 {
+    assertMainThread("Nubble/Commands/AppCommands");
     m_placement.setVisible(true);
     m_panel.applyPlacement(); // above the others again, also if it was there already
 }
 
 void AppCommands::hide()
 {
+    assertMainThread("Nubble/Commands/AppCommands");
     m_placement.setVisible(false);
 }
 
@@ -35,6 +38,7 @@ void AppCommands::toggleVisible()
 
 Outcome AppCommands::openCard(PanelMode mode)
 {
+    assertMainThread("Nubble/Commands/AppCommands");
     show();
     if (m_panel.openForKeyboard(mode))
         return Outcome::done();
@@ -64,12 +68,14 @@ void AppCommands::toggleAddon(Addon addon)
 
 void AppCommands::request(const AddonRequest &request)
 {
+    assertMainThread("Nubble/Commands/AppCommands");
     if (const Outcome outcome = perform(request); !outcome.isDone())
         Q_EMIT refused(addonOf(request), outcome.why());
 }
 
 Outcome AppCommands::perform(const AddonRequest &request)
 {
+    assertMainThread("Nubble/Commands/AppCommands");
     const auto handler = m_handlers.find(addonOf(request));
     if (handler == m_handlers.end())
         return Outcome::failed(
@@ -89,12 +95,14 @@ Outcome AppCommands::performFromOutside(const AddonRequest &request)
 
 void AppCommands::refreshAll()
 {
+    assertMainThread("Nubble/Commands/AppCommands");
     for (const auto &refresh : m_refreshes)
         refresh();
 }
 
 QJsonObject AppCommands::status() const
 {
+    assertMainThread("Nubble/Commands/AppCommands");
     QJsonObject status{{u"source"_s, u"running"_s}};
     for (const Report &report : m_reports)
         report(status);
@@ -103,12 +111,14 @@ QJsonObject AppCommands::status() const
 
 void AppCommands::restart()
 {
+    assertMainThread("Nubble/Commands/AppCommands");
     m_defaults.synchronize();
     Q_EMIT restartRequested();
 }
 
 void AppCommands::quit()
 {
+    assertMainThread("Nubble/Commands/AppCommands");
     Q_EMIT quitRequested();
 }
 

@@ -7,6 +7,7 @@
 
 #include "Notch/CardTransition.h"
 #include "Platform/DesktopPreferences.h"
+#include "Platform/MainThread.h"
 #include "Widgets/TooltipShell.h"
 
 namespace nubble {
@@ -25,6 +26,7 @@ const Card *CardHost::cardOf(PanelMode mode) const
 
 void CardHost::show(PanelMode mode)
 {
+    assertMainThread("Nubble/Notch/CardHost");
     if (mode.card == m_mode.card)
         return;
     close();

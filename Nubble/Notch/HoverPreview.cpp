@@ -5,6 +5,7 @@
 #include <chrono>
 
 #include "Notch/PanelState.h"
+#include "Platform/MainThread.h"
 
 using namespace std::chrono_literals;
 
@@ -23,6 +24,7 @@ HoverPreview::HoverPreview(PanelState &state, std::function<bool()> isOnTheWay, 
 
 void HoverPreview::setRingHovered(bool hovered)
 {
+    assertMainThread("Nubble/Notch/HoverPreview");
     m_ringHovered = hovered;
     if (hovered && m_state.mode() == PanelMode::collapsed())
         m_state.setMode(PanelMode::usage());
@@ -31,6 +33,7 @@ void HoverPreview::setRingHovered(bool hovered)
 
 void HoverPreview::setCardHovered(bool hovered)
 {
+    assertMainThread("Nubble/Notch/HoverPreview");
     m_cardHovered = hovered;
     scheduleCollapse();
 }

@@ -1,5 +1,7 @@
 #include "Notch/PanelState.h"
 
+#include "Platform/MainThread.h"
+
 using namespace Qt::StringLiterals;
 
 namespace nubble {
@@ -11,6 +13,7 @@ QString name(PanelMode mode)
 
 void PanelState::setMode(PanelMode mode)
 {
+    assertMainThread("Nubble/Notch/PanelState");
     if (m_mode == mode)
         return;
     m_mode = mode;

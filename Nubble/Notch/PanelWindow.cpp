@@ -4,6 +4,7 @@
 
 #include "Placement/MainScreen.h"
 #include "Placement/NotchPlacement.h"
+#include "Platform/MainThread.h"
 #include "Platform/PanelSurface.h"
 #include "Widgets/ToolTips.h"
 
@@ -97,6 +98,7 @@ void PanelWindow::followDrags()
 
 void PanelWindow::applyPlacement()
 {
+    assertMainThread("Nubble/Notch/PanelWindow");
     const std::optional<QRectF> screen = m_context.mainScreen.frame();
     if (!screen)
         return;
@@ -157,6 +159,7 @@ std::optional<WindowAnchor> PanelWindow::bodyOnScreen() const
 
 bool PanelWindow::openForKeyboard(PanelMode mode)
 {
+    assertMainThread("Nubble/Notch/PanelWindow");
     if (m_context.state.mode() != mode)
         m_view->open(mode);
     const bool came = m_surface->takeKeyboard();

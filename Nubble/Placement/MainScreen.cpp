@@ -1,5 +1,7 @@
 #include "Placement/MainScreen.h"
 
+#include "Platform/MainThread.h"
+
 #include <QGuiApplication>
 #include <QScreen>
 
@@ -13,12 +15,14 @@ MainScreen::MainScreen(QObject *parent) : QObject(parent)
 
 std::optional<QRectF> MainScreen::frame() const
 {
+    assertMainThread("Nubble/Placement/MainScreen");
     const QScreen *screen = QGuiApplication::primaryScreen();
     return screen && !screen->geometry().isEmpty() ? std::optional<QRectF>(screen->geometry()) : std::nullopt;
 }
 
 std::optional<QRectF> MainScreen::visibleFrame() const
 {
+    assertMainThread("Nubble/Placement/MainScreen");
     return frame() ? std::optional<QRectF>(QGuiApplication::primaryScreen()->availableGeometry())
                    : std::nullopt;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Placement/Layout.h"
+#include "Platform/MainThread.h"
 #include "Shell/Defaults.h"
 
 using namespace Qt::StringLiterals;
@@ -113,6 +114,7 @@ void NotchPlacement::setVisible(bool visible)
 
 void NotchPlacement::apply(const Settings &settings)
 {
+    assertMainThread("Nubble/Placement/NotchPlacement");
     if (m_settings == settings)
         return;
     m_settings = settings;

@@ -11,6 +11,7 @@
 #include "Platform/Freedesktop/StatusNotifierWatch.h"
 #include "Platform/Home.h"
 #include "Platform/Logging.h"
+#include "Platform/MainThread.h"
 #include "Platform/PlainFloatingSurface.h"
 #include "Platform/X11/X11Connection.h"
 #include "Platform/X11/X11FloatingSurface.h"
@@ -132,6 +133,7 @@ std::optional<QByteArray> qtPlatform()
 
 Backend makeBackend(const Home &home)
 {
+    assertMainThread("Nubble/Platform/Backend");
     const auto x11 = X11Connection::ofThisProgram(); // null on every other platform of Qt
     qCDebug(logPlatform) << "backend:" << (x11 ? "X11" : "a plain window");
     Backend backend = x11 ? makeX11Backend(x11) : makePlainBackend();

@@ -8,6 +8,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include "Platform/MainThread.h"
+
 namespace nubble {
 
 namespace {
@@ -34,6 +36,7 @@ LoopbackRequest::LoopbackRequest(
     QObject *parent)
     : QObject(parent), m_unsent(requestFor(port, path, json)), m_answer(limits.body)
 {
+    assertMainThread("Nubble/Review/LoopbackRequest");
     m_patience.setSingleShot(true);
     m_patience.callOnTimeout(this, &LoopbackRequest::finish);
     m_patience.start(limits.time);

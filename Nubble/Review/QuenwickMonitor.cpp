@@ -11,6 +11,7 @@
 
 #include "Platform/Clock.h"
 #include "Platform/Logging.h"
+#include "Platform/MainThread.h"
 #include "Review/ReviewReader.h"
 #include "Shell/Addon.h"
 #include "Shell/SerialWorker.h"
@@ -100,6 +101,7 @@ void QuenwickMonitor::refresh()
 // Whatever an earlier poll is about to find is late.
 void QuenwickMonitor::poll()
 {
+    assertMainThread("Nubble/Review/QuenwickMonitor");
     ++m_generation;
     delete m_fetch;
     m_showsDatabase = m_showsDatabase && !m_isPolling; // what the reader has read meanwhile is not shown
@@ -208,6 +210,7 @@ void QuenwickMonitor::publish(const ReviewState &next)
 
 void QuenwickMonitor::refreshNow()
 {
+    assertMainThread("Nubble/Review/QuenwickMonitor");
     refresh();
     if (!isReachable() || m_state.checking)
         return;
@@ -225,6 +228,7 @@ void QuenwickMonitor::refreshNow()
 
 void QuenwickMonitor::perform(ReviewAction action, const QuenwickItem &item)
 {
+    assertMainThread("Nubble/Review/QuenwickMonitor");
     if (!isReachable()) {
         openApp();
     } else if (m_state.busy.contains(item.id())) {
@@ -246,6 +250,7 @@ void QuenwickMonitor::perform(ReviewAction action, const QuenwickItem &item)
 
 void QuenwickMonitor::schedule(const QuenwickItem &item)
 {
+    assertMainThread("Nubble/Review/QuenwickMonitor");
     if (!isReachable()) {
         openApp();
         return;
@@ -266,6 +271,7 @@ void QuenwickMonitor::schedule(const QuenwickItem &item)
 
 void QuenwickMonitor::openApp()
 {
+    assertMainThread("Nubble/Review/QuenwickMonitor");
     if (!m_polling)
         return;
     const Surroundings &surroundings = m_polling->surroundings;

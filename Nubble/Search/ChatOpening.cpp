@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "Platform/MainThread.h"
 #include "Search/ResumeText.h"
 #include "Shell/Terminal.h"
 
@@ -36,6 +37,7 @@ ChatOpening::ChatOpening(const Home &home, std::function<void(const QUrl &)> ope
 
 void ChatOpening::resume(const QString &command)
 {
+    assertMainThread("Nubble/Search/ChatOpening");
     const auto script = resumeScript(command, resumeShell(u"/bin/zsh"_s, loginShell()));
     if (!script) {
         tellSoon(cannotResume(u"its command isn't one that a shell can run"_s));
@@ -61,6 +63,7 @@ void ChatOpening::runInTerminal(const QString &script)
 
 void ChatOpening::openLink(const QString &link)
 {
+    assertMainThread("Nubble/Search/ChatOpening");
     const std::optional<QUrl> url = checkedLink(link);
     if (url)
         m_openUrl(*url);

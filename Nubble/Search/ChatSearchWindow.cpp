@@ -1,5 +1,6 @@
 #include "Search/ChatSearchWindow.h"
 
+#include "Platform/MainThread.h"
 #include "Search/ChatSearchView.h"
 #include "Search/KeyPanel.h"
 
@@ -31,6 +32,7 @@ QWidget *ChatSearchWindow::makePanel()
 
 void ChatSearchWindow::show()
 {
+    assertMainThread("Nubble/Search/ChatSearchWindow");
     m_search.loadCategories();
     m_search.schedule(true);
     m_window.openAt(m_surroundings.place(viewSize));

@@ -12,6 +12,7 @@
 #include <unistd.h>
 #include <utility>
 
+#include "Platform/MainThread.h"
 #include "Platform/PrivateFolder.h"
 #include "Platform/RegularFile.h"
 
@@ -107,6 +108,7 @@ QString ResumeScripts::folder(const Home &home)
 
 void ResumeScripts::write(const QByteArray &text, Written written)
 {
+    assertMainThread("Nubble/Search/ResumeScripts");
     m_worker.add(
         [folder = m_folder, text](const std::stop_token &) { return writeScript(folder, text); },
         [this, written = std::move(written)](const Script &script) {

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "Platform/Logging.h"
+#include "Platform/MainThread.h"
 #include "Shell/IniText.h"
 
 using namespace std::chrono_literals;
@@ -93,6 +94,7 @@ void Defaults::copy(const QString &key, const Defaults &from)
 
 void Defaults::put(const QByteArray &key, const QByteArray &value)
 {
+    assertMainThread("Nubble/Shell/Defaults");
     if (const auto known = m_values.constFind(key); known != m_values.cend() && *known == value)
         return;
     m_values.insert(key, value);
@@ -118,6 +120,7 @@ void Defaults::setHeld(bool held)
 
 void Defaults::synchronize()
 {
+    assertMainThread("Nubble/Shell/Defaults");
     m_writing.stop();
     if (m_pending.isEmpty())
         return;

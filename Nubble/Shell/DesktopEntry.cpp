@@ -4,6 +4,7 @@
 #include <QStandardPaths>
 
 #include "Platform/Home.h"
+#include "Platform/MainThread.h"
 #include "Shell/ChildProcess.h"
 #include "Shell/Tools.h"
 
@@ -13,6 +14,7 @@ namespace nubble {
 
 bool launchDesktopEntry(const QString &identifier, const Home &home)
 {
+    assertMainThread("Nubble/Shell/DesktopEntry");
     const QString entry =
         QStandardPaths::locate(QStandardPaths::ApplicationsLocation, identifier + u".desktop");
     const auto launcher = Tools::find(u"gio"_s, home);

@@ -3,6 +3,7 @@
 #include <QFileInfo>
 
 #include "Platform/Home.h"
+#include "Platform/MainThread.h"
 #include "Shell/Addon.h"
 #include "Shell/Defaults.h"
 
@@ -12,6 +13,7 @@ namespace nubble::Migration {
 
 void fromBrindleCove(Defaults &defaults, const Home &home)
 {
+    assertMainThread("Nubble/Shell/Migration");
     const QString done = u"migrated.brindleCove"_s;
     if (defaults.boolean(done).value_or(false))
         return;

@@ -13,6 +13,7 @@
 #include <unistd.h>
 #include <utility>
 
+#include "Platform/MainThread.h"
 #include "Shell/ChildProcess.h"
 #include "Shell/Tools.h"
 
@@ -135,6 +136,7 @@ Terminal::~Terminal() = default;
 
 void Terminal::open()
 {
+    assertMainThread("Nubble/Shell/Terminal");
     m_candidates = installedTerminals(m_program, m_folder);
     m_beginning = std::make_unique<Beginning>(m_program, [this] { conclude(true); });
     QMetaObject::invokeMethod(this, &Terminal::tryNext, Qt::QueuedConnection);

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <chrono>
 
+#include "Platform/MainThread.h"
 #include "Platform/Memory.h"
 #include "Thread/ThreadAccessible.h"
 #include "Thread/ThreadKeys.h"
@@ -91,6 +92,7 @@ void ThreadView::clear()
 
 void ThreadView::append(const ThreadMessage &message)
 {
+    assertMainThread("Nubble/Thread/ThreadView");
     ThreadMessage added = message;
     added.picture = RowBoxes::thumbnail(message.picture);
     m_scene->append(added);

@@ -3,6 +3,7 @@
 #include <QHelpEvent>
 #include <QKeyEvent>
 
+#include "Platform/MainThread.h"
 #include "Tray/MenuStyle.h"
 #include "Widgets/ToolTips.h"
 
@@ -29,6 +30,7 @@ Menu::Menu(QWidget *parent) : QMenu(parent)
 
 void Menu::setEntries(const QList<MenuEntry> &entries, Drawing drawing)
 {
+    assertMainThread("Nubble/Tray/Menu");
     if (!isEmpty() && lookAlike(entries, m_entries))
         return;
     m_entries = entries;

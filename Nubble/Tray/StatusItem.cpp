@@ -1,5 +1,6 @@
 #include "Tray/StatusItem.h"
 
+#include "Platform/MainThread.h"
 #include "Platform/StatusHost.h"
 #include "Tray/Mark.h"
 
@@ -71,6 +72,7 @@ void StatusItem::react(QSystemTrayIcon::ActivationReason reason)
 
 void StatusItem::update(bool panelVisible)
 {
+    assertMainThread("Nubble/Tray/StatusItem");
     m_look.panelVisible = panelVisible;
     if (!m_icon)
         return;
@@ -102,6 +104,7 @@ void StatusItem::refillMenu()
 
 void StatusItem::showMessage(const QString &title, const QString &text)
 {
+    assertMainThread("Nubble/Tray/StatusItem");
     if (m_icon)
         m_icon->showMessage(title, text, m_icon->icon());
 }

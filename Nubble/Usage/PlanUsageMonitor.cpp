@@ -3,6 +3,7 @@
 #include <QTimer>
 
 #include "Platform/Home.h"
+#include "Platform/MainThread.h"
 #include "Shell/Defaults.h"
 #include "Shell/Tools.h"
 #include "Usage/UsageTexts.h"
@@ -64,6 +65,7 @@ QString PlanUsageMonitor::domainIn(const Defaults &defaults)
 
 void PlanUsageMonitor::refresh(bool rescan)
 {
+    assertMainThread("Nubble/Usage/PlanUsageMonitor");
     if (rescan)
         m_listedAt.reset();
     if (m_working || !m_clock)

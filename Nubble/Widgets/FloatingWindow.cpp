@@ -3,6 +3,7 @@
 #include <QPointer>
 
 #include "Platform/FloatingSurface.h"
+#include "Platform/MainThread.h"
 #include "Widgets/CardFrame.h"
 #include "Widgets/FloatingFrame.h"
 #include "Widgets/Palette.h"
@@ -45,6 +46,7 @@ void FloatingWindow::followTranslucency()
 
 void FloatingWindow::openAt(const QPoint &topLeft)
 {
+    assertMainThread("Nubble/Widgets/FloatingWindow");
     if (!m_frame)
         make();
     const int around = CardFrame::margin;
@@ -54,6 +56,7 @@ void FloatingWindow::openAt(const QPoint &topLeft)
 
 void FloatingWindow::open()
 {
+    assertMainThread("Nubble/Widgets/FloatingWindow");
     if (!m_frame)
         make();
     m_open = true;
@@ -65,6 +68,7 @@ void FloatingWindow::open()
 
 void FloatingWindow::close()
 {
+    assertMainThread("Nubble/Widgets/FloatingWindow");
     if (!m_open)
         return;
     m_open = false;

@@ -1,4 +1,5 @@
 #include "Widgets/Symbols.h"
+#include "Platform/MainThread.h"
 
 #include <QHash>
 #include <QPainter>
@@ -34,6 +35,7 @@ QPixmap render(const QString &name, const QSizeF &size, const QColor &tint, doub
 
 void draw(QPainter &painter, const QString &name, const QRectF &rect, const QColor &tint)
 {
+    assertMainThread("Nubble/Widgets/Symbols");
     const double scale = painter.device()->devicePixelRatioF();
     const QString key = u"symbol %1 %2 %3 %4"_s.arg(name).arg(rect.width()).arg(tint.rgba()).arg(scale);
     QPixmap pixmap;

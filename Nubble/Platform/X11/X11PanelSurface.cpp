@@ -8,6 +8,7 @@
 
 #include <xcb/shape.h>
 
+#include "Platform/MainThread.h"
 #include "Platform/X11/X11Connection.h"
 #include "Platform/X11/X11Geometry.h"
 #include "Platform/X11/X11KeyboardFocus.h"
@@ -50,6 +51,7 @@ uint32_t X11PanelSurface::nativeWindow() const
 
 void X11PanelSurface::place(const SurfacePlace &place)
 {
+    assertMainThread("Nubble/Platform/X11/X11PanelSurface");
     m_frame = place.frame;
     window().setGeometry(place.frame);
     applyAll();

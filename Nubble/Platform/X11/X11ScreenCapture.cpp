@@ -6,6 +6,7 @@
 #include <QPixmap>
 #include <QScreen>
 
+#include "Platform/MainThread.h"
 #include "Platform/X11/X11Connection.h"
 #include "Platform/X11/X11Geometry.h"
 
@@ -35,6 +36,7 @@ X11ScreenCapture::X11ScreenCapture(std::shared_ptr<const X11Connection> x11) : m
 // Qt's own grab has the server copy the pixels once more, which takes twice as long.
 QImage X11ScreenCapture::grab()
 {
+    assertMainThread("Nubble/Platform/X11/X11ScreenCapture");
     QScreen *screen = screenUnderPointer();
     if (!screen)
         return {};
@@ -55,6 +57,7 @@ QImage X11ScreenCapture::grab()
 
 QImage X11ScreenCapture::grabPart(const QRect &part)
 {
+    assertMainThread("Nubble/Platform/X11/X11ScreenCapture");
     QScreen *screen = QGuiApplication::screenAt(part.center());
     if (!screen)
         return {};

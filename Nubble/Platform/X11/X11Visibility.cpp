@@ -17,10 +17,9 @@ X11Visibility::X11Visibility(std::shared_ptr<const X11Connection> x11) : m_x11(s
 void X11Visibility::watchScreenSaver()
 {
     xcb_connection_t *connection = m_x11->get();
-    const auto *extension = xcb_get_extension_data(connection, &xcb_screensaver_id);
-    if (!extension || !extension->present)
+    if (!m_x11->offers(xcb_screensaver_id))
         return;
-    m_firstEvent = extension->first_event;
+    m_firstEvent = xcb_get_extension_data(connection, &xcb_screensaver_id)->first_event;
     m_x11->ignoreErrors(
         xcb_screensaver_select_input_checked(connection, m_x11->root(), XCB_SCREENSAVER_EVENT_NOTIFY_MASK));
     const XcbReply<xcb_screensaver_query_info_reply_t> now(xcb_screensaver_query_info_reply(

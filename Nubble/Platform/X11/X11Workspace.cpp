@@ -6,6 +6,7 @@
 #include <limits>
 #include <unistd.h>
 
+#include "Platform/MainThread.h"
 #include "Platform/X11/X11Connection.h"
 #include "Platform/X11/X11KeyboardFocus.h"
 
@@ -91,6 +92,7 @@ std::vector<pid_t> X11Workspace::owners(const std::vector<xcb_window_t> &windows
 
 QList<RunningApplication> X11Workspace::runningApplications() const
 {
+    assertMainThread("Nubble/Platform/X11/X11Workspace");
     const auto windows = managedWindows(X11Atom::NetClientList);
     std::vector<X11Property> classes;
     classes.reserve(windows.size());
@@ -117,11 +119,13 @@ bool X11Workspace::canActivate() const
 
 Activation X11Workspace::activate(const RunningApplication &application)
 {
+    assertMainThread("Nubble/Platform/X11/X11Workspace");
     return activateNearest({application.pid.value_or(0)});
 }
 
 Activation X11Workspace::activateNearest(const QList<pid_t> &chain)
 {
+    assertMainThread("Nubble/Platform/X11/X11Workspace");
     const auto windows = stackedWindows();
     const auto pids = owners(windows);
     for (const pid_t pid : chain) {
