@@ -1,7 +1,7 @@
 #include "Notch/ClaudeCell.h"
 
 #include "Notch/CellFrame.h"
-#include "Notch/RingPicture.h"
+#include "Notch/RingView.h"
 #include "Usage/PlanWindow.h"
 #include "Usage/UsageTexts.h"
 
@@ -28,7 +28,7 @@ QString activityText(const Activity &activity)
 
 } // namespace
 
-ClaudeCell::ClaudeCell(QWidget *parent) : QAbstractButton(parent), m_picture(new RingPicture(this))
+ClaudeCell::ClaudeCell(QWidget *parent) : QAbstractButton(parent), m_view(new RingView(this))
 {
     setFocusPolicy(Qt::TabFocus);
     describe();
@@ -37,7 +37,7 @@ ClaudeCell::ClaudeCell(QWidget *parent) : QAbstractButton(parent), m_picture(new
 void ClaudeCell::place(const CellFrame &frame)
 {
     setGeometry(frame.geometry);
-    m_picture->place(frame);
+    m_view->place(frame);
 }
 
 void ClaudeCell::setActivity(const Activity &activity)
@@ -45,7 +45,7 @@ void ClaudeCell::setActivity(const Activity &activity)
     if (m_activity == activity)
         return;
     m_activity = activity;
-    m_picture->setActivity(activity);
+    m_view->setActivity(activity);
     describe();
 }
 
@@ -55,13 +55,13 @@ void ClaudeCell::setUsage(const PlanWindows &windows)
     if (m_fraction == fraction)
         return;
     m_fraction = fraction;
-    m_picture->setFraction(fraction);
+    m_view->setFraction(fraction);
     describe();
 }
 
 void ClaudeCell::setMotionReduced(bool reduced)
 {
-    m_picture->setMotionReduced(reduced);
+    m_view->setMotionReduced(reduced);
 }
 
 void ClaudeCell::describe()
@@ -84,13 +84,13 @@ void ClaudeCell::leaveEvent(QEvent *event)
 
 void ClaudeCell::focusInEvent(QFocusEvent *event)
 {
-    m_picture->setFocused(true);
+    m_view->setFocused(true);
     QAbstractButton::focusInEvent(event);
 }
 
 void ClaudeCell::focusOutEvent(QFocusEvent *event)
 {
-    m_picture->setFocused(false);
+    m_view->setFocused(false);
     QAbstractButton::focusOutEvent(event);
 }
 

@@ -6,12 +6,12 @@
 
 namespace nubble {
 
-class RingPicture;
+class RingView;
 struct CellFrame;
 struct PlanWindows;
 
 // The status ring with the percentage of the plan below it, a button that opens the sessions card. It is
-// larger than its picture.
+// larger than what is seen of it.
 class ClaudeCell : public QAbstractButton {
     Q_OBJECT
 
@@ -32,12 +32,12 @@ protected:
     void leaveEvent(QEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
-    void paintEvent(QPaintEvent *) override { } // the picture is all that is seen of it
+    void paintEvent(QPaintEvent *) override { } // the view is all that is seen of it
 
 private:
     void describe();
 
-    RingPicture *m_picture;
+    RingView *m_view;
     Activity m_activity;
     std::optional<double> m_fraction;
 };

@@ -3,6 +3,7 @@
 import os
 import random
 import resource
+import shutil
 from functools import partial
 
 from desktop import SCREEN, eventually
@@ -84,7 +85,7 @@ class Preferences(DesktopTest):
 
     def test_that_cannot_be_written_last_until_the_program_ends(self):
         def no_folder():
-            self.folder.rmdir()
+            shutil.rmtree(self.folder)
             self.folder.write_text("")
 
         for forbid in (lambda: self.folder.chmod(0o500), lambda: os.mkfifo(self.file), no_folder):

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "Notch/RingView.h"
 #include "Sessions/ProjectsCardContent.h"
 #include "Widgets/Palette.h"
 #include "notch/PanelUnderTest.h"
@@ -71,7 +72,8 @@ protected:
     {
         const auto *widget = qobject_cast<QWidget *>(watched);
         if (event->type() == QEvent::Paint && widget)
-            painted.append(widget->accessibleName());
+            painted.append(
+                (qobject_cast<const RingView *>(widget) ? widget->parentWidget() : widget)->accessibleName());
         const auto *timer = event->type() == QEvent::Timer ? qobject_cast<QTimer *>(watched) : nullptr;
         frames += timer && timer->interval() < 40;
         return false;

@@ -13,14 +13,14 @@ namespace nubble {
 
 struct CellFrame;
 
-// What is drawn of the status ring's cell: the ring, the percentage below it, and the keyboard's focus. Opaque,
-// on the body's black; the mouse goes to the cell. Repaints only when something that it shows changes, and the
-// ends of the turning arc while something works and is seen.
-class RingPicture : public QWidget {
+// What is drawn of the status ring's cell: the ring, the percentage below it, and the keyboard's focus.
+// Opaque, on the body's black; the mouse goes to the cell. Repaints only when something that it shows
+// changes, and the ends of the turning arc while something works and is seen.
+class RingView : public QWidget {
     Q_OBJECT
 
 public:
-    explicit RingPicture(QWidget *cell);
+    explicit RingView(QWidget *cell);
 
     void place(const CellFrame &frame);
 

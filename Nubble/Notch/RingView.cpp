@@ -1,4 +1,4 @@
-#include "Notch/RingPicture.h"
+#include "Notch/RingView.h"
 
 #include <QPaintEvent>
 #include <QPainter>
@@ -14,16 +14,16 @@
 
 namespace nubble {
 
-RingPicture::RingPicture(QWidget *cell) : QWidget(cell)
+RingView::RingView(QWidget *cell) : QWidget(cell)
 {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setAttribute(Qt::WA_OpaquePaintEvent); // a frame of the animation is then no concern of the body
     m_frame.setTimerType(Qt::PreciseTimer);
     m_frame.setInterval(stepTime);
-    connect(&m_frame, &QTimer::timeout, this, &RingPicture::turnOn);
+    connect(&m_frame, &QTimer::timeout, this, &RingView::turnOn);
 }
 
-void RingPicture::place(const CellFrame &frame)
+void RingView::place(const CellFrame &frame)
 {
     const QRect shown = frame.shown();
     setGeometry(shown);
@@ -32,26 +32,26 @@ void RingPicture::place(const CellFrame &frame)
     update();
 }
 
-void RingPicture::setActivity(const Activity &activity)
+void RingView::setActivity(const Activity &activity)
 {
     m_activity = activity;
     animateIfNeeded();
     update();
 }
 
-void RingPicture::setFraction(std::optional<double> fraction)
+void RingView::setFraction(std::optional<double> fraction)
 {
     m_fraction = fraction;
     update();
 }
 
-void RingPicture::setFocused(bool focused)
+void RingView::setFocused(bool focused)
 {
     m_focused = focused;
     update();
 }
 
-void RingPicture::setMotionReduced(bool reduced)
+void RingView::setMotionReduced(bool reduced)
 {
     m_motionReduced = reduced;
     m_step = 0;
@@ -59,7 +59,7 @@ void RingPicture::setMotionReduced(bool reduced)
     update();
 }
 
-void RingPicture::animateIfNeeded()
+void RingView::animateIfNeeded()
 {
     const bool turns = isWorking() && !m_motionReduced && isVisible();
     if (turns == m_frame.isActive())
@@ -70,7 +70,7 @@ void RingPicture::animateIfNeeded()
         m_frame.stop();
 }
 
-void RingPicture::turnOn()
+void RingView::turnOn()
 {
     const auto turn = [](int step) { return static_cast<double>(step) / stepsPerTurn; };
     const int before = std::exchange(m_step, (m_step + 1) % stepsPerTurn);
@@ -81,17 +81,17 @@ void RingPicture::turnOn()
     repaint(changed);
 }
 
-void RingPicture::showEvent(QShowEvent *)
+void RingView::showEvent(QShowEvent *)
 {
     animateIfNeeded();
 }
 
-void RingPicture::hideEvent(QHideEvent *)
+void RingView::hideEvent(QHideEvent *)
 {
     animateIfNeeded();
 }
 
-void RingPicture::paintEvent(QPaintEvent *event)
+void RingView::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
     Step &step = m_steps[m_step];
@@ -105,7 +105,7 @@ void RingPicture::paintEvent(QPaintEvent *event)
 }
 
 // From its picture, which is also quicker to make: a fill of many spans would be shared among threads.
-void RingPicture::drawEnd(QPainter &painter, EndOfArc &end) const
+void RingView::drawEnd(QPainter &painter, EndOfArc &end) const
 {
     const QTransform &onDevice = painter.deviceTransform();
     const QRect pixels = onDevice.mapRect(QRectF(end.place)).toAlignedRect();
@@ -118,7 +118,7 @@ void RingPicture::drawEnd(QPainter &painter, EndOfArc &end) const
     painter.drawImage(onDevice.inverted().mapRect(QRectF(pixels)), end.picture);
 }
 
-void RingPicture::draw(QPainter &painter) const
+void RingView::draw(QPainter &painter) const
 {
     painter.fillRect(rect(), Palette::body);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -135,7 +135,8 @@ void RingPicture::draw(QPainter &painter) const
     }
     painter.setFont(Typography::percent());
     painter.setPen(Palette::textPrimary);
-    Typography::drawTabular(painter, m_percentRect, Qt::AlignHCenter,
+    Typography::drawTabular(
+        painter, m_percentRect, Qt::AlignHCenter,
         m_fraction ? QString::number(percentOf(*m_fraction)) : QString());
 }
 
