@@ -8,10 +8,10 @@
 #include <stop_token>
 #include <variant>
 
+#include "Platform/RegularFile.h"
 #include "Shell/Command.h"
 #include "Shell/Distribution.h"
 #include "Usage/CacheScan.h"
-#include "Platform/RegularFile.h"
 #include "Usage/Reading.h"
 
 namespace nubble {
