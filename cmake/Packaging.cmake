@@ -28,7 +28,7 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # What the program needs without being linked to it: the folder list of the icon theme, a command that unpacks the plan's
 # usage, those that look up processes, a bus that connects its commands with the running instance, what runs a recorder, and a
 # command that starts other applications.
-set(CPACK_DEBIAN_PACKAGE_DEPENDS hicolor-icon-theme)
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "zstd, procps, default-dbus-session-bus | dbus-session-bus, libglib2.0-bin")
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "hicolor-icon-theme, procps")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "zstd, default-dbus-session-bus | dbus-session-bus, libglib2.0-bin")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "fonts-inter, nodejs")
 include(CPack)
