@@ -42,7 +42,7 @@ SessionsSample sessionsOf(const QList<Row> &rows)
             .nameSource = u"user"_s,
         });
         if (row.status == "done"_L1)
-            sample.recentlyCompleted.insert(id);
+            sample.recentlyCompleted.insert(sample.sessions.last().run());
         if (!row.prompt.isEmpty())
             sample.details.insert(id, {.title = {}, .lastPrompt = row.prompt});
     }

@@ -3,12 +3,15 @@
 #include <QString>
 
 #include <optional>
+#include <utility>
 
 namespace nubble {
 
+// A conversation in a terminal: two terminals can have the same one open, one working and one not.
+using SessionRun = std::pair<QString, qint32>;
+
 // One running Claude Code session, as its own process describes it. Times are milliseconds since 1970 (UTC),
-// any number that it claims (timePointOf). `sessionId` is its identity, though two terminals can have the
-// same conversation open.
+// any number that it claims (timePointOf). `sessionId` is the conversation's identity.
 struct ClaudeSession {
     qint32 pid = 0;
     QString sessionId;
@@ -19,9 +22,11 @@ struct ClaudeSession {
     std::optional<double> updatedAt; // last change of status
     std::optional<QString> entrypoint;
     std::optional<QString> nameSource;
+    std::optional<QString> procStart{}; // of the process, in the kernel's ticks: tells it from a later one
 
     bool operator==(const ClaudeSession &) const = default;
 
+    [[nodiscard]] SessionRun run() const { return {sessionId, pid}; }
     [[nodiscard]] bool isBusy() const { return status == QStringView(u"busy"); }
     [[nodiscard]] bool isWaiting() const { return status == QStringView(u"waiting"); }
     [[nodiscard]] double lastActivity() const { return updatedAt.value_or(startedAt); }

@@ -20,6 +20,7 @@ namespace {
 constexpr auto blindPoll = 1s;
 constexpr auto safetyPoll = 10s;
 constexpr auto soon = 50ms;
+constexpr auto firstPatience = 200ms;
 constexpr auto completionLasts = 120s;
 
 // Sessions of equal activity keep their order.
@@ -72,6 +73,7 @@ SessionMonitor::SessionMonitor(
     m_expiry.setTimerType(Qt::PreciseTimer);
     m_expiry.callOnTimeout(this, &SessionMonitor::update);
     refresh();
+    m_worker.waitForDone(firstPatience); // nobody is to be told that there are none before
 }
 
 SessionMonitor::SessionMonitor(const SessionsSample &sample, QObject *parent)
@@ -90,7 +92,7 @@ RunState SessionMonitor::workState(const ClaudeSession &session) const
 {
     if (session.isBusy())
         return RunState::Working;
-    return m_recentlyCompleted.contains(session.sessionId) ? RunState::Completed : RunState::Idle;
+    return m_recentlyCompleted.contains(session.run()) ? RunState::Completed : RunState::Idle;
 }
 
 Activity SessionMonitor::activity() const
@@ -168,7 +170,7 @@ bool SessionMonitor::leaveOutEnded(QList<ClaudeSession> &sessions)
 {
     QSet<qint32> running;
     for (const ClaudeSession &session : sessions)
-        if (m_processes->canSignal(session.pid))
+        if (m_processes->canSignal(session.pid) && !isAnotherProcess(session))
             running.insert(session.pid);
     const bool endsAreTold = m_processWatch && m_processWatch->watch(running);
     QSet<qint32> ended;
@@ -192,31 +194,47 @@ void SessionMonitor::publish(QList<ClaudeSession> sessions)
     Q_EMIT sessionsChanged();
 }
 
+// A process that has been given the id of one that is gone.
+bool SessionMonitor::isAnotherProcess(const ClaudeSession &session) const
+{
+    bool isNumber = false;
+    const quint64 birth = session.procStart.value_or(QString()).toULongLong(&isNumber);
+    const auto process = isNumber ? m_processes->find(session.pid) : std::nullopt;
+    return process && process->birth != 0 && process->birth != birth;
+}
+
+// One that waits for an answer has not finished, whatever it did before; if no more work follows, it has.
 void SessionMonitor::trackRuns(const QList<ClaudeSession> &live)
 {
     const TimePoint now = m_clock->now();
-    QSet<QString> ids;
-    QSet<Run> busy;
+    SeenSessions seen;
     for (const ClaudeSession &session : live) {
-        ids.insert(session.sessionId);
-        if (session.isBusy())
-            busy.insert({session.sessionId, session.pid});
+        const auto before = m_seen.constFind(session.run());
+        const bool wasSeen = before != m_seen.cend();
+        const bool wasInRun = wasSeen && before->isInRun;
+        const bool isInRun = session.isBusy() || (wasInRun && session.isWaiting());
+        if ((wasInRun && !isInRun) || (wasSeen && hasMissedRun(*before, session)))
+            m_completedAt.insert(session.run(), now);
+        seen.insert(session.run(), {session, isInRun});
     }
-    for (const ClaudeSession &session : live) {
-        const Run run(session.sessionId, session.pid);
-        if (m_busy.contains(run) && !busy.contains(run))
-            m_completedAt.insert(session.sessionId, now);
-    }
-    m_busy = std::move(busy);
-    forgetCompletions(ids, now);
+    m_seen = std::move(seen);
+    forgetCompletions(m_seen, now);
 }
 
-void SessionMonitor::forgetCompletions(const QSet<QString> &ids, TimePoint now)
+// A run between two updates leaves nothing but a new time.
+bool SessionMonitor::hasMissedRun(const Seen &before, const ClaudeSession &now)
 {
-    m_completedAt.removeIf(
-        [&](const auto &each) { return !ids.contains(each.key()) || now - each.value() >= completionLasts; });
+    return !before.isInRun && now.status == QStringView(u"idle") && before.session.status == now.status
+        && before.session.name == now.name && before.session.updatedAt < now.updatedAt;
+}
+
+void SessionMonitor::forgetCompletions(const SeenSessions &live, TimePoint now)
+{
+    m_completedAt.removeIf([&](const auto &each) {
+        return !live.contains(each.key()) || now - each.value() >= completionLasts;
+    });
     expectExpiry(now);
-    QSet<QString> completed(m_completedAt.keyBegin(), m_completedAt.keyEnd());
+    QSet<SessionRun> completed(m_completedAt.keyBegin(), m_completedAt.keyEnd());
     if (completed == m_recentlyCompleted)
         return;
     m_recentlyCompleted = std::move(completed);

@@ -25,7 +25,7 @@ class ProcessTable;
 // What a monitor without any files has to show.
 struct SessionsSample {
     QList<ClaudeSession> sessions{};
-    QSet<QString> recentlyCompleted{};       // session ids
+    QSet<SessionRun> recentlyCompleted{};
     QHash<QString, SessionDetail> details{}; // by session id
 };
 
@@ -39,7 +39,7 @@ struct SessionWatches {
 // The ordered list of live sessions and the set of those that finished within the last two minutes. Reads its
 // folder when the watches tell of changes, and every ten seconds to be sure; each second where a watch is
 // missing or cannot tell all. Main thread only; files are read on a worker, for the first time from the
-// constructor on. Every failure is silent and looked at again at the next reading.
+// constructor on, which waits 200 ms for it. Every failure is silent and looked at again at the next reading.
 class SessionMonitor : public QObject {
     Q_OBJECT
 
@@ -53,10 +53,7 @@ public:
     explicit SessionMonitor(const SessionsSample &sample, QObject *parent = nullptr);
 
     [[nodiscard]] const QList<ClaudeSession> &sessions() const { return m_sessions; } // newest activity first
-    [[nodiscard]] const QSet<QString> &recentlyCompleted() const
-    {
-        return m_recentlyCompleted;
-    } // session ids
+    [[nodiscard]] const QSet<SessionRun> &recentlyCompleted() const { return m_recentlyCompleted; }
     [[nodiscard]] RunState runState(const ClaudeSession &session) const;
     [[nodiscard]] RunState workState(const ClaudeSession &session) const; // the same but for waiting
     [[nodiscard]] Activity activity() const;
@@ -71,8 +68,12 @@ Q_SIGNALS:
     void recentlyCompletedChanged();
 
 private:
-    // A terminal: two of them can have the same conversation open, one working and one not.
-    using Run = std::pair<QString, qint32>;
+    // What a session was like at the last update.
+    struct Seen {
+        ClaudeSession session;
+        bool isInRun = false; // it works, or asks something on the way
+    };
+    using SeenSessions = QHash<SessionRun, Seen>;
 
     // What a look at the folder has brought.
     struct Look {
@@ -86,7 +87,9 @@ private:
     void pollEvery(std::chrono::milliseconds interval);
     bool leaveOutEnded(QList<ClaudeSession> &sessions);
     void trackRuns(const QList<ClaudeSession> &live);
-    void forgetCompletions(const QSet<QString> &ids, TimePoint now);
+    [[nodiscard]] static bool hasMissedRun(const Seen &before, const ClaudeSession &now);
+    [[nodiscard]] bool isAnotherProcess(const ClaudeSession &session) const;
+    void forgetCompletions(const SeenSessions &live, TimePoint now);
     void expectExpiry(TimePoint now);
     void publish(QList<ClaudeSession> sessions);
 
@@ -103,10 +106,10 @@ private:
     SessionDetails m_details;
     Look m_look; // the last one
     QList<ClaudeSession> m_sessions;
-    QSet<QString> m_recentlyCompleted;
-    QSet<qint32> m_ended;                    // process ids that records still name
-    QSet<Run> m_busy;                        // at the last update
-    QHash<QString, TimePoint> m_completedAt; // by session id
+    QSet<SessionRun> m_recentlyCompleted;
+    QSet<qint32> m_ended; // process ids that records still name
+    SeenSessions m_seen;
+    QHash<SessionRun, TimePoint> m_completedAt;
     QTimer m_poll{this};
     QTimer m_soon;   // runs while the last look is known to be behind
     QTimer m_expiry; // of the oldest completion

@@ -76,6 +76,7 @@ std::optional<ClaudeSession> decodeSession(const QByteArray &json)
         .updatedAt = fields.number(QLatin1String("updatedAt")),
         .entrypoint = fields.text(QLatin1String("entrypoint")),
         .nameSource = fields.text(QLatin1String("nameSource")),
+        .procStart = fields.text(QLatin1String("procStart")),
     };
     if (session.name)
         session.name = oneLine(*session.name);

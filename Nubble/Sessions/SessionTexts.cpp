@@ -15,10 +15,10 @@ QString lastPathComponent(const QString &path)
     return component.isEmpty() && path.startsWith(u'/') ? u"/"_s : component;
 }
 
+// Claude Code marks the names that it makes up; one without a mark was given by the user.
 bool isNamedByUser(const ClaudeSession &session)
 {
-    return !session.name.value_or(QString()).isEmpty()
-        && session.nameSource.value_or(u"derived"_s) != "derived"_L1;
+    return !session.name.value_or(QString()).isEmpty() && session.nameSource != QStringView(u"derived");
 }
 
 } // namespace

@@ -21,6 +21,7 @@ constexpr qsizetype longestTypedPrompt = 200;
 
 // Most lines are none of these: they are told apart without being parsed.
 constexpr auto titleMarker = qMakeStaticByteArrayMatcher("\"type\":\"ai-title\"");
+constexpr auto customTitleMarker = qMakeStaticByteArrayMatcher("\"type\":\"custom-title\"");
 constexpr auto lastPromptMarker = qMakeStaticByteArrayMatcher("\"type\":\"last-prompt\"");
 constexpr auto userMarker = qMakeStaticByteArrayMatcher("\"type\":\"user\"");
 constexpr auto toolResultMarker = qMakeStaticByteArrayMatcher("\"type\":\"tool_result\"");
@@ -83,23 +84,25 @@ std::optional<QString> promptIn(const QJsonValue &content)
     return std::nullopt;
 }
 
-void lookAt(QByteArrayView line, bool typedToo, TranscriptValues &values)
+void lookAt(QByteArrayView line, TranscriptValues &values)
 {
     if (!values.title && contains(line, titleMarker))
         values.title = field(line, "aiTitle"_L1);
+    if (!values.title && contains(line, customTitleMarker))
+        values.title = field(line, "customTitle"_L1);
     if (!values.lastPrompt && contains(line, lastPromptMarker))
         values.lastPrompt = field(line, "lastPrompt"_L1);
-    if (typedToo && !values.lastPrompt && !values.typedPrompt && contains(line, userMarker))
-        values.typedPrompt = typedPrompt(line);
+    if (!values.lastPrompt && contains(line, userMarker))
+        values.lastPrompt = typedPrompt(line);
 }
 
 } // namespace
 
-void findNewest(QByteArrayView lines, bool typedToo, TranscriptValues &values)
+void findNewest(QByteArrayView lines, TranscriptValues &values)
 {
     while (!lines.isEmpty() && !(values.title && values.lastPrompt)) {
         const qsizetype lineBreak = lines.lastIndexOf('\n');
-        lookAt(lines.sliced(lineBreak + 1), typedToo, values);
+        lookAt(lines.sliced(lineBreak + 1), values);
         lines = lines.first(std::max<qsizetype>(lineBreak, 0));
     }
 }

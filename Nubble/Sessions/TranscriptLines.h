@@ -10,17 +10,15 @@ namespace nubble {
 
 // The newest texts found in a transcript, each on one line and never empty.
 struct TranscriptValues {
-    std::optional<QString> title;
-    std::optional<QString> lastPrompt;
-    std::optional<QString> typedPrompt; // stands in while there is no last prompt
+    std::optional<QString> title;      // generated, or given by the user
+    std::optional<QString> lastPrompt; // as the user typed it, or as Claude Code has noted it
 
     bool operator==(const TranscriptValues &) const = default;
 };
 
 // Fills in what `values` lacks from the newest of `lines`, one JSON object a line, walking from the last to
-// the first. Typed prompts are looked for only when `typedToo`, and only while there is no last prompt. Pure;
-// any thread.
-void findNewest(QByteArrayView lines, bool typedToo, TranscriptValues &values);
+// the first. Of the kinds of lines that tell the same, the newest counts. Pure; any thread.
+void findNewest(QByteArrayView lines, TranscriptValues &values);
 
 // The text under `key`, its line breaks made spaces; none when the line is no object or has no such text.
 [[nodiscard]] std::optional<QString> field(QByteArrayView line, QLatin1String key);

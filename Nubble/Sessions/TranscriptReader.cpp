@@ -25,7 +25,6 @@ void merge(TranscriptValues &known, TranscriptValues newer)
     const auto replace = [](auto &old, auto &value) { old = value ? std::move(value) : std::move(old); };
     replace(known.title, newer.title);
     replace(known.lastPrompt, newer.lastPrompt);
-    replace(known.typedPrompt, newer.typedPrompt);
 }
 
 } // namespace
@@ -45,7 +44,7 @@ bool TranscriptReader::read(const QByteArray &path, FileCosts &costs)
 
 SessionDetail TranscriptReader::detail() const
 {
-    return {m_values.title, m_values.lastPrompt ? m_values.lastPrompt : m_values.typedPrompt};
+    return {m_values.title, m_values.lastPrompt};
 }
 
 // Each longer tail is read only up to the first whole line of the one before.
@@ -64,7 +63,7 @@ bool TranscriptReader::readTail(const RegularFile &file, FileCosts &costs)
             return false;
         const qsizetype first = start == 0 ? 0 : bytes->indexOf('\n') + 1; // the line before it is cut
         const qsizetype last = bytes->lastIndexOf('\n') + 1;
-        findNewest(QByteArrayView(*bytes).sliced(first, last - first), true, values);
+        findNewest(QByteArrayView(*bytes).sliced(first, last - first), values);
         if (last > 0 && !offset)
             offset = start + last;
         if (last > 0)
@@ -85,7 +84,7 @@ bool TranscriptReader::readAppended(const RegularFile &file, FileCosts &costs)
         return false;
     const qsizetype last = bytes->lastIndexOf('\n') + 1;
     TranscriptValues newer;
-    findNewest(QByteArrayView(*bytes).first(last), !m_values.lastPrompt, newer);
+    findNewest(QByteArrayView(*bytes).first(last), newer);
     m_offset = *m_offset + last;
     merge(m_values, std::move(newer));
     return true;

@@ -1,6 +1,9 @@
 #include "Shell/SerialWorker.h"
 
+#include <QSemaphore>
+
 #include <algorithm>
+#include <memory>
 #include <sys/resource.h>
 #include <utility>
 
@@ -29,12 +32,14 @@ bool SerialWorker::hasLatestWaiting() const
     return std::any_of(m_jobs.begin(), m_jobs.end(), [](const Job &each) { return each.isLatest; });
 }
 
-void SerialWorker::waitForDone()
+bool SerialWorker::waitForDone(std::optional<std::chrono::milliseconds> patience)
 {
     // Not QThreadPool::waitForDone(), which ends the thread.
-    m_thread.start([this] { m_reached.release(); });
-    m_reached.acquire();
+    const auto reached = std::make_shared<QSemaphore>();
+    m_thread.start([reached] { reached->release(); });
+    const bool isDone = reached->tryAcquire(1, patience ? static_cast<int>(patience->count()) : -1);
     while (publishNext()) { }
+    return isDone;
 }
 
 void SerialWorker::handIn(Job job)

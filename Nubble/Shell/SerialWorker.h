@@ -2,11 +2,12 @@
 
 #include <QMutex>
 #include <QObject>
-#include <QSemaphore>
 #include <QThreadPool>
 
+#include <chrono>
 #include <deque>
 #include <functional>
+#include <optional>
 #include <stop_token>
 
 namespace nubble {
@@ -36,8 +37,8 @@ public:
     // Whether addLatest() would still replace something. If it says no, that has begun.
     [[nodiscard]] bool hasLatestWaiting() const;
 
-    // Blocks until everything handed in so far is done and published.
-    void waitForDone();
+    // Blocks until everything handed in so far is done and published, or `patience` is over: false.
+    bool waitForDone(std::optional<std::chrono::milliseconds> patience = std::nullopt);
 
 private:
     using Publication = std::function<void()>;
@@ -65,8 +66,7 @@ private:
     std::deque<Job> m_jobs;                 // not begun
     std::deque<Publication> m_publications; // of what is done
     QObject m_publisher;                    // its queued calls go with it
-    QSemaphore m_reached;
-    QThreadPool m_thread; // never more than one, which stays
+    QThreadPool m_thread;                   // never more than one, which stays
 };
 
 } // namespace nubble

@@ -136,8 +136,12 @@ private Q_SLOTS:
             u"Move to Edge {([ ] Right), ([x] Left), ([ ] Top), ([ ] Bottom)}, (Center on Edge), "_s;
         QVERIFY(shown(locked.ofIcon).contains(u"[x] Lock Position, "_s + placement));
         QVERIFY(shown(locked.ofPanel).startsWith(u"Unlock Position, "_s + placement));
-        choose(locked.ofPanel, {u"Unlock Position"_s});
-        QVERIFY(!world.placement.isLocked());
+        for (const auto &[menu, title] :
+             {std::pair(&locked.ofPanel, u"Unlock Position"_s), {&locked.ofIcon, u"Lock Position"_s}}) {
+            world.placement.setLocked(true);
+            choose(*menu, {title});
+            QVERIFY(!world.placement.isLocked());
+        }
     }
 
     // It says what it is for and lacks, and can be switched nonetheless.

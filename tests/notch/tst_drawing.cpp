@@ -120,6 +120,12 @@ private Q_SLOTS:
             for (const double turn : {used + 0.07, (1 + used) / 2, 0.93})
                 QVERIFY(picture.at(turn).saturation() == 0 && picture.at(turn).value() < 80); // the track
         }
+        const auto pictureAfter = [&panel](QEvent::Type type) {
+            QFocusEvent focus(type);
+            QCoreApplication::sendEvent(panel.ring(), &focus);
+            return pictureOf(*panel.ring(), 1);
+        };
+        QVERIFY(pictureAfter(QEvent::FocusOut) != pictureAfter(QEvent::FocusIn));
         constexpr double distance = 13 + 3.5 + 5.5; // of the number
         for (const NotchEdge edge : allEdges) {
             world.placement.moveToEdge(edge, world.mainScreen.frame());
@@ -148,7 +154,8 @@ private Q_SLOTS:
         for (const double turn : {0.1, 0.35, 0.6, 0.85})
             QCOMPARE(completed.at(turn), Palette::ample);
         world.clock.advance(2min);
-        (void)picture(u"idle"_s, u"idle"_s);
+        world.readSessions();
+        QVERIFY(panel.ring()->accessibleName().endsWith(u": idle"));
         QCOMPARE(picture(u"waiting"_s, u"a session waits for you"_s).badge(), Palette::badge);
     }
 

@@ -70,7 +70,7 @@ private Q_SLOTS:
         for (const auto &[keys, title, expected] :
              {std::tuple(R"("cwd":"/p/q","name":"Name","nameSource":"user")", "Title", u"Name"_s),
               {R"("cwd":"/p/q","name":"Name","nameSource":"derived")", "Title", u"Title"_s},
-              {R"("cwd":"/p/q","name":"Name")", "Title", u"Title"_s},
+              {R"("cwd":"/p/q","name":"Name")", "Title", u"Name"_s},
               {R"("cwd":"/p/q","name":"Name","nameSource":"derived")", nullptr, u"Name"_s},
               {R"("cwd":"/p/q r/","name":"","nameSource":"user")", nullptr, u"q r"_s},
               {R"("cwd":"/")", nullptr, u"/"_s}}) {
@@ -131,10 +131,41 @@ private Q_SLOTS:
     void waitsAsLongAsASessionDoesWhateverTheOthersDo()
     {
         QCOMPARE(after(7, u"a"_s, u"busy"_s), u"working"_s);
-        QCOMPARE(after(7, u"a"_s, u"waiting"_s), u"completed and waiting: a"_s);
+        QCOMPARE(after(7, u"a"_s, u"waiting"_s), u"idle and waiting"_s); // not finished
         QCOMPARE(m_monitor->runState(m_monitor->sessions().first()), RunState::Waiting);
-        QCOMPARE(after(8, u"b"_s, u"busy"_s), u"working and waiting: a"_s);
+        QCOMPARE(after(8, u"b"_s, u"busy"_s), u"working and waiting"_s);
         QCOMPARE(after(7, u"a"_s, u"Waiting"_s), u"working: a"_s); // no word that is known
+    }
+
+    void knowsARunThatItHasMissedByItsTime()
+    {
+        const auto at = [this](int time, const QByteArray &more) {
+            put(7,
+                R"({"pid":7,"sessionId":"a","cwd":"/","startedAt":1,"updatedAt":)" + QByteArray::number(time)
+                    + ',' + more + '}');
+            return refreshed();
+        };
+        const QByteArray idle = R"("status":"idle","name":"n")";
+        QCOMPARE(at(1, idle), u"idle"_s); // how it was found
+        QCOMPARE(at(1, idle), u"idle"_s);
+        QCOMPARE(at(2, R"("status":"idle","name":"renamed")"), u"idle"_s);
+        QCOMPARE(at(3, R"("status":"shell","name":"renamed")"), u"idle"_s);
+        QCOMPARE(at(4, R"("status":"idle","name":"renamed")"), u"idle"_s);
+        QCOMPARE(at(5, R"("status":"idle","name":"renamed")"), u"completed: a"_s);
+    }
+
+    void leavesOutAProcessThatHasTheIdOfOneThatIsGone()
+    {
+        m_processes.known.insert(7, {.name = u"claude"_s, .birth = 4711});
+        for (const auto &[start, isThere] :
+             {std::pair("", true),
+              {R"(,"procStart":"4711")", true},
+              {R"(,"procStart":"4712")", false},
+              {R"(,"procStart":"no number")", true}}) {
+            put(7, QByteArray(R"({"pid":7,"sessionId":"a","cwd":"/","startedAt":1)") + start + '}');
+            (void)refreshed();
+            QVERIFY2(m_monitor->sessions().isEmpty() != isThere, start);
+        }
     }
 
     void aNewCompletionReplacesOneFromBeforeTheClockWasSetBack()
@@ -420,7 +451,9 @@ private:
         m_monitor->refresh();
         m_monitor->waitForDone();
         const Activity activity = m_monitor->activity();
-        const QStringList completed = m_monitor->recentlyCompleted().values();
+        QStringList completed;
+        for (const SessionRun &each : m_monitor->recentlyCompleted())
+            completed.append(each.first);
         return stateName(activity.overall) + (activity.waiting ? u" and waiting"_s : QString())
             + (completed.isEmpty() ? QString() : u": "_s + completed.join(u' '));
     }

@@ -32,7 +32,10 @@ private Q_SLOTS:
               {titleLine("no UTF-8: caf\xe9"), u"no UTF-8: café|"_s},
               {titleLine(R"(a\u202eb\u2028\u2067c)") + promptLine(R"(\u200fp\t p\u2069)"), u"ab c|p p"_s},
               {typedLine("stands in") + titleLine("t"), u"t|stands in"_s},
-              {promptLine("loses") + promptLine("wins") + typedLine("typed"), u"|wins"_s}}) {
+              {promptLine("old") + typedLine("typed after it"), u"|typed after it"_s},
+              {typedLine("old") + promptLine("noted after it"), u"|noted after it"_s},
+              {titleLine("generated") + line("custom-title", "customTitle", "renamed"), u"renamed|"_s},
+              {line("custom-title", "customTitle", "renamed") + titleLine("newer"), u"newer|"_s}}) {
             init(); // or it would be the same transcript, grown
             put(lines);
             QCOMPARE(update(), shown);
@@ -88,9 +91,9 @@ private Q_SLOTS:
         const qint64 before = m_transcripts->costs().bytes;
         const QByteArray more = '\n' + promptLine("p") + typedLine("typed later");
         append(more + line.first(20));
-        QCOMPARE(update(), u"new|p"_s);
+        QCOMPARE(update(), u"new|typed later"_s);
         append(titleLine("newest").sliced(20));
-        QCOMPARE(update(), u"newest|p"_s);
+        QCOMPARE(update(), u"newest|typed later"_s);
         // Nothing twice but the lines that were cut.
         const qint64 expected = line.size() - 1 + more.size() + 20 + titleLine("newest").size();
         QCOMPARE(m_transcripts->costs().bytes - before, expected);

@@ -1,4 +1,5 @@
 #include <QPointer>
+#include <QSemaphore>
 #include <QTest>
 
 #include <fcntl.h>
