@@ -203,6 +203,12 @@ private Q_SLOTS:
             QPointF tip = expected.ringCenter;
             (isVertical(edge) ? tip.rx() : tip.ry()) = sides[static_cast<int>(edge)];
             QVERIFY(outline.contains(tip)); // the tail points at the ring
+            const QRectF &screen = expected.screen;
+            const double outermost[]{
+                screen.right() - 0.5, screen.left() + 0.5, screen.top() + 0.5, screen.bottom() - 0.5};
+            (isVertical(edge) ? tip.rx() : tip.ry()) = outermost[static_cast<int>(edge)];
+            QVERIFY(QRectF(panel.ring()->geometry()).contains(tip));
+            QCOMPARE(close->size(), QSize(28, 28));
         }
         panel.clickRing();
         QVERIFY(!outline.contains(cross));
