@@ -65,7 +65,7 @@ private Q_SLOTS:
               {u"unseen ring click away card wait"_s, PanelMode::sessions()},
               {u"unseen ring click away card wait away"_s, PanelMode::collapsed()}}) {
             PanelState state;
-            HoverPreview hover(state, [&steps] { return steps.startsWith(u"way"); });
+            HoverPreview hover(state, [isOnTheWay = steps.startsWith(u"way")] { return isOnTheWay; });
             for (const QString &step : steps.split(u' ')) {
                 if (step == u"unseen")
                     hover.closeEveryCardWhenLeft();
