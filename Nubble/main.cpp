@@ -2,6 +2,7 @@
 #include <QDeadlineTimer>
 #include <QFile>
 #include <QPalette>
+#include <QThread>
 
 #include <algorithm>
 #include <chrono>
@@ -64,11 +65,12 @@ std::optional<int> answeredElsewhere(InstanceLock &lock, const CommandLine &line
 {
     const QDeadlineTimer patience(InstanceClient::isBusSetUp() ? 10s : 3s);
     InstanceClient client(line.serviceName());
-    while (lock.isHeldElsewhere(50ms)) {
+    while (lock.isHeldElsewhere()) {
         if (const std::optional<int> status = runInInstance(line, client))
             return status;
         if (patience.hasExpired())
             return fail(ExitFailed, "Nubble runs already, and cannot be reached over the session bus");
+        QThread::msleep(50);
     }
     return std::nullopt;
 }

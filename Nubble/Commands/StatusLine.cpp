@@ -3,7 +3,6 @@
 #include <QJsonArray>
 
 #include "Shell/OneLine.h"
-#include "Usage/UsageTexts.h"
 
 using namespace Qt::StringLiterals;
 
@@ -13,8 +12,8 @@ namespace {
 
 QString percentage(const QJsonObject &report)
 {
-    const QJsonValue fraction = report["usage"_L1]["session"_L1]["fraction"_L1];
-    return fraction.isDouble() ? QString::number(percentOf(fraction.toDouble())) : QString();
+    const QJsonValue percent = report["usage"_L1]["session"_L1]["percent"_L1];
+    return percent.isDouble() ? QString::number(percent.toInt()) : QString();
 }
 
 int countOf(const QJsonArray &sessions, const QString &word)

@@ -123,8 +123,8 @@ QString usageLine(const QString &label, const QJsonValue &window, const QDateTim
         return {};
     const QDateTime resetsAt = QDateTime::fromString(window["resetsAt"_L1].toString(), Qt::ISODate);
     const QString reset = resetText(resetsAt.isValid() ? std::optional(resetsAt) : std::nullopt, now);
-    return label.leftJustified(17)
-        + percentText(percentOf(window["fraction"_L1].toDouble())).leftJustified(11) + reset + u'\n';
+    return label.leftJustified(17) + percentText(window["percent"_L1].toInt()).leftJustified(11) + reset
+        + u'\n';
 }
 
 QString usageTable(const QJsonObject &usage, const QDateTime &now)

@@ -13,7 +13,6 @@ namespace nubble::CardTransition {
 
 namespace {
 
-constexpr int duration = 160;
 constexpr int distance = 8;
 
 // Shows a picture of the card, fainter and on its way: drawing every row for each frame costs far more. The
@@ -74,7 +73,7 @@ void run(QWidget *card, const QPoint &towardsBody, Direction direction)
     card->setGraphicsEffect(snapshot);
     auto *animation = new QVariantAnimation(card);
     animation->setObjectName(u"transition"_s);
-    animation->setDuration(duration);
+    animation->setDuration(static_cast<int>(duration.count()));
     animation->setEasingCurve(QEasingCurve::OutCubic);
     animation->setStartValue(direction == Direction::In ? 0.0 : 1.0);
     animation->setEndValue(direction == Direction::In ? 1.0 : 0.0);

@@ -3,12 +3,16 @@
 #include <QObject>
 #include <QPoint>
 
+#include <chrono>
+
 class QWidget;
 
 namespace nubble {
 
 // Fades a card in or out while it slides eight pixels from or to the body.
 namespace CardTransition {
+
+inline constexpr std::chrono::milliseconds duration{160};
 
 enum class Direction { In, Out };
 

@@ -2,17 +2,18 @@
 
 #include <chrono>
 
+#include "Notch/CardTransition.h"
 #include "Placement/MainScreen.h"
 #include "Placement/NotchPlacement.h"
 #include "Platform/MainThread.h"
 #include "Platform/PanelSurface.h"
 #include "Widgets/ToolTips.h"
 
+using namespace std::chrono_literals;
+
 namespace nubble {
 
 namespace {
-
-constexpr std::chrono::milliseconds transitionsLength{250}; // of a card that closes, and a little more
 
 // The screen without the bar on that edge.
 QRectF besideBars(NotchEdge edge, const QRectF &screen, const QMarginsF &bars)
@@ -70,7 +71,7 @@ void PanelWindow::followSurface()
         m_surface->setOutline(m_view->outline());
     });
     m_shrinking.setSingleShot(true);
-    m_shrinking.setInterval(transitionsLength);
+    m_shrinking.setInterval(CardTransition::duration + 90ms); // when a card that closes is no longer seen
     connect(&m_shrinking, &QTimer::timeout, this, &PanelWindow::applyPlacement);
     connect(m_view.get(), &NotchView::keyboardWanted, this, [this] {
         (void)m_surface->takeKeyboard(); // the mouse is there

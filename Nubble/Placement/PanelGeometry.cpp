@@ -9,27 +9,15 @@ namespace nubble {
 
 namespace {
 
-// The smallest move that brings the span into the range; a span that is too long starts where the range does.
-double moveInto(double start, double end, double rangeStart, double rangeEnd)
-{
-    if (start < rangeStart || end - start > rangeEnd - rangeStart)
-        return rangeStart - start;
-    return end > rangeEnd ? rangeEnd - end : 0;
-}
-
-// `area` with the room for a card's shadow.
-QPointF cardShiftOnto(NotchEdge edge, const QRectF &area, const QRectF &screen)
+// Moved along the edge by as little as brings it onto the screen; what is too long starts where the screen
+// does.
+QRectF fittedAlong(NotchEdge edge, QRectF rect, const QRectF &screen)
 {
     if (isVertical(edge))
-        return {0, moveInto(area.top(), area.bottom(), screen.top(), screen.bottom())};
-    return {moveInto(area.left(), area.right(), screen.left(), screen.right()), 0};
-}
-
-// The nearest start at which a span of that length lies within the range; a longer one starts where the range
-// does.
-double fitted(double start, double length, double rangeStart, double rangeEnd)
-{
-    return std::max(rangeStart, std::min(start, rangeEnd - length));
+        rect.moveTop(std::max(screen.top(), std::min(rect.top(), screen.bottom() - rect.height())));
+    else
+        rect.moveLeft(std::max(screen.left(), std::min(rect.left(), screen.right() - rect.width())));
+    return rect;
 }
 
 // Along the edge the panel lies on whole pixels; across, it touches the edge.
@@ -80,11 +68,7 @@ QRectF PanelGeometry::cardFrame(const QSizeF &size) const
         card.moveBottom(screen.bottom() - Layout::cardStart);
         break;
     }
-    if (isVertical(edge))
-        card.moveTop(fitted(card.top(), size.height(), screen.top(), screen.bottom()));
-    else
-        card.moveLeft(fitted(card.left(), size.width(), screen.left(), screen.right()));
-    return card;
+    return fittedAlong(edge, card, screen);
 }
 
 double PanelGeometry::roomForCard() const
@@ -96,14 +80,13 @@ double PanelGeometry::roomForCard() const
 PanelGeometry panelGeometry(const Layout &layout, NotchEdge edge, double offset, const QRectF &screen)
 {
     const QRectF window = alignedAlong(edge, layout.windowFrame(edge, offset, screen));
-    const QRectF area = layout.cardArea(edge).translated(window.topLeft());
     const double room = std::ceil(Layout::cardPadding);
     const QMarginsF around = isVertical(edge) ? QMarginsF(0, room, 0, room) : QMarginsF(room, 0, room, 0);
-    const QPointF shift = cardShiftOnto(edge, area.marginsAdded(around), screen);
+    const QRectF cards = layout.cardArea(edge).translated(window.topLeft()).marginsAdded(around);
 
     PanelGeometry geometry;
     geometry.edge = edge;
-    geometry.frame = window.united(area.translated(shift)).marginsAdded(around).toAlignedRect();
+    geometry.frame = window.marginsAdded(around).united(fittedAlong(edge, cards, screen)).toAlignedRect();
     geometry.screen = screen.translated(-geometry.frame.topLeft());
     geometry.origin = window.topLeft() - geometry.frame.topLeft();
     geometry.body = layout.bodyRect(edge).translated(geometry.origin);

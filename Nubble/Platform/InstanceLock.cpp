@@ -1,8 +1,6 @@
 #include "Platform/InstanceLock.h"
 
-#include <QDeadlineTimer>
 #include <QFile>
-#include <QThread>
 
 #include <cerrno>
 #include <fcntl.h>
@@ -22,39 +20,23 @@ InstanceLock::~InstanceLock()
         ::close(m_descriptor);
 }
 
-bool InstanceLock::isHeldElsewhere(std::chrono::milliseconds patience)
-{
-    const QDeadlineTimer deadline(patience);
-    State state = tryOnce();
-    while (state == State::Elsewhere && !deadline.hasExpired()) {
-        QThread::msleep(50);
-        state = tryOnce();
-    }
-    if (state == State::Free)
-        qCDebug(logPlatform) << m_path << "cannot be locked: starting without it";
-    return state == State::Elsewhere;
-}
-
 // Opened anew each time, for a predecessor may have removed it. Without O_NONBLOCK, a FIFO would wait.
-InstanceLock::State InstanceLock::tryOnce()
+bool InstanceLock::isHeldElsewhere()
 {
     constexpr int flags = O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY;
     const int file = ::open(m_path.constData(), flags, S_IRUSR | S_IWUSR);
-    if (file < 0)
-        return State::Free;
     struct stat info { };
-    State state = State::Free;
-    if (::fstat(file, &info) == 0 && S_ISREG(info.st_mode)) {
-        if (::flock(file, LOCK_EX | LOCK_NB) == 0)
-            state = State::Ours;
-        else if (errno == EWOULDBLOCK)
-            state = State::Elsewhere;
-    }
-    if (state == State::Ours)
+    const bool isFit = file >= 0 && ::fstat(file, &info) == 0 && S_ISREG(info.st_mode);
+    if (isFit && ::flock(file, LOCK_EX | LOCK_NB) == 0) {
         m_descriptor = file;
-    else
+        return false;
+    }
+    const bool isElsewhere = isFit && errno == EWOULDBLOCK;
+    if (!isElsewhere)
+        qCDebug(logPlatform) << m_path << "cannot be locked: starting without it";
+    if (file >= 0)
         ::close(file);
-    return state;
+    return isElsewhere;
 }
 
 } // namespace nubble

@@ -3,29 +3,22 @@
 #include <QByteArray>
 #include <QString>
 
-#include <chrono>
-
 namespace nubble {
 
-// Says which instance is the only one where no session bus does. A regular file that stays empty and stays
-// there is locked; what it holds does not matter, and the lock ends with its process however that ends. Where
-// no such file can be locked, since a folder, a FIFO or a link stands there or the folder refuses it, there
-// is no lock, and nobody is barred: starting twice is the lesser harm. One thread.
+// Says which instance of a home is the only one, also while no session bus does. A regular file that stays
+// empty and stays there is locked; what it holds does not matter, and the lock ends with its process however
+// that ends. Where no such file can be locked, since a folder, a FIFO or a link stands there or the folder
+// refuses it, there is no lock, and nobody is barred: starting twice is the lesser harm. One thread.
 class InstanceLock {
 public:
     explicit InstanceLock(const QString &path);
     ~InstanceLock();
     Q_DISABLE_COPY_MOVE(InstanceLock)
 
-    // Whether another process still holds it after `patience`, in which a predecessor can end. Blocks until
-    // then.
-    [[nodiscard]] bool isHeldElsewhere(std::chrono::milliseconds patience);
+    // Takes it, unless another process has it.
+    [[nodiscard]] bool isHeldElsewhere();
 
 private:
-    enum class State { Free, Ours, Elsewhere };
-
-    State tryOnce();
-
     const QByteArray m_path;
     int m_descriptor = -1; // open while the lock is ours
 };

@@ -59,12 +59,9 @@ std::optional<RegularFile> RegularFile::open(const QString &path)
     return open(QFile::encodeName(path).constData(), AT_FDCWD);
 }
 
-std::optional<FileStamp> RegularFile::stampOf(const char *path)
+std::optional<FileState> RegularFile::stateOf(const char *path)
 {
-    struct stat info { };
-    if (::stat(path, &info) != 0 || !S_ISREG(info.st_mode))
-        return std::nullopt;
-    return FileStamp{fileTimeOf(info.st_mtim), info.st_size};
+    return stateOf(path, AT_FDCWD);
 }
 
 std::optional<FileState> RegularFile::stateOf(const char *name, int folder)

@@ -14,14 +14,6 @@ namespace nubble {
 
 using FileTime = std::chrono::sys_time<std::chrono::nanoseconds>;
 
-// What tells whether a file has changed.
-struct FileStamp {
-    FileTime modified;
-    qint64 size = 0;
-
-    bool operator==(const FileStamp &) const = default;
-};
-
 // What differs after every change of a file's bytes, or of the names in a folder.
 struct FileState {
     quint64 inode = 0;
@@ -50,7 +42,7 @@ public:
     [[nodiscard]] static std::optional<RegularFile> open(const QString &path);
 
     // One look at the file's attributes, without opening it.
-    [[nodiscard]] static std::optional<FileStamp> stampOf(const char *path);
+    [[nodiscard]] static std::optional<FileState> stateOf(const char *path);
     [[nodiscard]] static std::optional<FileState> stateOf(const char *name, int folder);
 
     RegularFile(RegularFile &&other) noexcept

@@ -149,16 +149,16 @@ std::optional<QList<QuenwickItem>> itemsIn(sqlite3 &connection, const QDateTime 
 
 bool ReviewDatabase::isThere() const
 {
-    return RegularFile::stampOf(QFile::encodeName(m_path).constData()).has_value();
+    return RegularFile::stateOf(QFile::encodeName(m_path).constData()).has_value();
 }
 
 std::optional<DatabaseStamp> ReviewDatabase::stamp(const QDateTime &today) const
 {
     const QByteArray path = QFile::encodeName(m_path);
-    const auto database = RegularFile::stampOf(path.constData());
+    const auto database = RegularFile::stateOf(path.constData());
     if (!database)
         return std::nullopt;
-    return DatabaseStamp{*database, RegularFile::stampOf(QByteArray(path + "-wal").constData()), today};
+    return DatabaseStamp{*database, RegularFile::stateOf(QByteArray(path + "-wal").constData()), today};
 }
 
 // SQLite opens what it finds beside the database, too, and opening a FIFO waits for its writer.
@@ -178,7 +178,7 @@ bool ReviewDatabase::isResting() const
     constexpr qint64 versions = 18; // in the file's header: of writing, of reading
     const auto file = RegularFile::open(m_path);
     return file && file->read(versions, 2) == QByteArray("\2\2")
-        && !RegularFile::stampOf(QFile::encodeName(m_path).append("-wal").constData());
+        && !RegularFile::stateOf(QFile::encodeName(m_path).append("-wal").constData());
 }
 
 std::optional<Inbox> ReviewDatabase::read(const QDateTime &today, const std::stop_token &stop) const

@@ -12,8 +12,8 @@ namespace nubble {
 
 // What a reading rests on: while all of it is the same, another one gives the same.
 struct DatabaseStamp {
-    FileStamp database;
-    std::optional<FileStamp> log; // the write-ahead log, where there is one
+    FileState database;
+    std::optional<FileState> log; // the write-ahead log, where there is one
     QDateTime today;              // the moment at which the user's day began
 
     bool operator==(const DatabaseStamp &) const = default;

@@ -41,11 +41,6 @@ QLabel *makeEmptyLabel()
 
 } // namespace
 
-ProjectsCardContent::RowKey ProjectsCardContent::keyOf(const ClaudeSession &session)
-{
-    return {session.sessionId, session.pid};
-}
-
 ProjectsCardContent::ProjectsCardContent(
     const SessionMonitor &monitor, ProcessActivator &activator, const Clock &clock, int maxHeight,
     QWidget *parent)
@@ -84,9 +79,9 @@ void ProjectsCardContent::updateRows()
     m_rows->setCount(static_cast<int>(sessions.size()));
     m_scroll->fit();
     const QList<int> positions = rowsAround();
-    QList<RowKey> keys;
+    QList<SessionRun> keys;
     for (const int position : positions)
-        keys.append(keyOf(sessions.at(position)));
+        keys.append(sessions.at(position).run());
     removeRowsExcept(keys);
     for (const int position : positions)
         showRow(sessions.at(position), position);
@@ -107,10 +102,10 @@ QList<int> ProjectsCardContent::rowsAround() const
     const int top = m_scroll->verticalScrollBar()->value();
     const int first = std::max(0, m_rows->numberAt(top) - around);
     const int last = std::min(count - 1, m_rows->numberAt(top + m_scroll->height()) + around);
-    const RowKey focused = m_rowOf.key(qobject_cast<ProjectRow *>(m_rows->focusWidget()));
+    const SessionRun focused = m_rowOf.key(qobject_cast<ProjectRow *>(m_rows->focusWidget()));
     const auto focus =
         std::find_if(
-            sessions.begin(), sessions.end(), [&focused](const auto &each) { return keyOf(each) == focused; })
+            sessions.begin(), sessions.end(), [&focused](const auto &each) { return each.run() == focused; })
         - sessions.begin();
     QList<int> rows;
     for (int position = 0; position < count; ++position)
@@ -127,9 +122,9 @@ void ProjectsCardContent::orderFocus()
         setTabOrder(m_rowOf.value(m_order.at(i - 1)), m_rowOf.value(m_order.at(i)));
 }
 
-void ProjectsCardContent::removeRowsExcept(const QList<RowKey> &keys)
+void ProjectsCardContent::removeRowsExcept(const QList<SessionRun> &keys)
 {
-    const QSet<RowKey> kept(keys.begin(), keys.end());
+    const QSet<SessionRun> kept(keys.begin(), keys.end());
     for (auto row = m_rowOf.begin(); row != m_rowOf.end();) {
         if (kept.contains(row.key())) {
             ++row;
@@ -141,7 +136,7 @@ void ProjectsCardContent::removeRowsExcept(const QList<RowKey> &keys)
     }
 }
 
-ProjectRow *ProjectsCardContent::rowOf(const RowKey &key)
+ProjectRow *ProjectsCardContent::rowOf(const SessionRun &key)
 {
     ProjectRow *&row = m_rowOf[key];
     if (!row) {
@@ -158,7 +153,7 @@ ProjectRow *ProjectsCardContent::rowOf(const RowKey &key)
 
 void ProjectsCardContent::showRow(const ClaudeSession &session, int position)
 {
-    ProjectRow *row = rowOf(keyOf(session));
+    ProjectRow *row = rowOf(session.run());
     m_rows->place(row, position);
     const SessionDetail detail = m_monitor.details().byId().value(session.sessionId);
     row->setContent({

@@ -3,7 +3,7 @@
 #include <QHash>
 #include <QWidget>
 
-#include <utility>
+#include "Sessions/ClaudeSession.h"
 
 class QLabel;
 
@@ -13,7 +13,6 @@ class CappedScroll;
 class CardHeader;
 class Clock;
 class ProcessActivator;
-struct ClaudeSession;
 class ProjectRow;
 class RowColumn;
 class SessionMonitor;
@@ -34,13 +33,10 @@ Q_SIGNALS:
     void closeRequested();
 
 private:
-    using RowKey = std::pair<QString, qint32>; // two terminals can hold the same session
-
-    [[nodiscard]] static RowKey keyOf(const ClaudeSession &session);
     void updateRows();
     [[nodiscard]] QList<int> rowsAround() const;
-    ProjectRow *rowOf(const RowKey &key);
-    void removeRowsExcept(const QList<RowKey> &keys);
+    ProjectRow *rowOf(const SessionRun &key);
+    void removeRowsExcept(const QList<SessionRun> &keys);
     void orderFocus();
     void showRow(const ClaudeSession &session, int position);
 
@@ -52,8 +48,8 @@ private:
     QLabel *m_empty;
     RowColumn *m_rows;
     CappedScroll *m_scroll;
-    QHash<RowKey, ProjectRow *> m_rowOf;
-    QList<RowKey> m_order; // of those that are there, from top to bottom
+    QHash<SessionRun, ProjectRow *> m_rowOf;
+    QList<SessionRun> m_order; // of those that are there, from top to bottom
 };
 
 } // namespace nubble

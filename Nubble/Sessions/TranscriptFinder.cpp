@@ -77,14 +77,14 @@ QByteArray TranscriptFinder::expectedPath(const ClaudeSession &session) const
 
 std::optional<FoundTranscript> TranscriptFinder::at(const QByteArray &path)
 {
-    const auto stamp = stampOf(path);
-    return stamp ? std::optional(FoundTranscript{path, *stamp}) : std::nullopt;
+    const auto state = stateOf(path);
+    return state ? std::optional(FoundTranscript{path, *state}) : std::nullopt;
 }
 
-std::optional<FileStamp> TranscriptFinder::stampOf(const QByteArray &path)
+std::optional<FileState> TranscriptFinder::stateOf(const QByteArray &path)
 {
     ++m_costs.attributeReads;
-    return RegularFile::stampOf(path.constData());
+    return RegularFile::stateOf(path.constData());
 }
 
 const QList<QByteArray> &TranscriptFinder::folders()

@@ -16,7 +16,7 @@ namespace nubble {
 
 struct FoundTranscript {
     QByteArray path;
-    FileStamp stamp;
+    FileState state;
 };
 
 // The folder below the projects folder where the transcripts of sessions working in `cwd` are looked for
@@ -32,7 +32,7 @@ public:
 
     void startPass(TimePoint now, bool force); // `force` looks in all folders anyhow
     [[nodiscard]] std::optional<FoundTranscript> find(const ClaudeSession &session);
-    [[nodiscard]] std::optional<FileStamp> stampOf(const QByteArray &path);
+    [[nodiscard]] std::optional<FileState> stateOf(const QByteArray &path);
     [[nodiscard]] QByteArray expectedPath(const ClaudeSession &session) const; // empty for an id that is none
 
 private:

@@ -59,20 +59,20 @@ void Transcripts::note(const QString &id, Gap gap)
 Transcripts::Gap Transcripts::updateOne(const ClaudeSession &session, bool force)
 {
     auto known = m_transcripts.find(session.sessionId);
-    auto stamp = known == m_transcripts.end() ? std::nullopt : m_finder.stampOf(known->path);
-    if (!stamp) {
+    auto state = known == m_transcripts.end() ? std::nullopt : m_finder.stateOf(known->path);
+    if (!state) {
         const auto found = m_finder.find(session);
         if (!found)
             return Gap::NotFound;
         if (known == m_transcripts.end() || known->path != found->path)
-            known = m_transcripts.insert(session.sessionId, {.path = found->path, .stamp = {}, .reader = {}});
-        stamp = found->stamp;
+            known = m_transcripts.insert(session.sessionId, {.path = found->path, .state = {}, .reader = {}});
+        state = found->state;
     }
-    if (!force && known->reader.hasRead() && *stamp == known->stamp)
+    if (!force && known->reader.hasRead() && *state == known->state)
         return Gap::None;
     if (!known->reader.read(known->path, m_costs))
         return Gap::Unreadable;
-    known->stamp = *stamp;
+    known->state = *state;
     return Gap::None;
 }
 

@@ -34,7 +34,7 @@ public:
 private:
     struct Transcript {
         QByteArray path;
-        FileStamp stamp;
+        FileState state;
         TranscriptReader reader;
     };
 

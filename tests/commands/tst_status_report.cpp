@@ -124,7 +124,7 @@ private Q_SLOTS:
              QJsonArray{
                  session(u"idle"_s, u"a"_s), session(u"done"_s, u"b\nc"_s), session(u"idle"_s, u"d"_s)}}};
         QCOMPARE(statusLine(report), u"1 done, 2 idle"_s);
-        report[u"usage"_s] = QJsonObject{{u"session"_s, QJsonObject{{u"fraction"_s, 0.29}}}};
+        report[u"usage"_s] = QJsonObject{{u"session"_s, QJsonObject{{u"percent"_s, 29}}}};
         report = forStatusBars(report);
         QCOMPARE(report[u"text"_s].toString(), u"1 done, 2 idle · 29%"_s);
         QCOMPARE(report[u"tooltip"_s].toString(), u"a: idle\nb c: done\nd: idle"_s);

@@ -10,7 +10,7 @@ namespace nubble {
 
 X11PropertyWatch::X11PropertyWatch(
     std::shared_ptr<const X11Connection> x11, const std::vector<X11Atom> &properties)
-    : m_x11(std::move(x11))
+    : m_x11(std::move(x11)), m_window(m_x11->root())
 {
     for (const X11Atom each : properties)
         m_properties.push_back(m_x11->atom(each));
@@ -21,7 +21,7 @@ bool X11PropertyWatch::nativeEventFilter(const QByteArray &type, void *message, 
 {
     const auto *event = static_cast<const xcb_property_notify_event_t *>(message);
     if (type == "xcb_generic_event_t" && (event->response_type & 0x7f) == XCB_PROPERTY_NOTIFY
-        && event->window == m_x11->root() && std::ranges::count(m_properties, event->atom) > 0)
+        && event->window == m_window && std::ranges::count(m_properties, event->atom) > 0)
         Q_EMIT changed();
     return false;
 }

@@ -1,6 +1,5 @@
 #include "Platform/X11/X11Settings.h"
 
-#include <QCoreApplication>
 #include <QtEndian>
 
 #include "Platform/X11/X11Connection.h"
@@ -73,10 +72,10 @@ std::optional<int32_t> settingIn(const QByteArray &settings, const QByteArray &n
 }
 
 X11Settings::X11Settings(std::shared_ptr<const X11Connection> x11)
-    : m_x11(std::move(x11)), m_manager(m_x11, X11Atom::SettingsManager)
+    : m_x11(std::move(x11)), m_manager(m_x11, X11Atom::SettingsManager), m_watch(m_x11, {X11Atom::Settings})
 {
     connect(&m_manager, &X11SelectionWatch::changed, this, &X11Settings::follow);
-    QCoreApplication::instance()->installNativeEventFilter(this);
+    connect(&m_watch, &X11PropertyWatch::changed, this, &X11Settings::read);
     follow();
 }
 
@@ -87,19 +86,9 @@ void X11Settings::follow()
         const uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
         m_x11->ignoreErrors(xcb_change_window_attributes_checked(
             m_x11->get(), m_manager.owner(), XCB_CW_EVENT_MASK, &events));
+        m_watch.setWindow(m_manager.owner());
     }
     read();
-}
-
-bool X11Settings::nativeEventFilter(const QByteArray &type, void *message, qintptr *)
-{
-    if (type != "xcb_generic_event_t")
-        return false;
-    const auto *notify = static_cast<const xcb_property_notify_event_t *>(message);
-    if ((notify->response_type & 0x7f) == XCB_PROPERTY_NOTIFY && m_manager.isOwned()
-        && notify->window == m_manager.owner() && notify->atom == m_x11->atom(X11Atom::Settings))
-        read();
-    return false;
 }
 
 void X11Settings::read()

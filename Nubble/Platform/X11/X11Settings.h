@@ -1,12 +1,12 @@
 #pragma once
 
-#include <QAbstractNativeEventFilter>
 #include <QByteArray>
 
 #include <cstdint>
 #include <optional>
 
 #include "Platform/AnimationSetting.h"
+#include "Platform/X11/X11PropertyWatch.h"
 #include "Platform/X11/X11SelectionWatch.h"
 
 namespace nubble {
@@ -16,7 +16,7 @@ namespace nubble {
 [[nodiscard]] std::optional<int32_t> settingIn(const QByteArray &settings, const QByteArray &name);
 
 // `Gtk/EnableAnimations` of the settings' manager, whenever that comes and whatever it says later.
-class X11Settings : public AnimationSetting, private QAbstractNativeEventFilter {
+class X11Settings : public AnimationSetting {
     Q_OBJECT
 
 public:
@@ -25,12 +25,12 @@ public:
     [[nodiscard]] std::optional<bool> animates() const override { return m_animates; }
 
 private:
-    bool nativeEventFilter(const QByteArray &type, void *message, qintptr *result) override;
     void follow();
     void read();
 
     std::shared_ptr<const X11Connection> m_x11;
     X11SelectionWatch m_manager;
+    X11PropertyWatch m_watch;
     std::optional<bool> m_animates;
 };
 
