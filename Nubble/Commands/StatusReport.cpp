@@ -38,7 +38,7 @@ QJsonObject sessionReport(const SessionMonitor &monitor, const ClaudeSession &se
         {u"cwd"_s, session.cwd},
         {u"title"_s, rowTitle(session, detail)},
         {u"lastPrompt"_s, detail.lastPrompt ? QJsonValue(*detail.lastPrompt) : QJsonValue()},
-        {u"state"_s, stateName(monitor.workState(session))},
+        {u"state"_s, stateName(monitor.runState(session))},
         {u"word"_s, rowWord(monitor.runState(session))},
         {u"elapsed"_s, elapsedText(timePointOf(session.lastActivity()), clock.now())},
         {u"startedAt"_s, session.startedAt},

@@ -123,7 +123,7 @@ void RingView::draw(QPainter &painter) const
     painter.fillRect(rect(), Palette::body);
     painter.setRenderHint(QPainter::Antialiasing);
     if (isWorking())
-        drawActivityArc(painter, m_center, static_cast<double>(m_step) / stepsPerTurn);
+        drawActivityArc(painter, m_center, static_cast<double>(m_step) / stepsPerTurn, m_activity.waiting);
     else
         drawStatusRing(painter, m_center, m_activity.overall, m_fraction);
     if (m_activity.waiting)

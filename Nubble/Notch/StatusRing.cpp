@@ -77,14 +77,14 @@ void drawStatusRing(QPainter &painter, const QPointF &center, RunState state, st
     drawTrack(painter, center);
     if (const int percent = percentOf(fraction.value_or(0)); percent > 0)
         drawArc(painter, center, colorOf(levelOf(percent)), 0, percent / 100.0);
-    drawGlyph(painter, center, Palette::textSecondary);
+    drawGlyph(painter, center, state == RunState::Waiting ? Palette::badge : Palette::textSecondary);
 }
 
-void drawActivityArc(QPainter &painter, const QPointF &center, double turn)
+void drawActivityArc(QPainter &painter, const QPointF &center, double turn, bool waiting)
 {
     drawTrack(painter, center);
     drawArc(painter, center, Palette::bronze, turn, arcLength);
-    drawGlyph(painter, center, Palette::bronze);
+    drawGlyph(painter, center, waiting ? Palette::badge : Palette::bronze);
 }
 
 std::array<QRect, 2> changedByTurning(const QPointF &center, double from, double to)

@@ -18,8 +18,9 @@ namespace nubble {
 // track alone).
 void drawStatusRing(QPainter &painter, const QPointF &center, RunState state, std::optional<double> fraction);
 
-// While something works: a quarter of the circle, `turn` (0 to 1) of the way round.
-void drawActivityArc(QPainter &painter, const QPointF &center, double turn);
+// While something works: a quarter of the circle, `turn` (0 to 1) of the way round. `waiting`: something else
+// waits for the user.
+void drawActivityArc(QPainter &painter, const QPointF &center, double turn, bool waiting);
 
 // All that looks different when the arc has gone on from one turn to another: the places of its two ends.
 [[nodiscard]] std::array<QRect, 2> changedByTurning(const QPointF &center, double from, double to);

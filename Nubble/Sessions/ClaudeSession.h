@@ -19,10 +19,12 @@ struct ClaudeSession {
     double startedAt = 0;
     std::optional<QString> name;
     std::optional<QString> status;   // "busy" while it works, "waiting" for the user
-    std::optional<double> updatedAt; // last change of status
+    std::optional<double> updatedAt; // last change of status or name
     std::optional<QString> entrypoint;
     std::optional<QString> nameSource;
     std::optional<QString> procStart{}; // of the process, in the kernel's ticks: tells it from a later one
+    std::optional<double> statusUpdatedAt{}; // last change of status alone
+    std::optional<QString> waitingFor{};     // such as "permission prompt"; one line
 
     bool operator==(const ClaudeSession &) const = default;
 
@@ -30,6 +32,7 @@ struct ClaudeSession {
     [[nodiscard]] bool isBusy() const { return status == QStringView(u"busy"); }
     [[nodiscard]] bool isWaiting() const { return status == QStringView(u"waiting"); }
     [[nodiscard]] double lastActivity() const { return updatedAt.value_or(startedAt); }
+    [[nodiscard]] double statusChange() const { return statusUpdatedAt.value_or(lastActivity()); }
 };
 
 } // namespace nubble

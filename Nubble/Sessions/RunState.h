@@ -4,15 +4,15 @@ namespace nubble {
 
 // What a session is doing.
 enum class RunState {
-    Waiting, // for the user
     Working,
+    Waiting,   // for the user
     Completed, // a short while ago
     Idle
 };
 
 // What all sessions together are doing.
 struct Activity {
-    RunState overall = RunState::Idle; // Working if any works, else Completed if any has, else Idle
+    RunState overall = RunState::Idle; // the first in the order above that any of them is
     bool waiting = false;              // whether any waits, whatever the others do
 
     bool operator==(const Activity &) const = default;

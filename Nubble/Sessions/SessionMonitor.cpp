@@ -21,7 +21,6 @@ constexpr auto blindPoll = 1s;
 constexpr auto safetyPoll = 10s;
 constexpr auto soon = 50ms;
 constexpr auto firstPatience = 200ms;
-constexpr auto completionLasts = 120s;
 
 // Sessions of equal activity keep their order.
 QList<ClaudeSession> newestFirst(const QList<ClaudeSession> &sessions)
@@ -85,13 +84,10 @@ SessionMonitor::SessionMonitor(const SessionsSample &sample, QObject *parent)
 
 RunState SessionMonitor::runState(const ClaudeSession &session) const
 {
-    return session.isWaiting() ? RunState::Waiting : workState(session);
-}
-
-RunState SessionMonitor::workState(const ClaudeSession &session) const
-{
     if (session.isBusy())
         return RunState::Working;
+    if (session.isWaiting())
+        return RunState::Waiting;
     return m_recentlyCompleted.contains(session.run()) ? RunState::Completed : RunState::Idle;
 }
 
@@ -99,7 +95,7 @@ Activity SessionMonitor::activity() const
 {
     Activity activity;
     for (const ClaudeSession &session : m_sessions) {
-        activity.overall = std::min(activity.overall, workState(session));
+        activity.overall = std::min(activity.overall, runState(session));
         activity.waiting = activity.waiting || session.isWaiting();
     }
     return activity;
@@ -140,9 +136,11 @@ void SessionMonitor::update()
     assertMainThread("Nubble/Sessions/SessionMonitor");
     QList<ClaudeSession> live = m_look.reading.sessions.value_or(QList<ClaudeSession>());
     const bool endsAreTold = leaveOutEnded(live);
-    if (m_look.reading.sessions)
-        trackRuns(live);
+    const TimePoint now = m_clock->now();
+    const RunNews news = m_look.reading.sessions ? m_runs.update(live, now) : RunNews();
+    publishCompletions(now);
     publish(newestFirst(live));
+    tell(news);
     pollEvery(m_look.isTold && endsAreTold && m_details.isTold() ? safetyPoll : blindPoll);
 }
 
@@ -203,51 +201,25 @@ bool SessionMonitor::isAnotherProcess(const ClaudeSession &session) const
     return process && process->birth != 0 && process->birth != birth;
 }
 
-// One that waits for an answer has not finished, whatever it did before; if no more work follows, it has.
-void SessionMonitor::trackRuns(const QList<ClaudeSession> &live)
+void SessionMonitor::publishCompletions(TimePoint now)
 {
-    const TimePoint now = m_clock->now();
-    SeenSessions seen;
-    for (const ClaudeSession &session : live) {
-        const auto before = m_seen.constFind(session.run());
-        const bool wasSeen = before != m_seen.cend();
-        const bool wasInRun = wasSeen && before->isInRun;
-        const bool isInRun = session.isBusy() || (wasInRun && session.isWaiting());
-        if ((wasInRun && !isInRun) || (wasSeen && hasMissedRun(*before, session)))
-            m_completedAt.insert(session.run(), now);
-        seen.insert(session.run(), {session, isInRun});
-    }
-    m_seen = std::move(seen);
-    forgetCompletions(m_seen, now);
-}
-
-// A run between two updates leaves nothing but a new time.
-bool SessionMonitor::hasMissedRun(const Seen &before, const ClaudeSession &now)
-{
-    return !before.isInRun && now.status == QStringView(u"idle") && before.session.status == now.status
-        && before.session.name == now.name && before.session.updatedAt < now.updatedAt;
-}
-
-void SessionMonitor::forgetCompletions(const SeenSessions &live, TimePoint now)
-{
-    m_completedAt.removeIf([&](const auto &each) {
-        return !live.contains(each.key()) || now - each.value() >= completionLasts;
-    });
-    expectExpiry(now);
-    QSet<SessionRun> completed(m_completedAt.keyBegin(), m_completedAt.keyEnd());
+    if (const auto next = m_runs.nextExpiry(now))
+        m_expiry.start(*next);
+    else
+        m_expiry.stop();
+    QSet<SessionRun> completed = m_runs.recentlyCompleted(now);
     if (completed == m_recentlyCompleted)
         return;
     m_recentlyCompleted = std::move(completed);
     Q_EMIT recentlyCompletedChanged();
 }
 
-void SessionMonitor::expectExpiry(TimePoint now)
+void SessionMonitor::tell(const RunNews &news)
 {
-    const auto oldest = std::min_element(m_completedAt.cbegin(), m_completedAt.cend());
-    if (oldest == m_completedAt.cend())
-        m_expiry.stop();
-    else
-        m_expiry.start(std::min<std::chrono::milliseconds>(*oldest + completionLasts - now, completionLasts));
+    for (const ClaudeSession &session : news.begunToWait)
+        Q_EMIT beganToWait(session);
+    for (const RunNews::Ended &run : news.ended)
+        Q_EMIT runEnded(run.session, run.length);
 }
 
 } // namespace nubble

@@ -14,6 +14,7 @@
 #include "Platform/ProcessWatch.h"
 #include "Sessions/ClaudeSession.h"
 #include "Sessions/RunState.h"
+#include "Sessions/RunTracker.h"
 #include "Sessions/SessionDetails.h"
 #include "Sessions/SessionFiles.h"
 #include "Shell/SerialWorker.h"
@@ -55,7 +56,7 @@ public:
     [[nodiscard]] const QList<ClaudeSession> &sessions() const { return m_sessions; } // newest activity first
     [[nodiscard]] const QSet<SessionRun> &recentlyCompleted() const { return m_recentlyCompleted; }
     [[nodiscard]] RunState runState(const ClaudeSession &session) const;
-    [[nodiscard]] RunState workState(const ClaudeSession &session) const; // the same but for waiting
+    [[nodiscard]] RunTimes times(const ClaudeSession &session) const { return m_runs.times(session.run()); }
     [[nodiscard]] Activity activity() const;
     [[nodiscard]] const SessionDetails &details() const { return m_details; }
 
@@ -66,15 +67,11 @@ public:
 Q_SIGNALS:
     void sessionsChanged();
     void recentlyCompletedChanged();
+    // After the two above, and never of what was so when this was made.
+    void beganToWait(const nubble::ClaudeSession &session);
+    void runEnded(const nubble::ClaudeSession &session, std::chrono::milliseconds length);
 
 private:
-    // What a session was like at the last update.
-    struct Seen {
-        ClaudeSession session;
-        bool isInRun = false; // it works, or asks something on the way
-    };
-    using SeenSessions = QHash<SessionRun, Seen>;
-
     // What a look at the folder has brought.
     struct Look {
         SessionReading reading{};
@@ -86,11 +83,9 @@ private:
     void update();
     void pollEvery(std::chrono::milliseconds interval);
     bool leaveOutEnded(QList<ClaudeSession> &sessions);
-    void trackRuns(const QList<ClaudeSession> &live);
-    [[nodiscard]] static bool hasMissedRun(const Seen &before, const ClaudeSession &now);
+    void tell(const RunNews &news);
     [[nodiscard]] bool isAnotherProcess(const ClaudeSession &session) const;
-    void forgetCompletions(const SeenSessions &live, TimePoint now);
-    void expectExpiry(TimePoint now);
+    void publishCompletions(TimePoint now);
     void publish(QList<ClaudeSession> sessions);
 
     // The worker's alone.
@@ -108,8 +103,7 @@ private:
     QList<ClaudeSession> m_sessions;
     QSet<SessionRun> m_recentlyCompleted;
     QSet<qint32> m_ended; // process ids that records still name
-    SeenSessions m_seen;
-    QHash<SessionRun, TimePoint> m_completedAt;
+    RunTracker m_runs;
     QTimer m_poll{this};
     QTimer m_soon;   // runs while the last look is known to be behind
     QTimer m_expiry; // of the oldest completion

@@ -77,9 +77,12 @@ std::optional<ClaudeSession> decodeSession(const QByteArray &json)
         .entrypoint = fields.text(QLatin1String("entrypoint")),
         .nameSource = fields.text(QLatin1String("nameSource")),
         .procStart = fields.text(QLatin1String("procStart")),
+        .statusUpdatedAt = fields.number(QLatin1String("statusUpdatedAt")),
+        .waitingFor = fields.text(QLatin1String("waitingFor")),
     };
-    if (session.name)
-        session.name = oneLine(*session.name);
+    for (std::optional<QString> *text : {&session.name, &session.waitingFor})
+        if (*text)
+            *text = oneLine(**text);
     return fields.isValid() ? std::optional(std::move(session)) : std::nullopt;
 }
 

@@ -8,7 +8,7 @@
 
 namespace nubble {
 
-// The record that `json` holds. None when a required key is missing or any of the nine has the wrong type;
+// The record that `json` holds. None when a required key is missing or any known one has the wrong type;
 // other keys do not matter. Pure; any thread.
 [[nodiscard]] std::optional<ClaudeSession> decodeSession(const QByteArray &json);
 

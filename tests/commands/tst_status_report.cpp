@@ -54,7 +54,7 @@ private Q_SLOTS:
                 .arg(PanelWorld::msecs(started))
                 .arg(PanelWorld::msecs(started + 24h - 1s)));
         QCOMPARE(sessions[1][u"word"_s].toString(), u"waiting"_s);
-        QCOMPARE(sessions[1][u"state"_s].toString(), u"idle"_s);
+        QCOMPARE(sessions[1][u"state"_s].toString(), u"waiting"_s);
         QCOMPARE(sessions[2][u"elapsed"_s].toString(), u"1d ago"_s);
         QVERIFY(sessions[2][u"updatedAt"_s].isNull());
     }

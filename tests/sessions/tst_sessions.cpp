@@ -131,7 +131,7 @@ private Q_SLOTS:
     void waitsAsLongAsASessionDoesWhateverTheOthersDo()
     {
         QCOMPARE(after(7, u"a"_s, u"busy"_s), u"working"_s);
-        QCOMPARE(after(7, u"a"_s, u"waiting"_s), u"idle and waiting"_s); // not finished
+        QCOMPARE(after(7, u"a"_s, u"waiting"_s), u"waiting"_s); // not finished
         QCOMPARE(m_monitor->runState(m_monitor->sessions().first()), RunState::Waiting);
         QCOMPARE(after(8, u"b"_s, u"busy"_s), u"working and waiting"_s);
         QCOMPARE(after(7, u"a"_s, u"Waiting"_s), u"working: a"_s); // no word that is known
@@ -454,7 +454,8 @@ private:
         QStringList completed;
         for (const SessionRun &each : m_monitor->recentlyCompleted())
             completed.append(each.first);
-        return stateName(activity.overall) + (activity.waiting ? u" and waiting"_s : QString())
+        return stateName(activity.overall)
+            + (activity.waiting && activity.overall != RunState::Waiting ? u" and waiting"_s : QString())
             + (completed.isEmpty() ? QString() : u": "_s + completed.join(u' '));
     }
     QString after(qint32 pid, const QString &id, const QString &status)
