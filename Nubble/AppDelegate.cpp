@@ -15,6 +15,7 @@
 #include "Platform/MainThread.h"
 #include "Platform/System.h"
 #include "Review/QuenwickCard.h"
+#include "Sessions/ClaudeFolders.h"
 #include "Sessions/SessionsCard.h"
 #include "Shell/DesktopEntry.h"
 #include "Usage/UsageCard.h"
@@ -48,8 +49,7 @@ AppDelegate::AppDelegate(const Home &home, InstanceBus &bus, Relaunch relaunch)
       m_layout(Typography::percentLineHeight(), m_companion != nullptr, static_cast<int>(m_actions.size())),
       m_placement(m_defaults, m_layout),
       m_sessionMonitor(
-          home.file(u".claude/sessions"_s), home.file(u".claude/projects"_s),
-          AskClaude::workingDirectory(home), *m_processes, m_clock,
+          claudeFolders(home, m_defaults), AskClaude::workingDirectory(home), *m_processes, m_clock,
           {.records = System::folderWatch(),
            .transcripts = System::folderWatch(),
            .processes = System::processWatch()}),

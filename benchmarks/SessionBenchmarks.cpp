@@ -149,7 +149,7 @@ void pollUnchanged(benchmark::State &state)
 void updateUnchanged(benchmark::State &state)
 {
     const Sample sample(static_cast<int>(state.range(0)));
-    Transcripts transcripts(sample.projectsFolder());
+    Transcripts transcripts({sample.projectsFolder()});
     transcripts.update(sample.sessions(), false, TimePoint());
     QList<QByteArray> paths;
     for (int i = 0; i < sample.sessions().size(); ++i)
@@ -186,7 +186,7 @@ void firstRead(benchmark::State &state)
     const QByteArray path = QFile::encodeName(sample.transcript(0));
     qint64 bytes = 0;
     const auto work = [&] {
-        Transcripts transcripts(sample.projectsFolder());
+        Transcripts transcripts({sample.projectsFolder()});
         transcripts.update(sample.sessions(), false, TimePoint());
         bytes += transcripts.costs().bytes;
     };
@@ -200,7 +200,7 @@ void incrementalRead(benchmark::State &state)
     const Sample sample(1);
     write(sample.transcript(0), newestLines, 500'000'000);
     const QByteArray path = QFile::encodeName(sample.transcript(0));
-    Transcripts transcripts(sample.projectsFolder());
+    Transcripts transcripts({sample.projectsFolder()});
     transcripts.update(sample.sessions(), false, TimePoint());
     const qint64 before = transcripts.costs().bytes;
     const QByteArray line = QByteArray(1023, 'x') + '\n';

@@ -13,6 +13,7 @@
 #include "Platform/InstanceClient.h"
 #include "Platform/ProcessTable.h"
 #include "Platform/System.h"
+#include "Sessions/ClaudeFolders.h"
 #include "Sessions/SessionMonitor.h"
 #include "Shell/Defaults.h"
 #include "Usage/PlanUsageMonitor.h"
@@ -27,10 +28,9 @@ QJsonObject freshRead(const Home &home)
 {
     const SystemClock clock;
     const auto processes = System::processTable();
-    SessionMonitor monitor(
-        home.file(u".claude/sessions"_s), home.file(u".claude/projects"_s), AskClaude::workingDirectory(home),
-        *processes, clock);
     const Defaults defaults(Defaults::fileOf(u"com.brevandel.nubble"_s, home.configFolder()));
+    SessionMonitor monitor(
+        claudeFolders(home, defaults), AskClaude::workingDirectory(home), *processes, clock);
     const PlanUsageMonitor planUsage(home, clock, PlanUsageMonitor::domainIn(defaults));
     monitor.waitForDone();
     QEventLoop reading;

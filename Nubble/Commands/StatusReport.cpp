@@ -29,6 +29,17 @@ namespace nubble {
 
 namespace {
 
+template <typename T> QJsonValue orNull(const std::optional<T> &value)
+{
+    return value ? QJsonValue(*value) : QJsonValue();
+}
+
+// Milliseconds since 1970.
+QJsonValue orNull(const std::optional<TimePoint> &time)
+{
+    return time ? QJsonValue(static_cast<qint64>(time->time_since_epoch().count())) : QJsonValue();
+}
+
 QJsonObject sessionReport(const SessionMonitor &monitor, const ClaudeSession &session, const Clock &clock)
 {
     const SessionDetail detail = monitor.details().byId().value(session.sessionId);
@@ -37,12 +48,15 @@ QJsonObject sessionReport(const SessionMonitor &monitor, const ClaudeSession &se
         {u"pid"_s, session.pid},
         {u"cwd"_s, session.cwd},
         {u"title"_s, rowTitle(session, detail)},
-        {u"lastPrompt"_s, detail.lastPrompt ? QJsonValue(*detail.lastPrompt) : QJsonValue()},
+        {u"lastPrompt"_s, orNull(detail.lastPrompt)},
+        {u"terminal"_s, orNull(session.terminal)},
         {u"state"_s, stateName(monitor.runState(session))},
         {u"word"_s, rowWord(monitor.runState(session))},
         {u"elapsed"_s, elapsedText(timePointOf(session.lastActivity()), clock.now())},
         {u"startedAt"_s, session.startedAt},
-        {u"updatedAt"_s, session.updatedAt ? QJsonValue(*session.updatedAt) : QJsonValue()},
+        {u"updatedAt"_s, orNull(session.updatedAt)},
+        {u"waitingSince"_s, orNull(monitor.times(session).waitingSince)},
+        {u"question"_s, orNull(questionOf(session, detail))},
     };
 }
 
@@ -155,7 +169,7 @@ void reportUsage(const PlanUsageMonitor &planUsage, QJsonObject &status)
         QJsonObject{
             {u"session"_s, windowReport(planUsage.windows().session)},
             {u"weekly"_s, windowReport(planUsage.windows().weekly)},
-            {u"problem"_s, planUsage.problem() ? QJsonValue(*planUsage.problem()) : QJsonValue()},
+            {u"problem"_s, orNull(planUsage.problem())},
         });
 }
 
@@ -185,16 +199,13 @@ void reportAsk(const AskWindow &window, QJsonObject &status)
             {u"busy"_s, ask.isBusy()},
             {u"capturing"_s, ask.isCapturing()},
             {u"messages"_s, ask.messages().size()},
-            {u"problem"_s, problem ? QJsonValue(*problem) : QJsonValue()},
+            {u"problem"_s, orNull(problem)},
         });
 }
 
 void reportNotes(const MeetingNotes &notes, QJsonObject &status)
 {
     const MeetingState &state = notes.state();
-    const auto time = [](const std::optional<TimePoint> &at) {
-        return at ? QJsonValue(static_cast<qint64>(at->time_since_epoch().count())) : QJsonValue();
-    };
     QJsonArray others;
     for (const pid_t pid : state.others)
         others.append(pid);
@@ -206,9 +217,9 @@ void reportNotes(const MeetingNotes &notes, QJsonObject &status)
             {u"tabTitle"_s, state.tabTitle ? QJsonValue(docLabel(state)) : QJsonValue()},
             {u"link"_s, isDocTabLink(state.link)},
             {u"others"_s, others},
-            {u"startedAt"_s, time(state.startedAt)},
-            {u"lastUpdate"_s, time(state.lastUpdate)},
-            {u"nextUpdate"_s, time(state.nextUpdate)},
+            {u"startedAt"_s, orNull(state.startedAt)},
+            {u"lastUpdate"_s, orNull(state.lastUpdate)},
+            {u"nextUpdate"_s, orNull(state.nextUpdate)},
             {u"updating"_s, state.updating},
         });
 }

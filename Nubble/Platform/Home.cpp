@@ -7,6 +7,8 @@
 #include <pwd.h>
 #include <unistd.h>
 
+using namespace Qt::StringLiterals;
+
 namespace nubble {
 
 namespace {
@@ -24,17 +26,20 @@ QString homeInPasswordDatabase()
 } // namespace
 
 Home::Home(QString folder, QString configFolder)
-    : m_path(std::move(folder)), m_configFolder(std::move(configFolder))
+    : m_path(std::move(folder)), m_configFolder(std::move(configFolder)), m_claudeFolders{file(u".claude"_s)}
 {
 }
 
-Home::Home(const QString &folder) : m_path(QDir::cleanPath(folder)), m_configFolder(m_path + u"/.config") { }
+Home::Home(const QString &folder) : Home(QDir::cleanPath(folder), QDir::cleanPath(folder) + u"/.config") { }
 
 Home Home::ofUser()
 {
     const QString home = QDir::cleanPath(homeInPasswordDatabase());
     const QString xdg = qEnvironmentVariable("XDG_CONFIG_HOME");
-    return {home, QDir::isAbsolutePath(xdg) ? QDir::cleanPath(xdg) : home + u"/.config"};
+    Home user(home, QDir::isAbsolutePath(xdg) ? QDir::cleanPath(xdg) : home + u"/.config");
+    if (const QString claude = qEnvironmentVariable("CLAUDE_CONFIG_DIR"); QDir::isAbsolutePath(claude))
+        user.m_claudeFolders.append(QDir::cleanPath(claude));
+    return user;
 }
 
 QString Home::file(const QString &relativePath) const

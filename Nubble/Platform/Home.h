@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include <QStringList>
 
 namespace nubble {
 
@@ -15,6 +15,9 @@ public:
     [[nodiscard]] const QString &configFolder() const { return m_configFolder; } // XDG configuration folder
     [[nodiscard]] QString file(const QString &relativePath) const;
 
+    // Where Claude Code keeps its files: in the home folder, and where our environment says it does.
+    [[nodiscard]] const QStringList &claudeFolders() const { return m_claudeFolders; }
+
     // Where application `name` keeps its data: below "Library/Application Support" when that folder is there,
     // else below the configuration folder.
     [[nodiscard]] QString applicationSupport(const QString &name) const;
@@ -24,6 +27,7 @@ private:
 
     QString m_path;
     QString m_configFolder;
+    QStringList m_claudeFolders;
 };
 
 } // namespace nubble

@@ -13,6 +13,7 @@ struct ProcessInfo {
     std::optional<pid_t> parent{}; // absent when that cannot be read
     bool isOrphan = false;         // its parent has gone before it
     quint64 birth = 0;             // tells it from a later process of the same id
+    QString terminal{};            // that it runs in, such as "pts/3"; empty without one
 
     bool operator==(const ProcessInfo &) const = default;
 };

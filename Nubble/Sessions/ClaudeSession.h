@@ -25,12 +25,15 @@ struct ClaudeSession {
     std::optional<QString> procStart{}; // of the process, in the kernel's ticks: tells it from a later one
     std::optional<double> statusUpdatedAt{}; // last change of status alone
     std::optional<QString> waitingFor{};     // such as "permission prompt"; one line
+    std::optional<QString> terminal{};       // such as "pts/3", where others have the same conversation
 
     bool operator==(const ClaudeSession &) const = default;
 
     [[nodiscard]] SessionRun run() const { return {sessionId, pid}; }
     [[nodiscard]] bool isBusy() const { return status == QStringView(u"busy"); }
     [[nodiscard]] bool isWaiting() const { return status == QStringView(u"waiting"); }
+    // Those in a terminal do; those that another program drives need not.
+    [[nodiscard]] bool tellsStatus() const { return entrypoint == QStringView(u"cli"); }
     [[nodiscard]] double lastActivity() const { return updatedAt.value_or(startedAt); }
     [[nodiscard]] double statusChange() const { return statusUpdatedAt.value_or(lastActivity()); }
 };

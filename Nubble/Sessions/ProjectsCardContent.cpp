@@ -157,7 +157,7 @@ void ProjectsCardContent::showRow(const ClaudeSession &session, int position)
     m_rows->place(row, position);
     const SessionDetail detail = m_monitor.details().byId().value(session.sessionId);
     row->setContent({
-        .title = rowTitle(session, detail),
+        .title = (session.terminal ? *session.terminal + u" · " : QString()) + rowTitle(session, detail),
         .lastPrompt = detail.lastPrompt.value_or(QString()),
         .state = m_monitor.runState(session),
         .elapsed = elapsedText(timePointOf(session.lastActivity()), m_clock.now()),

@@ -8,8 +8,9 @@ using namespace Qt::StringLiterals;
 namespace nubble {
 
 SessionDetails::SessionDetails(
-    const QString &projectsFolder, const Clock &clock, std::unique_ptr<FolderWatch> watch, QObject *parent)
-    : QObject(parent), m_clock(&clock), m_watch(std::move(watch)), m_transcripts(projectsFolder),
+    const QStringList &projectsFolders, const Clock &clock, std::unique_ptr<FolderWatch> watch,
+    QObject *parent)
+    : QObject(parent), m_clock(&clock), m_watch(std::move(watch)), m_transcripts(projectsFolders),
       m_worker(u"SessionDetails"_s)
 {
     if (m_watch)
@@ -17,7 +18,7 @@ SessionDetails::SessionDetails(
 }
 
 SessionDetails::SessionDetails(QHash<QString, SessionDetail> sample)
-    : m_clock(nullptr), m_byId(std::move(sample)), m_transcripts(QString()), m_worker(u"SessionDetails"_s)
+    : m_clock(nullptr), m_byId(std::move(sample)), m_transcripts(QStringList()), m_worker(u"SessionDetails"_s)
 {
 }
 

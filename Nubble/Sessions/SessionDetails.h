@@ -24,7 +24,7 @@ class SessionDetails : public QObject {
 
 public:
     SessionDetails(
-        const QString &projectsFolder, const Clock &clock, std::unique_ptr<FolderWatch> watch = {},
+        const QStringList &projectsFolders, const Clock &clock, std::unique_ptr<FolderWatch> watch = {},
         QObject *parent = nullptr);
     explicit SessionDetails(QHash<QString, SessionDetail> sample); // these alone, for pictures
 

@@ -24,6 +24,7 @@ constexpr qint64 largestRecord = 1'048'576; // bytes
 constexpr qint64 largestPass = 4 * largestRecord;
 constexpr auto longestWait = 5ms;
 constexpr auto waitStep = 100us;
+constexpr auto patience = 1s;     // with a record that has decoded and no longer does
 constexpr auto settlesAfter = 3s; // longer than a tick of any file system's clock
 
 bool isCandidate(const dirent &entry)
@@ -88,8 +89,19 @@ bool SessionFiles::isDue(const Record &record)
         || record.readAt - record.state->changed < settlesAfter;
 }
 
-// False if another pass has to do it. A record that no longer decodes keeps what it said for one pass more:
-// its writer may be slow.
+// A writer may be slow.
+bool SessionFiles::keepsLastReading(Record &record)
+{
+    if (record.outcome != Outcome::Undecodable) {
+        record.brokenSince.reset();
+        return false;
+    }
+    const auto now = std::chrono::steady_clock::now();
+    record.brokenSince = record.brokenSince.value_or(now);
+    return record.session && now - *record.brokenSince < patience;
+}
+
+// False if another pass has to do it.
 bool SessionFiles::bringUpToDate(int folder, const Listed &listed, Allowance &allowance) const
 {
     constexpr std::array reasons{"is a record again", "is no record", "cannot be read", "is too large"};
@@ -101,10 +113,9 @@ bool SessionFiles::bringUpToDate(int folder, const Listed &listed, Allowance &al
         readSettled(listed.name, folder, !isSame || record.session.has_value(), session, allowance);
     if (outcome == Outcome::Postponed)
         return isSame;
-    const bool isNews = outcome != std::exchange(record.outcome, outcome);
-    if (isNews)
+    if (outcome != std::exchange(record.outcome, outcome))
         qCDebug(logSessions) << listed.name.constData() << reasons.at(static_cast<size_t>(outcome));
-    const bool keeps = outcome == Outcome::Undecodable && isNews && record.session;
+    const bool keeps = keepsLastReading(record);
     if (!keeps)
         record.session = std::move(session);
     record.readState = keeps || outcome == Outcome::Unreadable ? std::nullopt : record.state;

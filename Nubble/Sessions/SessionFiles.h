@@ -23,8 +23,8 @@ struct SessionReading {
 
 // The session records in one folder. A pass reads what has changed since the last one, and what could have
 // since it was read: records are rewritten in place within one tick of the file system's clock and at the
-// same size. It reads 4 MB at most, and may wait 5 ms for writers. What cannot be read is left out. Blocks;
-// one thread at a time.
+// same size. It reads 4 MB at most, and may wait 5 ms for writers. What cannot be read is left out, but a
+// record that no longer decodes keeps what it said for another second. Blocks; one thread at a time.
 class SessionFiles {
 public:
     explicit SessionFiles(const QString &folder);
@@ -42,6 +42,7 @@ private:
         quint64 listedInPass = 0;
         quint64 readInPass = 0;
         Outcome outcome = Outcome::Decoded;
+        std::optional<std::chrono::steady_clock::time_point> brokenSince{}; // while it does not decode
     };
     struct Listed {
         QByteArray name;
@@ -56,6 +57,7 @@ private:
 
     [[nodiscard]] QList<Listed> list(DIR &folder);
     [[nodiscard]] static bool isDue(const Record &record);
+    static bool keepsLastReading(Record &record);
     [[nodiscard]] bool bringUpToDate(int folder, const Listed &listed, Allowance &allowance) const;
     static Outcome readSettled(
         const QByteArray &name, int folder, bool mayBeWritten, std::optional<ClaudeSession> &session,

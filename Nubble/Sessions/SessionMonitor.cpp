@@ -49,21 +49,49 @@ bool worksIn(const QString &ownFolder, const ClaudeSession &session)
     return folder.fileName() == own.fileName() && folder.exists() && folder == own;
 }
 
+QStringList below(const QStringList &folders, const QString &name)
+{
+    QStringList paths;
+    for (const QString &folder : folders)
+        paths.append(folder + name);
+    return paths;
+}
+
+// Two folders may be one by different paths.
+void join(SessionReading &whole, const SessionReading &more)
+{
+    whole.isBehind = whole.isBehind || more.isBehind;
+    if (!whole.sessions)
+        whole.sessions = more.sessions;
+    else if (more.sessions) {
+        QSet<SessionRun> known;
+        for (const ClaudeSession &session : *whole.sessions)
+            known.insert(session.run());
+        for (const ClaudeSession &session : *more.sessions)
+            if (!known.contains(session.run()))
+                whole.sessions->append(session);
+    }
+}
+
 } // namespace
 
 SessionMonitor::SessionMonitor(
-    const QString &sessionsFolder, const QString &projectsFolder, const QString &ownFolder,
-    const ProcessTable &processes, const Clock &clock, SessionWatches watches, QObject *parent)
-    : QObject(parent), m_files(sessionsFolder),
-      m_ownFolder(ownFolder), m_recordsEntries{QFile::encodeName(sessionsFolder), ".json"},
-      m_recordsWatch(std::move(watches.records)), m_processWatch(std::move(watches.processes)),
-      m_processes(&processes), m_clock(&clock),
-      m_details(projectsFolder, clock, std::move(watches.transcripts)), m_worker(u"SessionMonitor"_s)
+    const QStringList &claudeFolders, const QString &ownFolder, const ProcessTable &processes,
+    const Clock &clock, SessionWatches watches, QObject *parent)
+    : QObject(parent), m_ownFolder(ownFolder), m_recordsWatch(std::move(watches.records)),
+      m_processWatch(std::move(watches.processes)), m_processes(&processes), m_clock(&clock),
+      m_details(below(claudeFolders, u"/projects"_s), clock, std::move(watches.transcripts)),
+      m_worker(u"SessionMonitor"_s)
 {
+    for (const QString &folder : below(claudeFolders, u"/sessions"_s)) {
+        m_files.emplace_back(folder);
+        m_recordsEntries.append({QFile::encodeName(folder), ".json"});
+    }
     if (m_recordsWatch)
         connect(m_recordsWatch.get(), &FolderWatch::changed, this, &SessionMonitor::refresh);
     if (m_processWatch)
         connect(m_processWatch.get(), &ProcessWatch::ended, this, &SessionMonitor::update);
+    connect(&m_details, &SessionDetails::byIdChanged, this, &SessionMonitor::update);
     m_poll.callOnTimeout(this, &SessionMonitor::refresh);
     m_poll.start(blindPoll);
     m_soon.setSingleShot(true);
@@ -76,7 +104,7 @@ SessionMonitor::SessionMonitor(
 }
 
 SessionMonitor::SessionMonitor(const SessionsSample &sample, QObject *parent)
-    : QObject(parent), m_files(QString()), m_processes(nullptr), m_clock(nullptr), m_details(sample.details),
+    : QObject(parent), m_processes(nullptr), m_clock(nullptr), m_details(sample.details),
       m_sessions(sample.sessions), m_recentlyCompleted(sample.recentlyCompleted),
       m_worker(u"SessionMonitor"_s)
 {
@@ -113,8 +141,9 @@ void SessionMonitor::refresh()
 // Watched before it is read, so that nothing goes by between the two.
 SessionMonitor::Look SessionMonitor::look(const std::stop_token &stop)
 {
-    Look look{.isTold = m_recordsWatch && m_recordsWatch->watch({m_recordsEntries})};
-    look.reading = m_files.read(stop);
+    Look look{.isTold = m_recordsWatch && m_recordsWatch->watch(m_recordsEntries)};
+    for (SessionFiles &files : m_files)
+        join(look.reading, files.read(stop));
     if (look.reading.sessions)
         look.reading.sessions->removeIf(
             [this](const ClaudeSession &session) { return worksIn(m_ownFolder, session); });
@@ -137,10 +166,13 @@ void SessionMonitor::update()
     QList<ClaudeSession> live = m_look.reading.sessions.value_or(QList<ClaudeSession>());
     const bool endsAreTold = leaveOutEnded(live);
     const TimePoint now = m_clock->now();
+    addTranscribedWork(live, now);
+    nameSharedTerminals(live);
     const RunNews news = m_look.reading.sessions ? m_runs.update(live, now) : RunNews();
     publishCompletions(now);
     publish(newestFirst(live));
     tell(news);
+    expectChange(now);
     pollEvery(m_look.isTold && endsAreTold && m_details.isTold() ? safetyPoll : blindPoll);
 }
 
@@ -201,12 +233,51 @@ bool SessionMonitor::isAnotherProcess(const ClaudeSession &session) const
     return process && process->birth != 0 && process->birth != birth;
 }
 
-void SessionMonitor::publishCompletions(TimePoint now)
+// Those that do not tell what they do are known by their transcripts.
+void SessionMonitor::addTranscribedWork(QList<ClaudeSession> &sessions, TimePoint now)
 {
-    if (const auto next = m_runs.nextExpiry(now))
+    m_workEnds.reset();
+    for (ClaudeSession &session : sessions) {
+        const auto work = m_details.byId().value(session.sessionId).work;
+        if (session.status || !work)
+            continue;
+        const bool works = now < work->until;
+        session.status = works ? u"busy"_s : u"idle"_s;
+        const TimePoint since = works ? times(session).runningSince.value_or(work->since) : work->since;
+        session.updatedAt = static_cast<double>(since.time_since_epoch().count());
+        if (works)
+            m_workEnds = std::min(m_workEnds.value_or(work->until), work->until);
+    }
+}
+
+// By which the rows of one conversation can be told apart.
+void SessionMonitor::nameSharedTerminals(QList<ClaudeSession> &sessions) const
+{
+    QHash<QString, int> terminals;
+    for (const ClaudeSession &session : sessions)
+        ++terminals[session.sessionId];
+    for (ClaudeSession &session : sessions) {
+        if (terminals.value(session.sessionId) == 1)
+            continue;
+        const auto process = m_processes->find(session.pid);
+        session.terminal =
+            process && !process->terminal.isEmpty() ? process->terminal : u"process %1"_s.arg(session.pid);
+    }
+}
+
+void SessionMonitor::expectChange(TimePoint now)
+{
+    auto next = m_runs.nextExpiry(now);
+    if (m_workEnds)
+        next = std::min(next.value_or(*m_workEnds - now), *m_workEnds - now);
+    if (next)
         m_expiry.start(*next);
     else
         m_expiry.stop();
+}
+
+void SessionMonitor::publishCompletions(TimePoint now)
+{
     QSet<SessionRun> completed = m_runs.recentlyCompleted(now);
     if (completed == m_recentlyCompleted)
         return;

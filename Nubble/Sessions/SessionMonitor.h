@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <utility>
+#include <vector>
 
 #include "Platform/Clock.h"
 #include "Platform/FolderWatch.h"
@@ -38,18 +39,18 @@ struct SessionWatches {
 };
 
 // The ordered list of live sessions and the set of those that finished within the last two minutes. Reads its
-// folder when the watches tell of changes, and every ten seconds to be sure; each second where a watch is
+// folders when the watches tell of changes, and every ten seconds to be sure; each second where a watch is
 // missing or cannot tell all. Main thread only; files are read on a worker, for the first time from the
 // constructor on, which waits 200 ms for it. Every failure is silent and looked at again at the next reading.
 class SessionMonitor : public QObject {
     Q_OBJECT
 
 public:
-    // Sessions that work in `ownFolder` are this program's and left out.
+    // Of Claude Code's folders as claudeFolders() gives them. Sessions that work in `ownFolder` are this
+    // program's and left out.
     SessionMonitor(
-        const QString &sessionsFolder, const QString &projectsFolder, const QString &ownFolder,
-        const ProcessTable &processes, const Clock &clock, SessionWatches watches = {},
-        QObject *parent = nullptr);
+        const QStringList &claudeFolders, const QString &ownFolder, const ProcessTable &processes,
+        const Clock &clock, SessionWatches watches = {}, QObject *parent = nullptr);
     // Shows that and never anything else: for pictures of the card.
     explicit SessionMonitor(const SessionsSample &sample, QObject *parent = nullptr);
 
@@ -78,6 +79,7 @@ private:
         bool isTold = false; // of every change since
     };
 
+    void nameSharedTerminals(QList<ClaudeSession> &sessions) const;
     [[nodiscard]] Look look(const std::stop_token &stop); // on the worker
     void take(const Look &look);
     void update();
@@ -85,13 +87,15 @@ private:
     bool leaveOutEnded(QList<ClaudeSession> &sessions);
     void tell(const RunNews &news);
     [[nodiscard]] bool isAnotherProcess(const ClaudeSession &session) const;
+    void addTranscribedWork(QList<ClaudeSession> &sessions, TimePoint now);
     void publishCompletions(TimePoint now);
+    void expectChange(TimePoint now);
     void publish(QList<ClaudeSession> sessions);
 
     // The worker's alone.
-    SessionFiles m_files;
+    std::vector<SessionFiles> m_files; // one of each folder
     const QString m_ownFolder;
-    const WatchedEntries m_recordsEntries;
+    QList<WatchedEntries> m_recordsEntries;
     const std::unique_ptr<FolderWatch>
         m_recordsWatch; // none without watches or for a sample, as the next three
 
@@ -105,8 +109,9 @@ private:
     QSet<qint32> m_ended; // process ids that records still name
     RunTracker m_runs;
     QTimer m_poll{this};
-    QTimer m_soon;   // runs while the last look is known to be behind
-    QTimer m_expiry; // of the oldest completion
+    QTimer m_soon;                       // runs while the last look is known to be behind
+    std::optional<TimePoint> m_workEnds; // of the first session that only seems to work until then
+    QTimer m_expiry;                     // of that, or the oldest completion
     SerialWorker m_worker;
 };
 

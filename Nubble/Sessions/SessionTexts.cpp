@@ -36,6 +36,13 @@ bool isTitleIdentifier(const ClaudeSession &session, const SessionDetail &detail
     return !detail.title && !isNamedByUser(session);
 }
 
+std::optional<QString> questionOf(const ClaudeSession &session, const SessionDetail &detail)
+{
+    if (!session.isWaiting())
+        return std::nullopt;
+    return detail.question ? detail.question : session.waitingFor;
+}
+
 QString rowWord(RunState state)
 {
     return state == RunState::Completed ? u"done"_s : stateName(state);

@@ -35,9 +35,10 @@ QString projectFolderName(const QString &cwd)
     return name;
 }
 
-TranscriptFinder::TranscriptFinder(const QString &projectsFolder, FileCosts &costs)
-    : m_projects(QFile::encodeName(projectsFolder)), m_costs(costs)
+TranscriptFinder::TranscriptFinder(const QStringList &projectsFolders, FileCosts &costs) : m_costs(costs)
 {
+    for (const QString &folder : projectsFolders)
+        m_projects.append(QFile::encodeName(folder));
 }
 
 void TranscriptFinder::startPass(TimePoint now, bool force)
@@ -52,27 +53,30 @@ void TranscriptFinder::startPass(TimePoint now, bool force)
 
 std::optional<FoundTranscript> TranscriptFinder::find(const ClaudeSession &session)
 {
-    const QByteArray expected = expectedPath(session);
-    if (expected.isEmpty())
+    const QList<QByteArray> expected = expectedPaths(session);
+    for (const QByteArray &path : expected)
+        if (auto found = at(path))
+            return found;
+    if (expected.isEmpty() || m_searched.contains(session.sessionId))
         return std::nullopt;
-    if (auto found = at(expected))
-        return found;
-    if (m_searched.contains(session.sessionId))
-        return std::nullopt;
-    const QByteArray file = expected.sliced(expected.lastIndexOf('/'));
+    const QByteArray file = expected.first().sliced(expected.first().lastIndexOf('/'));
     for (const QByteArray &folder : folders())
-        if (auto found = at(m_projects + '/' + folder + file))
+        if (auto found = at(folder + file))
             return found;
     m_searched.insert(session.sessionId);
     return std::nullopt;
 }
 
-QByteArray TranscriptFinder::expectedPath(const ClaudeSession &session) const
+QList<QByteArray> TranscriptFinder::expectedPaths(const ClaudeSession &session) const
 {
     if (!isFileName(session.sessionId))
         return {};
-    return m_projects + '/' + QFile::encodeName(projectFolderName(session.cwd)) + '/'
-        + QFile::encodeName(session.sessionId) + ".jsonl";
+    QList<QByteArray> paths;
+    for (const QByteArray &projects : m_projects)
+        paths.append(
+            projects + '/' + QFile::encodeName(projectFolderName(session.cwd)) + '/'
+            + QFile::encodeName(session.sessionId) + ".jsonl");
+    return paths;
 }
 
 std::optional<FoundTranscript> TranscriptFinder::at(const QByteArray &path)
@@ -89,17 +93,23 @@ std::optional<FileState> TranscriptFinder::stateOf(const QByteArray &path)
 
 const QList<QByteArray> &TranscriptFinder::folders()
 {
-    if (m_folders)
-        return *m_folders;
-    m_folders.emplace();
+    if (!m_folders) {
+        m_folders.emplace();
+        for (const QByteArray &projects : m_projects)
+            list(projects);
+    }
+    return *m_folders;
+}
+
+void TranscriptFinder::list(const QByteArray &projects)
+{
     ++m_costs.listings;
-    const std::unique_ptr<DIR, int (*)(DIR *)> listing(::opendir(m_projects.constData()), &::closedir);
+    const std::unique_ptr<DIR, int (*)(DIR *)> listing(::opendir(projects.constData()), &::closedir);
     while (const dirent *entry = listing ? ::readdir(listing.get()) : nullptr) {
         const std::string_view name = entry->d_name;
         if (entry->d_type != DT_REG && name != "." && name != "..")
-            m_folders->append(QByteArray(entry->d_name));
+            m_folders->append(projects + '/' + entry->d_name);
     }
-    return *m_folders;
 }
 
 } // namespace nubble

@@ -3,7 +3,7 @@
 #include <QByteArray>
 #include <QList>
 #include <QSet>
-#include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -23,25 +23,26 @@ struct FoundTranscript {
 // first. Pure.
 [[nodiscard]] QString projectFolderName(const QString &cwd);
 
-// Finds transcripts: in the folder named after the session's working directory, else in any project folder.
+// Finds transcripts: in the folders named after the session's working directory, else in any project folder.
 // Blocks; one thread at a time. A session without a transcript is looked for in all folders every three
 // seconds only.
 class TranscriptFinder {
 public:
-    TranscriptFinder(const QString &projectsFolder, FileCosts &costs);
+    TranscriptFinder(const QStringList &projectsFolders, FileCosts &costs);
 
     void startPass(TimePoint now, bool force); // `force` looks in all folders anyhow
     [[nodiscard]] std::optional<FoundTranscript> find(const ClaudeSession &session);
     [[nodiscard]] std::optional<FileState> stateOf(const QByteArray &path);
-    [[nodiscard]] QByteArray expectedPath(const ClaudeSession &session) const; // empty for an id that is none
+    [[nodiscard]] QList<QByteArray> expectedPaths(const ClaudeSession &session) const; // none for no real id
 
 private:
     [[nodiscard]] std::optional<FoundTranscript> at(const QByteArray &path);
     [[nodiscard]] const QList<QByteArray> &folders();
+    void list(const QByteArray &projects);
 
-    QByteArray m_projects;
+    QList<QByteArray> m_projects;
     FileCosts &m_costs;
-    std::optional<QList<QByteArray>> m_folders; // in the order of the listing; of this pass
+    std::optional<QList<QByteArray>> m_folders; // of this pass
     QSet<QString> m_searched;                   // ids that were in no folder at the last search
     TimePoint m_searchedAt;
 };

@@ -8,10 +8,25 @@
 
 namespace nubble {
 
+// What the last line says that is of the conversation itself.
+struct TranscriptEnd {
+    enum class Kind {
+        Asked,    // Claude is to go on: a prompt, a tool's call or its result
+        Speaking, // perhaps more follows
+        Answered
+    };
+
+    Kind kind = Kind::Answered;
+    std::optional<QString> question{}; // of a call that asks the user
+
+    bool operator==(const TranscriptEnd &) const = default;
+};
+
 // The newest texts found in a transcript, each on one line and never empty.
 struct TranscriptValues {
     std::optional<QString> title;      // generated, or given by the user
     std::optional<QString> lastPrompt; // as the user typed it, or as Claude Code has noted it
+    std::optional<TranscriptEnd> end{};
 
     bool operator==(const TranscriptValues &) const = default;
 };

@@ -6,6 +6,8 @@
 
 #include "Platform/RegularFile.h"
 
+using namespace std::chrono_literals;
+
 namespace nubble {
 
 namespace {
@@ -25,6 +27,21 @@ void merge(TranscriptValues &known, TranscriptValues newer)
     const auto replace = [](auto &old, auto &value) { old = value ? std::move(value) : std::move(old); };
     replace(known.title, newer.title);
     replace(known.lastPrompt, newer.lastPrompt);
+    replace(known.end, newer.end);
+}
+
+// How long Claude is taken to go on with it though nothing more is written.
+std::chrono::milliseconds lasting(TranscriptEnd::Kind kind)
+{
+    switch (kind) {
+    case TranscriptEnd::Kind::Asked:
+        return 10min;
+    case TranscriptEnd::Kind::Speaking:
+        return 5s;
+    case TranscriptEnd::Kind::Answered:
+        break;
+    }
+    return 0ms;
 }
 
 } // namespace
@@ -44,7 +61,20 @@ bool TranscriptReader::read(const QByteArray &path, FileCosts &costs)
 
 SessionDetail TranscriptReader::detail() const
 {
-    return {m_values.title, m_values.lastPrompt};
+    SessionDetail detail{m_values.title, m_values.lastPrompt};
+    if (m_values.end) {
+        detail.question = m_values.end->question;
+        detail.work = TranscribedWork{m_endedAt, m_grewAt + lasting(m_values.end->kind)};
+    }
+    return detail;
+}
+
+void TranscriptReader::take(TranscriptValues newer, const RegularFile &file)
+{
+    m_grewAt = std::chrono::floor<std::chrono::milliseconds>(file.modified());
+    if (newer.end)
+        m_endedAt = m_grewAt;
+    merge(m_values, std::move(newer));
 }
 
 // Each longer tail is read only up to the first whole line of the one before.
@@ -71,7 +101,7 @@ bool TranscriptReader::readTail(const RegularFile &file, FileCosts &costs)
     }
     // Of a last line that is longer than the tail nothing can be used.
     m_offset = offset.value_or(start == 0 ? 0 : file.size());
-    merge(m_values, std::move(values));
+    take(std::move(values), file);
     return true;
 }
 
@@ -86,7 +116,7 @@ bool TranscriptReader::readAppended(const RegularFile &file, FileCosts &costs)
     TranscriptValues newer;
     findNewest(QByteArrayView(*bytes).first(last), newer);
     m_offset = *m_offset + last;
-    merge(m_values, std::move(newer));
+    take(std::move(newer), file);
     return true;
 }
 

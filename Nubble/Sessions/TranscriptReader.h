@@ -20,14 +20,17 @@ public:
     bool read(const QByteArray &path, FileCosts &costs);
 
     [[nodiscard]] bool hasRead() const { return m_offset.has_value(); }
-    [[nodiscard]] SessionDetail detail() const;
+    [[nodiscard]] SessionDetail detail() const; // all of it
 
 private:
     [[nodiscard]] bool readTail(const RegularFile &file, FileCosts &costs);
+    void take(TranscriptValues newer, const RegularFile &file);
     [[nodiscard]] bool readAppended(const RegularFile &file, FileCosts &costs);
 
     std::optional<qint64> m_offset; // everything before it has been looked at
     TranscriptValues m_values;
+    TimePoint m_grewAt;
+    TimePoint m_endedAt; // when what it ends with was new
 };
 
 } // namespace nubble

@@ -8,7 +8,7 @@
 
 namespace nubble {
 
-Transcripts::Transcripts(const QString &projectsFolder) : m_finder(projectsFolder, m_costs) { }
+Transcripts::Transcripts(const QStringList &projectsFolders) : m_finder(projectsFolders, m_costs) { }
 
 QHash<QString, SessionDetail> Transcripts::update(
     const QList<ClaudeSession> &sessions, bool force, TimePoint now, const std::stop_token &stop)
@@ -26,10 +26,22 @@ QHash<QString, SessionDetail> Transcripts::update(
     m_gaps.removeIf([&ids](const auto &each) { return !ids.contains(each.key()); });
 
     QHash<QString, SessionDetail> details;
-    for (auto each = m_transcripts.cbegin(); each != m_transcripts.cend(); ++each)
-        if (each->reader.hasRead())
-            details.insert(each.key(), each->reader.detail());
+    for (const ClaudeSession &session : sessions)
+        if (const auto known = m_transcripts.constFind(session.sessionId);
+            known != m_transcripts.cend() && known->reader.hasRead())
+            addDetail(details[session.sessionId], known->reader.detail(), session);
     return details;
+}
+
+// What changes with each line is left out where nobody asks for it.
+void Transcripts::addDetail(SessionDetail &told, const SessionDetail &known, const ClaudeSession &session)
+{
+    told.title = known.title;
+    told.lastPrompt = known.lastPrompt;
+    if (session.isWaiting())
+        told.question = known.question;
+    if (!session.tellsStatus())
+        told.work = known.work;
 }
 
 QList<WatchedEntries> Transcripts::places(const QList<ClaudeSession> &sessions) const
@@ -37,10 +49,12 @@ QList<WatchedEntries> Transcripts::places(const QList<ClaudeSession> &sessions) 
     QList<WatchedEntries> places;
     for (const ClaudeSession &session : sessions) {
         const auto known = m_transcripts.constFind(session.sessionId);
-        const QByteArray path = known == m_transcripts.cend() ? m_finder.expectedPath(session) : known->path;
-        const qsizetype slash = path.lastIndexOf('/');
-        if (slash > 0)
+        const auto paths =
+            known == m_transcripts.cend() ? m_finder.expectedPaths(session) : QList{known->path};
+        for (const QByteArray &path : paths) {
+            const qsizetype slash = path.lastIndexOf('/');
             places.append({path.first(slash), path.sliced(slash + 1)});
+        }
     }
     return places;
 }

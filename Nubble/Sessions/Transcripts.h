@@ -18,7 +18,7 @@ namespace nubble {
 // at the next update.
 class Transcripts {
 public:
-    explicit Transcripts(const QString &projectsFolder);
+    explicit Transcripts(const QStringList &projectsFolders);
     Q_DISABLE_COPY_MOVE(Transcripts)
 
     // The details of those of `sessions` that have a transcript. An unchanged transcript costs one look at
@@ -41,6 +41,7 @@ private:
     // Why a session's details are not up to date; for the log.
     enum class Gap { None, NotFound, Unreadable };
 
+    static void addDetail(SessionDetail &told, const SessionDetail &known, const ClaudeSession &session);
     Gap updateOne(const ClaudeSession &session, bool force);
     void note(const QString &id, Gap gap);
 

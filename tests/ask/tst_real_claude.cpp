@@ -158,7 +158,7 @@ private Q_SLOTS:
         ask(u"q"_s);
         const auto sessionsBut = [this](const QString &own) {
             SessionMonitor monitor(
-                m_home->path(u".claude/sessions"_s), m_home->path(u".claude/projects"_s), own,
+                QStringList{m_home->path(u".claude"_s)}, own,
                 LinuxProcessTable(), SystemClock());
             monitor.waitForDone();
             return monitor.sessions().size();

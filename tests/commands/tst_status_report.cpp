@@ -36,7 +36,7 @@ private Q_SLOTS:
     {
         PanelWorld world;
         const TimePoint started = world.clock.now() - 24h;
-        world.addSession(11, u"older"_s, u"waiting"_s, 2h);
+        world.addSession(11, u"older"_s, u"waiting"_s, 2h, {{u"waitingFor"_s, u"permission prompt"_s}});
         world.addSession(12, u"busy one"_s, u"busy"_s, 1s);
         world.addSession(
             13, QString(), u"idle"_s, 0ms, {{u"updatedAt"_s, QJsonValue()}, {u"cwd"_s, u"/a/b c"_s}});
@@ -49,12 +49,15 @@ private Q_SLOTS:
         QCOMPARE(
             QString::fromUtf8(QJsonDocument(sessions[0].toObject()).toJson(QJsonDocument::Compact)),
             QString(u"{\"cwd\":\"/home/ada/project\",\"elapsed\":\"just now\",\"lastPrompt\":null,\"pid\":12,"
-                    "\"sessionId\":\"session-12\",\"startedAt\":%1,\"state\":\"working\","
-                    "\"title\":\"busy one\",\"updatedAt\":%2,\"word\":\"working\"}"_s)
+                    "\"question\":null,\"sessionId\":\"session-12\",\"startedAt\":%1,\"state\":\"working\","
+                    "\"terminal\":null,\"title\":\"busy one\",\"updatedAt\":%2,\"waitingSince\":null,"
+                    "\"word\":\"working\"}"_s)
                 .arg(PanelWorld::msecs(started))
                 .arg(PanelWorld::msecs(started + 24h - 1s)));
         QCOMPARE(sessions[1][u"word"_s].toString(), u"waiting"_s);
         QCOMPARE(sessions[1][u"state"_s].toString(), u"waiting"_s);
+        QCOMPARE(sessions[1][u"question"_s].toString(), u"permission prompt"_s);
+        QCOMPARE(sessions[1][u"waitingSince"_s].toInteger(), PanelWorld::msecs(started + 22h));
         QCOMPARE(sessions[2][u"elapsed"_s].toString(), u"1d ago"_s);
         QVERIFY(sessions[2][u"updatedAt"_s].isNull());
     }

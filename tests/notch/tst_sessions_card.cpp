@@ -54,12 +54,12 @@ private Q_SLOTS:
         world.workspace.applications = {{11, u"XTerm"_s, u"xterm"_s}, {12, u"XTerm"_s, u"xterm"_s}};
         PanelUnderTest panel(world);
         panel.clickRing();
-        panel.click(u"two"_s);
+        panel.click(u"process 12 · two"_s);
         QCOMPARE(world.workspace.activated, QList<pid_t>{12});
         QCOMPARE(world.state.mode(), PanelMode::sessions());
         for (const auto key : {Qt::Key_Space, Qt::Key_Return}) {
             QVERIFY(panel.window.openForKeyboard(PanelMode::sessions()));
-            QAbstractButton *one = panel.control(u"one"_s);
+            QAbstractButton *one = panel.control(u"process 11 · one"_s);
             one->setFocus();
             QKeyEvent held(QEvent::KeyPress, Qt::Key_Return, {}, {}, true);
             QCoreApplication::sendEvent(one, &held);

@@ -11,7 +11,9 @@
 #include <QWidget>
 
 #include <csignal>
+#include <pty.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include "Platform/Backend.h"
@@ -204,6 +206,20 @@ private Q_SLOTS:
         ::kill(left, SIGKILL);
     }
 
+    void aProcessIsFoundWithItsTerminal()
+    {
+        int terminal = -1;
+        const pid_t pid = ::forkpty(&terminal, nullptr, nullptr, nullptr);
+        if (pid == 0)
+            ::_exit(::pause());
+        const auto processes = System::processTable();
+        QTRY_COMPARE(
+            u"/dev/"_s + processes->find(pid).value_or(ProcessInfo()).terminal,
+            QString::fromUtf8(::ptsname(terminal)));
+        ::close(terminal); // which ends it
+        QCOMPARE(::waitpid(pid, nullptr, 0), pid);
+    }
+
     void homeIsThePasswordDatabasesWhateverTheEnvironmentSays()
     {
         const QString before = Home::ofUser().path();
@@ -213,11 +229,17 @@ private Q_SLOTS:
         qputenv("HOME", home);
 
         qputenv("XDG_CONFIG_HOME", "/tmp/settings/");
+        qputenv("CLAUDE_CONFIG_DIR", "/tmp/claude/");
         QCOMPARE(Home::ofUser().configFolder(), u"/tmp/settings"_s);
+        QCOMPARE(Home::ofUser().claudeFolders(), QStringList({before + u"/.claude", u"/tmp/claude"_s}));
         QCOMPARE(Home(u"/trial/"_s).configFolder(), u"/trial/.config"_s);
+        QCOMPARE(Home(u"/trial/"_s).claudeFolders(), QStringList{u"/trial/.claude"_s});
         qputenv("XDG_CONFIG_HOME", "not/absolute");
+        qputenv("CLAUDE_CONFIG_DIR", "not/absolute");
         QCOMPARE(Home::ofUser().configFolder(), before + u"/.config");
+        QCOMPARE(Home::ofUser().claudeFolders().size(), 1);
         qunsetenv("XDG_CONFIG_HOME");
+        qunsetenv("CLAUDE_CONFIG_DIR");
     }
 
     void applicationDataLiesInTheLibraryWhereThatExists()

@@ -14,10 +14,12 @@
 #include "Platform/Linux/LinuxFolderWatch.h"
 #include "Platform/Linux/LinuxProcessTable.h"
 #include "Platform/Linux/LinuxProcessWatch.h"
+#include "Sessions/ClaudeFolders.h"
 #include "Sessions/ProcessActivator.h"
 #include "Sessions/SessionMonitor.h"
 #include "Sessions/SessionParsing.h"
 #include "Sessions/SessionTexts.h"
+#include "Shell/Defaults.h"
 #include "support/FakeProcessTable.h"
 #include "support/FakeWorkspace.h"
 #include "support/ManualClock.h"
@@ -154,6 +156,92 @@ private Q_SLOTS:
         QCOMPARE(at(5, R"("status":"idle","name":"renamed")"), u"completed: a"_s);
     }
 
+    void aRunOfFiftyMillisecondsIsNeverMissed()
+    {
+        static const LinuxProcessTable processes;
+        m_monitor = monitor(
+            processes,
+            {std::make_unique<LinuxFolderWatch>(), std::make_unique<LinuxFolderWatch>(),
+             std::make_unique<LinuxProcessWatch>()});
+        QSignalSpy ended(m_monitor.get(), &SessionMonitor::runEnded);
+        const auto become = [this](const QString &status, int time) {
+            put(1, recordJson(::getpid(), u"a"_s, status, time));
+        };
+        become(u"idle"_s, 0);
+        QTRY_COMPARE(ids(), QStringList{u"a"_s});
+        for (int run = 1; run <= 30; ++run) {
+            become(u"busy"_s, 100 * run);
+            std::this_thread::sleep_for(50ms); // so that it is over before anybody looks
+            become(u"idle"_s, 100 * run + 50);
+            QTRY_COMPARE(ended.count(), run);
+        }
+    }
+
+    void tellsWhatBeganToWaitAndHowLongARunWas()
+    {
+        put(9, recordJson(9, u"waits from the start"_s, u"waiting"_s));
+        m_monitor = monitor(m_processes);
+        QStringList told;
+        connect(m_monitor.get(), &SessionMonitor::beganToWait, this, [&](const ClaudeSession &session) {
+            told.append(session.sessionId);
+        });
+        connect(
+            m_monitor.get(), &SessionMonitor::runEnded, this,
+            [&](const ClaudeSession &session, std::chrono::milliseconds length) {
+                told.append(session.sessionId + u" after %1"_s.arg(length.count()));
+            });
+        for (const auto &[status, time] :
+             {std::pair(u"busy"_s, 3000),
+              {u"waiting"_s, 9000},
+              {u"busy"_s, 10000},
+              {u"waiting"_s, 11000},
+              {u"idle"_s, 33000}}) {
+            put(7, recordJson(7, u"a"_s, status, time));
+            (void)refreshed();
+            const RunTimes times = m_monitor->times(m_monitor->sessions().first());
+            QCOMPARE(times.waitingSince.has_value(), status == u"waiting");
+            if (times.waitingSince)
+                QCOMPARE(*times.waitingSince, timePointOf(time));
+        }
+        QCOMPARE(told, QStringList({u"a"_s, u"a"_s, u"a after 30000"_s}));
+    }
+
+    void aSessionThatDoesNotTellWorksByItsTranscript()
+    {
+        const auto write = [this](const QByteArray &lines) {
+            m_home->write(u"second/projects/-tmp-my-app/a.jsonl"_s, lines);
+            return refreshed();
+        };
+        const QByteArray prompt = R"({"type":"user","message":{"content":"p"}})"
+                                  "\n";
+        const QByteArray answer = R"({"type":"assistant","message":{"content":[],"stop_reason":"end_turn"}})"
+                                  "\n";
+        m_clock.advance(SystemClock().now() + 1min - m_clock.now()); // the files' times are the system's
+        m_home->write(u"second/sessions/7.json"_s, recordJson(7, u"a"_s, QString()));
+        QCOMPARE(refreshed(), u"idle"_s);
+        QCOMPARE(write(prompt), u"working"_s);
+        QCOMPARE(write(prompt + answer), u"completed: a"_s);
+        m_clock.advance(5min);
+        QCOMPARE(write(prompt + answer + prompt), u"working"_s);
+        m_clock.advance(5min);
+        QCOMPARE(refreshed(), u"completed: a"_s); // nothing for ten minutes
+        put(7, recordJson(7, u"a"_s, u"idle"_s).replace("{", R"({"entrypoint":"cli",)"));
+        m_home->write(u"second/sessions/8.json"_s, recordJson(7, u"a"_s, u"busy"_s)); // the same again
+        QCOMPARE(write(prompt + prompt), u"completed: a"_s);                          // it tells by itself
+        QCOMPARE(ids(), QStringList{u"a"_s});
+    }
+
+    void readsTheFoldersThatThePreferencesName()
+    {
+        m_home->write(
+            u"preferences"_s,
+            "[General]\nsessions.folders=~/work: /srv/claude/ :relative::~/.claude:~/work\n");
+        const Defaults defaults(m_home->path(u"preferences"_s));
+        QCOMPARE(
+            claudeFolders(m_home->home(), defaults),
+            QStringList({m_home->path(u".claude"_s), m_home->path(u"work"_s), u"/srv/claude"_s}));
+    }
+
     void leavesOutAProcessThatHasTheIdOfOneThatIsGone()
     {
         m_processes.known.insert(7, {.name = u"claude"_s, .birth = 4711});
@@ -201,6 +289,14 @@ private Q_SLOTS:
         QCOMPARE(changed.count(), 2);
         QCOMPARE(ids(), QStringList({u"a"_s, u"a"_s}));
         QCOMPARE(after(7, u"a"_s, u"idle"_s), u"completed: a"_s);
+        QCOMPARE(m_monitor->runState(m_monitor->sessions().last()), RunState::Idle);
+        m_processes.known.insert(8, {.name = u"claude"_s, .terminal = u"pts/3"_s});
+        QCOMPARE(after(9, u"b"_s, u"idle"_s), u"completed: a"_s);
+        QStringList terminals;
+        for (const ClaudeSession &session : m_monitor->sessions())
+            terminals.append(session.sessionId + u' ' + session.terminal.value_or(u"alone"_s));
+        terminals.sort();
+        QCOMPARE(terminals, QStringList({u"a process 7"_s, u"a pts/3"_s, u"b alone"_s}));
     }
 
     void leavesOutWhatIsNoRecord()
@@ -273,9 +369,11 @@ private Q_SLOTS:
             QCOMPARE(files.read().sessions->size(), 1);
         QVERIFY(timesAsleep() - before < 500); // waiting would make it a thousand at least
         QCOMPARE(refreshed(), u"idle"_s);
-        put(8, "{\"pid\":8,"); // its writer may be slow, once
-        QCOMPARE(files.read().sessions->size(), 1);
-        QCOMPARE(files.read().sessions->size(), 0);
+        put(8, "{\"pid\":8,"); // its writer may be slow
+        const auto broken = std::chrono::steady_clock::now();
+        QVERIFY(files.read().isBehind);
+        QTRY_COMPARE(files.read().sessions->size(), 0);
+        QVERIFY(std::chrono::steady_clock::now() - broken >= 1s);
         put(8, recordJson(8, u"a"_s, u"idle"_s));
         put(7, recordJson(7, u"b"_s, u"idle"_s, 3000));
         QCOMPARE(refreshed(), u"idle"_s);
@@ -432,7 +530,7 @@ private:
     std::unique_ptr<SessionMonitor> monitor(const ProcessTable &processes, SessionWatches watches = {}) const
     {
         return std::make_unique<SessionMonitor>(
-            m_home->path(u"sessions"_s), m_home->path(u"projects"_s), m_home->path(u".nubble/ask"_s),
+            QStringList{m_home->path(u"."_s), m_home->path(u"second"_s)}, m_home->path(u".nubble/ask"_s),
             processes, m_clock, std::move(watches));
     }
     std::chrono::milliseconds pollInterval() const

@@ -18,7 +18,7 @@ private Q_SLOTS:
     void init()
     {
         m_home = std::make_unique<TemporaryHome>();
-        m_transcripts = std::make_unique<Transcripts>(m_home->path(u"projects"_s));
+        m_transcripts = std::make_unique<Transcripts>(QStringList{m_home->path(u"projects"_s)});
         m_now = TimePoint(1000s);
     }
 
@@ -61,6 +61,81 @@ private Q_SLOTS:
              {"command-name", "local-command-stdout", "bash-input", "task-notification", "system-reminder",
               "ide_selection"})
             QVERIFY2(!typedPrompt(user(QByteArray("\" <") + wrapper + ">x\"")), wrapper);
+    }
+
+    void knowsByTheLastLineWhetherClaudeGoesOn()
+    {
+        const auto reply = [](const QByteArray &content, const QByteArray &reason) -> QByteArray {
+            return R"({"type":"assistant","message":{"content":[)" + content + R"(],"stop_reason":)" + reason
+                + "}}\n";
+        };
+        const QByteArray text = R"({"type":"text","text":"t"})";
+        const QByteArray call = R"({"type":"tool_use","name":"Bash","input":{"command":"c"}})";
+        const QByteArray ask =
+            R"({"type":"tool_use","name":"AskUserQuestion","input":{"questions":[{"question":"Which?"}]}})";
+        const QByteArray result = R"({"type":"user","message":{"content":[{"type":"tool_result"}]}})"
+                                  "\n";
+        const QByteArray aside = R"({"type":"assistant","isSidechain":true,"message":{"content":[]}})"
+                                 "\n";
+        const QByteArray answer = reply(text, R"("end_turn")");
+        ClaudeSession driven = m_session;
+        driven.entrypoint = u"sdk-cli"_s;
+        driven.status = u"waiting"_s; // so that it is told what is asked
+        for (const auto &[lines, seconds, question] :
+             {std::tuple<QByteArray, int, QString>(typedLine("p"), 600, u""_s),
+              {answer, 0, u""_s},
+              {answer + titleLine("t") + promptLine("p") + aside, 0, u""_s},
+              {answer + typedLine("p"), 600, u""_s},
+              {typedLine("p") + reply(text, "null"), 5, u""_s},
+              {reply(text, R"("tool_use")"), 600, u""_s},
+              {reply(call, R"("tool_use")"), 600, u""_s},
+              {reply(call, "null") + result, 600, u""_s},
+              {result + typedLine("[Request interrupted by user for tool use]"), 0, u""_s},
+              {typedLine("p") + reply(ask, "null"), 600, u"Which?"_s},
+              {reply(ask, "null") + result, 600, u""_s}}) {
+            init();
+            put(lines);
+            const SessionDetail detail = m_transcripts->update({driven}, false, m_now).value(u"id"_s);
+            QVERIFY2(detail.work && detail.work->until - detail.work->since == seconds * 1s, lines);
+            QCOMPARE(detail.question.value_or(QString()), question);
+            QVERIFY(!m_transcripts->update({m_session}, false, m_now).value(u"id"_s).work); // tells it itself
+        }
+    }
+
+    void whatComesInPiecesIsReadAsIfItWereWhole()
+    {
+        const QByteArray lines = R"({"type":"user","message":{"content":"typed"}}
+{"type":"assistant","message":{"content":[{"type":"text","text":"t"}],"stop_reason":"end_turn"}}
+{"type":"summary","summary":"s","leafUuid":"1"}
+{"type":"system","subtype":"compact_boundary","content":"Conversation compacted"}
+{"type":"user","isCompactSummary":true,"message":{"content":"This session is being continued"}}
+{"type":"last-prompt","lastPrompt":"typed"}
+{"type":"custom-title","customTitle":"renamed"}
+{"type":"user","message":{"content":"typed later"}}
+{"type":"ai-title","aiTitle":"generated"}
+)";
+        ClaudeSession driven = m_session;
+        driven.entrypoint = u"sdk-cli"_s;
+        const auto read = [&driven, this](Transcripts &transcripts) {
+            SessionDetail detail = transcripts.update({driven}, false, m_now).value(u"id"_s);
+            if (detail.work) // nothing but when the file was written
+                detail.work = TranscribedWork{{}, TimePoint(detail.work->until - detail.work->since)};
+            return detail;
+        };
+        for (const int step : {1, 7, 64, 200}) {
+            init();
+            put({});
+            for (qsizetype from = 0; from < lines.size(); from += step) {
+                append(lines.sliced(from, std::min<qsizetype>(step, lines.size() - from)));
+                Transcripts fresh({m_home->path(u"projects"_s)});
+                SessionDetail grown = read(*m_transcripts);
+                SessionDetail whole = read(fresh);
+                if (grown.work && whole.work)
+                    grown.work->until = whole.work->until; // grows with what has no end of its own
+                QCOMPARE(grown, whole);
+            }
+            QCOMPARE(update(), u"generated|typed later"_s);
+        }
     }
 
     void readsOnlyTheEndOfALongTranscript()
@@ -161,7 +236,7 @@ private Q_SLOTS:
     void readsInTheBackgroundWhatItIsWaitedFor()
     {
         put(typedLine("x").repeated(100'000) + titleLine("t"));
-        SessionDetails details(m_home->path(u"projects"_s), m_clock);
+        SessionDetails details({m_home->path(u"projects"_s)}, m_clock);
         for (int i = 0; i < 100; ++i)
             details.update({m_session, sessionOf(u"without transcript"_s)}, i % 2 == 0);
         details.waitForDone();
@@ -177,7 +252,7 @@ private Q_SLOTS:
         QList<ClaudeSession> many;
         for (int i = 0; i < 3000; ++i)
             many.append(sessionOf(QString::number(i)));
-        SessionDetails details(m_home->path(u"projects"_s), m_clock);
+        SessionDetails details({m_home->path(u"projects"_s)}, m_clock);
         details.update({m_session}, false);
         details.waitForDone();
         m_home->write(u"projects/other/id.jsonl"_s, titleLine("t")); // not to be looked for again so soon
@@ -204,6 +279,7 @@ private:
         ClaudeSession session;
         session.sessionId = id;
         session.cwd = u"/tmp/my.app"_s;
+        session.entrypoint = u"cli"_s;
         return session;
     }
     // "title|prompt"

@@ -28,8 +28,8 @@ struct PanelWorld {
         : defaults(home.write(QStringLiteral("preferences.conf"), "[General]\n" + stored)), addons(defaults),
           layout(11, false, static_cast<int>(addons.actions().size())), placement(defaults, layout),
           monitor(
-              home.path(QStringLiteral(".claude/sessions")), home.path(QStringLiteral(".claude/projects")),
-              home.path(QStringLiteral(".nubble/ask")), processes, clock),
+              QStringList{home.path(QStringLiteral(".claude"))}, home.path(QStringLiteral(".nubble/ask")),
+              processes, clock),
           planUsage(home.home(), clock, PlanUsageMonitor::defaultDomain),
           activator(workspace, [](pid_t) { return std::nullopt; })
     {

@@ -7,6 +7,7 @@
 #include <climits>
 #include <csignal>
 #include <sys/syscall.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include "Platform/RegularFile.h"
@@ -22,7 +23,8 @@ constexpr pid_t firstProcess = 1;
 struct StatLine {
     QByteArray threadName;
     pid_t parent;
-    quint64 birth; // clock ticks after the machine's start
+    unsigned int terminal; // device number
+    quint64 birth;         // clock ticks after the machine's start
 };
 
 // "PID (NAME) STATE PARENT …": the name may have spaces and parentheses of its own. None of a process that
@@ -32,6 +34,7 @@ std::optional<StatLine> statLineOf(pid_t pid)
     constexpr qint64 longest = 4096;
     constexpr qsizetype stateField = 0;
     constexpr qsizetype parentField = 1;
+    constexpr qsizetype terminalField = 4;
     constexpr qsizetype birthField = 19;
     const auto file = RegularFile::open(u"/proc/%1/stat"_s.arg(pid));
     const QByteArray line = file ? file->read(0, longest).value_or(QByteArray()) : QByteArray();
@@ -44,7 +47,21 @@ std::optional<StatLine> statLineOf(pid_t pid)
         return std::nullopt;
     return StatLine{
         line.sliced(nameBegin, nameEnd - nameBegin), fields.at(parentField).toInt(),
-        fields.at(birthField).toULongLong()};
+        fields.at(terminalField).toUInt(), fields.at(birthField).toULongLong()};
+}
+
+// As the kernel numbers its devices: of pseudo terminals, and of the consoles.
+QString terminalName(unsigned int device)
+{
+    constexpr unsigned int consoles = 4;
+    constexpr unsigned int mostConsoles = 64;
+    constexpr unsigned int firstPseudo = 136;
+    constexpr unsigned int lastPseudo = 143;
+    const unsigned int kind = gnu_dev_major(device);
+    const unsigned int number = gnu_dev_minor(device);
+    if (kind >= firstPseudo && kind <= lastPseudo)
+        return u"pts/%1"_s.arg((kind - firstPseudo) * 256 + number);
+    return kind == consoles && number < mostConsoles ? u"tty%1"_s.arg(number) : QString();
 }
 
 std::optional<QByteArray> executableNameOf(pid_t pid)
@@ -90,6 +107,7 @@ std::optional<ProcessInfo> LinuxProcessTable::find(pid_t pid) const
         info.parent = line->parent;
         info.isOrphan = adoptsOrphans(line->parent);
         info.birth = line->birth;
+        info.terminal = terminalName(line->terminal);
     }
     return info;
 }
