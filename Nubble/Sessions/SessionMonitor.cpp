@@ -172,7 +172,6 @@ void SessionMonitor::update()
     publishCompletions(now);
     publish(newestFirst(live));
     tell(news);
-    expectChange(now);
     pollEvery(m_look.isTold && endsAreTold && m_details.isTold() ? safetyPoll : blindPoll);
 }
 
@@ -234,9 +233,8 @@ bool SessionMonitor::isAnotherProcess(const ClaudeSession &session) const
 }
 
 // Those that do not tell what they do are known by their transcripts.
-void SessionMonitor::addTranscribedWork(QList<ClaudeSession> &sessions, TimePoint now)
+void SessionMonitor::addTranscribedWork(QList<ClaudeSession> &sessions, TimePoint now) const
 {
-    m_workEnds.reset();
     for (ClaudeSession &session : sessions) {
         const auto work = m_details.byId().value(session.sessionId).work;
         if (session.status || !work)
@@ -245,8 +243,6 @@ void SessionMonitor::addTranscribedWork(QList<ClaudeSession> &sessions, TimePoin
         session.status = works ? u"busy"_s : u"idle"_s;
         const TimePoint since = works ? times(session).runningSince.value_or(work->since) : work->since;
         session.updatedAt = static_cast<double>(since.time_since_epoch().count());
-        if (works)
-            m_workEnds = std::min(m_workEnds.value_or(work->until), work->until);
     }
 }
 
@@ -265,19 +261,12 @@ void SessionMonitor::nameSharedTerminals(QList<ClaudeSession> &sessions) const
     }
 }
 
-void SessionMonitor::expectChange(TimePoint now)
+void SessionMonitor::publishCompletions(TimePoint now)
 {
-    auto next = m_runs.nextExpiry(now);
-    if (m_workEnds)
-        next = std::min(next.value_or(*m_workEnds - now), *m_workEnds - now);
-    if (next)
+    if (const auto next = m_runs.nextExpiry(now))
         m_expiry.start(*next);
     else
         m_expiry.stop();
-}
-
-void SessionMonitor::publishCompletions(TimePoint now)
-{
     QSet<SessionRun> completed = m_runs.recentlyCompleted(now);
     if (completed == m_recentlyCompleted)
         return;

@@ -87,9 +87,8 @@ private:
     bool leaveOutEnded(QList<ClaudeSession> &sessions);
     void tell(const RunNews &news);
     [[nodiscard]] bool isAnotherProcess(const ClaudeSession &session) const;
-    void addTranscribedWork(QList<ClaudeSession> &sessions, TimePoint now);
+    void addTranscribedWork(QList<ClaudeSession> &sessions, TimePoint now) const;
     void publishCompletions(TimePoint now);
-    void expectChange(TimePoint now);
     void publish(QList<ClaudeSession> sessions);
 
     // The worker's alone.
@@ -109,9 +108,8 @@ private:
     QSet<qint32> m_ended; // process ids that records still name
     RunTracker m_runs;
     QTimer m_poll{this};
-    QTimer m_soon;                       // runs while the last look is known to be behind
-    std::optional<TimePoint> m_workEnds; // of the first session that only seems to work until then
-    QTimer m_expiry;                     // of that, or the oldest completion
+    QTimer m_soon;   // runs while the last look is known to be behind
+    QTimer m_expiry; // of the oldest completion
     SerialWorker m_worker;
 };
 

@@ -177,10 +177,24 @@ private Q_SLOTS:
         }
     }
 
+    void theFirstLookIsNoNewsNorIsANewName()
+    {
+        ClaudeSession session;
+        session.status = u"waiting"_s;
+        RunTracker runs;
+        QVERIFY(runs.update({session}, TimePoint(9s)).begunToWait.isEmpty());
+        session.status = u"idle"_s;
+        session.updatedAt = 1;
+        session.statusUpdatedAt = 1;
+        QVERIFY(runs.update({session}, TimePoint(9s)).ended.isEmpty());
+        session.updatedAt = 2;
+        QVERIFY(runs.update({session}, TimePoint(9s)).ended.isEmpty());
+        session.statusUpdatedAt = 2;
+        QCOMPARE(runs.update({session}, TimePoint(9s)).ended.size(), 1);
+    }
+
     void tellsWhatBeganToWaitAndHowLongARunWas()
     {
-        put(9, recordJson(9, u"waits from the start"_s, u"waiting"_s));
-        m_monitor = monitor(m_processes);
         QStringList told;
         connect(m_monitor.get(), &SessionMonitor::beganToWait, this, [&](const ClaudeSession &session) {
             told.append(session.sessionId);
@@ -220,12 +234,16 @@ private Q_SLOTS:
         m_home->write(u"second/sessions/7.json"_s, recordJson(7, u"a"_s, QString()));
         QCOMPARE(refreshed(), u"idle"_s);
         QCOMPARE(write(prompt), u"working"_s);
+        const auto since = m_monitor->sessions().first().updatedAt;
+        QTRY_VERIFY(SystemClock().now() > timePointOf(*since)); // a file's time is another
+        QCOMPARE(write(prompt + prompt), u"working"_s);
+        QCOMPARE(m_monitor->sessions().first().updatedAt, since);
         QCOMPARE(write(prompt + answer), u"completed: a"_s);
         m_clock.advance(5min);
         QCOMPARE(write(prompt + answer + prompt), u"working"_s);
         m_clock.advance(5min);
         QCOMPARE(refreshed(), u"completed: a"_s); // nothing for ten minutes
-        put(7, recordJson(7, u"a"_s, u"idle"_s).replace("{", R"({"entrypoint":"cli",)"));
+        put(7, recordJson(7, u"a"_s, u"idle"_s));
         m_home->write(u"second/sessions/8.json"_s, recordJson(7, u"a"_s, u"busy"_s)); // the same again
         QCOMPARE(write(prompt + prompt), u"completed: a"_s);                          // it tells by itself
         QCOMPARE(ids(), QStringList{u"a"_s});
@@ -374,6 +392,10 @@ private Q_SLOTS:
         QVERIFY(files.read().isBehind);
         QTRY_COMPARE(files.read().sessions->size(), 0);
         QVERIFY(std::chrono::steady_clock::now() - broken >= 1s);
+        put(8, recordJson(8, u"a"_s, u"idle"_s));
+        QCOMPARE(files.read().sessions->size(), 1);
+        put(8, "{\"pid\":8,"); // and another time
+        QCOMPARE(files.read().sessions->size(), 1);
         put(8, recordJson(8, u"a"_s, u"idle"_s));
         put(7, recordJson(7, u"b"_s, u"idle"_s, 3000));
         QCOMPARE(refreshed(), u"idle"_s);

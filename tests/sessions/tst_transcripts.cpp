@@ -5,6 +5,7 @@
 #include "support/ManualClock.h"
 #include "support/TemporaryHome.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
@@ -18,7 +19,8 @@ private Q_SLOTS:
     void init()
     {
         m_home = std::make_unique<TemporaryHome>();
-        m_transcripts = std::make_unique<Transcripts>(QStringList{m_home->path(u"projects"_s)});
+        m_transcripts = std::make_unique<Transcripts>(
+            QStringList{m_home->path(u"projects"_s), m_home->path(u"second"_s)});
         m_now = TimePoint(1000s);
     }
 
@@ -98,8 +100,19 @@ private Q_SLOTS:
             const SessionDetail detail = m_transcripts->update({driven}, false, m_now).value(u"id"_s);
             QVERIFY2(detail.work && detail.work->until - detail.work->since == seconds * 1s, lines);
             QCOMPARE(detail.question.value_or(QString()), question);
-            QVERIFY(!m_transcripts->update({m_session}, false, m_now).value(u"id"_s).work); // tells it itself
+            const SessionDetail own = m_transcripts->update({m_session}, false, m_now).value(u"id"_s);
+            QVERIFY(!own.work && !own.question); // it tells by itself, and waits for nothing
         }
+        put(answer);
+        const QString path = m_home->path(u"projects/-tmp-my-app/id.jsonl"_s);
+        const auto since = [&] {
+            return m_transcripts->update({driven}, false, m_now).value(u"id"_s).work.value().since;
+        };
+        const std::array<timespec, 2> past{timespec{1, 0}, timespec{1, 0}};
+        QCOMPARE(::utimensat(AT_FDCWD, QFile::encodeName(path).constData(), past.data(), 0), 0);
+        QCOMPARE(since(), TimePoint(1s));
+        append(titleLine("told later"));
+        QCOMPARE(since(), TimePoint(1s));
     }
 
     void whatComesInPiecesIsReadAsIfItWereWhole()
@@ -193,7 +206,7 @@ private Q_SLOTS:
         m_home->write(u"projects/elsewhere/other.jsonl"_s, {});
         for (int second = 0; second < 10; ++second, m_now += 1s)
             QCOMPARE(update(), u"|"_s);
-        QVERIFY(m_transcripts->costs().listings <= 4);
+        QVERIFY(m_transcripts->costs().listings <= 8); // of two folders
 
         const QString path = m_home->write(u"projects/elsewhere/id.jsonl"_s, titleLine("t"));
         int seconds = 0;
@@ -204,7 +217,7 @@ private Q_SLOTS:
         QVERIFY(QFile::remove(path));
         QCOMPARE(update(), u"t|"_s); // as long as there is no other
         m_now -= 1h;                 // the clock is set back
-        m_home->write(u"projects/third/id.jsonl"_s, titleLine("moved"));
+        m_home->write(u"second/third/id.jsonl"_s, titleLine("moved"));
         QCOMPARE(update(), u"moved|"_s);
     }
 
