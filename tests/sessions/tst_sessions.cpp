@@ -222,8 +222,8 @@ private Q_SLOTS:
 
     void aSessionThatDoesNotTellWorksByItsTranscript()
     {
-        const auto write = [this](const QByteArray &lines) {
-            m_home->write(u"second/projects/-tmp-my-app/a.jsonl"_s, lines);
+        auto append = [this, transcript = QByteArray()](const QByteArray &line) mutable {
+            m_home->write(u"second/projects/-tmp-my-app/a.jsonl"_s, transcript += line);
             return refreshed();
         };
         const QByteArray prompt = R"({"type":"user","message":{"content":"p"}})"
@@ -233,19 +233,19 @@ private Q_SLOTS:
         m_clock.advance(SystemClock().now() + 1min - m_clock.now()); // the files' times are the system's
         m_home->write(u"second/sessions/7.json"_s, recordJson(7, u"a"_s, QString()));
         QCOMPARE(refreshed(), u"idle"_s);
-        QCOMPARE(write(prompt), u"working"_s);
+        QCOMPARE(append(prompt), u"working"_s);
         const auto since = m_monitor->sessions().first().updatedAt;
         QTRY_VERIFY(SystemClock().now() > timePointOf(*since)); // a file's time is another
-        QCOMPARE(write(prompt + prompt), u"working"_s);
+        QCOMPARE(append(prompt), u"working"_s);
         QCOMPARE(m_monitor->sessions().first().updatedAt, since);
-        QCOMPARE(write(prompt + answer), u"completed: a"_s);
+        QCOMPARE(append(answer), u"completed: a"_s);
         m_clock.advance(5min);
-        QCOMPARE(write(prompt + answer + prompt), u"working"_s);
+        QCOMPARE(append(prompt), u"working"_s);
         m_clock.advance(5min);
         QCOMPARE(refreshed(), u"completed: a"_s); // nothing for ten minutes
         put(7, recordJson(7, u"a"_s, u"idle"_s));
         m_home->write(u"second/sessions/8.json"_s, recordJson(7, u"a"_s, u"busy"_s)); // the same again
-        QCOMPARE(write(prompt + prompt), u"completed: a"_s);                          // it tells by itself
+        QCOMPARE(append(prompt), u"completed: a"_s);                                  // it tells by itself
         QCOMPARE(ids(), QStringList{u"a"_s});
     }
 
