@@ -95,7 +95,7 @@ std::unique_ptr<NotchAction> companionAction(
 void showOnRing(ClaudeCell &ring, const SessionMonitor &sessions, const PlanUsageMonitor &planUsage)
 {
     const auto showActivity = [&ring, &sessions] { ring.setActivity(sessions.activity()); };
-    const auto showUsage = [&ring, &planUsage] { ring.setUsage(planUsage.windows()); };
+    const auto showUsage = [&ring, &planUsage] { ring.setUsage(planUsage.windows(), planUsage.isOld()); };
     QObject::connect(&sessions, &SessionMonitor::sessionsChanged, &ring, showActivity);
     QObject::connect(&sessions, &SessionMonitor::recentlyCompletedChanged, &ring, showActivity);
     QObject::connect(&planUsage, &PlanUsageMonitor::changed, &ring, showUsage);

@@ -49,13 +49,14 @@ void ClaudeCell::setActivity(const Activity &activity)
     describe();
 }
 
-void ClaudeCell::setUsage(const PlanWindows &windows)
+void ClaudeCell::setUsage(const PlanWindows &windows, bool isOld)
 {
     const auto fraction = windows.session ? std::optional(windows.session->fraction) : std::nullopt;
-    if (m_fraction == fraction)
+    if (m_fraction == fraction && m_isUsageOld == isOld)
         return;
     m_fraction = fraction;
-    m_view->setFraction(fraction);
+    m_isUsageOld = isOld;
+    m_view->setUsage(fraction, isOld);
     describe();
 }
 
@@ -66,7 +67,9 @@ void ClaudeCell::setMotionReduced(bool reduced)
 
 void ClaudeCell::describe()
 {
-    const QString used = m_fraction ? u", %1 % of the plan used"_s.arg(percentOf(*m_fraction)) : QString();
+    const QString words =
+        m_isUsageOld ? u", %1 % of the plan used when last known"_s : u", %1 % of the plan used"_s;
+    const QString used = m_fraction ? words.arg(percentOf(*m_fraction)) : QString();
     setAccessibleName(u"Claude sessions: "_s + activityText(m_activity) + used);
 }
 

@@ -21,7 +21,7 @@ public:
     void place(const CellFrame &frame);
 
     void setActivity(const Activity &activity);
-    void setUsage(const PlanWindows &windows); // shows the session's; above 1 as 1
+    void setUsage(const PlanWindows &windows, bool isOld); // shows the session's; above 1 as 1
     void setMotionReduced(bool reduced);
 
 Q_SIGNALS:
@@ -40,6 +40,7 @@ private:
     RingView *m_view;
     Activity m_activity;
     std::optional<double> m_fraction;
+    bool m_isUsageOld = false;
 };
 
 } // namespace nubble

@@ -14,6 +14,14 @@
 
 namespace nubble {
 
+namespace {
+
+constexpr double half = Layout::ringDiameter / 2;
+constexpr QMarginsF aroundRing{half, half, half, half};
+constexpr double oldStrength = 0.45; // of what may no longer be true
+
+} // namespace
+
 RingView::RingView(QWidget *cell) : QWidget(cell)
 {
     setAttribute(Qt::WA_TransparentForMouseEvents);
@@ -29,6 +37,7 @@ void RingView::place(const CellFrame &frame)
     setGeometry(shown);
     m_center = frame.center - shown.topLeft();
     m_percentRect = frame.text.translated(-shown.topLeft());
+    m_middle = (QRectF(m_center, QSizeF()).marginsAdded(aroundRing) | m_percentRect).center();
     update();
 }
 
@@ -39,9 +48,16 @@ void RingView::setActivity(const Activity &activity)
     update();
 }
 
-void RingView::setFraction(std::optional<double> fraction)
+// Without a number the ring has the place of both.
+QPointF RingView::center() const
+{
+    return m_fraction ? m_center : m_middle;
+}
+
+void RingView::setUsage(std::optional<double> fraction, bool isOld)
 {
     m_fraction = fraction;
+    m_isUsageOld = isOld;
     update();
 }
 
@@ -74,7 +90,7 @@ void RingView::turnOn()
 {
     const auto turn = [](int step) { return static_cast<double>(step) / stepsPerTurn; };
     const int before = std::exchange(m_step, (m_step + 1) % stepsPerTurn);
-    const auto places = changedByTurning(m_center, turn(before), turn(m_step));
+    const auto places = changedByTurning(center(), turn(before), turn(m_step));
     QRegion changed;
     for (size_t i = 0; i < places.size(); ++i)
         changed |= m_steps[m_step][i].place = places[i];
@@ -122,18 +138,20 @@ void RingView::draw(QPainter &painter) const
 {
     painter.fillRect(rect(), Palette::body);
     painter.setRenderHint(QPainter::Antialiasing);
+    const double strength = m_isUsageOld ? oldStrength : 1;
     if (isWorking())
-        drawActivityArc(painter, m_center, static_cast<double>(m_step) / stepsPerTurn, m_activity.waiting);
+        drawActivityArc(painter, center(), static_cast<double>(m_step) / stepsPerTurn, m_activity.waiting);
     else
-        drawStatusRing(painter, m_center, m_activity.overall, m_fraction);
+        drawStatusRing(painter, center(), m_activity.overall, m_fraction, strength);
     if (m_activity.waiting)
-        drawWaitingBadge(painter, m_center);
+        drawWaitingBadge(painter, center());
     if (m_focused) {
         painter.setPen(QPen(Palette::focus, 1.5));
         painter.setBrush(Qt::NoBrush);
-        painter.drawEllipse(m_center, Layout::ringDiameter / 2 + 2.5, Layout::ringDiameter / 2 + 2.5);
+        painter.drawEllipse(center(), half + 2.5, half + 2.5);
     }
     painter.setFont(Typography::percent());
+    painter.setOpacity(strength);
     painter.setPen(Palette::textPrimary);
     Typography::drawTabular(
         painter, m_percentRect, Qt::AlignHCenter,

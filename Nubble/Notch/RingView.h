@@ -25,7 +25,7 @@ public:
     void place(const CellFrame &frame);
 
     void setActivity(const Activity &activity);
-    void setFraction(std::optional<double> fraction); // of the plan; above 1 as 1
+    void setUsage(std::optional<double> fraction, bool isOld); // of the plan; above 1 as 1
     void setFocused(bool focused);
     void setMotionReduced(bool reduced);
 
@@ -51,10 +51,14 @@ private:
     void draw(QPainter &painter) const;
     void drawEnd(QPainter &painter, EndOfArc &end) const;
 
-    QPointF m_center; // of the ring
+    [[nodiscard]] QPointF center() const; // of the ring
+
+    QPointF m_center; // of the circle, and of all of it
+    QPointF m_middle;
     QRectF m_percentRect;
     Activity m_activity;
     std::optional<double> m_fraction;
+    bool m_isUsageOld = false;
     bool m_focused = false;
     bool m_motionReduced = false;
     QTimer m_frame;

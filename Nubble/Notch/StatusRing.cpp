@@ -67,7 +67,8 @@ void drawCheckMark(QPainter &painter, const QPointF &center, const QColor &color
 
 } // namespace
 
-void drawStatusRing(QPainter &painter, const QPointF &center, RunState state, std::optional<double> fraction)
+void drawStatusRing(
+    QPainter &painter, const QPointF &center, RunState state, std::optional<double> fraction, double strength)
 {
     if (state == RunState::Completed) {
         drawArc(painter, center, Palette::ample, 0, 1);
@@ -75,8 +76,11 @@ void drawStatusRing(QPainter &painter, const QPointF &center, RunState state, st
         return;
     }
     drawTrack(painter, center);
-    if (const int percent = percentOf(fraction.value_or(0)); percent > 0)
+    if (const int percent = percentOf(fraction.value_or(0)); percent > 0) {
+        painter.setOpacity(strength);
         drawArc(painter, center, colorOf(levelOf(percent)), 0, percent / 100.0);
+        painter.setOpacity(1);
+    }
     drawGlyph(painter, center, state == RunState::Waiting ? Palette::badge : Palette::textSecondary);
 }
 

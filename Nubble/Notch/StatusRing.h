@@ -15,8 +15,10 @@ namespace nubble {
 // The drawings of the status ring, 26 pixels across, around `center`.
 
 // At rest, or after something has finished: the fraction of the plan that is used (0 to 1, none draws the
-// track alone).
-void drawStatusRing(QPainter &painter, const QPointF &center, RunState state, std::optional<double> fraction);
+// track alone), with the opacity `strength`.
+void drawStatusRing(
+    QPainter &painter, const QPointF &center, RunState state, std::optional<double> fraction,
+    double strength);
 
 // While something works: a quarter of the circle, `turn` (0 to 1) of the way round. `waiting`: something else
 // waits for the user.

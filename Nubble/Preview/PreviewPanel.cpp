@@ -70,7 +70,7 @@ class PreviewPanel {
 public:
     PreviewPanel(const PreviewSample &sample, const QString &folder)
         : m_defaults(folder), m_addons(m_defaults), m_sessions(sample.sessions),
-          m_usage(sample.usage, sample.usageProblem), m_meeting(sample.meeting, sample.level),
+          m_usage(sample.usage, sample.usageProblem, sample.isUsageOld), m_meeting(sample.meeting, sample.level),
           m_quenwick(sample.review), m_activator(m_workspace, [](pid_t) { return std::nullopt; }),
           m_actions(notchActions(m_addons, m_state, m_notifications, &m_meeting, {})),
           m_companion(companionAction(m_quenwick, m_clock, {})),

@@ -21,6 +21,7 @@ struct PreviewSample {
     SessionsSample sessions{};
     PlanWindows usage{};
     std::optional<QString> usageProblem{};
+    bool isUsageOld = false;
     MeetingState meeting{};
     float level = 0; // of the microphone
     ReviewState review{};

@@ -43,6 +43,7 @@ QList<PreviewSample> usageSamples()
     add("no zstd"_L1, {}, problemText(ReadProblem::NoZstd, u"sudo apt install zstd"_s));
     add("session only"_L1, {.session = PlanWindow{0.07, {}}, .weekly = {}});
     add("old"_L1, windows(0.42, 0.55), staleText(95min));
+    samples.last().isUsageOld = true;
     return samples;
 }
 

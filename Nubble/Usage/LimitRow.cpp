@@ -69,24 +69,40 @@ void LimitRow::paintEvent(QPaintEvent *)
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF line(0, 0, width(), lineHeight);
     painter.setFont(Typography::rowTitle());
-    painter.setPen(Palette::textPrimary);
+    painter.setPen(m_percent ? Palette::textPrimary : Palette::textSecondary);
     painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter, m_label);
     painter.setFont(Typography::cardBody());
     painter.setPen(Palette::textSecondary);
-    Typography::drawTabular(painter, line, Qt::AlignRight, m_percent ? percentText(*m_percent) : QString());
+    Typography::drawTabular(painter, line, Qt::AlignRight, m_percent ? percentText(*m_percent) : u"–"_s);
     drawBar(painter, QRectF(0, barTop, width(), barHeight));
     painter.setFont(Typography::caption());
     painter.setPen(Palette::textSecondary);
     Typography::drawTabular(painter, QRectF(0, resetTop, width(), resetHeight), Qt::AlignLeft, m_resetText);
 }
 
+// Which must not look like a bar of nothing.
+void LimitRow::drawMissing(QPainter &painter, const QRectF &bar)
+{
+    constexpr double length = 6;
+    constexpr double gap = 5;
+    constexpr double thickness = 2;
+    QPen pen(Palette::barTrack, thickness, Qt::CustomDashLine, Qt::FlatCap);
+    pen.setDashPattern({length / thickness, gap / thickness});
+    painter.setPen(pen);
+    painter.drawLine(QPointF(bar.left(), bar.center().y()), QPointF(bar.right(), bar.center().y()));
+}
+
 void LimitRow::drawBar(QPainter &painter, const QRectF &bar) const
 {
+    if (!m_percent) {
+        drawMissing(painter, bar);
+        return;
+    }
     painter.setPen(Qt::NoPen);
     painter.setBrush(Palette::barTrack);
     painter.drawRoundedRect(bar, barHeight / 2, barHeight / 2);
     const double shown = m_bar.currentValue().toDouble();
-    if (!m_percent || shown <= 0)
+    if (shown <= 0)
         return;
     QRectF used = bar;
     used.setWidth(std::max(barHeight, bar.width() * shown)); // never less than a dot

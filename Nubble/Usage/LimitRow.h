@@ -8,7 +8,7 @@
 namespace nubble {
 
 // One usage window of the plan: its name, how much of it is used, as a number and as a bar, and when it
-// starts anew. A window that nothing is known of has an empty bar and no number.
+// starts anew. A window that nothing is known of has a dash and a dashed line.
 class LimitRow : public QWidget {
     Q_OBJECT
 
@@ -25,6 +25,7 @@ protected:
 
 private:
     void describe();
+    static void drawMissing(QPainter &painter, const QRectF &bar);
     void drawBar(QPainter &painter, const QRectF &bar) const;
 
     QString m_label;

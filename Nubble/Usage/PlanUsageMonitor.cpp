@@ -50,8 +50,8 @@ PlanUsageMonitor::PlanUsageMonitor(PlanUsageReader reader, const Clock &clock, Q
 }
 
 PlanUsageMonitor::PlanUsageMonitor(
-    const PlanWindows &windows, const std::optional<QString> &problem, QObject *parent)
-    : QObject(parent), m_clock(nullptr), m_shown{windows, problem}, m_reader({}, {}, {}),
+    const PlanWindows &windows, const std::optional<QString> &problem, bool isOld, QObject *parent)
+    : QObject(parent), m_clock(nullptr), m_shown{windows, problem, isOld}, m_reader({}, {}, {}),
       m_worker(u"PlanUsageMonitor"_s)
 {
 }
@@ -108,13 +108,18 @@ void PlanUsageMonitor::accept(const ReadOutcome &outcome)
     Q_EMIT refreshingChanged();
 }
 
-PlanUsageMonitor::Shown PlanUsageMonitor::shownAfter(const ReadOutcome &outcome) const
+PlanUsageMonitor::Shown PlanUsageMonitor::shownAfter(const ReadOutcome &outcome)
 {
-    if (const ReadProblem *problem = std::get_if<ReadProblem>(&outcome.result))
-        return {m_shown.windows, problemText(*problem, outcome.installCommand)};
-    const Reading &reading = std::get<Reading>(outcome.result);
-    const auto age = m_clock->now() - reading.capturedAt;
-    return {reading.windows, age > freshFor ? std::optional(staleText(age)) : std::nullopt};
+    const Reading *reading = std::get_if<Reading>(&outcome.result);
+    if (reading)
+        m_capturedAt = reading->capturedAt;
+    const auto age = m_clock->now() - m_capturedAt;
+    const bool isOld = age > freshFor;
+    if (!reading)
+        return {
+            m_shown.windows, problemText(std::get<ReadProblem>(outcome.result), outcome.installCommand),
+            isOld};
+    return {reading->windows, isOld ? std::optional(staleText(age)) : std::nullopt, isOld};
 }
 
 } // namespace nubble

@@ -23,7 +23,8 @@ public:
     PlanUsageMonitor(PlanUsageReader reader, const Clock &clock, QObject *parent = nullptr);
     // Shows that and never anything else: for pictures of the card.
     PlanUsageMonitor(
-        const PlanWindows &windows, const std::optional<QString> &problem, QObject *parent = nullptr);
+        const PlanWindows &windows, const std::optional<QString> &problem, bool isOld,
+        QObject *parent = nullptr);
 
     static const QString defaultDomain;
     [[nodiscard]] static QString domainIn(const Defaults &defaults); // as the user prefers
@@ -32,7 +33,8 @@ public:
     [[nodiscard]] const std::optional<QString> &problem() const
     {
         return m_shown.problem;
-    } // absent when fresh
+    }                                                          // absent when fresh
+    [[nodiscard]] bool isOld() const { return m_shown.isOld; } // the windows, by more than half an hour
     [[nodiscard]] bool isRefreshing() const { return m_working; }
 
     // Starts a read unless one is under way; `rescan` has the cache folder listed again, whether it seems to
@@ -40,23 +42,25 @@ public:
     void refresh(bool rescan);
 
 Q_SIGNALS:
-    void changed(); // windows or problem
+    void changed(); // windows, their age, or problem
     void refreshingChanged();
 
 private:
     struct Shown {
         PlanWindows windows;
         std::optional<QString> problem;
+        bool isOld = false;
 
         bool operator==(const Shown &) const = default;
     };
 
     void accept(const ReadOutcome &outcome);
-    Shown shownAfter(const ReadOutcome &outcome) const;
+    Shown shownAfter(const ReadOutcome &outcome);
     bool isWithin(std::chrono::milliseconds span, const std::optional<TimePoint> &since) const;
 
     const Clock *const m_clock; // none for a sample
     Shown m_shown;
+    TimePoint m_capturedAt;               // of the windows
     QList<QByteArray> m_entries;          // known to hold usage answers
     std::optional<TimePoint> m_scannedAt; // when the folder was last scanned
     std::optional<TimePoint> m_listedAt;  // when it was last listed whatever it seemed; none: is to be

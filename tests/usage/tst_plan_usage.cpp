@@ -191,8 +191,10 @@ private Q_SLOTS:
         add(u"a_0"_s, 42, 30min);
         start();
         QCOMPARE(shown(), u"42");
+        QVERIFY(!m_monitor->isOld());
         m_clock.advance(1ms);
         QCOMPARE(afterRefresh(), u"42, Updated 30 min ago — open Claude to refresh");
+        QVERIFY(m_monitor->isOld());
         add(u"a_0"_s, 43, 0min);
         QCOMPARE(afterRefresh(), u"43");
     }
@@ -205,8 +207,11 @@ private Q_SLOTS:
         QCOMPARE(afterRefresh(), u"42"); // a failure leaves no entries to trust: the folder is listed again
         m_cache->add(u"a_0"_s, UsageCache::entry(UsageCache::usageKey(), "plain"), m_clock.now());
         QCOMPARE(afterRefresh(), u"42, Couldn't read Claude's usage cache");
+        QVERIFY(!m_monitor->isOld());
+        m_clock.advance(31min);
         m_zstd.clear();
-        QCOMPARE(afterRefresh(), u"42, Install zstd (sudo apt install zstd) to read plan usage");
+        QVERIFY(!afterRefresh().isEmpty() && m_monitor->isOld()); // whatever the reason
+        QCOMPARE(shown(), u"42, Install zstd (sudo apt install zstd) to read plan usage");
     }
 
     void theKnownEntriesAreTrustedForThreeMinutesUnlessTheClockIsSetBack()
