@@ -68,8 +68,7 @@ void ProcessActivator::askIfInFront(const SessionPlace &place, std::function<voi
             return withAncestors(pid, parentOf);
         },
         [this, told = std::move(told)](const QList<pid_t> &chain) {
-            const auto front = m_workspace.frontApplication();
-            told(front && front->pid && chain.contains(*front->pid));
+            told(m_workspace.isInFront({.chain = chain}));
         });
 }
 
@@ -81,7 +80,7 @@ void ProcessActivator::waitForDone()
 
 Activation ProcessActivator::bringForward(const QList<pid_t> &chain)
 {
-    const Activation done = m_workspace.activateNearest(chain);
+    const Activation done = m_workspace.activateNearest({.chain = chain});
     return done == Activation::NotFound ? activateClaudeDesktop() : done;
 }
 
