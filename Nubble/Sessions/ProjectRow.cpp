@@ -1,5 +1,8 @@
 #include "Sessions/ProjectRow.h"
 
+#include <QAccessible>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QPainter>
 
 #include <algorithm>
@@ -7,11 +10,13 @@
 #include "Sessions/SessionTexts.h"
 #include "Sessions/StateColors.h"
 #include "Widgets/CardMetrics.h"
+#include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Symbols.h"
 #include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace nubble {
 
@@ -19,6 +24,7 @@ namespace {
 
 constexpr double iconSide = 15;
 constexpr qsizetype longestToolTipText = 600;
+constexpr auto reasonTime = 5s;
 
 QString helpText()
 {
@@ -43,9 +49,14 @@ QString joined(QStringList parts, const QString &separator)
 
 } // namespace
 
-ProjectRow::ProjectRow(QWidget *parent) : QAbstractButton(parent), m_hover(this)
+ProjectRow::ProjectRow(QWidget *parent)
+    : QAbstractButton(parent),
+      m_copy(new NotchButton(u"doc.on.doc"_s, u"Copy the command that attaches it"_s, this)), m_hover(this)
 {
     setFocusPolicy(Qt::TabFocus);
+    m_copy->hide();
+    connect(m_copy, &NotchButton::clicked, this, &ProjectRow::copyCommand);
+    connect(&m_reasonTime, &QTimer::timeout, this, &ProjectRow::endReason);
 }
 
 void ProjectRow::setContent(const ProjectRowContent &content)
@@ -57,13 +68,55 @@ void ProjectRow::setContent(const ProjectRowContent &content)
     update();
 }
 
+void ProjectRow::showReason(const QString &reason, const QString &command)
+{
+    if (m_copy->hasFocus() && command.isEmpty())
+        setFocus();
+    m_reason = reason;
+    m_command = command;
+    m_copy->setVisible(!command.isEmpty());
+    describe();
+    update();
+    if (reason.isEmpty()) {
+        m_reasonTime.stop();
+        return;
+    }
+    m_reasonTime.start(reasonTime);
+    QAccessibleEvent alert(this, QAccessible::Alert);
+    QAccessible::updateAccessibility(&alert);
+}
+
+// Whoever is about to copy the command has as long as that takes.
+void ProjectRow::endReason()
+{
+    if (m_copy->isHidden() || !(m_copy->hasFocus() || underMouse()))
+        showReason({});
+}
+
+void ProjectRow::copyCommand()
+{
+    QGuiApplication::clipboard()->setText(m_command);
+    showReason(u"Copied: "_s + m_command);
+}
+
+const QString &ProjectRow::secondLine() const
+{
+    return m_reason.isEmpty() ? m_content.lastPrompt : m_reason;
+}
+
+void ProjectRow::resizeEvent(QResizeEvent *)
+{
+    const QRect place(width() - rowHeight, 0, rowHeight, height());
+    m_copy->place(place, QRectF(place).center());
+}
+
 void ProjectRow::describe()
 {
     const QString help = isEnabled() ? helpText() : QString();
     setAccessibleName(u"%1, %2, %3"_s.arg(m_content.title, rowWord(m_content.state), m_content.elapsed));
-    setAccessibleDescription(joined({toolTipLine(m_content.lastPrompt), help}, u". "_s));
+    setAccessibleDescription(joined({toolTipLine(secondLine()), help}, u". "_s));
     // The last prompt last: it is what may be cut off.
-    QStringList lines{help, m_content.title, m_content.folder, m_content.lastPrompt};
+    QStringList lines{help, m_content.title, m_content.folder, secondLine()};
     for (QString &line : lines)
         line = toolTipLine(line);
     setToolTip(joined(lines, u"\n"_s));
@@ -79,6 +132,8 @@ void ProjectRow::paintEvent(QPaintEvent *)
     const QRectF icon(area.left(), area.center().y() - iconSide / 2, iconSide, iconSide);
     Symbols::draw(painter, m_content.symbol, icon, Palette::textSecondary);
     area.setLeft(icon.right() + 9);
+    if (m_copy->isVisible())
+        area.setRight(m_copy->x());
     area.setRight(area.right() - drawState(painter, area) - 10);
     drawTexts(painter, area);
 }
@@ -109,7 +164,7 @@ double ProjectRow::drawState(QPainter &painter, const QRectF &area) const
 void ProjectRow::drawTexts(QPainter &painter, const QRectF &area) const
 {
     const QRectF upper(area.left(), area.top(), area.width(), area.height() / 2);
-    const bool oneLine = m_content.lastPrompt.isEmpty();
+    const bool oneLine = secondLine().isEmpty();
     painter.setFont(Typography::rowTitle());
     painter.setPen(Palette::textPrimary);
     const auto elided = m_content.isTitleIdentifier ? Typography::Elided::Middle : Typography::Elided::End;
@@ -118,7 +173,7 @@ void ProjectRow::drawTexts(QPainter &painter, const QRectF &area) const
         return;
     painter.setFont(Typography::cardBody());
     painter.setPen(Palette::textSecondary);
-    Typography::drawElided(painter, upper.translated(0, area.height() / 2), m_content.lastPrompt);
+    Typography::drawElided(painter, upper.translated(0, area.height() / 2), secondLine());
 }
 
 } // namespace nubble
