@@ -93,7 +93,7 @@ Outcome ProcessActivator::bringForward(
     if (done == Activation::Requested)
         return Outcome::done();
     if (done == Activation::Impossible)
-        return Outcome::failed(u"This desktop lets no program bring windows forward"_s);
+        return Outcome::failed(u"This desktop raises no windows"_s);
     return Outcome::failed(way.obstacle.isEmpty() ? u"Its window has just gone"_s : way.obstacle);
 }
 

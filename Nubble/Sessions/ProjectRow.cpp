@@ -96,7 +96,7 @@ void ProjectRow::endReason()
 void ProjectRow::copyCommand()
 {
     QGuiApplication::clipboard()->setText(m_command);
-    showReason(u"Copied: "_s + m_command);
+    showReason(u"Copied the command"_s);
 }
 
 const QString &ProjectRow::secondLine() const
@@ -134,8 +134,7 @@ void ProjectRow::paintEvent(QPaintEvent *)
     area.setLeft(icon.right() + 9);
     if (m_copy->isVisible())
         area.setRight(m_copy->x());
-    area.setRight(area.right() - drawState(painter, area) - 10);
-    drawTexts(painter, area);
+    drawTexts(painter, area, drawState(painter, area) + 10);
 }
 
 void ProjectRow::drawBackground(QPainter &painter) const
@@ -155,14 +154,17 @@ double ProjectRow::drawState(QPainter &painter, const QRectF &area) const
     Typography::drawTabular(painter, upper, Qt::AlignRight, word);
     const double wordWidth = Typography::tabularWidth(painter, word);
 
+    if (!m_reason.isEmpty())
+        return wordWidth; // it has the whole lower line
     painter.setFont(Typography::caption());
     painter.setPen(Palette::textSecondary);
     Typography::drawTabular(painter, lower, Qt::AlignRight, m_content.elapsed);
     return std::max(wordWidth, Typography::tabularWidth(painter, m_content.elapsed));
 }
 
-void ProjectRow::drawTexts(QPainter &painter, const QRectF &area) const
+void ProjectRow::drawTexts(QPainter &painter, const QRectF &whole, double stateWidth) const
 {
+    const QRectF area = whole.adjusted(0, 0, -stateWidth, 0);
     const QRectF upper(area.left(), area.top(), area.width(), area.height() / 2);
     const bool oneLine = secondLine().isEmpty();
     painter.setFont(Typography::rowTitle());
@@ -173,7 +175,10 @@ void ProjectRow::drawTexts(QPainter &painter, const QRectF &area) const
         return;
     painter.setFont(Typography::cardBody());
     painter.setPen(Palette::textSecondary);
-    Typography::drawElided(painter, upper.translated(0, area.height() / 2), secondLine());
+    QRectF lower = upper.translated(0, area.height() / 2);
+    if (!m_reason.isEmpty())
+        lower.setRight(whole.right());
+    Typography::drawElided(painter, lower, secondLine());
 }
 
 } // namespace nubble

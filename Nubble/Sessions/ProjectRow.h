@@ -51,7 +51,7 @@ private:
     void describe();
     void drawBackground(QPainter &painter) const;
     double drawState(QPainter &painter, const QRectF &area) const;
-    void drawTexts(QPainter &painter, const QRectF &area) const;
+    void drawTexts(QPainter &painter, const QRectF &whole, double stateWidth) const;
 
     ProjectRowContent m_content;
     QString m_reason; // empty: none

@@ -103,7 +103,7 @@ WindowWay WindowWayFinder::throughTmux(const TerminalVariables::Tmux &place, int
     const TmuxServer server(tmux.value_or(QString()), place);
     const QList<TmuxPlace> places = tmux && isOwnSocket(place.socket) ? server.places() : QList<TmuxPlace>();
     if (places.isEmpty())
-        return {.obstacle = u"Runs in tmux, which does not answer"_s};
+        return {.obstacle = u"Runs in tmux, which is silent"_s};
     QList<TmuxClient> clients = server.clients(places);
     if (clients.isEmpty())
         return {
@@ -138,7 +138,7 @@ void WindowWayFinder::addScreen(WindowWay &way, const TerminalVariables::Screen 
     if (const auto screen = m_lookups.tool(u"screen"_s))
         way.panes.push_back(std::make_shared<ScreenWindow>(*screen, place));
     if (way.chain.endsWith(place.server)) {
-        way.obstacle = u"Runs in screen, whose terminal cannot be told"_s;
+        way.obstacle = u"Runs in screen, terminal unknown"_s;
         way.attachCommand = u"screen -x "_s + shellQuoted(place.session);
     }
 }
@@ -149,14 +149,13 @@ QString WindowWayFinder::obstacle(const QList<pid_t> &chain, bool isWayland) con
     if (!process)
         return u"Its process has ended"_s;
     if (process->isContained)
-        return u"Runs in a container, without a window here"_s;
+        return u"Runs in a container"_s;
     for (const pid_t each : chain)
         if (const auto ancestor = m_lookups.processes.find(each); ancestor && isRemote(ancestor->name))
-            return u"Runs over SSH, its window is on another machine"_s;
+            return u"Runs over SSH, shown elsewhere"_s;
     if (!process->hasTerminal)
-        return u"Runs in the background, without a terminal"_s;
-    return isWayland ? u"Runs in a Wayland window, which no other program can bring forward"_s
-                     : u"No window of it was found"_s;
+        return u"Runs without a terminal"_s;
+    return isWayland ? u"Cannot raise a Wayland window"_s : u"No window of it was found"_s;
 }
 
 } // namespace nubble

@@ -35,7 +35,7 @@ struct WindowWay {
     QList<pid_t> chain{}; // to the application that owns the window, which comes last where there is one
     quint32 window = 0;   // the desktop's number for it, as far as a process tells it
     std::vector<std::shared_ptr<const TerminalPane>> panes{}; // in it, the outermost first
-    QString obstacle{};      // where no application owns a window: why, in a sentence for the row
+    QString obstacle{};      // where no application owns a window: why, in a few words for the row
     QString attachCommand{}; // for the user's shell, where the process waits for a terminal
 };
 
