@@ -1,4 +1,5 @@
 #include <QLoggingCategory>
+#include <QSemaphore>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -373,6 +374,43 @@ private Q_SLOTS:
         QCOMPARE(m_workspace.lookups, 2);
         for (const pid_t pid : {6, 5, 4, 2}) // the root, loops, an end
             QCOMPARE(activatedFor(pid), QList<pid_t>{});
+    }
+
+    void aWishIsReplacedUntilItBeginsAndEachIsToldOnce()
+    {
+        m_workspace.applications = {{60, u"XTerm"_s, u"xterm"_s}};
+        QSemaphore asked;
+        QSemaphore go;
+        TerminalLookups lookups = this->lookups();
+        lookups.parentOf = [&](pid_t) {
+            asked.release();
+            go.acquire();
+            return std::nullopt;
+        };
+        QStringList told;
+        ProcessActivator activator(m_workspace, lookups);
+        const auto wish = [&](pid_t pid) {
+            activator.activate({pid, u"title %1"_s.arg(pid)}, [&told, pid](const Outcome &outcome) {
+                told.append(u"%1 %2"_s.arg(pid).arg(outcome.why()));
+            });
+        };
+        wish(1);
+        asked.acquire();
+        for (const pid_t pid : {2, 3, 60})
+            wish(pid);
+        QCOMPARE(told, (QStringList{u"2 Another session was picked"_s, u"3 Another session was picked"_s}));
+        go.release();
+        activator.waitForDone();
+        QCOMPARE(told.mid(2), (QStringList{u"1 Its process has ended"_s, u"60 "_s}));
+        QCOMPARE(m_workspace.activated, QList<pid_t>{60});
+        QCOMPARE(m_workspace.wanted.title, u"title 60"_s);
+        m_workspace.front = m_workspace.applications.first();
+        QList<bool> inFront;
+        go.release();
+        for (const pid_t pid : {60, 61})
+            activator.askIfInFront({pid, {}}, [&inFront](bool is) { inFront.append(is); });
+        activator.waitForDone();
+        QCOMPARE(inFront, (QList<bool>{true, false}));
     }
 
     void looksAtTwentyFourAncestorsAtMost()
