@@ -18,6 +18,7 @@
 #include "Sessions/ClaudeFolders.h"
 #include "Sessions/SessionsCard.h"
 #include "Shell/DesktopEntry.h"
+#include "Shell/Tools.h"
 #include "Usage/UsageCard.h"
 #include "Widgets/Typography.h"
 
@@ -54,7 +55,11 @@ AppDelegate::AppDelegate(const Home &home, InstanceBus &bus, Relaunch relaunch)
            .transcripts = System::folderWatch(),
            .processes = System::processWatch()}),
       m_planUsage(home, m_clock, PlanUsageMonitor::domainIn(m_defaults)),
-      m_activator(*m_backend.workspace, ProcessActivator::askingPs(*m_processes)),
+      m_activator(
+          *m_backend.workspace,
+          {.processes = *m_processes,
+           .parentOf = TerminalLookups::askingPs(*m_processes),
+           .tool = [home](const QString &name) { return Tools::find(name, home); }}),
       m_panel(
           {
               .state = m_panelState,
@@ -286,7 +291,7 @@ std::unique_ptr<QuenwickMonitor> AppDelegate::quenwickMonitor()
 // One that runs is brought forward; otherwise it is started.
 bool AppDelegate::openApplication(const QString &identifier, std::optional<pid_t> process)
 {
-    if (process && m_backend.workspace->activateNearest({*process}) == Activation::Requested)
+    if (process && m_backend.workspace->activateNearest({.chain = {*process}}) == Activation::Requested)
         return true;
     return launchDesktopEntry(identifier, m_home);
 }

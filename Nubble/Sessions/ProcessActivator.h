@@ -1,39 +1,65 @@
 #pragma once
 
-#include <QList>
+#include <QByteArray>
 #include <QString>
 
 #include <functional>
-#include <optional>
+#include <memory>
 #include <sys/types.h>
+
+#include "Platform/Outcome.h"
+#include "Shell/SerialWorker.h"
+#include "Terminals/WindowWay.h"
 
 namespace nubble {
 
-class ProcessTable;
 class Workspace;
 enum class Activation;
 
-// Brings the application forward in which a process runs: the nearest of its ancestors that is one, else
-// Claude's own desktop application. Main thread only; waits for one short command per ancestor.
+// What of a session leads to its window.
+struct SessionPlace {
+    pid_t pid = 0;
+    QString title{}; // as its row shows it
+};
+
+// Brings forward where a session runs: the window, tab and pane of the nearest of its process's ancestors
+// that is an application, else Claude's own desktop application. Main thread only; what has to be asked of
+// other programs is asked beside it.
 class ProcessActivator {
 public:
-    using ParentLookup = std::function<std::optional<pid_t>(pid_t)>;
+    using Told = std::function<void(const Outcome &)>;
 
-    ProcessActivator(Workspace &workspace, ParentLookup parentOf);
+    ProcessActivator(Workspace &workspace, TerminalLookups lookups);
 
     [[nodiscard]] bool canActivate() const; // whether this desktop brings anything forward
-    Activation activate(pid_t pid);
 
-    // Asks the program `ps`, and the kernel's table where that is not installed.
-    [[nodiscard]] static ParentLookup askingPs(
-        const ProcessTable &processes, const QString &ps = QStringLiteral("/bin/ps"));
+    // Brings the session's window, tab and pane forward. `told` is called once, later: done, or why not in a
+    // sentence for the row. `token` is the desktop's activation token of a notification's click; empty
+    // without one. A later wish replaces an earlier one that has not begun.
+    void activate(const SessionPlace &place, Told told, const QByteArray &token = {});
+
+    // Whether the session's window (and pane, where that can be known) is the one that the user works with.
+    // `told` is called once, later.
+    void askIfInFront(const SessionPlace &place, std::function<void(bool)> told);
+
+    // For the user's shell: brings a session that waits for a terminal into that one. Of the wish that was
+    // told last, while that is told; else empty.
+    [[nodiscard]] const QString &attachCommand() const { return m_attachCommand; }
+
+    void waitForDone(); // with all that has been asked so far
 
 private:
-    [[nodiscard]] QList<pid_t> withAncestors(pid_t pid) const;
+    [[nodiscard]] WindowWayFinder finder() const;
+    [[nodiscard]] Outcome bringForward(
+        const WindowWay &way, const SessionPlace &place, const QByteArray &token);
     [[nodiscard]] Activation activateClaudeDesktop();
 
     Workspace &m_workspace;
-    ParentLookup m_parentOf;
+    TerminalLookups m_lookups;
+    QString m_attachCommand;
+    std::shared_ptr<Told> m_told; // who is told of the last wish; empty once that is done
+    SerialWorker m_wishes{QStringLiteral("windows")};
+    SerialWorker m_questions{QStringLiteral("windows in front")};
 };
 
 } // namespace nubble

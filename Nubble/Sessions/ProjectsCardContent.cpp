@@ -1,6 +1,7 @@
 #include "Sessions/ProjectsCardContent.h"
 
 #include <QLabel>
+#include <QPointer>
 #include <QScrollBar>
 #include <QSet>
 #include <QTimer>
@@ -11,7 +12,6 @@
 #include <cstdlib>
 
 #include "Platform/Clock.h"
-#include "Platform/Workspace.h"
 #include "Sessions/ProcessActivator.h"
 #include "Sessions/ProjectRow.h"
 #include "Sessions/RowColumn.h"
@@ -142,13 +142,22 @@ ProjectRow *ProjectsCardContent::rowOf(const SessionRun &key)
     if (!row) {
         row = new ProjectRow(m_rows);
         row->setEnabled(m_bringsForward);
-        connect(row, &ProjectRow::clicked, this, [this, row, pid = key.second] {
-            const bool byKeyboard = row->hasFocus(); // which leaves with the activated window
-            if (m_activator.activate(pid) == Activation::Requested && byKeyboard)
-                Q_EMIT closeRequested();
-        });
+        connect(row, &ProjectRow::clicked, this, [this, row, pid = key.second] { bringForward(*row, pid); });
     }
     return row;
+}
+
+void ProjectsCardContent::bringForward(ProjectRow &row, pid_t pid)
+{
+    const bool byKeyboard = row.hasFocus(); // which leaves with the activated window
+    m_activator.activate(
+        {pid, row.title()}, [this, row = QPointer(&row), byKeyboard](const Outcome &outcome) {
+            if (!row) // and perhaps this has gone, too
+                return;
+            row->showReason(outcome.why(), m_activator.attachCommand());
+            if (byKeyboard && outcome.isDone())
+                Q_EMIT closeRequested();
+        });
 }
 
 void ProjectsCardContent::showRow(const ClaudeSession &session, int position)
@@ -157,13 +166,14 @@ void ProjectsCardContent::showRow(const ClaudeSession &session, int position)
     m_rows->place(row, position);
     const SessionDetail detail = m_monitor.details().byId().value(session.sessionId);
     row->setContent({
-        .title = (session.terminal ? *session.terminal + u" · " : QString()) + rowTitle(session, detail),
+        .title = rowTitle(session, detail),
         .lastPrompt = detail.lastPrompt.value_or(QString()),
         .state = m_monitor.runState(session),
         .elapsed = elapsedText(timePointOf(session.lastActivity()), m_clock.now()),
         .symbol = rowSymbol(session),
         .folder = session.cwd,
         .isTitleIdentifier = isTitleIdentifier(session, detail),
+        .terminal = session.terminal.value_or(QString()),
     });
 }
 

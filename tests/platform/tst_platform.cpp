@@ -25,6 +25,7 @@
 #include "Platform/ProcessTable.h"
 #include "Platform/RegularFile.h"
 #include "Platform/System.h"
+#include "Platform/WindowChoice.h"
 #include "support/TemporaryHome.h"
 
 using namespace Qt::StringLiterals;
@@ -102,6 +103,25 @@ private Q_SLOTS:
         QVERIFY(watched());
     }
 
+    void theWantedWindowIsTheOneOfItsNumberElseOfItsTitleElseTheLast()
+    {
+        const QList<CandidateWindow> windows{{1, u"* Plant the hedge"_s}, {2, u"* Plant"_s}, {3, u"plant"_s}};
+        const QString title = u"Plant"_s;
+        for (const auto &[window, wanted, choice] :
+             std::initializer_list<std::tuple<quint32, QString, WindowChoice>>{
+                 {1, title, {0, true}},
+                 {0, title, {1, true}},
+                 {4, title, {1, true}},
+                 {4, u"Plant the hedge"_s, {0, true}},
+                 {0, u"Pl"_s, {2, false}},
+                 {0, {}, {2, false}},
+                 {0, u"PLANT"_s, {2, false}}})
+            QCOMPARE(chooseWindow(windows, {.chain = {}, .window = window, .title = wanted}), choice);
+        QCOMPARE(chooseWindow(windows.first(1), {.chain = {}}), (WindowChoice{0, true}));
+        const QString cutOff(200, u'x');
+        QVERIFY(chooseWindow({{1, cutOff}, {2, {}}}, {.chain = {}, .title = cutOff + cutOff}).isCertain);
+    }
+
     void everyServiceIsThereWithoutADesktop()
     {
         Backend backend = makeBackend(Home(u"/nonexistent"_s));
@@ -111,7 +131,7 @@ private Q_SLOTS:
         QVERIFY(!backend.screenCapture->canCapture() && backend.screenCapture->grab().isNull());
         QVERIFY(!backend.workspace->frontApplication() && !backend.workspace->windowTitle(::getpid()));
         QVERIFY(!backend.hotKeys->grab(1, Qt::CTRL | Qt::Key_A) && !backend.hotKeys->isGrabbed(1));
-        QCOMPARE(backend.workspace->activateNearest({::getpid()}), Activation::Impossible);
+        QCOMPARE(backend.workspace->activateNearest({.chain = {::getpid()}}), Activation::Impossible);
 
         QWidget window;
         const auto surface = backend.makePanelSurface(window);

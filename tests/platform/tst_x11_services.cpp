@@ -121,15 +121,15 @@ private Q_SLOTS:
         for (const char *property : {"_NET_CLIENT_LIST", "_NET_CLIENT_LIST_STACKING"})
             m_terminal.setNumbers(m_terminal.root(), property, list, "WINDOW");
         QCOMPARE(runningPids(), QList<pid_t>{4242});
-        QCOMPARE(m_workspace.activateNearest({4242}), Activation::Requested);
-        QCOMPARE(m_workspace.activateNearest({4343, 0}), Activation::NotFound);
+        QCOMPARE(m_workspace.activateNearest({.chain = {4242}}), Activation::Requested);
+        QCOMPARE(m_workspace.activateNearest({.chain = {4343, 0}}), Activation::NotFound);
         m_terminal.setNumbers(m_terminal.root(), "_NET_CLIENT_LIST", {window}, "WINDOW");
 
         QVERIFY(m_workspace.canActivate());
         const auto supported = m_terminal.numbers(m_terminal.root(), "_NET_SUPPORTED");
         m_terminal.setNumbers(m_terminal.root(), "_NET_SUPPORTED", {}, "ATOM"); // no window manager
         QVERIFY(!m_workspace.canActivate());
-        QCOMPARE(m_workspace.activateNearest({4343}), Activation::Impossible);
+        QCOMPARE(m_workspace.activateNearest({.chain = {4343}}), Activation::Impossible);
         m_terminal.setNumbers(m_terminal.root(), "_NET_SUPPORTED", supported, "ATOM");
     }
 
@@ -151,7 +151,7 @@ private Q_SLOTS:
         QCOMPARE(runningPids(), (QList<pid_t>{4242, 4343}));
 
         // 4444 has no managed window, 0 names no process, and 4343 is not the nearest.
-        QCOMPARE(m_workspace.activateNearest({4444, 0, 4242, 4343}), Activation::Requested);
+        QCOMPARE(m_workspace.activateNearest({.chain = {4444, 0, 4242, 4343}}), Activation::Requested);
         QTRY_COMPARE(m_terminal.focusedWindow(), above);
         QTRY_COMPARE(stacking(), (std::vector<uint32_t>{text, below, above}));
     }
@@ -167,10 +167,39 @@ private Q_SLOTS:
             QTRY_VERIFY(m_terminal.hasState(window, "_NET_WM_STATE_HIDDEN"));
         }
         m_editor.focus(m_editor.open({100, 100, 300, 300}, Qt::blue));
-        QCOMPARE(m_workspace.activateNearest({4242}), Activation::Requested);
+        QCOMPARE(m_workspace.activateNearest({.chain = {4242}}), Activation::Requested);
         QTRY_VERIFY(!m_terminal.hasState(here, "_NET_WM_STATE_HIDDEN"));
         QTRY_COMPARE(m_terminal.focusedWindow(), kept);
         QVERIFY(m_terminal.hasState(elsewhere, "_NET_WM_STATE_HIDDEN"));
+    }
+
+    void theWantedWindowGetsTheKeyboardWhereItIsThatApplications()
+    {
+        const auto first = m_terminal.open({0, 0, 300, 300}, Qt::red);
+        const auto second = m_terminal.open({50, 50, 300, 300}, Qt::red);
+        const auto hidden = m_terminal.open({50, 50, 300, 300}, Qt::red);
+        const auto text = m_editor.open({100, 100, 300, 300}, Qt::blue);
+        m_terminal.setText(first, "_NET_WM_NAME", "* Plant the hedge");
+        ForeignApplication::manage(hidden, u"-r"_s, u"-b add,hidden"_s);
+        QTRY_VERIFY(m_terminal.hasState(hidden, "_NET_WM_STATE_HIDDEN"));
+        m_editor.focus(text);
+        QTRY_COMPARE(m_terminal.focusedWindow(), text);
+        const QString title = u"Plant the hedge"_s;
+        const auto of = [&](quint32 window, const QString &part, const QByteArray &token = {}) {
+            return WantedWindow{.chain = {4242}, .window = window, .title = part, .token = token};
+        };
+        QVERIFY(!m_workspace.isInFront(of(first, {})));
+        QCOMPARE(m_workspace.activateNearest(of(first, {})), Activation::Requested);
+        QTRY_COMPARE(m_terminal.focusedWindow(), first);
+        QVERIFY(m_workspace.isInFront(of(first, {})) && m_workspace.isInFront(of(text, title)));
+        QVERIFY(!m_workspace.isInFront(of(second, title)) && !m_workspace.isInFront(of(0, {})));
+        QCOMPARE(m_workspace.activateNearest(of(second, title, "other_TIME1")), Activation::Requested);
+        QTRY_COMPARE(m_terminal.focusedWindow(), second);
+        QCOMPARE(m_workspace.activateNearest(of(text, title, "_TIMEnonsense")), Activation::Requested);
+        QTRY_COMPARE(m_terminal.focusedWindow(), first);
+        QVERIFY(m_terminal.hasState(hidden, "_NET_WM_STATE_HIDDEN"));
+        QCOMPARE(m_workspace.activateNearest(of(hidden, {})), Activation::Requested);
+        QTRY_COMPARE(m_terminal.focusedWindow(), hidden);
     }
 
     void theApplicationInFrontIsTheActiveWindows()

@@ -1,4 +1,5 @@
 #include <QLoggingCategory>
+#include <QSemaphore>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -496,6 +497,43 @@ private Q_SLOTS:
             QCOMPARE(activatedFor(pid), QList<pid_t>{});
     }
 
+    void aWishIsReplacedUntilItBeginsAndEachIsToldOnce()
+    {
+        m_workspace.applications = {{60, u"XTerm"_s, u"xterm"_s}};
+        QSemaphore asked;
+        QSemaphore go;
+        TerminalLookups lookups = this->lookups();
+        lookups.parentOf = [&](pid_t) {
+            asked.release();
+            go.acquire();
+            return std::nullopt;
+        };
+        QStringList told;
+        ProcessActivator activator(m_workspace, lookups);
+        const auto wish = [&](pid_t pid) {
+            activator.activate({pid, u"title %1"_s.arg(pid)}, [&told, pid](const Outcome &outcome) {
+                told.append(u"%1 %2"_s.arg(pid).arg(outcome.why()));
+            });
+        };
+        wish(1);
+        asked.acquire();
+        for (const pid_t pid : {2, 3, 60})
+            wish(pid);
+        QCOMPARE(told, (QStringList{u"2 Another session was picked"_s, u"3 Another session was picked"_s}));
+        go.release();
+        activator.waitForDone();
+        QCOMPARE(told.mid(2), (QStringList{u"1 Its process has ended"_s, u"60 "_s}));
+        QCOMPARE(m_workspace.activated, QList<pid_t>{60});
+        QCOMPARE(m_workspace.wanted.title, u"title 60"_s);
+        m_workspace.front = m_workspace.applications.first();
+        QList<bool> inFront;
+        go.release();
+        for (const pid_t pid : {60, 61})
+            activator.askIfInFront({pid, {}}, [&inFront](bool is) { inFront.append(is); });
+        activator.waitForDone();
+        QCOMPARE(inFront, (QList<bool>{true, false}));
+    }
+
     void looksAtTwentyFourAncestorsAtMost()
     {
         for (pid_t pid = 101; pid < 200; ++pid)
@@ -516,16 +554,17 @@ private Q_SLOTS:
         m_workspace.applications.removeAt(2);
         QCOMPARE(activatedFor(90), QList<pid_t>{43});
         m_workspace.allowed = false;
-        ProcessActivator activator(m_workspace, [](pid_t) { return std::nullopt; });
+        ProcessActivator activator(m_workspace, lookups());
         QVERIFY(!activator.canActivate());
-        QCOMPARE(activator.activate(::getpid()), Activation::Impossible);
+        activator.activate({::getpid(), {}}, [](const Outcome &outcome) { QVERIFY(!outcome.isDone()); });
+        activator.waitForDone();
     }
 
     void knowsAParentByPsOrTheKernelsTableWhereThatIsMissing()
     {
         m_processes.known.insert(::getpid(), {.name = u"test"_s, .parent = 42});
-        QCOMPARE(ProcessActivator::askingPs(m_processes)(::getpid()), std::optional(::getppid()));
-        const auto withoutPs = ProcessActivator::askingPs(m_processes, m_home->path(u"ps"_s));
+        QCOMPARE(TerminalLookups::askingPs(m_processes)(::getpid()), std::optional(::getppid()));
+        const auto withoutPs = TerminalLookups::askingPs(m_processes, m_home->path(u"ps"_s));
         QCOMPARE(withoutPs(::getpid()), std::optional(42));
         QCOMPARE(withoutPs(1), std::nullopt);
     }
@@ -541,13 +580,19 @@ private:
             .arg(QString::number(pid), id, QString::number(updatedAt), word)
             .toUtf8();
     }
+    TerminalLookups lookups() const
+    {
+        const auto parentOf = [this](pid_t child) {
+            return m_parents.contains(child) ? std::optional(m_parents.value(child)) : std::nullopt;
+        };
+        return {m_processes, parentOf, [](const QString &) { return std::nullopt; }};
+    }
     QList<pid_t> activatedFor(pid_t pid)
     {
         m_workspace.activated.clear();
-        ProcessActivator activator(m_workspace, [this](pid_t child) {
-            return m_parents.contains(child) ? std::optional(m_parents.value(child)) : std::nullopt;
-        });
-        (void)activator.activate(pid);
+        ProcessActivator activator(m_workspace, lookups());
+        activator.activate({pid, {}}, [](const Outcome &) {});
+        activator.waitForDone();
         return m_workspace.activated;
     }
     std::unique_ptr<SessionMonitor> monitor(const ProcessTable &processes, SessionWatches watches = {}) const

@@ -31,7 +31,7 @@ struct PanelWorld {
               QStringList{home.path(QStringLiteral(".claude"))}, home.path(QStringLiteral(".nubble/ask")),
               processes, clock),
           planUsage(home.home(), clock, PlanUsageMonitor::defaultDomain),
-          activator(workspace, [](pid_t) { return std::nullopt; })
+          activator(workspace, {processes, [](pid_t) { return std::nullopt; }, {}})
     {
     }
 

@@ -50,7 +50,7 @@ std::optional<StatLine> statLineOf(pid_t pid)
         fields.at(terminalField).toUInt(), fields.at(birthField).toULongLong()};
 }
 
-// As the kernel numbers its devices: of pseudo terminals, and of the consoles.
+// As the kernel numbers its devices: of pseudo terminals, of the consoles, and of others.
 QString terminalName(unsigned int device)
 {
     constexpr unsigned int consoles = 4;
@@ -61,20 +61,34 @@ QString terminalName(unsigned int device)
     const unsigned int number = gnu_dev_minor(device);
     if (kind >= firstPseudo && kind <= lastPseudo)
         return u"pts/%1"_s.arg((kind - firstPseudo) * 256 + number);
-    return kind == consoles && number < mostConsoles ? u"tty%1"_s.arg(number) : QString();
+    if (kind == consoles && number < mostConsoles)
+        return u"tty%1"_s.arg(number);
+    return device == 0 ? QString() : u"terminal"_s;
+}
+
+// Empty where it cannot be read.
+QByteArray linkOf(const QByteArray &process, const QByteArray &name)
+{
+    std::array<char, PATH_MAX> path{};
+    const QByteArray link = "/proc/" + process + '/' + name;
+    const ssize_t size = ::readlink(link.constData(), path.data(), path.size());
+    return {path.data(), std::max<ssize_t>(size, 0)};
 }
 
 std::optional<QByteArray> executableNameOf(pid_t pid)
 {
-    std::array<char, PATH_MAX> path{};
-    const QByteArray link = "/proc/" + QByteArray::number(pid) + "/exe";
-    const ssize_t size = ::readlink(link.constData(), path.data(), path.size());
-    if (size <= 0)
+    QByteArray target = linkOf(QByteArray::number(pid), "exe");
+    if (target.isEmpty())
         return std::nullopt;
-    QByteArray target(path.data(), size);
     if (constexpr QByteArrayView mark = " (deleted)"; target.endsWith(mark))
         target.chop(mark.size()); // an update has replaced the file
     return target.sliced(target.lastIndexOf('/') + 1);
+}
+
+bool isContained(pid_t pid)
+{
+    const QByteArray space = linkOf(QByteArray::number(pid), "ns/pid");
+    return !space.isEmpty() && space != linkOf("self", "ns/pid");
 }
 
 // The user's service manager takes the orphans of the session, where there is one.
@@ -108,8 +122,16 @@ std::optional<ProcessInfo> LinuxProcessTable::find(pid_t pid) const
         info.isOrphan = adoptsOrphans(line->parent);
         info.birth = line->birth;
         info.terminal = terminalName(line->terminal);
+        info.isContained = isContained(pid);
     }
     return info;
+}
+
+QByteArray LinuxProcessTable::environment(pid_t pid) const
+{
+    constexpr qint64 most = 1 << 20;
+    const auto file = pid < firstProcess ? std::nullopt : RegularFile::open(u"/proc/%1/environ"_s.arg(pid));
+    return file ? file->read(0, most).value_or(QByteArray()) : QByteArray();
 }
 
 void LinuxProcessTable::signal(pid_t pid, quint64 birth, int number) const
