@@ -1,5 +1,6 @@
 #include <QTest>
 
+#include "Terminals/KittyWindow.h"
 #include "Terminals/TerminalCommand.h"
 #include "Terminals/WindowWay.h"
 #include "support/FakeProcessTable.h"
@@ -78,6 +79,19 @@ private Q_SLOTS:
                  {kitty + "3\nKITTY_LISTEN_ON=tcp:example.org:80", u""_s}})
             QCOMPARE(told(QByteArray(environment).replace('\n', '\0')), expected);
         QCOMPARE(shellQuoted(u"/tmp/it's $HOME"_s), u"'/tmp/it'\\''s $HOME'"_s);
+    }
+
+    void kittysWindowIsTheOneWithTheFocusInItsTab()
+    {
+        const auto listing = [](const QByteArray &tab, const QByteArray &window) -> QByteArray {
+            return R"([{"tabs":[{"is_focused":false,"windows":[{"id":1,"is_focused":true}]},{"is_focused":)"
+                + tab + R"(,"windows":[{"id":2},{"id":3,"is_focused":)" + window + "}]}]}]";
+        };
+        QVERIFY(isKittyWindowFocused(listing("true", "true"), 3));
+        for (const quint32 window : {1, 2, 4})
+            QVERIFY(!isKittyWindowFocused(listing("true", "true"), window));
+        QVERIFY(!isKittyWindowFocused(listing("true", "false"), 3));
+        QVERIFY(!isKittyWindowFocused("[{", 3));
     }
 
     void saysInAFewWordsWhyThereIsNoWindow()
