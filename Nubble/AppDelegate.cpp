@@ -286,7 +286,7 @@ std::unique_ptr<QuenwickMonitor> AppDelegate::quenwickMonitor()
 // One that runs is brought forward; otherwise it is started.
 bool AppDelegate::openApplication(const QString &identifier, std::optional<pid_t> process)
 {
-    if (process && m_backend.workspace->activateNearest({*process}) == Activation::Requested)
+    if (process && m_backend.workspace->activateNearest({.chain = {*process}}) == Activation::Requested)
         return true;
     return launchDesktopEntry(identifier, m_home);
 }

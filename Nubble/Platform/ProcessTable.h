@@ -13,6 +13,8 @@ struct ProcessInfo {
     std::optional<pid_t> parent{}; // absent when that cannot be read
     bool isOrphan = false;         // its parent has gone before it
     quint64 birth = 0;             // tells it from a later process of the same id
+    bool hasTerminal = false;      // a real one, or one that a program offers
+    bool isContained = false;      // in a container, where processes have ids of their own
 
     bool operator==(const ProcessInfo &) const = default;
 };
@@ -26,6 +28,10 @@ public:
     [[nodiscard]] virtual bool canSignal(pid_t pid) const = 0;
 
     [[nodiscard]] virtual std::optional<ProcessInfo> find(pid_t pid) const = 0;
+
+    // As it was when the process was started: "NAME=value", a null byte behind each, cut off at a megabyte.
+    // Empty where that cannot be read. Foreign input, and private: for looking up single variables.
+    [[nodiscard]] virtual QByteArray environment(pid_t pid) const = 0;
 
     // To that process and no other: nothing when it has ended, and its id is another's by now.
     virtual void signal(pid_t pid, quint64 birth, int number) const = 0;

@@ -24,6 +24,14 @@ enum class Activation {
     Impossible // this desktop does not let programs bring others forward
 };
 
+// A window that a process is seen in.
+struct WantedWindow {
+    QList<pid_t> chain; // the process and its ancestors: the nearest that has windows owns this one
+    quint32 window = 0; // the desktop's number for it, believed where it is that owner's; 0: unknown
+    QString title{};    // what its title may hold; empty: unknown
+    QByteArray token{}; // the desktop's leave to bring it forward, where a click elsewhere gave one
+};
+
 // The desktop's running applications. Main thread only. Activating brings all of an application's windows
 // forward, also iconified ones and ones on another desktop, and gives the keyboard to the one used last, also
 // when the panel has it.
@@ -37,8 +45,11 @@ public:
     [[nodiscard]] virtual QList<RunningApplication> runningApplications() const = 0; // in the desktop's order
     [[nodiscard]] virtual Activation activate(const RunningApplication &application) = 0;
 
-    // The nearest of a process and its ancestors, in this order, that is a running application.
-    [[nodiscard]] virtual Activation activateNearest(const QList<pid_t> &chain) = 0;
+    // The application that owns the window, with the keyboard for that window where it can be told apart.
+    [[nodiscard]] virtual Activation activateNearest(const WantedWindow &wanted) = 0;
+
+    // Whether the user works with that window, and with no other of the same application.
+    [[nodiscard]] virtual bool isInFront(const WantedWindow &wanted) const = 0;
 
     // The one that the user works with, which may be this program. None where the desktop does not tell.
     [[nodiscard]] virtual std::optional<RunningApplication> frontApplication() const = 0;

@@ -50,7 +50,8 @@ public:
     [[nodiscard]] bool canActivate() const override { return true; }
     [[nodiscard]] QList<RunningApplication> runningApplications() const override { return {}; }
     [[nodiscard]] Activation activate(const RunningApplication &) override { return Activation::NotFound; }
-    [[nodiscard]] Activation activateNearest(const QList<pid_t> &) override { return Activation::NotFound; }
+    [[nodiscard]] Activation activateNearest(const WantedWindow &) override { return Activation::NotFound; }
+    [[nodiscard]] bool isInFront(const WantedWindow &) const override { return false; }
     [[nodiscard]] std::optional<RunningApplication> frontApplication() const override { return {}; }
     [[nodiscard]] std::optional<QString> windowTitle(pid_t) const override { return {}; }
 };

@@ -17,7 +17,19 @@ namespace nubble {
 namespace {
 
 constexpr int mostAncestors = 24;
-constexpr CommandLimits lookupLimits{.output = 100, .time = 2s};
+constexpr CommandLimits lookupLimits{.output = 100, .time = 1s};
+
+QList<pid_t> withAncestors(pid_t pid, const ProcessActivator::ParentLookup &parentOf)
+{
+    QList<pid_t> chain{pid};
+    while (chain.size() <= mostAncestors) {
+        const auto parent = parentOf(chain.last());
+        if (!parent || *parent < 2 || *parent == chain.last())
+            break;
+        chain.append(*parent);
+    }
+    return chain;
+}
 
 } // namespace
 
@@ -31,23 +43,45 @@ bool ProcessActivator::canActivate() const
     return m_workspace.canActivate();
 }
 
-Activation ProcessActivator::activate(pid_t pid)
+void ProcessActivator::activate(const SessionPlace &place, Told told, const QByteArray &)
 {
     assertMainThread("Nubble/Sessions/ProcessActivator");
-    const Activation done = m_workspace.activateNearest(withAncestors(pid));
-    return done == Activation::NotFound ? activateClaudeDesktop() : done;
+    if (m_wishes.hasLatestWaiting())
+        std::exchange(*m_told, {})(Outcome::failed(u"Another session was picked"_s));
+    m_told = std::make_shared<Told>(std::move(told));
+    m_wishes.addLatest(
+        [parentOf = m_parentOf, pid = place.pid](const std::stop_token &) {
+            return withAncestors(pid, parentOf);
+        },
+        [this, waiting = m_told](const QList<pid_t> &chain) {
+            const bool isDone = bringForward(chain) == Activation::Requested;
+            if (const Told answer = std::exchange(*waiting, {})) // else it began while it was replaced
+                answer(isDone ? Outcome::done() : Outcome::failed(u"No window of it was found"_s));
+        });
 }
 
-QList<pid_t> ProcessActivator::withAncestors(pid_t pid) const
+void ProcessActivator::askIfInFront(const SessionPlace &place, std::function<void(bool)> told)
 {
-    QList<pid_t> chain{pid};
-    while (chain.size() <= mostAncestors) {
-        const auto parent = m_parentOf(chain.last());
-        if (!parent || *parent < 2 || *parent == chain.last())
-            break;
-        chain.append(*parent);
-    }
-    return chain;
+    assertMainThread("Nubble/Sessions/ProcessActivator");
+    m_questions.add(
+        [parentOf = m_parentOf, pid = place.pid](const std::stop_token &) {
+            return withAncestors(pid, parentOf);
+        },
+        [this, told = std::move(told)](const QList<pid_t> &chain) {
+            told(m_workspace.isInFront({.chain = chain}));
+        });
+}
+
+void ProcessActivator::waitForDone()
+{
+    m_wishes.waitForDone();
+    m_questions.waitForDone();
+}
+
+Activation ProcessActivator::bringForward(const QList<pid_t> &chain)
+{
+    const Activation done = m_workspace.activateNearest({.chain = chain});
+    return done == Activation::NotFound ? activateClaudeDesktop() : done;
 }
 
 Activation ProcessActivator::activateClaudeDesktop()

@@ -31,6 +31,7 @@ public:
     explicit ProjectRow(QWidget *parent = nullptr);
 
     void setContent(const ProjectRowContent &content); // an equal one repaints nothing
+    [[nodiscard]] const QString &title() const { return m_content.title; }
 
 protected:
     void paintEvent(QPaintEvent *event) override;

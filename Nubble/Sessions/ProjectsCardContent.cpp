@@ -1,6 +1,7 @@
 #include "Sessions/ProjectsCardContent.h"
 
 #include <QLabel>
+#include <QPointer>
 #include <QScrollBar>
 #include <QSet>
 #include <QTimer>
@@ -11,7 +12,6 @@
 #include <cstdlib>
 
 #include "Platform/Clock.h"
-#include "Platform/Workspace.h"
 #include "Sessions/ProcessActivator.h"
 #include "Sessions/ProjectRow.h"
 #include "Sessions/RowColumn.h"
@@ -142,13 +142,19 @@ ProjectRow *ProjectsCardContent::rowOf(const SessionRun &key)
     if (!row) {
         row = new ProjectRow(m_rows);
         row->setEnabled(m_bringsForward);
-        connect(row, &ProjectRow::clicked, this, [this, row, pid = key.second] {
-            const bool byKeyboard = row->hasFocus(); // which leaves with the activated window
-            if (m_activator.activate(pid) == Activation::Requested && byKeyboard)
-                Q_EMIT closeRequested();
-        });
+        connect(row, &ProjectRow::clicked, this, [this, row, pid = key.second] { bringForward(*row, pid); });
     }
     return row;
+}
+
+void ProjectsCardContent::bringForward(ProjectRow &row, pid_t pid)
+{
+    const bool byKeyboard = row.hasFocus(); // which leaves with the activated window
+    m_activator.activate(
+        {.pid = pid, .title = row.title()}, [content = QPointer(this), byKeyboard](const Outcome &outcome) {
+            if (content && byKeyboard && outcome.isDone())
+                Q_EMIT content->closeRequested();
+        });
 }
 
 void ProjectsCardContent::showRow(const ClaudeSession &session, int position)

@@ -38,6 +38,7 @@ private:
     ProjectRow *rowOf(const SessionRun &key);
     void removeRowsExcept(const QList<SessionRun> &keys);
     void orderFocus();
+    void bringForward(ProjectRow &row, pid_t pid);
     void showRow(const ClaudeSession &session, int position);
 
     const SessionMonitor &m_monitor;

@@ -109,7 +109,7 @@ private Q_SLOTS:
         QVERIFY(!backend.screenCapture->canCapture() && backend.screenCapture->grab().isNull());
         QVERIFY(!backend.workspace->frontApplication() && !backend.workspace->windowTitle(::getpid()));
         QVERIFY(!backend.hotKeys->grab(1, Qt::CTRL | Qt::Key_A) && !backend.hotKeys->isGrabbed(1));
-        QCOMPARE(backend.workspace->activateNearest({::getpid()}), Activation::Impossible);
+        QCOMPARE(backend.workspace->activateNearest({.chain = {::getpid()}}), Activation::Impossible);
 
         QWidget window;
         const auto surface = backend.makePanelSurface(window);

@@ -121,15 +121,15 @@ private Q_SLOTS:
         for (const char *property : {"_NET_CLIENT_LIST", "_NET_CLIENT_LIST_STACKING"})
             m_terminal.setNumbers(m_terminal.root(), property, list, "WINDOW");
         QCOMPARE(runningPids(), QList<pid_t>{4242});
-        QCOMPARE(m_workspace.activateNearest({4242}), Activation::Requested);
-        QCOMPARE(m_workspace.activateNearest({4343, 0}), Activation::NotFound);
+        QCOMPARE(m_workspace.activateNearest({.chain = {4242}}), Activation::Requested);
+        QCOMPARE(m_workspace.activateNearest({.chain = {4343, 0}}), Activation::NotFound);
         m_terminal.setNumbers(m_terminal.root(), "_NET_CLIENT_LIST", {window}, "WINDOW");
 
         QVERIFY(m_workspace.canActivate());
         const auto supported = m_terminal.numbers(m_terminal.root(), "_NET_SUPPORTED");
         m_terminal.setNumbers(m_terminal.root(), "_NET_SUPPORTED", {}, "ATOM"); // no window manager
         QVERIFY(!m_workspace.canActivate());
-        QCOMPARE(m_workspace.activateNearest({4343}), Activation::Impossible);
+        QCOMPARE(m_workspace.activateNearest({.chain = {4343}}), Activation::Impossible);
         m_terminal.setNumbers(m_terminal.root(), "_NET_SUPPORTED", supported, "ATOM");
     }
 
@@ -151,7 +151,7 @@ private Q_SLOTS:
         QCOMPARE(runningPids(), (QList<pid_t>{4242, 4343}));
 
         // 4444 has no managed window, 0 names no process, and 4343 is not the nearest.
-        QCOMPARE(m_workspace.activateNearest({4444, 0, 4242, 4343}), Activation::Requested);
+        QCOMPARE(m_workspace.activateNearest({.chain = {4444, 0, 4242, 4343}}), Activation::Requested);
         QTRY_COMPARE(m_terminal.focusedWindow(), above);
         QTRY_COMPARE(stacking(), (std::vector<uint32_t>{text, below, above}));
     }
@@ -167,7 +167,7 @@ private Q_SLOTS:
             QTRY_VERIFY(m_terminal.hasState(window, "_NET_WM_STATE_HIDDEN"));
         }
         m_editor.focus(m_editor.open({100, 100, 300, 300}, Qt::blue));
-        QCOMPARE(m_workspace.activateNearest({4242}), Activation::Requested);
+        QCOMPARE(m_workspace.activateNearest({.chain = {4242}}), Activation::Requested);
         QTRY_VERIFY(!m_terminal.hasState(here, "_NET_WM_STATE_HIDDEN"));
         QTRY_COMPARE(m_terminal.focusedWindow(), kept);
         QVERIFY(m_terminal.hasState(elsewhere, "_NET_WM_STATE_HIDDEN"));

@@ -397,7 +397,8 @@ private Q_SLOTS:
         m_workspace.allowed = false;
         ProcessActivator activator(m_workspace, [](pid_t) { return std::nullopt; });
         QVERIFY(!activator.canActivate());
-        QCOMPARE(activator.activate(::getpid()), Activation::Impossible);
+        activator.activate({::getpid(), {}}, [](const Outcome &outcome) { QVERIFY(!outcome.isDone()); });
+        activator.waitForDone();
     }
 
     void knowsAParentByPsOrTheKernelsTableWhereThatIsMissing()
@@ -426,7 +427,8 @@ private:
         ProcessActivator activator(m_workspace, [this](pid_t child) {
             return m_parents.contains(child) ? std::optional(m_parents.value(child)) : std::nullopt;
         });
-        (void)activator.activate(pid);
+        activator.activate({pid, {}}, [](const Outcome &) { });
+        activator.waitForDone();
         return m_workspace.activated;
     }
     std::unique_ptr<SessionMonitor> monitor(const ProcessTable &processes, SessionWatches watches = {}) const

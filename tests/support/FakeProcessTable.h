@@ -15,10 +15,12 @@ public:
     {
         return known.contains(pid) ? std::optional(known.value(pid)) : std::nullopt;
     }
+    [[nodiscard]] QByteArray environment(pid_t pid) const override { return environments.value(pid); }
     void signal(pid_t, quint64, int) const override { }
 
     QSet<pid_t> alive;
     QMap<pid_t, ProcessInfo> known;
+    QMap<pid_t, QByteArray> environments;
 };
 
 } // namespace nubble

@@ -13,18 +13,23 @@ public:
     [[nodiscard]] QList<RunningApplication> runningApplications() const override { return applications; }
     [[nodiscard]] Activation activate(const RunningApplication &application) override
     {
-        return activateNearest({application.pid.value_or(0)});
+        return activateNearest({.chain = {application.pid.value_or(0)}});
     }
-    [[nodiscard]] Activation activateNearest(const QList<pid_t> &chain) override
+    [[nodiscard]] Activation activateNearest(const WantedWindow &window) override
     {
         ++lookups;
-        for (const pid_t pid : chain)
+        wanted = window;
+        for (const pid_t pid : window.chain)
             for (const RunningApplication &each : applications)
                 if (allowed && each.pid == pid) {
                     activated.append(pid);
                     return Activation::Requested;
                 }
         return allowed ? Activation::NotFound : Activation::Impossible;
+    }
+    [[nodiscard]] bool isInFront(const WantedWindow &window) const override
+    {
+        return front && front->pid && window.chain.contains(*front->pid);
     }
     [[nodiscard]] std::optional<RunningApplication> frontApplication() const override { return front; }
     [[nodiscard]] std::optional<QString> windowTitle(pid_t pid) const override
@@ -38,6 +43,7 @@ public:
     std::optional<RunningApplication> front;
     QMap<pid_t, QString> titles;
     QList<pid_t> activated;
+    WantedWindow wanted; // by the last activation
     int lookups = 0;
 };
 

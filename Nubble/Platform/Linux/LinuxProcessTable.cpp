@@ -22,6 +22,7 @@ constexpr pid_t firstProcess = 1;
 struct StatLine {
     QByteArray threadName;
     pid_t parent;
+    bool hasTerminal;
     quint64 birth; // clock ticks after the machine's start
 };
 
@@ -32,6 +33,7 @@ std::optional<StatLine> statLineOf(pid_t pid)
     constexpr qint64 longest = 4096;
     constexpr qsizetype stateField = 0;
     constexpr qsizetype parentField = 1;
+    constexpr qsizetype terminalField = 4;
     constexpr qsizetype birthField = 19;
     const auto file = RegularFile::open(u"/proc/%1/stat"_s.arg(pid));
     const QByteArray line = file ? file->read(0, longest).value_or(QByteArray()) : QByteArray();
@@ -44,20 +46,32 @@ std::optional<StatLine> statLineOf(pid_t pid)
         return std::nullopt;
     return StatLine{
         line.sliced(nameBegin, nameEnd - nameBegin), fields.at(parentField).toInt(),
-        fields.at(birthField).toULongLong()};
+        fields.at(terminalField) != "0", fields.at(birthField).toULongLong()};
+}
+
+// Empty where it cannot be read.
+QByteArray linkOf(const QByteArray &process, const QByteArray &name)
+{
+    std::array<char, PATH_MAX> path{};
+    const QByteArray link = "/proc/" + process + '/' + name;
+    const ssize_t size = ::readlink(link.constData(), path.data(), path.size());
+    return {path.data(), std::max<ssize_t>(size, 0)};
 }
 
 std::optional<QByteArray> executableNameOf(pid_t pid)
 {
-    std::array<char, PATH_MAX> path{};
-    const QByteArray link = "/proc/" + QByteArray::number(pid) + "/exe";
-    const ssize_t size = ::readlink(link.constData(), path.data(), path.size());
-    if (size <= 0)
+    QByteArray target = linkOf(QByteArray::number(pid), "exe");
+    if (target.isEmpty())
         return std::nullopt;
-    QByteArray target(path.data(), size);
     if (constexpr QByteArrayView mark = " (deleted)"; target.endsWith(mark))
         target.chop(mark.size()); // an update has replaced the file
     return target.sliced(target.lastIndexOf('/') + 1);
+}
+
+bool isContained(pid_t pid)
+{
+    const QByteArray space = linkOf(QByteArray::number(pid), "ns/pid");
+    return !space.isEmpty() && space != linkOf("self", "ns/pid");
 }
 
 // The user's service manager takes the orphans of the session, where there is one.
@@ -90,8 +104,17 @@ std::optional<ProcessInfo> LinuxProcessTable::find(pid_t pid) const
         info.parent = line->parent;
         info.isOrphan = adoptsOrphans(line->parent);
         info.birth = line->birth;
+        info.hasTerminal = line->hasTerminal;
+        info.isContained = isContained(pid);
     }
     return info;
+}
+
+QByteArray LinuxProcessTable::environment(pid_t pid) const
+{
+    constexpr qint64 most = 1 << 20;
+    const auto file = pid < firstProcess ? std::nullopt : RegularFile::open(u"/proc/%1/environ"_s.arg(pid));
+    return file ? file->read(0, most).value_or(QByteArray()) : QByteArray();
 }
 
 void LinuxProcessTable::signal(pid_t pid, quint64 birth, int number) const

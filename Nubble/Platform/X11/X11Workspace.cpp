@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "Platform/MainThread.h"
+#include "Platform/WindowChoice.h"
 #include "Platform/X11/X11Connection.h"
 #include "Platform/X11/X11KeyboardFocus.h"
 
@@ -59,6 +60,14 @@ std::optional<QString> fromUtf8(const QByteArray &bytes)
     QStringDecoder decoder(QStringDecoder::Utf8);
     QString text = decoder(bytes);
     return decoder.hasError() ? std::nullopt : std::optional(text);
+}
+
+// Of the click that a token was made for: it ends with "_TIME" and the server's time. 0: none.
+xcb_timestamp_t timeOf(const QByteArray &token)
+{
+    const QByteArray mark = "_TIME";
+    const qsizetype at = token.lastIndexOf(mark);
+    return at < 0 ? XCB_CURRENT_TIME : token.mid(at + mark.size()).toUInt();
 }
 
 } // namespace
@@ -120,34 +129,55 @@ bool X11Workspace::canActivate() const
 Activation X11Workspace::activate(const RunningApplication &application)
 {
     assertMainThread("Nubble/Platform/X11/X11Workspace");
-    return activateNearest({application.pid.value_or(0)});
+    return activateNearest({.chain = {application.pid.value_or(0)}});
 }
 
-Activation X11Workspace::activateNearest(const QList<pid_t> &chain)
+Activation X11Workspace::activateNearest(const WantedWindow &wanted)
 {
     assertMainThread("Nubble/Platform/X11/X11Workspace");
+    const OwnedWindows windows = ownedWindows(wanted);
+    if (windows.all.empty())
+        return canActivate() ? Activation::NotFound : Activation::Impossible;
+    bringForward(windows, timeOf(wanted.token));
+    return Activation::Requested;
+}
+
+bool X11Workspace::isInFront(const WantedWindow &wanted) const
+{
+    assertMainThread("Nubble/Platform/X11/X11Workspace");
+    const OwnedWindows windows = ownedWindows(wanted);
+    return windows.isCertain && windows.all.back().id == activeWindow();
+}
+
+X11Workspace::OwnedWindows X11Workspace::ownedWindows(const WantedWindow &wanted) const
+{
     const auto windows = stackedWindows();
     const auto pids = owners(windows);
-    for (const pid_t pid : chain) {
+    for (const pid_t pid : wanted.chain) {
         std::vector<xcb_window_t> own;
         for (size_t i = 0; i < windows.size(); ++i)
             if (pid > 0 && pids[i] == pid)
                 own.push_back(windows[i]);
         if (own.empty())
             continue;
-        bringForward(withStates(own));
-        return Activation::Requested;
+        OwnedWindows result{.all = withStates(own)};
+        QList<CandidateWindow> candidates;
+        for (const Window &each : result.all)
+            candidates.append({each.id, title(each.id).value_or(QString())});
+        const WindowChoice choice = chooseWindow(candidates, wanted);
+        const auto chosen = result.all.begin() + choice.index;
+        std::rotate(chosen, chosen + 1, result.all.end());
+        result.isCertain = choice.isCertain;
+        return result;
     }
-    return canActivate() ? Activation::NotFound : Activation::Impossible;
+    return {};
 }
 
 std::optional<RunningApplication> X11Workspace::frontApplication() const
 {
-    // Some window managers write another value behind the window.
-    const auto active = X11Property(*m_x11, m_x11->root(), m_x11->atom(X11Atom::NetActiveWindow)).numbers();
-    if (active.empty() || active.front() == XCB_WINDOW_NONE)
+    const xcb_window_t window = activeWindow();
+    if (window == XCB_WINDOW_NONE)
         return std::nullopt;
-    const xcb_window_t window = active.front();
     const QByteArray windowClass = X11Property(*m_x11, window, XCB_ATOM_WM_CLASS).text();
     const pid_t pid = owners({window}).front();
     return pid == 0 && windowClass.isEmpty() ? std::nullopt : std::optional(application(pid, windowClass));
@@ -168,6 +198,13 @@ std::optional<QString> X11Workspace::windowTitle(pid_t pid) const
             return title(windows[i]);
     }
     return std::nullopt;
+}
+
+xcb_window_t X11Workspace::activeWindow() const
+{
+    // Some window managers write another value behind the window.
+    const auto active = X11Property(*m_x11, m_x11->root(), m_x11->atom(X11Atom::NetActiveWindow)).numbers();
+    return active.empty() ? xcb_window_t{XCB_WINDOW_NONE} : active.front();
 }
 
 std::vector<xcb_window_t> X11Workspace::stackedWindows() const
@@ -221,37 +258,37 @@ std::vector<X11Workspace::Window> X11Workspace::withStates(const std::vector<xcb
     return result;
 }
 
-void X11Workspace::bringForward(const std::vector<Window> &windows) const
+void X11Workspace::bringForward(const OwnedWindows &windows, xcb_timestamp_t time) const
 {
     uint32_t desktop = currentDesktop();
-    const uint32_t wanted = windows.back().desktop;
+    const Window &wanted = windows.all.back();
     // Some window managers do not go to another desktop for a window that is activated there.
-    if (wanted != everyDesktop && wanted != desktop) {
-        desktop = wanted;
-        m_x11->askWindowManager(m_x11->root(), X11Atom::NetCurrentDesktop, {desktop, XCB_CURRENT_TIME});
+    if (wanted.desktop != everyDesktop && wanted.desktop != desktop) {
+        desktop = wanted.desktop;
+        m_x11->askWindowManager(m_x11->root(), X11Atom::NetCurrentDesktop, {desktop, time});
     }
-    for (const Window &window : windows)
-        raise(window, desktop);
-    focus(windows.back());
-    m_keyboard->handOn(windows.back().id);
+    // Only what lies on the desktop in view is deiconified: activating it elsewhere would leave that desktop.
+    // Where the wanted one is certain, the others stay where the user has put them.
+    for (const Window &each : windows.all)
+        if (each.iconified && !windows.isCertain && (each.desktop == desktop || each.desktop == everyDesktop))
+            focus(each, XCB_CURRENT_TIME);
+        else
+            raise(each);
+    focus(wanted, time);
+    m_keyboard->handOn(wanted.id);
     m_x11->flush();
 }
 
-// Only what lies on the desktop in view is deiconified: activating it elsewhere would leave that desktop.
-void X11Workspace::raise(const Window &window, uint32_t desktop) const
-{
-    if (window.iconified && (window.desktop == desktop || window.desktop == everyDesktop))
-        focus(window);
-    else
-        m_x11->askWindowManager(
-            window.id, X11Atom::NetRestackWindow, {fromPager, XCB_WINDOW_NONE, XCB_STACK_MODE_ABOVE});
-}
-
-// As a pager and without a time, for which no window manager refuses.
-void X11Workspace::focus(const Window &window) const
+void X11Workspace::raise(const Window &window) const
 {
     m_x11->askWindowManager(
-        window.id, X11Atom::NetActiveWindow, {fromPager, XCB_CURRENT_TIME, XCB_WINDOW_NONE});
+        window.id, X11Atom::NetRestackWindow, {fromPager, XCB_WINDOW_NONE, XCB_STACK_MODE_ABOVE});
+}
+
+// As a pager, which no window manager refuses without a time, or with that of the newest click.
+void X11Workspace::focus(const Window &window, xcb_timestamp_t time) const
+{
+    m_x11->askWindowManager(window.id, X11Atom::NetActiveWindow, {fromPager, time, XCB_WINDOW_NONE});
 }
 
 } // namespace nubble
