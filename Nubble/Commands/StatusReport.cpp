@@ -73,13 +73,7 @@ bool disturbsTerminals(QChar each)
 
 QString fitted(const QString &text, qsizetype width)
 {
-    if (text.size() <= width)
-        return text.leftJustified(width);
-    QString start = text.first(std::max<qsizetype>(width - 1, 0));
-    if (!start.isEmpty() && start.back().isHighSurrogate())
-        start.chop(1); // not half a character
-    start += u'…';
-    return start.leftJustified(width);
+    return shortened(text, width).leftJustified(width);
 }
 
 // The last column takes what is left of the line.

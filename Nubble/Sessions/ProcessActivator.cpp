@@ -33,8 +33,8 @@ QList<pid_t> withAncestors(pid_t pid, const ProcessActivator::ParentLookup &pare
 
 } // namespace
 
-ProcessActivator::ProcessActivator(Workspace &workspace, ParentLookup parentOf)
-    : m_workspace(workspace), m_parentOf(std::move(parentOf))
+ProcessActivator::ProcessActivator(Workspace &workspace, ParentLookup parentOf, QObject *parent)
+    : QObject(parent), m_workspace(workspace), m_parentOf(std::move(parentOf))
 {
 }
 
@@ -48,7 +48,11 @@ void ProcessActivator::activate(const SessionPlace &place, Told told, const QByt
     assertMainThread("Nubble/Sessions/ProcessActivator");
     if (m_wishes.hasLatestWaiting())
         std::exchange(*m_told, {})(Outcome::failed(u"Another session was picked"_s));
-    m_told = std::make_shared<Told>(std::move(told));
+    m_told = std::make_shared<Told>([this, pid = place.pid, told = std::move(told)](const Outcome &outcome) {
+        if (outcome.isDone())
+            Q_EMIT cameForward(pid);
+        told(outcome);
+    });
     m_wishes.addLatest(
         [parentOf = m_parentOf, pid = place.pid](const std::stop_token &) {
             return withAncestors(pid, parentOf);

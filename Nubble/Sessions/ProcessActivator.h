@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QList>
+#include <QObject>
 #include <QString>
 
 #include <functional>
@@ -25,12 +26,14 @@ struct SessionPlace {
 
 // Brings the application forward in which a session runs: the nearest of its process's ancestors that is one,
 // else Claude's own desktop application. Main thread only; what has to be looked up is looked up beside it.
-class ProcessActivator {
+class ProcessActivator : public QObject {
+    Q_OBJECT
+
 public:
     using Told = std::function<void(const Outcome &)>;
     using ParentLookup = std::function<std::optional<pid_t>(pid_t)>; // any thread
 
-    ProcessActivator(Workspace &workspace, ParentLookup parentOf);
+    ProcessActivator(Workspace &workspace, ParentLookup parentOf, QObject *parent = nullptr);
 
     [[nodiscard]] bool canActivate() const; // whether this desktop brings anything forward
 
@@ -48,6 +51,9 @@ public:
     // Asks the program `ps`, and the kernel's table where that is not installed.
     [[nodiscard]] static ParentLookup askingPs(
         const ProcessTable &processes, const QString &ps = QStringLiteral("/bin/ps"));
+
+Q_SIGNALS:
+    void cameForward(pid_t pid); // the session of that process, whoever wished it; before he is told
 
 private:
     [[nodiscard]] Activation bringForward(const QList<pid_t> &chain);

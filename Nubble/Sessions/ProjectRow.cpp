@@ -6,6 +6,7 @@
 
 #include "Sessions/SessionTexts.h"
 #include "Sessions/StateColors.h"
+#include "Shell/OneLine.h"
 #include "Widgets/CardMetrics.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Symbols.h"
@@ -23,16 +24,6 @@ constexpr qsizetype longestToolTipText = 600;
 QString helpText()
 {
     return u"Bring this session forward"_s;
-}
-
-QString toolTipLine(const QString &text)
-{
-    if (text.size() <= longestToolTipText)
-        return text;
-    QString start = text.first(longestToolTipText - 1);
-    if (start.back().isHighSurrogate())
-        start.chop(1); // not half a character
-    return start + u'…';
 }
 
 QString joined(QStringList parts, const QString &separator)
@@ -61,11 +52,11 @@ void ProjectRow::describe()
 {
     const QString help = isEnabled() ? helpText() : QString();
     setAccessibleName(u"%1, %2, %3"_s.arg(m_content.title, rowWord(m_content.state), m_content.elapsed));
-    setAccessibleDescription(joined({toolTipLine(m_content.lastPrompt), help}, u". "_s));
+    setAccessibleDescription(joined({shortened(m_content.lastPrompt, longestToolTipText), help}, u". "_s));
     // The last prompt last: it is what may be cut off.
     QStringList lines{help, m_content.title, m_content.folder, m_content.lastPrompt};
     for (QString &line : lines)
-        line = toolTipLine(line);
+        line = shortened(line, longestToolTipText);
     setToolTip(joined(lines, u"\n"_s));
 }
 

@@ -10,6 +10,7 @@ namespace nubble {
 struct SessionDetail {
     std::optional<QString> title;
     std::optional<QString> lastPrompt;
+    std::optional<QString> question{};
 
     bool operator==(const SessionDetail &) const = default;
 };
