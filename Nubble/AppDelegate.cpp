@@ -19,6 +19,7 @@
 #include "Sessions/NoticePreferences.h"
 #include "Sessions/SessionsCard.h"
 #include "Shell/DesktopEntry.h"
+#include "Shell/Tools.h"
 #include "Usage/UsageCard.h"
 #include "Widgets/Typography.h"
 
@@ -56,7 +57,11 @@ AppDelegate::AppDelegate(const Home &home, InstanceBus &bus, Relaunch relaunch)
            .transcripts = System::folderWatch(),
            .processes = System::processWatch()}),
       m_planUsage(home, m_clock, PlanUsageMonitor::domainIn(m_defaults)),
-      m_activator(*m_backend.workspace, ProcessActivator::askingPs(*m_processes)),
+      m_activator(
+          *m_backend.workspace,
+          {.processes = *m_processes,
+           .parentOf = TerminalLookups::askingPs(*m_processes),
+           .tool = [home](const QString &name) { return Tools::find(name, home); }}),
       m_nextSession(m_sessionMonitor, m_activator, m_clock),
       m_sessionNotices(m_sessionMonitor, m_activator, *m_backend.notices, m_defaults),
       m_panel(

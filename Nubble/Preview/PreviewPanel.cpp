@@ -12,6 +12,8 @@
 #include "Placement/MainScreen.h"
 #include "Placement/NotchPlacement.h"
 #include "Platform/DesktopPreferences.h"
+#include "Platform/ProcessTable.h"
+#include "Platform/System.h"
 #include "Platform/Workspace.h"
 #include "Review/QuenwickCard.h"
 #include "Review/QuenwickMonitor.h"
@@ -72,7 +74,7 @@ public:
     PreviewPanel(const PreviewSample &sample, const QString &folder)
         : m_defaults(folder), m_addons(m_defaults), m_sessions(sample.sessions),
           m_usage(sample.usage, sample.usageProblem), m_meeting(sample.meeting, sample.level),
-          m_quenwick(sample.review), m_activator(m_workspace, [](pid_t) { return std::nullopt; }),
+          m_quenwick(sample.review), m_activator(m_workspace, {*m_processes, {}, {}}),
           m_actions(notchActions(m_addons, m_state, m_notifications, &m_meeting, {})),
           m_companion(companionAction(m_quenwick, m_clock, {})),
           m_layout(Typography::percentLineHeight(), true, static_cast<int>(m_actions.size())),
@@ -130,6 +132,7 @@ private:
     StillClock m_clock;
     StillPreferences m_preferences;
     EmptyWorkspace m_workspace;
+    std::unique_ptr<ProcessTable> m_processes = System::processTable();
     EverythingOn m_defaults;
     ActiveAddons m_addons;
     SessionMonitor m_sessions;

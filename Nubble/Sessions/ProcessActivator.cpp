@@ -5,36 +5,24 @@
 #include <algorithm>
 
 #include "Platform/MainThread.h"
-#include "Platform/ProcessTable.h"
 #include "Platform/Workspace.h"
-#include "Shell/Command.h"
+#include "Terminals/TerminalPane.h"
 
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
 namespace nubble {
 
 namespace {
 
-constexpr int mostAncestors = 24;
-constexpr CommandLimits lookupLimits{.output = 100, .time = 1s};
-
-QList<pid_t> withAncestors(pid_t pid, const ProcessActivator::ParentLookup &parentOf)
+WantedWindow windowOf(const WindowWay &way, const SessionPlace &place, const QByteArray &token = {})
 {
-    QList<pid_t> chain{pid};
-    while (chain.size() <= mostAncestors) {
-        const auto parent = parentOf(chain.last());
-        if (!parent || *parent < 2 || *parent == chain.last())
-            break;
-        chain.append(*parent);
-    }
-    return chain;
+    return {.chain = way.chain, .window = way.window, .title = place.title, .token = token};
 }
 
 } // namespace
 
-ProcessActivator::ProcessActivator(Workspace &workspace, ParentLookup parentOf, QObject *parent)
-    : QObject(parent), m_workspace(workspace), m_parentOf(std::move(parentOf))
+ProcessActivator::ProcessActivator(Workspace &workspace, TerminalLookups lookups, QObject *parent)
+    : QObject(parent), m_workspace(workspace), m_lookups(std::move(lookups))
 {
 }
 
@@ -43,36 +31,44 @@ bool ProcessActivator::canActivate() const
     return m_workspace.canActivate();
 }
 
-void ProcessActivator::activate(const SessionPlace &place, Told told, const QByteArray &)
+void ProcessActivator::activate(const SessionPlace &place, Told told, const QByteArray &token)
 {
     assertMainThread("Nubble/Sessions/ProcessActivator");
     if (m_wishes.hasLatestWaiting())
         std::exchange(*m_told, {})(Outcome::failed(u"Another session was picked"_s));
-    m_told = std::make_shared<Told>([this, pid = place.pid, told = std::move(told)](const Outcome &outcome) {
-        if (outcome.isDone())
-            Q_EMIT cameForward(pid);
-        told(outcome);
-    });
+    m_told = std::make_shared<Told>(std::move(told));
     m_wishes.addLatest(
-        [parentOf = m_parentOf, pid = place.pid](const std::stop_token &) {
-            return withAncestors(pid, parentOf);
+        [finder = finder(), pid = place.pid](const std::stop_token &) {
+            const WindowWay way = finder.find(pid);
+            for (const auto &pane : way.panes)
+                pane->select();
+            return way;
         },
-        [this, waiting = m_told](const QList<pid_t> &chain) {
-            const bool isDone = bringForward(chain) == Activation::Requested;
-            if (const Told answer = std::exchange(*waiting, {})) // else it began while it was replaced
-                answer(isDone ? Outcome::done() : Outcome::failed(u"No window of it was found"_s));
+        [this, place, token, waiting = m_told](const WindowWay &way) {
+            const Outcome outcome = bringForward(way, place, token);
+            m_attachCommand = way.attachCommand;
+            if (outcome.isDone())
+                Q_EMIT cameForward(place.pid);
+            if (const Told tell = std::exchange(*waiting, {})) // else it began while it was replaced
+                tell(outcome);
+            m_attachCommand.clear();
         });
 }
 
 void ProcessActivator::askIfInFront(const SessionPlace &place, std::function<void(bool)> told)
 {
     assertMainThread("Nubble/Sessions/ProcessActivator");
+    struct Answer {
+        WindowWay way;
+        bool isSelected;
+    };
     m_questions.add(
-        [parentOf = m_parentOf, pid = place.pid](const std::stop_token &) {
-            return withAncestors(pid, parentOf);
+        [finder = finder(), pid = place.pid](const std::stop_token &) -> Answer {
+            const WindowWay way = finder.find(pid);
+            return {way, std::ranges::all_of(way.panes, [](const auto &pane) { return pane->isSelected(); })};
         },
-        [this, told = std::move(told)](const QList<pid_t> &chain) {
-            told(m_workspace.isInFront({.chain = chain}));
+        [this, place, told = std::move(told)](const Answer &answer) {
+            told(answer.isSelected && m_workspace.isInFront(windowOf(answer.way, place)));
         });
 }
 
@@ -82,10 +78,25 @@ void ProcessActivator::waitForDone()
     m_questions.waitForDone();
 }
 
-Activation ProcessActivator::bringForward(const QList<pid_t> &chain)
+WindowWayFinder ProcessActivator::finder() const
 {
-    const Activation done = m_workspace.activateNearest({.chain = chain});
-    return done == Activation::NotFound ? activateClaudeDesktop() : done;
+    QSet<pid_t> owners;
+    for (const RunningApplication &each : m_workspace.runningApplications())
+        owners.insert(each.pid.value_or(0));
+    return {m_lookups, owners};
+}
+
+Outcome ProcessActivator::bringForward(
+    const WindowWay &way, const SessionPlace &place, const QByteArray &token)
+{
+    Activation done = m_workspace.activateNearest(windowOf(way, place, token));
+    if (done == Activation::NotFound && way.attachCommand.isEmpty())
+        done = activateClaudeDesktop();
+    if (done == Activation::Requested)
+        return Outcome::done();
+    if (done == Activation::Impossible)
+        return Outcome::failed(u"This desktop raises no windows"_s);
+    return Outcome::failed(way.obstacle.isEmpty() ? u"Its window has just gone"_s : way.obstacle);
 }
 
 Activation ProcessActivator::activateClaudeDesktop()
@@ -97,21 +108,6 @@ Activation ProcessActivator::activateClaudeDesktop()
                 && (each.identifier.contains("claude"_L1, Qt::CaseInsensitive) || each.name == "Claude"_L1);
         });
     return found == applications.end() ? Activation::NotFound : m_workspace.activate(*found);
-}
-
-ProcessActivator::ParentLookup ProcessActivator::askingPs(const ProcessTable &processes, const QString &ps)
-{
-    return [&processes, ps](pid_t pid) -> std::optional<pid_t> {
-        const Command command{ps, {u"-o"_s, u"ppid="_s, u"-p"_s, QString::number(pid)}};
-        const CommandEnd end = runCommand(command, {}, lookupLimits);
-        if (end.kind == CommandEnd::Kind::NotStarted) {
-            const auto process = processes.find(pid);
-            return process ? process->parent : std::nullopt;
-        }
-        bool isNumber = false;
-        const pid_t parent = end.output.trimmed().toInt(&isNumber);
-        return isNumber ? std::optional(parent) : std::nullopt;
-    };
 }
 
 } // namespace nubble

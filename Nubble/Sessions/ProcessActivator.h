@@ -1,20 +1,19 @@
 #pragma once
 
-#include <QList>
+#include <QByteArray>
 #include <QObject>
 #include <QString>
 
 #include <functional>
 #include <memory>
-#include <optional>
 #include <sys/types.h>
 
 #include "Platform/Outcome.h"
 #include "Shell/SerialWorker.h"
+#include "Terminals/WindowWay.h"
 
 namespace nubble {
 
-class ProcessTable;
 class Workspace;
 enum class Activation;
 
@@ -24,16 +23,16 @@ struct SessionPlace {
     QString title{}; // as its row shows it
 };
 
-// Brings the application forward in which a session runs: the nearest of its process's ancestors that is one,
-// else Claude's own desktop application. Main thread only; what has to be looked up is looked up beside it.
+// Brings forward where a session runs: the window, tab and pane of the nearest of its process's ancestors
+// that is an application, else Claude's own desktop application. Main thread only; what has to be asked of
+// other programs is asked beside it.
 class ProcessActivator : public QObject {
     Q_OBJECT
 
 public:
     using Told = std::function<void(const Outcome &)>;
-    using ParentLookup = std::function<std::optional<pid_t>(pid_t)>; // any thread
 
-    ProcessActivator(Workspace &workspace, ParentLookup parentOf, QObject *parent = nullptr);
+    ProcessActivator(Workspace &workspace, TerminalLookups lookups, QObject *parent = nullptr);
 
     [[nodiscard]] bool canActivate() const; // whether this desktop brings anything forward
 
@@ -46,21 +45,24 @@ public:
     // `told` is called once, later.
     void askIfInFront(const SessionPlace &place, std::function<void(bool)> told);
 
-    void waitForDone(); // with all that has been asked so far
+    // For the user's shell: brings a session that waits for a terminal into that one. Of the wish that was
+    // told last, while that is told; else empty.
+    [[nodiscard]] const QString &attachCommand() const { return m_attachCommand; }
 
-    // Asks the program `ps`, and the kernel's table where that is not installed.
-    [[nodiscard]] static ParentLookup askingPs(
-        const ProcessTable &processes, const QString &ps = QStringLiteral("/bin/ps"));
+    void waitForDone(); // with all that has been asked so far
 
 Q_SIGNALS:
     void cameForward(pid_t pid); // the session of that process, whoever wished it; before he is told
 
 private:
-    [[nodiscard]] Activation bringForward(const QList<pid_t> &chain);
+    [[nodiscard]] WindowWayFinder finder() const;
+    [[nodiscard]] Outcome bringForward(
+        const WindowWay &way, const SessionPlace &place, const QByteArray &token);
     [[nodiscard]] Activation activateClaudeDesktop();
 
     Workspace &m_workspace;
-    ParentLookup m_parentOf;
+    TerminalLookups m_lookups;
+    QString m_attachCommand;
     std::shared_ptr<Told> m_told; // who is told of the last wish; empty once that is done
     SerialWorker m_wishes{QStringLiteral("windows")};
     SerialWorker m_questions{QStringLiteral("windows in front")};

@@ -1,5 +1,8 @@
 #include "Sessions/ProjectRow.h"
 
+#include <QAccessible>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QPainter>
 
 #include <algorithm>
@@ -8,11 +11,13 @@
 #include "Sessions/StateColors.h"
 #include "Shell/OneLine.h"
 #include "Widgets/CardMetrics.h"
+#include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Symbols.h"
 #include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace nubble {
 
@@ -20,6 +25,7 @@ namespace {
 
 constexpr double iconSide = 15;
 constexpr qsizetype longestToolTipText = 600;
+constexpr auto reasonTime = 5s;
 
 QString helpText()
 {
@@ -34,9 +40,14 @@ QString joined(QStringList parts, const QString &separator)
 
 } // namespace
 
-ProjectRow::ProjectRow(QWidget *parent) : QAbstractButton(parent), m_hover(this)
+ProjectRow::ProjectRow(QWidget *parent)
+    : QAbstractButton(parent),
+      m_copy(new NotchButton(u"doc.on.doc"_s, u"Copy the command that attaches it"_s, this)), m_hover(this)
 {
     setFocusPolicy(Qt::TabFocus);
+    m_copy->hide();
+    connect(m_copy, &NotchButton::clicked, this, &ProjectRow::copyCommand);
+    connect(&m_reasonTime, &QTimer::timeout, this, &ProjectRow::endReason);
 }
 
 void ProjectRow::setContent(const ProjectRowContent &content)
@@ -48,13 +59,55 @@ void ProjectRow::setContent(const ProjectRowContent &content)
     update();
 }
 
+void ProjectRow::showReason(const QString &reason, const QString &command)
+{
+    if (m_copy->hasFocus() && command.isEmpty())
+        setFocus();
+    m_reason = reason;
+    m_command = command;
+    m_copy->setVisible(!command.isEmpty());
+    describe();
+    update();
+    if (reason.isEmpty()) {
+        m_reasonTime.stop();
+        return;
+    }
+    m_reasonTime.start(reasonTime);
+    QAccessibleEvent alert(this, QAccessible::Alert);
+    QAccessible::updateAccessibility(&alert);
+}
+
+// Whoever is about to copy the command has as long as that takes.
+void ProjectRow::endReason()
+{
+    if (m_copy->isHidden() || !(m_copy->hasFocus() || underMouse()))
+        showReason({});
+}
+
+void ProjectRow::copyCommand()
+{
+    QGuiApplication::clipboard()->setText(m_command);
+    showReason(u"Copied the command"_s);
+}
+
+const QString &ProjectRow::secondLine() const
+{
+    return m_reason.isEmpty() ? m_content.lastPrompt : m_reason;
+}
+
+void ProjectRow::resizeEvent(QResizeEvent *)
+{
+    const QRect place(width() - rowHeight, 0, rowHeight, height());
+    m_copy->place(place, QRectF(place).center());
+}
+
 void ProjectRow::describe()
 {
     const QString help = isEnabled() ? helpText() : QString();
     setAccessibleName(u"%1, %2, %3"_s.arg(m_content.title, rowWord(m_content.state), m_content.elapsed));
-    setAccessibleDescription(joined({shortened(m_content.lastPrompt, longestToolTipText), help}, u". "_s));
+    setAccessibleDescription(joined({shortened(secondLine(), longestToolTipText), help}, u". "_s));
     // The last prompt last: it is what may be cut off.
-    QStringList lines{help, m_content.title, m_content.folder, m_content.lastPrompt};
+    QStringList lines{help, m_content.title, m_content.folder, secondLine()};
     for (QString &line : lines)
         line = shortened(line, longestToolTipText);
     setToolTip(joined(lines, u"\n"_s));
@@ -70,8 +123,9 @@ void ProjectRow::paintEvent(QPaintEvent *)
     const QRectF icon(area.left(), area.center().y() - iconSide / 2, iconSide, iconSide);
     Symbols::draw(painter, m_content.symbol, icon, Palette::textSecondary);
     area.setLeft(icon.right() + 9);
-    area.setRight(area.right() - drawState(painter, area) - 10);
-    drawTexts(painter, area);
+    if (m_copy->isVisible())
+        area.setRight(m_copy->x());
+    drawTexts(painter, area, drawState(painter, area) + 10);
 }
 
 void ProjectRow::drawBackground(QPainter &painter) const
@@ -91,16 +145,19 @@ double ProjectRow::drawState(QPainter &painter, const QRectF &area) const
     Typography::drawTabular(painter, upper, Qt::AlignRight, word);
     const double wordWidth = Typography::tabularWidth(painter, word);
 
+    if (!m_reason.isEmpty())
+        return wordWidth; // it has the whole lower line
     painter.setFont(Typography::caption());
     painter.setPen(Palette::textSecondary);
     Typography::drawTabular(painter, lower, Qt::AlignRight, m_content.elapsed);
     return std::max(wordWidth, Typography::tabularWidth(painter, m_content.elapsed));
 }
 
-void ProjectRow::drawTexts(QPainter &painter, const QRectF &area) const
+void ProjectRow::drawTexts(QPainter &painter, const QRectF &whole, double stateWidth) const
 {
+    const QRectF area = whole.adjusted(0, 0, -stateWidth, 0);
     const QRectF upper(area.left(), area.top(), area.width(), area.height() / 2);
-    const bool oneLine = m_content.lastPrompt.isEmpty();
+    const bool oneLine = secondLine().isEmpty();
     painter.setFont(Typography::rowTitle());
     painter.setPen(Palette::textPrimary);
     const auto elided = m_content.isTitleIdentifier ? Typography::Elided::Middle : Typography::Elided::End;
@@ -109,7 +166,10 @@ void ProjectRow::drawTexts(QPainter &painter, const QRectF &area) const
         return;
     painter.setFont(Typography::cardBody());
     painter.setPen(Palette::textSecondary);
-    Typography::drawElided(painter, upper.translated(0, area.height() / 2), m_content.lastPrompt);
+    QRectF lower = upper.translated(0, area.height() / 2);
+    if (!m_reason.isEmpty())
+        lower.setRight(whole.right());
+    Typography::drawElided(painter, lower, secondLine());
 }
 
 } // namespace nubble

@@ -1,11 +1,14 @@
 #pragma once
 
 #include <QAbstractButton>
+#include <QTimer>
 
 #include "Sessions/RunState.h"
 #include "Widgets/HoverLift.h"
 
 namespace nubble {
+
+class NotchButton;
 
 // What a row says.
 struct ProjectRowContent {
@@ -33,16 +36,28 @@ public:
     void setContent(const ProjectRowContent &content); // an equal one repaints nothing
     [[nodiscard]] const QString &title() const { return m_content.title; }
 
+    // Says in the place of the last prompt why the session did not come forward, for some seconds, and offers
+    // to copy `command`, unless that is empty. An empty reason takes it back.
+    void showReason(const QString &reason, const QString &command = {});
+
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
+    void endReason();
+    void copyCommand();
+    [[nodiscard]] const QString &secondLine() const;
     void describe();
     void drawBackground(QPainter &painter) const;
     double drawState(QPainter &painter, const QRectF &area) const;
-    void drawTexts(QPainter &painter, const QRectF &area) const;
+    void drawTexts(QPainter &painter, const QRectF &whole, double stateWidth) const;
 
     ProjectRowContent m_content;
+    QString m_reason; // empty: none
+    QString m_command;
+    QTimer m_reasonTime;
+    NotchButton *m_copy; // hidden without a command
     HoverLift m_hover;
 };
 

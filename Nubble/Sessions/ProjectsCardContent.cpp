@@ -151,9 +151,12 @@ void ProjectsCardContent::bringForward(ProjectRow &row, pid_t pid)
 {
     const bool byKeyboard = row.hasFocus(); // which leaves with the activated window
     m_activator.activate(
-        {.pid = pid, .title = row.title()}, [content = QPointer(this), byKeyboard](const Outcome &outcome) {
-            if (content && byKeyboard && outcome.isDone())
-                Q_EMIT content->closeRequested();
+        {pid, row.title()}, [this, row = QPointer(&row), byKeyboard](const Outcome &outcome) {
+            if (!row) // and perhaps this has gone, too
+                return;
+            row->showReason(outcome.why(), m_activator.attachCommand());
+            if (byKeyboard && outcome.isDone())
+                Q_EMIT closeRequested();
         });
 }
 

@@ -395,7 +395,7 @@ private Q_SLOTS:
         m_workspace.applications.removeAt(2);
         QCOMPARE(activatedFor(90), QList<pid_t>{43});
         m_workspace.allowed = false;
-        ProcessActivator activator(m_workspace, [](pid_t) { return std::nullopt; });
+        ProcessActivator activator(m_workspace, lookups());
         QVERIFY(!activator.canActivate());
         activator.activate({::getpid(), {}}, [](const Outcome &outcome) { QVERIFY(!outcome.isDone()); });
         activator.waitForDone();
@@ -404,8 +404,8 @@ private Q_SLOTS:
     void knowsAParentByPsOrTheKernelsTableWhereThatIsMissing()
     {
         m_processes.known.insert(::getpid(), {.name = u"test"_s, .parent = 42});
-        QCOMPARE(ProcessActivator::askingPs(m_processes)(::getpid()), std::optional(::getppid()));
-        const auto withoutPs = ProcessActivator::askingPs(m_processes, m_home->path(u"ps"_s));
+        QCOMPARE(TerminalLookups::askingPs(m_processes)(::getpid()), std::optional(::getppid()));
+        const auto withoutPs = TerminalLookups::askingPs(m_processes, m_home->path(u"ps"_s));
         QCOMPARE(withoutPs(::getpid()), std::optional(42));
         QCOMPARE(withoutPs(1), std::nullopt);
     }
@@ -421,13 +421,18 @@ private:
             .arg(QString::number(pid), id, QString::number(updatedAt), word)
             .toUtf8();
     }
+    TerminalLookups lookups() const
+    {
+        const auto parentOf = [this](pid_t child) {
+            return m_parents.contains(child) ? std::optional(m_parents.value(child)) : std::nullopt;
+        };
+        return {m_processes, parentOf, [](const QString &) { return std::nullopt; }};
+    }
     QList<pid_t> activatedFor(pid_t pid)
     {
         m_workspace.activated.clear();
-        ProcessActivator activator(m_workspace, [this](pid_t child) {
-            return m_parents.contains(child) ? std::optional(m_parents.value(child)) : std::nullopt;
-        });
-        activator.activate({pid, {}}, [](const Outcome &) { });
+        ProcessActivator activator(m_workspace, lookups());
+        activator.activate({pid, {}}, [](const Outcome &) {});
         activator.waitForDone();
         return m_workspace.activated;
     }

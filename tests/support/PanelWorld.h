@@ -31,7 +31,7 @@ struct PanelWorld {
               home.path(QStringLiteral(".claude/sessions")), home.path(QStringLiteral(".claude/projects")),
               home.path(QStringLiteral(".nubble/ask")), processes, clock),
           planUsage(home.home(), clock, PlanUsageMonitor::defaultDomain),
-          activator(workspace, [](pid_t) { return std::nullopt; })
+          activator(workspace, {processes, [](pid_t) { return std::nullopt; }, {}})
     {
     }
 
