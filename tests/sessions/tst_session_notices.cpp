@@ -112,7 +112,7 @@ private Q_SLOTS:
         silent.workspace.front = silent.workspace.applications.first();
         silent.setAfter(31s, {{11, waiting}, {12, idle}, {13, waiting}});
         silent.set({{12, busy}});
-        silent.set({{13, busy}}); // and again, for which the second counts afresh
+        silent.set({{13, busy}});
         Calls last;
         last.setAfter(31s, {{11, waiting}});
         QTRY_COMPARE(last.desktop.posts, 1);
