@@ -7,6 +7,7 @@
 #include <QGuiApplication>
 
 #include "Ask/AskClaude.h"
+#include "Commands/ChosenKeys.h"
 #include "Commands/StatusReport.h"
 #include "Meeting/MeetingCard.h"
 #include "Meeting/MeetingTexts.h"
@@ -16,6 +17,7 @@
 #include "Platform/System.h"
 #include "Review/QuenwickCard.h"
 #include "Sessions/ClaudeFolders.h"
+#include "Sessions/NoticePreferences.h"
 #include "Sessions/SessionsCard.h"
 #include "Shell/DesktopEntry.h"
 #include "Shell/Tools.h"
@@ -60,6 +62,8 @@ AppDelegate::AppDelegate(const Home &home, InstanceBus &bus, Relaunch relaunch)
           {.processes = *m_processes,
            .parentOf = TerminalLookups::askingPs(*m_processes),
            .tool = [home](const QString &name) { return Tools::find(name, home); }}),
+      m_nextSession(m_sessionMonitor, m_activator, m_clock),
+      m_sessionNotices(m_sessionMonitor, m_activator, *m_backend.notices, m_defaults),
       m_panel(
           {
               .state = m_panelState,
@@ -141,6 +145,7 @@ template <typename Part, typename... Signals> void AppDelegate::tellOfChanges(Pa
 void AppDelegate::registerParts()
 {
     showOnRing(m_panel.view().ring(), m_sessionMonitor, m_planUsage);
+    m_commands.setNext([this](const AppCommands::Told &told) { m_nextSession.bringForward(told); });
     m_commands.addRefresh([this] {
         m_sessionMonitor.refresh();
         m_sessionMonitor.refreshDetails(true);
@@ -149,6 +154,7 @@ void AppDelegate::registerParts()
     m_commands.addReport([this](QJsonObject &status) { reportSessions(m_sessionMonitor, m_clock, status); });
     m_commands.addReport([this](QJsonObject &status) { reportUsage(m_planUsage, status); });
     m_commands.addReport([this](QJsonObject &status) { reportPanel(m_panelState, m_placement, status); });
+    m_commands.addReport([this](QJsonObject &status) { reportNotices(m_defaults, status); });
     m_commands.addReport([this](QJsonObject &status) { reportHotKeys(m_hotKeys, status); });
     tellOfChanges(
         m_sessionMonitor, &SessionMonitor::sessionsChanged, &SessionMonitor::recentlyCompletedChanged);
@@ -186,6 +192,9 @@ void AppDelegate::observeRequests()
         m_statusItem.showMessage(title(addon), why);
     });
 
+    connect(&m_sessionNotices, &SessionNotices::listRequested, &m_commands, [this] {
+        (void)m_commands.openCard(PanelMode::sessions());
+    });
     connect(&m_notifications, &NotificationCenter::openChatSearch, &m_commands, [this] {
         m_commands.request({AddonRequest::Action::SearchChats});
     });
@@ -310,6 +319,12 @@ void AppDelegate::registerHotKeys()
     for (const HotKeyBinding &each : hotKeyBindings)
         if (m_addons.contains(each.addon))
             m_hotKeys.add(each.key, [this, key = each.key] { perform(key); });
+    const auto tell = [this](const Outcome &outcome) {
+        if (!outcome.isDone())
+            m_statusItem.showMessage(u"Nubble"_s, outcome.why());
+    };
+    if (const auto keys = chosenKeys(m_defaults.string(u"keys.next"_s).value_or(QString())))
+        m_hotKeys.add(*keys, keysText(*keys), u"next"_s, [this, tell] { m_commands.bringNext(tell); });
 }
 
 void AppDelegate::perform(HotKey key)
@@ -334,6 +349,7 @@ MenuState AppDelegate::menuState() const
         .edge = m_placement.edge(),
         .locked = m_placement.isLocked(),
         .visible = m_placement.isVisible(),
+        .notifies = NoticePreferences::in(m_defaults).isOn(),
         .addons = m_addons,
         .missing = {}};
     for (const Addon addon : allAddons)

@@ -19,8 +19,10 @@
 #include "Platform/ProcessTable.h"
 #include "Review/QuenwickMonitor.h"
 #include "Search/ChatSearchWindow.h"
+#include "Sessions/NextSession.h"
 #include "Sessions/ProcessActivator.h"
 #include "Sessions/SessionMonitor.h"
+#include "Sessions/SessionNotices.h"
 #include "Shell/Addon.h"
 #include "Shell/Defaults.h"
 #include "Shell/HotKeys.h"
@@ -87,6 +89,8 @@ private:
     SessionMonitor m_sessionMonitor;
     PlanUsageMonitor m_planUsage;
     ProcessActivator m_activator;
+    NextSession m_nextSession;
+    SessionNotices m_sessionNotices;
     PanelWindow m_panel;
     AppCommands m_commands;
     // While the add-on is on.

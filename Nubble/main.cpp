@@ -56,6 +56,8 @@ void setUpLook()
     InstanceClient client(line.serviceName());
     if (const std::optional<int> status = runInInstance(line, client))
         leave(*status);
+    if (line.verb == Verb::NotificationsOn || line.verb == Verb::NotificationsOff)
+        leave(setNotifications(line, home));
     leave(line.verb == Verb::Status ? printStatus(home, line.json) : startFor(line, home));
 }
 

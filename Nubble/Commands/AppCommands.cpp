@@ -4,6 +4,7 @@
 #include "Placement/MainScreen.h"
 #include "Placement/NotchPlacement.h"
 #include "Platform/MainThread.h"
+#include "Sessions/NoticePreferences.h"
 #include "Shell/Defaults.h"
 
 using namespace Qt::StringLiterals;
@@ -93,6 +94,19 @@ Outcome AppCommands::performFromOutside(const AddonRequest &request)
     return perform(request);
 }
 
+void AppCommands::setNotifying(bool on)
+{
+    assertMainThread("Nubble/Commands/AppCommands");
+    NoticePreferences::setOn(m_defaults, on);
+    Q_EMIT statusTouched();
+}
+
+void AppCommands::bringNext(const Told &told)
+{
+    assertMainThread("Nubble/Commands/AppCommands");
+    m_bringNext(told);
+}
+
 void AppCommands::refreshAll()
 {
     assertMainThread("Nubble/Commands/AppCommands");
@@ -125,6 +139,11 @@ void AppCommands::quit()
 void AppCommands::setHandler(Addon addon, Handler handler)
 {
     m_handlers.insert_or_assign(addon, std::move(handler));
+}
+
+void AppCommands::setNext(std::function<void(const Told &)> bringNext)
+{
+    m_bringNext = std::move(bringNext);
 }
 
 void AppCommands::addReport(Report report)

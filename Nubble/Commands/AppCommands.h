@@ -43,6 +43,11 @@ public:
     Outcome perform(const AddonRequest &request);            // the program's own
     Outcome performFromOutside(const AddonRequest &request); // reaches only what is switched on
 
+    void setNotifying(bool on); // by the desktop's notices, of sessions
+    // The session that needs the user most. `told` is called once, perhaps later: done, or why not.
+    using Told = std::function<void(const Outcome &)>;
+    void bringNext(const Told &told);
+
     void refreshAll();
     [[nodiscard]] QJsonObject status() const;
     void restart();
@@ -51,6 +56,7 @@ public:
     using Handler = std::function<Outcome(const AddonRequest &)>;
     using Report = std::function<void(QJsonObject &status)>; // adds what one part has to tell
     void setHandler(Addon addon, Handler handler);
+    void setNext(std::function<void(const Told &)> bringNext);
     void addReport(Report report);
     void addRefresh(std::function<void()> refresh);
 
@@ -67,6 +73,7 @@ private:
     Defaults &m_defaults;
     const ActiveAddons &m_addons;
     std::map<Addon, Handler> m_handlers;
+    std::function<void(const Told &)> m_bringNext;
     std::vector<Report> m_reports;
     std::vector<std::function<void()>> m_refreshes;
 };

@@ -34,6 +34,8 @@ Request requestFor(const CommandLine &line)
         return {"Toggle", {}, "Show"};
     case Verb::Sessions:
         return {"OpenSessions", {}, "OpenSessions"};
+    case Verb::Next:
+        return {"Next"};
     case Verb::Ask:
         return {"Ask", {line.question}, "Ask"};
     case Verb::Search:
@@ -44,6 +46,10 @@ Request requestFor(const CommandLine &line)
         return {"StopNotes"};
     case Verb::Status:
         return {"StatusText", {line.json ? "json" : "table", terminalWidth()}};
+    case Verb::NotificationsOn:
+        return {"NotificationsOn"};
+    case Verb::NotificationsOff:
+        return {"NotificationsOff"};
     case Verb::Restart:
         return {"Restart"};
     case Verb::Quit:
@@ -74,8 +80,9 @@ std::optional<int> runInInstance(const CommandLine &line, InstanceClient &client
 {
     const Request request = requestFor(line);
     const bool isStatus = line.verb == Verb::Status;
+    const bool isPreference = line.verb == Verb::NotificationsOn || line.verb == Verb::NotificationsOff;
     InstanceAnswer answer = client.call(request.method, request.arguments, isStatus ? 2s : 5s);
-    if (answer.kind == Kind::NotOwned && (request.methodAfterStart || isStatus))
+    if (answer.kind == Kind::NotOwned && (request.methodAfterStart || isStatus || isPreference))
         return std::nullopt;
     if (answer.kind == Kind::Reply && line.verb == Verb::Restart)
         answer = askOnceThere(client, "Status", {}); // what follows in a script finds the successor

@@ -26,10 +26,13 @@ constexpr std::array spellings{
     Spelling{"hide", Verb::Hide},
     Spelling{"toggle", Verb::Toggle},
     Spelling{"sessions", Verb::Sessions},
+    Spelling{"next", Verb::Next},
     Spelling{"search", Verb::Search},
     Spelling{"notes start", Verb::StartNotes},
     Spelling{"notes stop", Verb::StopNotes},
     Spelling{"status", Verb::Status},
+    Spelling{"notifications on", Verb::NotificationsOn},
+    Spelling{"notifications off", Verb::NotificationsOff},
     Spelling{"autostart on", Verb::AutostartOn},
     Spelling{"autostart off", Verb::AutostartOff},
     Spelling{"restart", Verb::Restart},
@@ -137,8 +140,8 @@ std::string readCommand(CommandLine &line, const std::vector<std::string> &words
     }
     if (command == "notes")
         return R"("notes" needs "start" or "stop".)";
-    if (command == "autostart")
-        return R"("autostart" needs "on" or "off".)";
+    if (command == "autostart" || command == "notifications")
+        return '"' + command + R"(" needs "on" or "off".)";
     return "There is no command \"" + command + "\".";
 }
 
@@ -223,12 +226,15 @@ std::string_view helpText()
            "Commands, for key bindings and scripts:\n"
            "  show, hide, toggle  the panel\n"
            "  sessions            open the list of sessions, with the keyboard in it\n"
+           "  next                bring forward the session that needs you most\n"
            "  ask [QUESTION...]   ask Claude about the screen, at once if there is a question\n"
            "  search              open the search of chats\n"
            "  notes start|stop    start or stop meeting notes\n"
            "  status [--json]     print what is shown, as a table or as JSON\n"
            "  status --follow     print one line now and at each change, for status bars;\n"
            "                      with --json a JSON object\n"
+           "  notifications on|off\n"
+           "                      tell you when a session waits or has finished, or no longer\n"
            "  autostart on|off    start Nubble at login, or no longer\n"
            "  start               start Nubble, or leave the running instance as it is\n"
            "  restart, quit       the running instance\n"

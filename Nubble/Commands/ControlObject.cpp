@@ -1,5 +1,7 @@
 #include "Commands/ControlObject.h"
 
+#include <QDBusConnection>
+#include <QDBusMessage>
 #include <QDateTime>
 #include <QJsonDocument>
 
@@ -10,6 +12,12 @@
 using namespace Qt::StringLiterals;
 
 namespace nubble {
+
+namespace {
+
+const auto refusal = u"com.brevandel.nubble.Error.Refused"_s;
+
+} // namespace
 
 ControlObject::ControlObject() : m_adaptor(new ControlAdaptor(this)) { }
 
@@ -51,6 +59,15 @@ void ControlAdaptor::OpenSessions()
     answer(m_commands->openCard(PanelMode::sessions()));
 }
 
+void ControlAdaptor::Next()
+{
+    m_object.setDelayedReply(true);
+    const auto reply = [bus = m_object.connection(), call = m_object.message()](const Outcome &outcome) {
+        bus.send(outcome.isDone() ? call.createReply() : call.createErrorReply(refusal, outcome.why()));
+    };
+    m_commands->bringNext(reply);
+}
+
 void ControlAdaptor::Ask(const QString &question)
 {
     AddonRequest request{AddonRequest::Action::AskClaude};
@@ -82,7 +99,17 @@ void ControlAdaptor::perform(const AddonRequest &request)
 void ControlAdaptor::answer(const Outcome &outcome)
 {
     if (!outcome.isDone())
-        m_object.sendErrorReply(u"com.brevandel.nubble.Error.Refused"_s, outcome.why());
+        m_object.sendErrorReply(refusal, outcome.why());
+}
+
+void ControlAdaptor::NotificationsOn()
+{
+    m_commands->setNotifying(true);
+}
+
+void ControlAdaptor::NotificationsOff()
+{
+    m_commands->setNotifying(false);
 }
 
 QString ControlAdaptor::Status()

@@ -40,10 +40,13 @@ public Q_SLOTS:
     void Hide();
     void Toggle();
     void OpenSessions();
+    void Next();                       // answers when it is forward
     void Ask(const QString &question); // an empty one is none
     void Search();
     void StartNotes();
     void StopNotes();
+    void NotificationsOn();
+    void NotificationsOff();
     QString Status(); // JSON
     // As "table", with lines of so many columns, or "json"; or as "line" or "json-line", whose caller is told
     // of changes by the signal from then on.

@@ -59,6 +59,15 @@ MenuEntry centerEntry(const MenuState &state, AppCommands &commands)
     return center;
 }
 
+MenuEntry noticesEntry(const MenuState &state, AppCommands &commands)
+{
+    MenuEntry notices =
+        entry(u"Notify Me"_s, [&commands, on = !state.notifies] { commands.setNotifying(on); });
+    notices.checked = state.notifies;
+    notices.toolTip = u"When a session waits for you, or has finished after a while"_s;
+    return notices;
+}
+
 QList<MenuEntry> addonEntries(
     const std::array<Addon, 4> &order, const MenuState &state, AppCommands &commands)
 {
@@ -106,7 +115,7 @@ QList<MenuEntry> statusMenu(const MenuState &state, AppCommands &commands)
     return requestEntries(state, commands)
         << visible << MenuEntry::separator() << locked << edgeMenu(state, commands)
         << centerEntry(state, commands) << MenuEntry::separator() << submenu(u"Add-ons"_s, switches)
-        << MenuEntry::separator()
+        << noticesEntry(state, commands) << MenuEntry::separator()
         << entry(u"Refresh Everything"_s, Qt::CTRL | Qt::Key_R, [&commands] { commands.refreshAll(); })
         << entry(u"Restart Nubble"_s, [&commands] { commands.restart(); }) << MenuEntry::separator()
         << entry(u"Quit Nubble"_s, Qt::CTRL | Qt::Key_Q, [&commands] { commands.quit(); });
@@ -122,6 +131,7 @@ QList<MenuEntry> notchMenu(const MenuState &state, AppCommands &commands)
         edgeMenu(state, commands),
         centerEntry(state, commands),
         submenu(u"Add-ons"_s, addonEntries(order, state, commands)),
+        noticesEntry(state, commands),
         entry(u"Refresh Everything"_s, [&commands] { commands.refreshAll(); }),
         entry(u"Restart Nubble"_s, [&commands] { commands.restart(); }),
         entry(u"Hide Notch"_s, [&commands] { commands.hide(); }),

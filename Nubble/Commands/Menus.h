@@ -15,6 +15,7 @@ struct MenuState {
     NotchEdge edge = NotchEdge::Right;
     bool locked = false;
     bool visible = true;
+    bool notifies = true; // by the desktop's notices
     ActiveAddons addons;
     QMap<Addon, QString> missing; // what an add-on lacks on this machine
 };

@@ -7,6 +7,7 @@
 #include "Platform/Home.h"
 #include "Platform/InstanceClient.h"
 #include "Platform/Outcome.h"
+#include "Sessions/NoticePreferences.h"
 #include "Shell/Autostart.h"
 #include "Shell/Defaults.h"
 #include "Shell/Relaunch.h"
@@ -64,6 +65,19 @@ int setAutostart(const CommandLine &line, const Home &home)
     return statusOf(
         line.verb == Verb::AutostartOn ? autostart.enable(Relaunch::ofThisProgram(startArguments(line)))
                                        : autostart.disable());
+}
+
+int setNotifications(const CommandLine &line, const Home &home)
+{
+    const bool on = line.verb == Verb::NotificationsOn;
+    const QString file = Defaults::fileOf(u"com.brevandel.nubble"_s, home.configFolder());
+    {
+        Defaults defaults(file);
+        NoticePreferences::setOn(defaults, on);
+    }
+    const auto written = NoticePreferences::in(Defaults(file));
+    const bool isDone = written.waiting == on && written.done == on;
+    return isDone ? ExitDone : fail(ExitFailed, file.toStdString() + " cannot be written");
 }
 
 QStringList startArguments(const CommandLine &line)

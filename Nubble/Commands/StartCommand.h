@@ -16,6 +16,9 @@ int startFor(const CommandLine &line, const Home &home);
 // Starts Nubble at login, or no longer.
 int setAutostart(const CommandLine &line, const Home &home);
 
+// In the preferences, which the next instance reads.
+int setNotifications(const CommandLine &line, const Home &home);
+
 // See CommandLine::startArguments().
 [[nodiscard]] QStringList startArguments(const CommandLine &line);
 

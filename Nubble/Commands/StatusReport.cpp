@@ -15,6 +15,7 @@
 #include "Platform/Clock.h"
 #include "Review/QuenwickMonitor.h"
 #include "Search/ChatSearchWindow.h"
+#include "Sessions/NoticePreferences.h"
 #include "Sessions/SessionDetails.h"
 #include "Sessions/SessionMonitor.h"
 #include "Sessions/SessionTexts.h"
@@ -87,13 +88,7 @@ bool disturbsTerminals(QChar each)
 
 QString fitted(const QString &text, qsizetype width)
 {
-    if (text.size() <= width)
-        return text.leftJustified(width);
-    QString start = text.first(std::max<qsizetype>(width - 1, 0));
-    if (!start.isEmpty() && start.back().isHighSurrogate())
-        start.chop(1); // not half a character
-    start += u'…';
-    return start.leftJustified(width);
+    return shortened(text, width).leftJustified(width);
 }
 
 // The last column takes what is left of the line.
@@ -260,6 +255,13 @@ void reportHotKeys(const HotKeys &hotKeys, QJsonObject &status)
         keys.append(QJsonObject{
             {u"keys"_s, each.keys}, {u"action"_s, each.action}, {u"registered"_s, each.registered}});
     status.insert("hotKeys"_L1, keys);
+}
+
+void reportNotices(const Defaults &defaults, QJsonObject &status)
+{
+    const auto notices = NoticePreferences::in(defaults);
+    status.insert(
+        "notifications"_L1, QJsonObject{{u"waiting"_s, notices.waiting}, {u"done"_s, notices.done}});
 }
 
 QByteArray statusJson(const QJsonObject &report)

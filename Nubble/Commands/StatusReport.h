@@ -10,6 +10,7 @@ namespace nubble {
 class AskWindow;
 class ChatSearchWindow;
 class Clock;
+class Defaults;
 class HotKeys;
 class MeetingNotes;
 class NotchPlacement;
@@ -25,6 +26,7 @@ void reportSessions(
 void reportUsage(const PlanUsageMonitor &planUsage, QJsonObject &status);
 void reportPanel(const PanelState &state, const NotchPlacement &placement, QJsonObject &status);
 void reportHotKeys(const HotKeys &hotKeys, QJsonObject &status);
+void reportNotices(const Defaults &defaults, QJsonObject &status);
 void reportAsk(const AskWindow &window, QJsonObject &status);
 void reportNotes(const MeetingNotes &notes, QJsonObject &status);
 void reportReview(const QuenwickMonitor &quenwick, QJsonObject &status);

@@ -5,6 +5,7 @@
 #include <QWidget>
 
 #include "Platform/DesktopStatusHost.h"
+#include "Platform/Freedesktop/FreedesktopNotices.h"
 #include "Platform/Freedesktop/FreedesktopPreferences.h"
 #include "Platform/Freedesktop/ScreenLock.h"
 #include "Platform/Freedesktop/SessionBusNotifications.h"
@@ -144,6 +145,7 @@ Backend makeBackend(const Home &home)
     backend.statusHost = std::make_unique<DesktopStatusHost>(
         std::make_unique<StatusNotifierWatch>(), x11 ? std::make_unique<X11Tray>(x11) : nullptr);
     backend.notifications = std::make_unique<SessionBusNotifications>();
+    backend.notices = std::make_unique<FreedesktopNotices>();
     return backend;
 }
 

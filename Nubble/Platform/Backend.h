@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 
+#include "Platform/DesktopNotices.h"
 #include "Platform/DesktopPreferences.h"
 #include "Platform/DistributedNotifications.h"
 #include "Platform/FloatingSurface.h"
@@ -29,6 +30,7 @@ struct Backend {
     std::unique_ptr<DesktopPreferences> preferences;
     std::unique_ptr<StatusHost> statusHost;
     std::unique_ptr<DistributedNotifications> notifications;
+    std::unique_ptr<DesktopNotices> notices;
     std::function<std::unique_ptr<PanelSurface>(QWidget &)> makePanelSurface;
     std::function<std::unique_ptr<FloatingSurface>(QWidget &)> makeFloatingSurface;
 };

@@ -21,8 +21,8 @@ WantedWindow windowOf(const WindowWay &way, const SessionPlace &place, const QBy
 
 } // namespace
 
-ProcessActivator::ProcessActivator(Workspace &workspace, TerminalLookups lookups)
-    : m_workspace(workspace), m_lookups(std::move(lookups))
+ProcessActivator::ProcessActivator(Workspace &workspace, TerminalLookups lookups, QObject *parent)
+    : QObject(parent), m_workspace(workspace), m_lookups(std::move(lookups))
 {
 }
 
@@ -47,6 +47,8 @@ void ProcessActivator::activate(const SessionPlace &place, Told told, const QByt
         [this, place, token, waiting = m_told](const WindowWay &way) {
             const Outcome outcome = bringForward(way, place, token);
             m_attachCommand = way.attachCommand;
+            if (outcome.isDone())
+                Q_EMIT cameForward(place.pid);
             if (const Told tell = std::exchange(*waiting, {})) // else it began while it was replaced
                 tell(outcome);
             m_attachCommand.clear();

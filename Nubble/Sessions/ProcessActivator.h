@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QObject>
 #include <QString>
 
 #include <functional>
@@ -25,11 +26,13 @@ struct SessionPlace {
 // Brings forward where a session runs: the window, tab and pane of the nearest of its process's ancestors
 // that is an application, else Claude's own desktop application. Main thread only; what has to be asked of
 // other programs is asked beside it.
-class ProcessActivator {
+class ProcessActivator : public QObject {
+    Q_OBJECT
+
 public:
     using Told = std::function<void(const Outcome &)>;
 
-    ProcessActivator(Workspace &workspace, TerminalLookups lookups);
+    ProcessActivator(Workspace &workspace, TerminalLookups lookups, QObject *parent = nullptr);
 
     [[nodiscard]] bool canActivate() const; // whether this desktop brings anything forward
 
@@ -47,6 +50,9 @@ public:
     [[nodiscard]] const QString &attachCommand() const { return m_attachCommand; }
 
     void waitForDone(); // with all that has been asked so far
+
+Q_SIGNALS:
+    void cameForward(pid_t pid); // the session of that process, whoever wished it; before he is told
 
 private:
     [[nodiscard]] WindowWayFinder finder() const;

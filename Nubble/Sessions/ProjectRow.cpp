@@ -9,6 +9,7 @@
 
 #include "Sessions/SessionTexts.h"
 #include "Sessions/StateColors.h"
+#include "Shell/OneLine.h"
 #include "Widgets/CardMetrics.h"
 #include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
@@ -29,16 +30,6 @@ constexpr auto reasonTime = 5s;
 QString helpText()
 {
     return u"Bring this session forward"_s;
-}
-
-QString toolTipLine(const QString &text)
-{
-    if (text.size() <= longestToolTipText)
-        return text;
-    QString start = text.first(longestToolTipText - 1);
-    if (start.back().isHighSurrogate())
-        start.chop(1); // not half a character
-    return start + u'…';
 }
 
 QString joined(QStringList parts, const QString &separator)
@@ -119,11 +110,11 @@ void ProjectRow::describe()
 {
     const QString help = isEnabled() ? helpText() : QString();
     setAccessibleName(u"%1, %2, %3"_s.arg(m_content.heading(), rowWord(m_content.state), m_content.elapsed));
-    setAccessibleDescription(joined({toolTipLine(secondLine()), help}, u". "_s));
+    setAccessibleDescription(joined({shortened(secondLine(), longestToolTipText), help}, u". "_s));
     // The last prompt last: it is what may be cut off.
     QStringList lines{help, m_content.heading(), m_content.folder, secondLine()};
     for (QString &line : lines)
-        line = toolTipLine(line);
+        line = shortened(line, longestToolTipText);
     setToolTip(joined(lines, u"\n"_s));
 }
 

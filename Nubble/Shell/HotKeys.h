@@ -27,14 +27,19 @@ public:
 
     explicit HotKeys(HotKeyService &service, QObject *parent = nullptr); // which outlives this
 
-    // A press runs the action once the desktop's event has been dealt with.
-    void add(HotKey key, std::function<void()> action);
+    // A press runs the action once the desktop's event has been dealt with. A combination that is there
+    // already stays with the action that it has.
+    void add(HotKey key, const std::function<void()> &action);
+    void add(
+        QKeyCombination keys, const QString &keysText, const QString &name, std::function<void()> action);
 
     [[nodiscard]] std::vector<Entry> entries() const; // in the order of their ids
 
 private:
     struct Added {
-        HotKey key = HotKey::Search;
+        QKeyCombination keys;
+        QString keysText;
+        QString name;
         std::function<void()> action;
     };
 

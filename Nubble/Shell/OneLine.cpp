@@ -42,4 +42,14 @@ QString oneLine(QString text)
     return line.sliced(begin - line.begin(), end.base() - begin);
 }
 
+QString shortened(const QString &text, qsizetype most)
+{
+    if (text.size() <= most)
+        return text;
+    QString start = text.first(std::max<qsizetype>(most - 1, 0));
+    if (!start.isEmpty() && start.back().isHighSurrogate())
+        start.chop(1);
+    return start + u'…';
+}
+
 } // namespace nubble

@@ -11,6 +11,9 @@ namespace nubble {
 // The same with its spaces as they are, and its marks.
 [[nodiscard]] QString withoutControls(QString text);
 
+// Its beginning, of at most so many units, and never half a character. One that is cut ends with "…".
+[[nodiscard]] QString shortened(const QString &text, qsizetype most);
+
 // Whether it overrides or embeds the direction of others, or isolates them.
 [[nodiscard]] bool isDirectionChange(QChar each);
 

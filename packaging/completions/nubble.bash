@@ -18,10 +18,10 @@ _nubble() {
         esac
     done
     case $given in
-    '') words='show hide toggle sessions ask search notes status autostart start restart quit --home --help --version' ;;
+    '') words='show hide toggle sessions next ask search notes status notifications autostart start restart quit --home --help --version' ;;
     notes) words='start stop' ;;
     status) words='--json --follow' ;;
-    autostart) words='on off' ;;
+    autostart | notifications) words='on off' ;;
     *) words='' ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")

@@ -108,17 +108,20 @@ private Q_SLOTS:
         QCOMPARE(status(u"panel"_s)[u"mode"_s].toString(), u"sessions"_s);
         QCOMPARE(
             program.commands.status().keys(),
-            QStringList({u"activity"_s, u"hotKeys"_s, u"panel"_s, u"sessions"_s, u"source"_s, u"usage"_s}));
+            QStringList(
+                {u"activity"_s, u"hotKeys"_s, u"notifications"_s, u"panel"_s, u"sessions"_s, u"source"_s,
+                 u"usage"_s}));
     }
 
     void theKeysOfTheAddonsThatAreOnAreTold()
     {
-        Program program("addon.ask=true\n");
+        Program program("addon.ask=true\nkeys.next=Ctrl+Alt+S\n");
         const QJsonValue keys = program.commands.status()[u"hotKeys"_s];
         const QJsonArray told{
             QJsonObject{{u"keys"_s, u"Ctrl+Alt+A"_s}, {u"action"_s, u"ask"_s}, {u"registered"_s, false}},
             QJsonObject{
-                {u"keys"_s, u"Ctrl+Alt+S"_s}, {u"action"_s, u"screenshot"_s}, {u"registered"_s, false}}};
+                {u"keys"_s, u"Ctrl+Alt+S"_s}, {u"action"_s, u"screenshot"_s}, {u"registered"_s, false}},
+            QJsonObject{{u"keys"_s, u"Ctrl+Alt+S"_s}, {u"action"_s, u"next"_s}, {u"registered"_s, false}}};
         QCOMPARE(keys.toArray(), told);
     }
 

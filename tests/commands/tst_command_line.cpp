@@ -14,9 +14,26 @@ QString shown(const std::variant<CommandLine, UsageError> &parsed)
         return u"error: "_s + QString::fromStdString(error->message);
     const auto &line = std::get<CommandLine>(parsed);
     const QStringList verbs{
-        u"run"_s,           u"start"_s,   u"show"_s,        u"hide"_s,       u"toggle"_s, u"sessions"_s,
-        u"ask"_s,           u"search"_s,  u"notes start"_s, u"notes stop"_s, u"status"_s, u"autostart on"_s,
-        u"autostart off"_s, u"restart"_s, u"quit"_s,        u"help"_s,       u"version"_s};
+        u"run"_s,
+        u"start"_s,
+        u"show"_s,
+        u"hide"_s,
+        u"toggle"_s,
+        u"sessions"_s,
+        u"next"_s,
+        u"ask"_s,
+        u"search"_s,
+        u"notes start"_s,
+        u"notes stop"_s,
+        u"status"_s,
+        u"notifications on"_s,
+        u"notifications off"_s,
+        u"autostart on"_s,
+        u"autostart off"_s,
+        u"restart"_s,
+        u"quit"_s,
+        u"help"_s,
+        u"version"_s};
     return verbs.at(static_cast<int>(line.verb)) + (line.follow ? u" follow"_s : QString())
         + (line.json ? u" json"_s : QString())
         + (line.question.empty() ? QString() : u" ["_s + QString::fromStdString(line.question) + u']')
@@ -42,6 +59,9 @@ private Q_SLOTS:
             {u"status|--json"_s, u"status json"_s},
             {u"--follow|status|-json"_s, u"status follow json"_s},
             {u"--bogus|-h"_s, u"help"_s},
+            {u"next"_s, u"next"_s},
+            {u"notifications|off"_s, u"notifications off"_s},
+            {u"autostart|on"_s, u"autostart on"_s},
             {u"ask"_s, u"ask"_s},
             {u"ask||"_s, u"ask"_s},
             {u"ask|what is|this?"_s, u"ask [what is this?]"_s},
@@ -63,6 +83,7 @@ private Q_SLOTS:
             {u"Status"_s, u"error: There is no command \"Status\". See nubble --help."_s},
             {u"status|sessions"_s, u"error: There is no command \"status sessions\". See nubble --help."_s},
             {u"notes"_s, u"error: \"notes\" needs \"start\" or \"stop\". See nubble --help."_s},
+            {u"notifications"_s, u"error: \"notifications\" needs \"on\" or \"off\". See nubble --help."_s},
             {u"--home|sub|"_s, u"error: There is no command \"\". See nubble --help."_s},
         };
         for (auto [arguments, meaning] : cases) {

@@ -2,8 +2,10 @@
 #include <QTest>
 
 #include "Commands/AppCommands.h"
+#include "Commands/ChosenKeys.h"
 #include "Commands/ControlObject.h"
 #include "Commands/Menus.h"
+#include "Sessions/NoticePreferences.h"
 #include "notch/PanelUnderTest.h"
 
 using namespace Qt::StringLiterals;
@@ -57,8 +59,9 @@ struct OpenMenus {
           commands(panel.window, world.placement, world.mainScreen, world.defaults, world.addons)
     {
         const NotchPlacement &placement = world.placement;
-        const MenuState state{
-            placement.edge(), placement.isLocked(), placement.isVisible(), world.addons, missing};
+        const MenuState state{placement.edge(),      placement.isLocked(),
+                              placement.isVisible(), NoticePreferences::in(world.defaults).isOn(),
+                              world.addons,          missing};
         ofIcon = statusMenu(state, commands);
         ofPanel = notchMenu(state, commands);
     }
@@ -84,7 +87,7 @@ private Q_SLOTS:
             shown(menus.ofPanel),
             u"Lock Position, Move to Edge {[x] Right, [ ] Left, [ ] Top, [ ] Bottom}, Center on Edge, "
             "Add-ons {[ ] Ask Claude About Screen, [ ] Search Chats, [ ] Quenwick, [ ] Meeting Recorder}, "
-            "Refresh Everything, Restart Nubble, Hide Notch, Quit Nubble"_s);
+            "[x] Notify Me, Refresh Everything, Restart Nubble, Hide Notch, Quit Nubble"_s);
         PanelWorld withAddons("addon.search=true\naddon.ask=true\nplacement.visible=false\n");
         QCOMPARE(
             shown(OpenMenus(withAddons).ofIcon),
@@ -92,8 +95,38 @@ private Q_SLOTS:
             "[ ] Show Notch, -, [ ] Lock Position, "
             "Move to Edge {[x] Right, [ ] Left, [ ] Top, [ ] Bottom}, Center on Edge, -, "
             "Add-ons {[ ] Quenwick, [x] Ask Claude About Screen, [x] Search Chats, [ ] Meeting Recorder, -, "
-            "(Nubble restarts to add or remove one.)}, -, "
+            "(Nubble restarts to add or remove one.)}, [x] Notify Me, -, "
             "Refresh Everything Ctrl+R, Restart Nubble, -, Quit Nubble Ctrl+Q"_s);
+    }
+
+    void theySwitchTheNoticesOnWhereNoneIsWantedAndElseOff()
+    {
+        PanelWorld world("notifications.waiting=false\n");
+        for (const bool on : {false, true}) {
+            choose(OpenMenus(world).ofIcon, {u"Notify Me"_s});
+            const auto wanted = NoticePreferences::in(world.defaults);
+            QVERIFY(wanted.waiting == on && wanted.done == on);
+            QCOMPARE(find(OpenMenus(world).ofPanel, u"Notify Me"_s).checked, std::optional(on));
+        }
+    }
+
+    void aChosenKeyIsOneKeyWithAModifier()
+    {
+        for (const auto &[text, expected] :
+             {std::pair(u"Ctrl+Alt+N"_s, u"Ctrl+Alt+N"_s),
+              {u"alt+shift+f5"_s, u"Alt+Shift+F5"_s},
+              {u"Meta+Space"_s, u"Meta+Space"_s},
+              {u"N"_s, {}},
+              {u"Shift+N"_s, {}},
+              {u"Ctrl+"_s, {}},
+              {u"Ctrl+Alt"_s, {}},
+              {u"Ctrl+N, Ctrl+M"_s, {}},
+              {u"Ctrl+Bogus"_s, {}},
+              {u"Ctrl+N+M"_s, {}},
+              {QString(), {}}}) {
+            const auto keys = chosenKeys(text);
+            QCOMPARE(keys ? keysText(*keys) : QString(), expected);
+        }
     }
 
     void anAddonIsAskedByTheMenuAndOverTheBus()

@@ -1,4 +1,5 @@
-"""A desktop that shows status items from the session bus: the watcher, its one host, and the menus as it reads them."""
+"""A desktop that shows status items from the session bus: the watcher, its one host, and the menus as it reads them. It
+shows notices, too."""
 
 import threading
 
@@ -16,6 +17,8 @@ INTERFACES = Gio.DBusNodeInfo.new_for_xml(f"""
   <property name="IsStatusNotifierHostRegistered" type="b" access="read"/>
   <property name="ProtocolVersion" type="i" access="read"/>
 </interface><interface name="{MESSAGES}">
+  <method name="GetCapabilities"><arg type="as" direction="out"/></method>
+  <method name="CloseNotification"><arg type="u" direction="in"/></method>
   <method name="Notify">
     {"".join(f'<arg type="{each}" direction="in"/>' for each in ("s", "u", "s", "s", "s", "as", "a{sv}", "i"))}
     <arg type="u" direction="out"/></method>
@@ -32,7 +35,8 @@ class StatusItemHost:
 
     def __init__(self, address):
         self.items = []  # bus names, in the order of their registration
-        self.messages = []  # title and text
+        self.messages = {}  # title and text of those that are up, by their numbers
+        self.calls = 0  # for these
         ready = threading.Event()
         self._context = GLib.MainContext()
         self._loop = GLib.MainLoop(self._context)
@@ -52,10 +56,17 @@ class StatusItemHost:
         ready.set()
         self._loop.run()
 
-    def _on_call(self, _bus, sender, _path, _interface, method, arguments, invocation):
+    def _on_call(self, _bus, sender, _path, interface, method, arguments, invocation):
+        self.calls += interface == MESSAGES
         if method == "Notify":
-            self.messages.append(arguments.unpack()[3:5])
-            invocation.return_value(GLib.Variant("(u)", (1,)))
+            number = arguments.unpack()[1] or self.calls
+            self.messages[number] = arguments.unpack()[3:5]
+            invocation.return_value(GLib.Variant("(u)", (number,)))
+        elif method == "GetCapabilities":
+            invocation.return_value(GLib.Variant("(as)", (["actions"],)))
+        elif method == "CloseNotification":
+            self.messages.pop(arguments.unpack()[0], None)
+            invocation.return_value(None)
         else:
             self.items.append(sender)
             invocation.return_value(None)
@@ -103,6 +114,11 @@ class StatusItemHost:
         self._call_menu("AboutToShow", "(i)", 0)
         self._send_event(self.property("Menu"), 0, "opened")
         return self.read_menu()
+
+    def click_message(self):
+        """The newest that is up."""
+        arguments = GLib.Variant("(us)", (max(self.messages.copy()), "default"))
+        self.bus.emit_signal(None, "/org/freedesktop/Notifications", MESSAGES, "ActionInvoked", arguments)
 
     def choose(self, menu, label, times=1):
         path, identifier = self.property("Menu"), find(menu, label)[0]

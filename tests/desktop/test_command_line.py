@@ -169,7 +169,7 @@ class TheProgram(DesktopTest):
         self.home.record(os.getpid(), status="waiting", name="Rake the leaves", nameSource="user")
         report = json.loads(run("status", "--json").stdout)
         self.assertEqual(report.keys(), {"source", "activity", "sessions", "usage"})
-        self.assertEqual((report["source"], report["activity"]), ("read", "idle"))
+        self.assertEqual((report["source"], report["activity"]), ("read", "waiting"))
         self.assertEqual([each["word"] for each in report["sessions"]], ["waiting"])
         self.assertIn("Rake the leaves", run("status").stdout)
         self.check_fails(run(), "display")

@@ -4,8 +4,8 @@ from desktop import SCREEN, eventually
 from program import DesktopTest
 
 ENTRIES = [
-    "Lock Position", "Move to Edge", "Center on Edge", "Add-ons", "Refresh Everything", "Restart Nubble", "Hide Notch",
-    "Quit Nubble"]
+    "Lock Position", "Move to Edge", "Center on Edge", "Add-ons", "Notify Me", "Refresh Everything",
+    "Restart Nubble", "Hide Notch", "Quit Nubble"]
 
 
 class TheContextMenu(DesktopTest):

@@ -15,7 +15,10 @@ public:
         asked.insert(id, keys.toCombined());
         return isGrabbed(id);
     }
-    [[nodiscard]] bool isGrabbed(quint32 id) const override { return !ofOthers.contains(asked.value(id)); }
+    [[nodiscard]] bool isGrabbed(quint32 id) const override
+    {
+        return asked.contains(id) && !ofOthers.contains(asked.value(id));
+    }
 
     QMap<quint32, int> asked; // the combinations by their ids
     QSet<int> ofOthers;

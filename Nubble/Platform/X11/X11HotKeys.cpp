@@ -13,11 +13,14 @@ namespace nubble {
 namespace {
 
 constexpr int realModifiers = 0xff;
+constexpr xcb_keysym_t firstFunctionKey = 0xffbe;
 // In milliseconds. A key that seems to be held for longer without repeating was released unseen.
 constexpr xcb_timestamp_t longestRepeat = 2000;
 
 xcb_keysym_t symbolOf(Qt::Key key)
 {
+    if (key >= Qt::Key_F1 && key <= Qt::Key_F35)
+        return firstFunctionKey + static_cast<xcb_keysym_t>(key - Qt::Key_F1);
     const bool isLatin1 = key >= Qt::Key_Space && key <= Qt::Key_ydiaeresis;
     return isLatin1 ? QChar(key).toLower().unicode() : xcb_keysym_t{XCB_NO_SYMBOL};
 }
@@ -163,7 +166,8 @@ X11HotKeys::Grab X11HotKeys::grabFor(QKeyCombination keys) const
     for (const auto &[qtModifier, modifier] :
          {std::pair<Qt::KeyboardModifier, int>{Qt::ShiftModifier, XCB_MOD_MASK_SHIFT},
           {Qt::ControlModifier, XCB_MOD_MASK_CONTROL},
-          {Qt::AltModifier, m_map->alt()}})
+          {Qt::AltModifier, m_map->alt()},
+          {Qt::MetaModifier, m_map->super()}})
         if (keys.keyboardModifiers() & qtModifier)
             modifiers |= modifier;
     return {

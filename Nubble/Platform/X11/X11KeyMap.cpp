@@ -97,9 +97,10 @@ std::optional<X11KeyMap> X11KeyMap::read(const X11Connection &x11)
     map.m_layout = state->group;
     map.m_keys = keysOf(*reply, parts);
     map.m_alt = map.modifiersOf({altLeft, altRight}, XCB_MOD_MASK_1);
-    const uint8_t super = map.modifiersOf({superLeft, superRight}, XCB_MOD_MASK_4);
+    map.m_super = map.modifiersOf({superLeft, superRight}, XCB_MOD_MASK_4);
     // What makes a combination another one is never taken for a lock, whatever else locks it.
-    const auto kept = static_cast<uint8_t>(XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_CONTROL | map.m_alt | super);
+    const auto kept =
+        static_cast<uint8_t>(XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_CONTROL | map.m_alt | map.m_super);
     map.m_locks = static_cast<uint8_t>(lockedBy(parts.acts_rtrn_acts, reply->totalActions) & ~kept);
     return map;
 }

@@ -25,7 +25,8 @@ public:
     // no such symbol, as a Cyrillic one has no Latin letters, in the first that has it.
     [[nodiscard]] std::vector<xcb_keycode_t> keysWith(xcb_keysym_t symbol) const;
 
-    [[nodiscard]] uint8_t alt() const { return m_alt; }     // bits of the modifiers, as in an event's state
+    [[nodiscard]] uint8_t alt() const { return m_alt; } // bits of the modifiers, as in an event's state
+    [[nodiscard]] uint8_t super() const { return m_super; }
     [[nodiscard]] uint8_t locks() const { return m_locks; } // all those that a key locks
     [[nodiscard]] uint8_t layout() const { return m_layout; }
 
@@ -35,6 +36,7 @@ private:
     std::vector<X11Key> m_keys;
     uint8_t m_layout = 0;
     uint8_t m_alt = 0;
+    uint8_t m_super = 0;
     uint8_t m_locks = 0;
 };
 

@@ -1,0 +1,77 @@
+#include "Sessions/NextSession.h"
+
+#include <QPointer>
+#include <QSet>
+
+#include <algorithm>
+
+#include "Sessions/SessionMonitor.h"
+#include "Sessions/SessionTexts.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nubble {
+
+namespace {
+
+constexpr qsizetype mostAsked = 10; // whether they are in front, which takes a while each
+
+} // namespace
+
+NextSession::NextSession(
+    const SessionMonitor &monitor, ProcessActivator &activator, const Clock &clock, QObject *parent)
+    : QObject(parent), m_monitor(monitor), m_activator(activator), m_clock(clock)
+{
+    connect(&activator, &ProcessActivator::cameForward, this, &NextSession::noteSeen);
+}
+
+void NextSession::bringForward(const ProcessActivator::Told &told)
+{
+    tryFirst(inNeed().mid(0, mostAsked), told);
+}
+
+QList<ClaudeSession> NextSession::inNeed() const
+{
+    QList<ClaudeSession> waiting;
+    QList<ClaudeSession> finished;
+    for (const ClaudeSession &session : m_monitor.sessions()) {
+        const RunTimes times = m_monitor.times(session);
+        if (times.waitingSince)
+            waiting.append(session);
+        else if (!session.isBusy() && times.finishedAt > m_seen.value(session.pid, TimePoint::min()))
+            finished.append(session);
+    }
+    std::ranges::stable_sort(
+        waiting, {}, [this](const ClaudeSession &session) { return m_monitor.times(session).waitingSince; });
+    std::ranges::stable_sort(finished, std::ranges::greater(), [this](const ClaudeSession &session) {
+        return m_monitor.times(session).finishedAt;
+    });
+    return waiting + finished;
+}
+
+void NextSession::tryFirst(QList<ClaudeSession> sessions, const ProcessActivator::Told &told)
+{
+    if (sessions.isEmpty()) {
+        told(Outcome::failed(u"no session needs you"_s));
+        return;
+    }
+    const ClaudeSession first = sessions.takeFirst();
+    const SessionPlace place{first.pid, rowTitle(first, m_monitor.details().byId().value(first.sessionId))};
+    m_activator.askIfInFront(place, [self = QPointer(this), place, sessions, told](bool isInFront) {
+        if (self && isInFront)
+            self->tryFirst(sessions, told);
+        else if (self)
+            self->m_activator.activate(place, told);
+    });
+}
+
+void NextSession::noteSeen(pid_t pid)
+{
+    m_seen.insert(pid, m_clock.now());
+    QSet<pid_t> live;
+    for (const ClaudeSession &session : m_monitor.sessions())
+        live.insert(session.pid);
+    m_seen.removeIf([&live](const auto &seen) { return !live.contains(seen.key()); });
+}
+
+} // namespace nubble
