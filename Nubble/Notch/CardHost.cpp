@@ -114,8 +114,9 @@ void CardHost::focusFirstControl()
 {
     if (!m_shell)
         return;
-    for (QWidget *control : m_shell->findChildren<QWidget *>()) {
-        if (control->focusPolicy() & Qt::TabFocus && control->isVisible()) {
+    const QWidget *content = m_shell->focusProxy();
+    for (QWidget *control : QList{content->focusProxy()} + m_shell->findChildren<QWidget *>()) {
+        if (control && control->focusPolicy() & Qt::TabFocus && control->isVisible()) {
             control->setFocus(Qt::TabFocusReason);
             return;
         }

@@ -58,9 +58,10 @@ void NextSession::tryFirst(QList<ClaudeSession> sessions, const ProcessActivator
     const ClaudeSession first = sessions.takeFirst();
     const SessionPlace place{first.pid, rowTitle(first, m_monitor.details().byId().value(first.sessionId))};
     m_activator.askIfInFront(place, [self = QPointer(this), place, sessions, told](bool isInFront) {
-        if (self && isInFront)
+        if (self && isInFront) {
+            self->noteSeen(place.pid);
             self->tryFirst(sessions, told);
-        else if (self)
+        } else if (self)
             self->m_activator.activate(place, told);
     });
 }

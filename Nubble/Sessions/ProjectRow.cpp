@@ -130,7 +130,7 @@ void ProjectRow::paintEvent(QPaintEvent *)
     area.setLeft(icon.right() + 9);
     if (m_copy->isVisible())
         area.setRight(m_copy->x());
-    drawTexts(painter, area, drawState(painter, area) + 10);
+    drawTexts(painter, area);
 }
 
 void ProjectRow::drawBackground(QPainter &painter) const
@@ -140,40 +140,33 @@ void ProjectRow::drawBackground(QPainter &painter) const
     painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 10, 10);
 }
 
-double ProjectRow::drawState(QPainter &painter, const QRectF &area) const
+// Behind the last prompt, so that the title has the whole width above. Returns where it begins.
+double ProjectRow::drawState(QPainter &painter, const QRectF &line) const
 {
-    const QRectF upper(area.left(), area.top(), area.width(), area.height() / 2);
-    const QRectF lower = upper.translated(0, area.height() / 2);
-    painter.setFont(Typography::cardBody());
-    painter.setPen(colorOf(m_content.state));
-    const QString word = rowWord(m_content.state);
-    Typography::drawTabular(painter, upper, Qt::AlignRight, word);
-    const double wordWidth = Typography::tabularWidth(painter, word);
-
-    if (!m_reason.isEmpty())
-        return wordWidth; // it has the whole lower line
     painter.setFont(Typography::caption());
     painter.setPen(Palette::textSecondary);
-    Typography::drawTabular(painter, lower, Qt::AlignRight, m_content.elapsed);
-    return std::max(wordWidth, Typography::tabularWidth(painter, m_content.elapsed));
+    const QString elapsed = u" · "_s + m_content.elapsed;
+    Typography::drawTabular(painter, line, Qt::AlignRight, elapsed);
+    const QRectF before = line.adjusted(0, 0, -Typography::tabularWidth(painter, elapsed), 0);
+    painter.setPen(colorOf(m_content.state));
+    const QString word = rowWord(m_content.state);
+    Typography::drawTabular(painter, before, Qt::AlignRight, word);
+    return before.right() - Typography::tabularWidth(painter, word);
 }
 
-void ProjectRow::drawTexts(QPainter &painter, const QRectF &whole, double stateWidth) const
+void ProjectRow::drawTexts(QPainter &painter, const QRectF &area) const
 {
-    const QRectF area = whole.adjusted(0, 0, -stateWidth, 0);
     const QRectF upper(area.left(), area.top(), area.width(), area.height() / 2);
-    const bool oneLine = secondLine().isEmpty();
     painter.setFont(Typography::rowTitle());
     painter.setPen(Palette::textPrimary);
     const auto elided = m_content.isTitleIdentifier ? Typography::Elided::Middle : Typography::Elided::End;
-    Typography::drawElided(painter, oneLine ? area : upper, m_content.heading(), elided);
-    if (oneLine)
-        return;
+    Typography::drawElided(painter, upper, m_content.heading(), elided);
+
+    QRectF lower = upper.translated(0, area.height() / 2);
+    if (m_reason.isEmpty()) // which has the whole line
+        lower.setRight(drawState(painter, lower) - 8);
     painter.setFont(Typography::cardBody());
     painter.setPen(Palette::textSecondary);
-    QRectF lower = upper.translated(0, area.height() / 2);
-    if (!m_reason.isEmpty())
-        lower.setRight(whole.right());
     Typography::drawElided(painter, lower, secondLine());
 }
 

@@ -52,8 +52,8 @@ private:
     [[nodiscard]] const QString &secondLine() const;
     void describe();
     void drawBackground(QPainter &painter) const;
-    double drawState(QPainter &painter, const QRectF &area) const;
-    void drawTexts(QPainter &painter, const QRectF &whole, double stateWidth) const;
+    double drawState(QPainter &painter, const QRectF &line) const;
+    void drawTexts(QPainter &painter, const QRectF &area) const;
 
     ProjectRowContent m_content;
     QString m_reason; // empty: none

@@ -1,5 +1,6 @@
 #include "Sessions/ProjectsCardContent.h"
 
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPointer>
 #include <QScrollBar>
@@ -63,6 +64,7 @@ ProjectsCardContent::ProjectsCardContent(
     layout->addWidget(
         m_scroll = new CappedScroll(m_rows, std::min(CardMetrics::maxHeight, maxHeight) - around));
 
+    m_rows->installEventFilter(this);
     connect(m_scroll->verticalScrollBar(), &QScrollBar::valueChanged, this, &ProjectsCardContent::updateRows);
     connect(&monitor, &SessionMonitor::sessionsChanged, this, &ProjectsCardContent::updateRows);
     connect(&monitor, &SessionMonitor::recentlyCompletedChanged, this, &ProjectsCardContent::updateRows);
@@ -102,11 +104,7 @@ QList<int> ProjectsCardContent::rowsAround() const
     const int top = m_scroll->verticalScrollBar()->value();
     const int first = std::max(0, m_rows->numberAt(top) - around);
     const int last = std::min(count - 1, m_rows->numberAt(top + m_scroll->height()) + around);
-    const SessionRun focused = m_rowOf.key(qobject_cast<ProjectRow *>(m_rows->focusWidget()));
-    const auto focus =
-        std::find_if(
-            sessions.begin(), sessions.end(), [&focused](const auto &each) { return each.run() == focused; })
-        - sessions.begin();
+    const int focus = positionOf(m_rowOf.key(qobject_cast<ProjectRow *>(m_rows->focusWidget())));
     QList<int> rows;
     for (int position = 0; position < count; ++position)
         if ((first <= position && position <= last) || std::abs(position - focus) <= 1 || position == 0
@@ -115,11 +113,45 @@ QList<int> ProjectsCardContent::rowsAround() const
     return rows;
 }
 
+int ProjectsCardContent::positionOf(const SessionRun &key) const
+{
+    const QList<ClaudeSession> &sessions = m_monitor.sessions();
+    const auto isIt = [&key](const ClaudeSession &each) { return each.run() == key; };
+    return static_cast<int>(std::ranges::find_if(sessions, isIt) - sessions.begin());
+}
+
+// What rows leave of keys, before it scrolls them.
+bool ProjectsCardContent::eventFilter(QObject *watched, QEvent *event)
+{
+    const bool isKey = watched == m_rows && event->type() == QEvent::KeyPress;
+    return (isKey && goOn(static_cast<QKeyEvent *>(event)->key())) || QWidget::eventFilter(watched, event);
+}
+
+// All that a key can lead to is there: the ends, and more than a page around what is in sight.
+bool ProjectsCardContent::goOn(int key)
+{
+    const int last = static_cast<int>(m_monitor.sessions().size()) - 1;
+    const int focus = positionOf(m_rowOf.key(qobject_cast<ProjectRow *>(focusWidget())));
+    const int page = std::max(1, m_rows->numberAt(m_scroll->height()) - 1);
+    const QHash<int, int> goals{
+        {Qt::Key_Home, 0},
+        {Qt::Key_End, last},
+        {Qt::Key_PageUp, focus - page},
+        {Qt::Key_PageDown, focus + page}};
+    if (!goals.contains(key) || focus > last)
+        return false;
+    ProjectRow *row = rowOf(m_monitor.sessions().at(std::clamp(goals.value(key), 0, last)).run());
+    row->setFocus(Qt::TabFocusReason);
+    m_scroll->ensureWidgetVisible(row, 0, 0);
+    return true;
+}
+
 // Tab goes from row to row as they stand; by itself it would go in the order in which they came.
 void ProjectsCardContent::orderFocus()
 {
     for (qsizetype i = 1; i < m_order.size(); ++i)
         setTabOrder(m_rowOf.value(m_order.at(i - 1)), m_rowOf.value(m_order.at(i)));
+    setFocusProxy(m_order.isEmpty() ? nullptr : m_rowOf.value(m_order.first()));
 }
 
 void ProjectsCardContent::removeRowsExcept(const QList<SessionRun> &keys)

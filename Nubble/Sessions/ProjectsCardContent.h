@@ -32,12 +32,17 @@ public:
 Q_SIGNALS:
     void closeRequested();
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     void updateRows();
+    [[nodiscard]] int positionOf(const SessionRun &key) const; // the number of sessions if it is not there
     [[nodiscard]] QList<int> rowsAround() const;
     ProjectRow *rowOf(const SessionRun &key);
     void removeRowsExcept(const QList<SessionRun> &keys);
     void orderFocus();
+    [[nodiscard]] bool goOn(int key);
     void bringForward(ProjectRow &row, pid_t pid);
     void showRow(const ClaudeSession &session, int position);
 

@@ -22,6 +22,7 @@ double tailLength(NotchEdge edge)
 TooltipShell::TooltipShell(QWidget *content, NotchEdge edge, bool translucent, QWidget *parent)
     : QWidget(parent), m_content(content), m_edge(edge), m_translucent(translucent)
 {
+    setFocusProxy(content);
     content->setParent(this);
     resize(sizeHint());
 }

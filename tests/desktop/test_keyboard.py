@@ -24,7 +24,6 @@ class TheKeyboard(TerminalTest):
                 self.desktop.run(*(word.format(self.terminal) for word in SEND_AWAY))
             self.until_focused(first)
             self.open_for_keyboard(nubble)
-            self.desktop.key("Tab")
             self.desktop.key("Return")
             self.until_focused(self.terminal)
             nubble.until_panel(mode="collapsed")

@@ -188,7 +188,19 @@ private Q_SLOTS:
         QTRY_VERIFY(
             panel.surface->outline.contains(QRectF(scroll->mapTo(&panel.view(), QPoint()), scroll->size())));
         QApplication::setActiveWindow(&panel.view());
-        panel.rows().constFirst()->setFocus(Qt::TabFocusReason);
+        QVERIFY(panel.window.openForKeyboard(PanelMode::sessions()));
+        QCOMPARE(QApplication::focusWidget(), panel.rows().constFirst());
+        for (const auto &[key, name] :
+             {std::pair(Qt::Key_End, u"session 299,"_s),
+              {Qt::Key_PageUp, u"session 292,"_s},
+              {Qt::Key_PageDown, u"session 299,"_s},
+              {Qt::Key_Home, u"session 300,"_s}}) {
+            QTest::keyClick(QApplication::focusWidget(), key);
+            const QWidget *row = QApplication::focusWidget();
+            QVERIFY2(row->accessibleName().startsWith(name), qPrintable(row->accessibleName()));
+            QVERIFY(scroll->viewport()->rect().contains(
+                QRect(row->mapTo(scroll->viewport(), QPoint()), row->size())));
+        }
         for (int i = 1; i <= 30; ++i)
             QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
         const ProjectRow *focused = panel.rows().at(30);
