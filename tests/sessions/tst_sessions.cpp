@@ -384,7 +384,7 @@ private Q_SLOTS:
         TerminalLookups lookups = this->lookups();
         lookups.parentOf = [&](pid_t) {
             asked.release();
-            go.acquire();
+            (void)go.tryAcquire(1, 10'000);
             return std::nullopt;
         };
         QStringList told;
