@@ -12,7 +12,7 @@ build_packages=(
 run_packages=(zstd procps fonts-inter)
 display_packages=(xvfb openbox picom xdotool x11-utils imagemagick dbus-daemon)
 test_packages=(
-    i3-wm wmctrl xterm trayer x11-xserver-utils strace at-spi2-core libglib2.0-bin
+    i3-wm wmctrl xterm xfce4-terminal tmux trayer x11-xserver-utils strace at-spi2-core libglib2.0-bin
     nodejs pulseaudio pulseaudio-utils fonts-dejavu-core
     python3 python3-gi python3-pyatspi python3-xlib
     dpkg-dev file lintian desktop-file-utils appstream librsvg2-bin hicolor-icon-theme mandoc zsh fish

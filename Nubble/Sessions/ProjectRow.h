@@ -56,7 +56,7 @@ private:
     ProjectRowContent m_content;
     QString m_reason; // empty: none
     QString m_command;
-    QTimer m_reasonTime;
+    QTimer m_reasonTime{this};
     NotchButton *m_copy; // hidden without a command
     HoverLift m_hover;
 };

@@ -1,5 +1,9 @@
 #include "Terminals/KittyWindow.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonValue>
+
 #include "Terminals/TerminalCommand.h"
 
 using namespace Qt::StringLiterals;
@@ -8,18 +12,30 @@ namespace nubble {
 
 void KittyWindow::select() const
 {
-    (void)terminalAnswer(m_kitty, command(u"focus-window"_s, {}));
+    (void)ask({u"focus-window"_s, u"--match"_s, u"id:%1"_s.arg(m_place.window)});
 }
 
 bool KittyWindow::isSelected() const
 {
-    return terminalAnswer(m_kitty, command(u"ls"_s, u" and state:active and state:parent_active"_s))
-        .has_value();
+    const auto answer = ask({u"ls"_s});
+    return !answer || isKittyWindowFocused(*answer, m_place.window);
 }
 
-QStringList KittyWindow::command(const QString &name, const QString &match) const
+std::optional<QByteArray> KittyWindow::ask(const QStringList &words) const
 {
-    return {u"@"_s, u"--to"_s, m_place.socket, name, u"--match"_s, u"id:%1"_s.arg(m_place.window) + match};
+    return terminalAnswer(m_kitty, QStringList{u"@"_s, u"--to"_s, m_place.socket} + words);
+}
+
+bool isKittyWindowFocused(const QByteArray &listing, quint32 window)
+{
+    const auto isFocused = [](const QJsonValue &each) { return each[u"is_focused"].toBool(); };
+    const QJsonDocument document = QJsonDocument::fromJson(listing);
+    for (const QJsonValue &desktopWindow : document.array())
+        for (const QJsonValue &tab : desktopWindow[u"tabs"].toArray())
+            for (const QJsonValue &each : tab[u"windows"].toArray())
+                if (each[u"id"].toInteger() == window)
+                    return isFocused(tab) && isFocused(each);
+    return false;
 }
 
 } // namespace nubble

@@ -5,6 +5,10 @@
 
 namespace nubble {
 
+// Of what kitty lists: whether the window is the one with the focus in the tab with the focus. A pure
+// function.
+[[nodiscard]] bool isKittyWindowFocused(const QByteArray &listing, quint32 window);
+
 // One of the windows that kitty has in its tabs, by its remote control.
 class KittyWindow : public TerminalPane {
 public:
@@ -17,7 +21,7 @@ public:
     [[nodiscard]] bool isSelected() const override;
 
 private:
-    [[nodiscard]] QStringList command(const QString &name, const QString &match) const;
+    [[nodiscard]] std::optional<QByteArray> ask(const QStringList &words) const;
 
     QString m_kitty; // the program
     TerminalVariables::Kitty m_place;

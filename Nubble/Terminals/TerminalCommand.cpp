@@ -9,7 +9,7 @@ namespace nubble {
 
 std::optional<QByteArray> terminalAnswer(const QString &program, const QStringList &arguments)
 {
-    constexpr CommandLimits limits{.output = 64 << 10, .time = 1s};
+    constexpr CommandLimits limits{.output = 1 << 20, .time = 1s};
     const CommandEnd end = runCommand({program, arguments}, {}, limits);
     const bool isDone = end.kind == CommandEnd::Kind::Exited && end.code == 0;
     return isDone ? std::optional(end.output) : std::nullopt;

@@ -7,7 +7,7 @@
 
 namespace nubble {
 
-// What a terminal's or multiplexer's own command writes, up to 64 kilobytes, where it succeeds within a
+// What a terminal's or multiplexer's own command writes, up to a megabyte, where it succeeds within a
 // second. Blocks; worker threads.
 [[nodiscard]] std::optional<QByteArray> terminalAnswer(const QString &program, const QStringList &arguments);
 

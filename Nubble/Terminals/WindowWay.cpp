@@ -131,13 +131,14 @@ void WindowWayFinder::addTab(WindowWay &way, const TerminalVariables &variables)
             way.panes.push_back(std::make_shared<KittyWindow>(*kitty, *variables.kitty));
 }
 
-// Its server is a child of the terminal that started it, until that has left it: from then on nobody says
-// which one shows it.
+// Its server has the client that started it for a parent, until that has left: from then on nobody says which
+// terminal shows it.
 void WindowWayFinder::addScreen(WindowWay &way, const TerminalVariables::Screen &place) const
 {
     if (const auto screen = m_lookups.tool(u"screen"_s))
         way.panes.push_back(std::make_shared<ScreenWindow>(*screen, place));
-    if (way.chain.endsWith(place.server)) {
+    const auto server = m_lookups.processes.find(place.server);
+    if (server && server->isOrphan && !leadsToWindow(way)) {
         way.obstacle = u"Runs in screen, terminal unknown"_s;
         way.attachCommand = u"screen -x "_s + shellQuoted(place.session);
     }

@@ -1,7 +1,8 @@
-"""A click on a session's row brings its own window forward, and in it its tab and pane, whatever terminal it is in. Those
-that are not installed are left out."""
+"""A click on a session's row brings its own window forward, and in it its tab and pane, whatever terminal it is in. With
+NUBBLE_TERMINALS=all more of them are tried."""
 
 import contextlib
+import os
 import pathlib
 import shutil
 import subprocess
@@ -35,6 +36,9 @@ TERMINALS = {
     "alacritty": ("alacritty -e", None),
 }
 
+USUAL = {"xterm", "xfce4-terminal", "tmux"}
+EVERY_ONE = os.environ.get("NUBBLE_TERMINALS") == "all"
+
 # So that Konsole has one process, whose windows have the title of their tab.
 KONSOLE = {
     ".config/konsolerc": "[KonsoleWindow]\nUseSingleInstance=true\n[Desktop Entry]\nDefaultProfile=Title.profile\n",
@@ -67,10 +71,13 @@ class SessionTest(DesktopTest):
                 atom, X.AnyPropertyType).value.decode()
         return ""
 
+    def begin(self, *command):
+        process = self.desktop.start(*command)
+        self.addCleanup(end, process)
+
     def start(self, command, name):
         """Runs a session of that name by that command. Returns its process id."""
-        process = self.desktop.start(*command.split(), str(self.script), name, str(self.notes))
-        self.addCleanup(lambda: process.poll() is None and end(process))
+        self.begin(*command.split(), str(self.script), name, str(self.notes))
         eventually((self.notes / name).exists, f"{name} runs")
         return int((self.notes / name).read_text())
 
@@ -86,9 +93,15 @@ class SessionTest(DesktopTest):
         return self.until_window(lambda: self.start(command, name))
 
     def copied(self):
+        """What the row's button copies, once it is there."""
         display, window = self.desktop.display, self.desktop.backdrop.window
         clipboard, kind, here = map(display.intern_atom, ("CLIPBOARD", "UTF8_STRING", "COPIED"))
-        eventually(lambda: display.get_selection_owner(clipboard) != X.NONE, "something is copied")
+
+        def click_copies():
+            self.desktop.click(*COPY)
+            return display.get_selection_owner(clipboard) != X.NONE
+
+        eventually(click_copies, "the button copies", pause=0.2)
         window.delete_property(here)
         window.convert_selection(clipboard, kind, here, X.CurrentTime)
         return eventually(lambda: window.get_full_property(here, X.AnyPropertyType), "it is told").value.decode()
@@ -100,6 +113,14 @@ class SessionTest(DesktopTest):
         eventually(lambda: [each["pid"] for each in self.program.status()["sessions"]] == [pid], "only it is shown")
         self.desktop.click(*ROW)
 
+    def answer(self, *command):
+        return subprocess.run(
+            command, env=self.desktop.env, capture_output=True, text=True, timeout=PATIENCE, check=False).stdout
+
+    def need_window_number(self):
+        if self.command.startswith(("gnome", "lx")):
+            self.skipTest("which of its windows shows a multiplexer cannot be told")
+
     def send_away(self, window):
         """Iconified where the window manager can, and to another desktop."""
         if MANAGER == "i3":
@@ -109,8 +130,8 @@ class SessionTest(DesktopTest):
         self.desktop.run("wmctrl", "-i", "-r", hex(window), "-t", "1")
 
 
-    def until_seen(self, name, window):
-        eventually(lambda: self.active() == window and name in self.title(window), f"{name} is seen")
+    def until_seen(self, name, *windows):
+        eventually(lambda: self.active() in windows and name in self.title(self.active()), f"{name} is seen")
 
 
 class InATerminal:
@@ -139,6 +160,20 @@ class InATerminal:
             self.until_seen(name, there)
 
 
+class InScreen:
+    def test_its_window_is_selected(self):
+        self.need_window_number()
+        name = self.notes.name
+        first, window = self.open(f"{self.command} screen -c /dev/null -S {name}", "hedge")
+        self.addCleanup(self.desktop.run, "screen", "-S", name, "-X", "quit")
+        second = self.start(f"screen -S {name} -X screen", "roses")
+        self.open(self.command, "lawn")
+        for number, pid, said in (("1", second, "roses"), ("0", first, "hedge"), ("1", second, "roses")):
+            self.click_row(pid, said)
+            self.desktop.until_active(window)
+            eventually(lambda: self.answer("screen", "-S", name, "-Q", "number").startswith(number), "it is selected")
+
+
 class InTmux:
     """Panes have titles, which the server gives to the windows that show them."""
 
@@ -151,6 +186,7 @@ class InTmux:
         return " ".join([*self.server, *words])
 
     def test_window_and_pane_are_selected_also_where_the_terminal_shows_another_session(self):
+        self.need_window_number()
         new = f"{self.command} {self.tmux('-f', f'{self.notes}/conf', 'new-session')}"
         first, window = self.open(new, "hedge")
         second, other_window = self.open(new, "roses")
@@ -160,26 +196,41 @@ class InTmux:
         fifth = self.start(self.tmux("new-session", "-d"), "weeds")
         for pid, name, there in (
                 (third, "lawn", window), (second, "roses", other_window), (fourth, "pond", window),
-                (first, "hedge", window)) * 2 + ((fifth, "weeds", window),):
+                (first, "hedge", window)) * 2:
             self.click_row(pid, name)
             self.until_seen(name, there)
+        self.desktop.run(*self.server, "resize-pane", "-Z", "-t", "0:0.0")
+        self.click_row(first, "hedge")
+        self.click_row(fifth, "weeds")
+        self.until_seen("weeds", window, other_window)
+        zoomed = self.answer(*self.server, "display-message", "-p", "-t", "0:0", "#{window_zoomed_flag}")
+        self.assertEqual(zoomed, "1\n", "a pane that was seen stays as large")
 
     def test_a_detached_one_is_attached_by_the_command_that_its_row_copies(self):
         pid = self.start(self.tmux("-f", f"{self.notes}/conf", "new-session", "-d"), "hedge")
         self.addCleanup(self.desktop.run, *self.server, "kill-server")
         self.start(self.tmux("new-window"), "roses")
         self.click_row(pid, "hedge")
-        import time; time.sleep(1); self.desktop.run("import", "-window", "root", "/tmp/wtw/detached.png")
-        self.desktop.click(*COPY)
         command = [*self.command.split(), "sh", "-c", self.copied()]
-        _, window = self.until_window(lambda: self.desktop.start(*command))
+        _, window = self.until_window(lambda: self.begin(*command))
         self.until_seen("hedge", window)
         self.click_row(pid, "hedge")
         self.desktop.until_active(window)
 
 
-for terminal, (command, tab) in TERMINALS.items():
-    for base, needed in ((InATerminal, [terminal]), (InTmux, [terminal, "tmux"])):
-        missing = [each for each in needed if not shutil.which(each)]
-        case = type(f"{base.__name__}_{terminal}", (base, SessionTest), {"command": command, "tab": tab})
-        globals()[case.__name__] = unittest.skipIf(missing, f"{missing} not installed")(case)
+def why_not(terminal, needed):
+    """Why it is left out; empty: it is tried."""
+    programs = [each for each in (terminal, needed) if each]
+    if not EVERY_ONE and not {*programs} <= USUAL:
+        return "tried with NUBBLE_TERMINALS=all"
+    return "".join(f"{each} is not installed" for each in programs if not shutil.which(each))
+
+
+def load_tests(loader, _tests, _pattern):
+    suite = unittest.TestSuite()
+    for terminal, (command, tab) in TERMINALS.items():
+        for base, needed in ((InATerminal, None), (InTmux, "tmux"), (InScreen, "screen")):
+            case = type(f"{base.__name__}_{terminal}", (base, SessionTest), {"command": command, "tab": tab})
+            reason = why_not(terminal, needed)
+            suite.addTests(loader.loadTestsFromTestCase(unittest.skipIf(reason, reason)(case)))
+    return suite

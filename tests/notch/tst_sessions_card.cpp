@@ -1,5 +1,8 @@
+#include <QClipboard>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QSignalSpy>
+#include <QTimer>
 
 #include <ctime>
 
@@ -46,6 +49,33 @@ private Q_SLOTS:
         }
     }
 
+    void aRowSaysForAWhileWhyItsSessionDidNotComeForward()
+    {
+        PanelWorld world;
+        world.addSession(11, u"one"_s, u"idle"_s, 1s);
+        PanelUnderTest panel(world);
+        panel.clickRing();
+        panel.click(u"one"_s);
+        ProjectRow *row = panel.rows().constFirst();
+        QTRY_VERIFY(row->accessibleDescription().startsWith(u"Its process has ended"_s));
+        row->showReason(u"Runs in tmux, detached"_s, u"tmux attach"_s);
+        QApplication::setActiveWindow(&panel.view());
+        row->setFocus();
+        QTest::keyClick(row, Qt::Key_Tab);
+        auto *time = row->findChild<QTimer *>(QString(), Qt::FindDirectChildrenOnly);
+        QCOMPARE(time->interval(), 5000);
+        QSignalSpy ended(time, &QTimer::timeout);
+        time->start(1);
+        QTRY_VERIFY(ended.count() >= 2);
+        QVERIFY(row->toolTip().endsWith(u"detached"_s)); // not before it has been copied
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+        QCOMPARE(QGuiApplication::clipboard()->text(), u"tmux attach"_s);
+        QVERIFY(row->hasFocus());
+        QVERIFY(row->toolTip().endsWith(u"Copied the command"_s));
+        time->start(1);
+        QTRY_VERIFY(row->toolTip().endsWith(u"/home/ada/project"_s));
+    }
+
     void aClickOrTheKeyboardBringsTheRowsOwnTerminalForwardWherePossible()
     {
         PanelWorld world;
@@ -55,7 +85,7 @@ private Q_SLOTS:
         PanelUnderTest panel(world);
         panel.clickRing();
         panel.click(u"two"_s);
-        QCOMPARE(world.workspace.activated, QList<pid_t>{12});
+        QTRY_COMPARE(world.workspace.activated, QList<pid_t>{12});
         QCOMPARE(world.state.mode(), PanelMode::sessions());
         for (const auto key : {Qt::Key_Space, Qt::Key_Return}) {
             QVERIFY(panel.window.openForKeyboard(PanelMode::sessions()));

@@ -23,6 +23,7 @@
 #include "Platform/ProcessTable.h"
 #include "Platform/RegularFile.h"
 #include "Platform/System.h"
+#include "Platform/WindowChoice.h"
 #include "support/TemporaryHome.h"
 
 using namespace Qt::StringLiterals;
@@ -98,6 +99,25 @@ private Q_SLOTS:
         QVERIFY(QDir(home.path(u"a"_s)).removeRecursively());
         QTRY_VERIFY(changed.count() > before);
         QVERIFY(watched());
+    }
+
+    void theWantedWindowIsTheOneOfItsNumberElseOfItsTitleElseTheLast()
+    {
+        const QList<CandidateWindow> windows{{1, u"* Plant the hedge"_s}, {2, u"* Plant"_s}, {3, u"plant"_s}};
+        const QString title = u"Plant"_s;
+        for (const auto &[window, wanted, choice] :
+             std::initializer_list<std::tuple<quint32, QString, WindowChoice>>{
+                 {1, title, {0, true}},
+                 {0, title, {1, true}},
+                 {4, title, {1, true}},
+                 {4, u"Plant the hedge"_s, {0, true}},
+                 {0, u"Pl"_s, {2, false}},
+                 {0, {}, {2, false}},
+                 {0, u"PLANT"_s, {2, false}}})
+            QCOMPARE(chooseWindow(windows, {.chain = {}, .window = window, .title = wanted}), choice);
+        QCOMPARE(chooseWindow(windows.first(1), {.chain = {}}), (WindowChoice{0, true}));
+        const QString cutOff(200, u'x');
+        QVERIFY(chooseWindow({{1, cutOff}, {2, {}}}, {.chain = {}, .title = cutOff + cutOff}).isCertain);
     }
 
     void everyServiceIsThereWithoutADesktop()

@@ -173,6 +173,35 @@ private Q_SLOTS:
         QVERIFY(m_terminal.hasState(elsewhere, "_NET_WM_STATE_HIDDEN"));
     }
 
+    void theWantedWindowGetsTheKeyboardWhereItIsThatApplications()
+    {
+        const auto first = m_terminal.open({0, 0, 300, 300}, Qt::red);
+        const auto second = m_terminal.open({50, 50, 300, 300}, Qt::red);
+        const auto hidden = m_terminal.open({50, 50, 300, 300}, Qt::red);
+        const auto text = m_editor.open({100, 100, 300, 300}, Qt::blue);
+        m_terminal.setText(first, "_NET_WM_NAME", "* Plant the hedge");
+        ForeignApplication::manage(hidden, u"-r"_s, u"-b add,hidden"_s);
+        QTRY_VERIFY(m_terminal.hasState(hidden, "_NET_WM_STATE_HIDDEN"));
+        m_editor.focus(text);
+        QTRY_COMPARE(m_terminal.focusedWindow(), text);
+        const QString title = u"Plant the hedge"_s;
+        const auto of = [&](quint32 window, const QString &part, const QByteArray &token = {}) {
+            return WantedWindow{.chain = {4242}, .window = window, .title = part, .token = token};
+        };
+        QVERIFY(!m_workspace.isInFront(of(first, {})));
+        QCOMPARE(m_workspace.activateNearest(of(first, {})), Activation::Requested);
+        QTRY_COMPARE(m_terminal.focusedWindow(), first);
+        QVERIFY(m_workspace.isInFront(of(first, {})) && m_workspace.isInFront(of(text, title)));
+        QVERIFY(!m_workspace.isInFront(of(second, title)) && !m_workspace.isInFront(of(0, {})));
+        QCOMPARE(m_workspace.activateNearest(of(second, title, "other_TIME1")), Activation::Requested);
+        QTRY_COMPARE(m_terminal.focusedWindow(), second);
+        QCOMPARE(m_workspace.activateNearest(of(text, title, "_TIMEnonsense")), Activation::Requested);
+        QTRY_COMPARE(m_terminal.focusedWindow(), first);
+        QVERIFY(m_terminal.hasState(hidden, "_NET_WM_STATE_HIDDEN"));
+        QCOMPARE(m_workspace.activateNearest(of(hidden, {})), Activation::Requested);
+        QTRY_COMPARE(m_terminal.focusedWindow(), hidden);
+    }
+
     void theApplicationInFrontIsTheActiveWindows()
     {
         const auto window = m_terminal.open({0, 0, 300, 300}, Qt::red);

@@ -1,4 +1,5 @@
 #include <QLoggingCategory>
+#include <QSemaphore>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -375,6 +376,43 @@ private Q_SLOTS:
             QCOMPARE(activatedFor(pid), QList<pid_t>{});
     }
 
+    void aWishIsReplacedUntilItBeginsAndEachIsToldOnce()
+    {
+        m_workspace.applications = {{60, u"XTerm"_s, u"xterm"_s}};
+        QSemaphore asked;
+        QSemaphore go;
+        TerminalLookups lookups = this->lookups();
+        lookups.parentOf = [&](pid_t) {
+            asked.release();
+            (void)go.tryAcquire(1, 10'000);
+            return std::nullopt;
+        };
+        QStringList told;
+        ProcessActivator activator(m_workspace, lookups);
+        const auto wish = [&](pid_t pid) {
+            activator.activate({pid, u"title %1"_s.arg(pid)}, [&told, pid](const Outcome &outcome) {
+                told.append(u"%1 %2"_s.arg(pid).arg(outcome.why()));
+            });
+        };
+        wish(1);
+        asked.acquire();
+        for (const pid_t pid : {2, 3, 60})
+            wish(pid);
+        QCOMPARE(told, (QStringList{u"2 Another session was picked"_s, u"3 Another session was picked"_s}));
+        go.release();
+        activator.waitForDone();
+        QCOMPARE(told.mid(2), (QStringList{u"1 Its process has ended"_s, u"60 "_s}));
+        QCOMPARE(m_workspace.activated, QList<pid_t>{60});
+        QCOMPARE(m_workspace.wanted.title, u"title 60"_s);
+        m_workspace.front = m_workspace.applications.first();
+        QList<bool> inFront;
+        go.release();
+        for (const pid_t pid : {60, 61})
+            activator.askIfInFront({pid, {}}, [&inFront](bool is) { inFront.append(is); });
+        activator.waitForDone();
+        QCOMPARE(inFront, (QList<bool>{true, false}));
+    }
+
     void looksAtTwentyFourAncestorsAtMost()
     {
         for (pid_t pid = 101; pid < 200; ++pid)
@@ -394,6 +432,10 @@ private Q_SLOTS:
         QCOMPARE(activatedFor(90), QList<pid_t>{42});
         m_workspace.applications.removeAt(2);
         QCOMPARE(activatedFor(90), QList<pid_t>{43});
+        m_parents = {{90, 70}};
+        m_processes.known.insert(70, {.name = u"screen"_s, .isOrphan = true});
+        m_processes.environments.insert(90, QByteArray("STY=70.work\0WINDOW=2", 20));
+        QCOMPARE(activatedFor(90), QList<pid_t>{}); // it waits for a terminal
         m_workspace.allowed = false;
         ProcessActivator activator(m_workspace, lookups());
         QVERIFY(!activator.canActivate());
