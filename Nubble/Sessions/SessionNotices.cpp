@@ -29,7 +29,7 @@ constexpr qsizetype longestText = 300;
 
 QString labelled(const QString &label, const std::optional<QString> &text)
 {
-    return text ? label + u": " + shortened(oneLine(*text), longestText) : label;
+    return text ? label + u": " + shortened(*text, longestText) : label;
 }
 
 QString countText(qsizetype count)
@@ -116,7 +116,7 @@ void SessionNotices::show(const ClaudeSession &session)
     const bool waits = call.reason == Reason::Waits;
     m_notices.post(
         call.notice,
-        {.title = shortened(oneLine(rowTitle(session, detail)), longestTitle),
+        {.title = shortened(rowTitle(session, detail), longestTitle),
          .text = waits ? labelled(u"Waits for you"_s, questionOf(session, detail))
                        : labelled(u"Done"_s, detail.lastPrompt),
          .action = u"Bring forward"_s,
@@ -188,7 +188,7 @@ void SessionNotices::bringForward(const ClaudeSession &session, const QByteArray
         if (self && !outcome.isDone() && self->m_calls.contains(run))
             self->m_notices.post(
                 self->m_calls.value(run).notice,
-                {.title = shortened(oneLine(title), longestTitle), .text = outcome.why()});
+                {.title = shortened(title, longestTitle), .text = outcome.why()});
     };
     m_activator.activate({session.pid, title}, tellWhyNot, token);
 }

@@ -113,6 +113,10 @@ class SessionTest(DesktopTest):
         eventually(lambda: [each["pid"] for each in self.program.status()["sessions"]] == [pid], "only it is shown")
         self.desktop.click(*ROW)
 
+    def answer(self, *command):
+        return subprocess.run(
+            command, env=self.desktop.env, capture_output=True, text=True, timeout=PATIENCE, check=False).stdout
+
     def need_window_number(self):
         if self.command.startswith(("gnome", "lx")):
             self.skipTest("which of its windows shows a multiplexer cannot be told")
@@ -169,10 +173,6 @@ class InScreen:
             self.desktop.until_active(window)
             eventually(lambda: self.answer("screen", "-S", name, "-Q", "number").startswith(number), "it is selected")
 
-    def answer(self, *command):
-        return subprocess.run(
-            command, env=self.desktop.env, capture_output=True, text=True, timeout=PATIENCE, check=False).stdout
-
 
 class InTmux:
     """Panes have titles, which the server gives to the windows that show them."""
@@ -199,8 +199,12 @@ class InTmux:
                 (first, "hedge", window)) * 2:
             self.click_row(pid, name)
             self.until_seen(name, there)
+        self.desktop.run(*self.server, "resize-pane", "-Z", "-t", "0:0.0")
+        self.click_row(first, "hedge")
         self.click_row(fifth, "weeds")
         self.until_seen("weeds", window, other_window)
+        zoomed = self.answer(*self.server, "display-message", "-p", "-t", "0:0", "#{window_zoomed_flag}")
+        self.assertEqual(zoomed, "1\n", "a pane that was seen stays as large")
 
     def test_a_detached_one_is_attached_by_the_command_that_its_row_copies(self):
         pid = self.start(self.tmux("-f", f"{self.notes}/conf", "new-session", "-d"), "hedge")

@@ -1,3 +1,4 @@
+#include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -70,15 +71,22 @@ private Q_SLOTS:
     {
         Calls calls;
         calls.set({{13, waiting}}); // since before
+        calls.setAfter(31s, {{11, waiting}});
+        QTest::qWait(100);
+        QElapsedTimer time;
+        time.start();
         calls.setAfter(31s, {{11, waiting}, {12, idle}});
-        QVERIFY(calls.desktop.up.isEmpty());
         const QStringList both{u"Hedge 11 | Waits for you: a permission"_s, u"Hedge 12 | Done"_s};
+        QTRY_VERIFY(!calls.desktop.up.isEmpty());
+        QVERIFY(time.elapsed() >= 1000);
         QTRY_COMPARE(calls.shown(), both);
         QCOMPARE(calls.desktop.up.first().action, u"Bring forward"_s);
         QCOMPARE(calls.desktop.up.first().sound, QString());
 
+        const quint32 id = calls.idOf(u"Hedge 12"_s);
         calls.set({{12, waiting}}); // is shown in the place of the other
         QTRY_COMPARE(calls.shown().value(1), u"Hedge 12 | Waits for you: a permission"_s);
+        QCOMPARE(calls.idOf(u"Hedge 12"_s), id);
         calls.set({{11, busy}});
         QCOMPARE(calls.shown().size(), 1);
         calls.endSession(12);
@@ -216,6 +224,9 @@ private Q_SLOTS:
         set(5, idle);
         QCOMPARE(came(), u"no session needs you"_s); // it is in front
         world.workspace.front.reset();
+        set(5, busy);
+        QCOMPARE(came(), u"no session needs you"_s);
+        set(5, idle);
         QCOMPARE(came(), u"5"_s);
     }
 };

@@ -505,7 +505,7 @@ private Q_SLOTS:
         TerminalLookups lookups = this->lookups();
         lookups.parentOf = [&](pid_t) {
             asked.release();
-            go.acquire();
+            (void)go.tryAcquire(1, 10'000);
             return std::nullopt;
         };
         QStringList told;
@@ -553,6 +553,10 @@ private Q_SLOTS:
         QCOMPARE(activatedFor(90), QList<pid_t>{42});
         m_workspace.applications.removeAt(2);
         QCOMPARE(activatedFor(90), QList<pid_t>{43});
+        m_parents = {{90, 70}};
+        m_processes.known.insert(70, {.name = u"screen"_s, .isOrphan = true});
+        m_processes.environments.insert(90, QByteArray("STY=70.work\0WINDOW=2", 20));
+        QCOMPARE(activatedFor(90), QList<pid_t>{}); // it waits for a terminal
         m_workspace.allowed = false;
         ProcessActivator activator(m_workspace, lookups());
         QVERIFY(!activator.canActivate());

@@ -138,7 +138,7 @@ void FreedesktopNotices::send(quint32 id, Posted &posted)
 
 void FreedesktopNotices::takeServerId(quint32 id, const QDBusMessage &reply)
 {
-    const quint32 serverId = reply.signature() == u"u" ? reply.arguments().value(0).toUInt() : 0;
+    const quint32 serverId = reply.arguments().value(0).toUInt();
     const auto posted = m_posted.find(id);
     if (posted == m_posted.end())
         close(serverId); // withdrawn meanwhile
@@ -173,9 +173,9 @@ void FreedesktopNotices::close(quint32 serverId) const
     m_link->connection().send(message);
 }
 
-bool FreedesktopNotices::isOfServer(const QDBusMessage &message, const QString &signature) const
+bool FreedesktopNotices::isOfServer(const QDBusMessage &message) const
 {
-    return !m_server.isEmpty() && message.service() == m_server && message.signature() == signature;
+    return !m_server.isEmpty() && message.service() == m_server;
 }
 
 // Whichever its first argument names.
@@ -189,7 +189,7 @@ QMap<quint32, FreedesktopNotices::Posted>::iterator FreedesktopNotices::find(con
 
 void FreedesktopNotices::noteToken(const QDBusMessage &message)
 {
-    if (!isOfServer(message, u"us"_s))
+    if (!isOfServer(message))
         return;
     m_tokenOf = message.arguments().value(0).toUInt();
     m_token = message.arguments().value(1).toString().left(longestToken).toUtf8();
@@ -197,7 +197,7 @@ void FreedesktopNotices::noteToken(const QDBusMessage &message)
 
 void FreedesktopNotices::noteAction(const QDBusMessage &message)
 {
-    if (!isOfServer(message, u"us"_s) || message.arguments().value(1).toString() != clicked)
+    if (!isOfServer(message) || message.arguments().value(1).toString() != clicked)
         return;
     const QByteArray token = std::exchange(m_token, {});
     const bool isItsToken = m_tokenOf == message.arguments().value(0).toUInt();
@@ -207,7 +207,7 @@ void FreedesktopNotices::noteAction(const QDBusMessage &message)
 
 void FreedesktopNotices::noteClosed(const QDBusMessage &message)
 {
-    if (!isOfServer(message, u"uu"_s))
+    if (!isOfServer(message))
         return;
     const auto posted = find(message);
     if (posted == m_posted.end())

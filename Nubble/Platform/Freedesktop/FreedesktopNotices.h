@@ -50,7 +50,7 @@ private:
     void takeServerId(quint32 id, const QDBusMessage &reply);
     void call(const QDBusMessage &message, const Then &then);
     void close(quint32 serverId) const;
-    [[nodiscard]] bool isOfServer(const QDBusMessage &message, const QString &signature) const;
+    [[nodiscard]] bool isOfServer(const QDBusMessage &message) const;
     [[nodiscard]] QMap<quint32, Posted>::iterator find(const QDBusMessage &message);
 
     std::shared_ptr<SessionLink> m_link;
