@@ -38,7 +38,7 @@ void ProcessActivator::activate(const SessionPlace &place, Told told, const QByt
     m_told = std::make_shared<Told>(std::move(told));
     m_wishes.addLatest(
         [finder = finder(), pid = place.pid](const std::stop_token &) {
-            const WindowWay way = finder.find(pid);
+            WindowWay way = finder.find(pid);
             for (const auto &pane : way.panes)
                 pane->select();
             return way;

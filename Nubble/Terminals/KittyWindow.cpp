@@ -30,9 +30,9 @@ bool isKittyWindowFocused(const QByteArray &listing, quint32 window)
 {
     const auto isFocused = [](const QJsonValue &each) { return each[u"is_focused"].toBool(); };
     const QJsonDocument document = QJsonDocument::fromJson(listing);
-    for (const QJsonValue &desktopWindow : document.array())
-        for (const QJsonValue &tab : desktopWindow[u"tabs"].toArray())
-            for (const QJsonValue &each : tab[u"windows"].toArray())
+    for (const auto &desktopWindow : document.array())
+        for (const auto &tab : desktopWindow[u"tabs"].toArray())
+            for (const auto &each : tab[u"windows"].toArray())
                 if (each[u"id"].toInteger() == window)
                     return isFocused(tab) && isFocused(each);
     return false;

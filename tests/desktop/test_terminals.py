@@ -10,6 +10,7 @@ import tempfile
 import unittest
 
 from Xlib import X
+from Xlib.error import BadWindow
 
 from desktop import MANAGER, PATIENCE, SCREEN, end, eventually
 from program import DesktopTest
@@ -81,11 +82,20 @@ class SessionTest(DesktopTest):
         eventually((self.notes / name).exists, f"{name} runs")
         return int((self.notes / name).read_text())
 
+    def windows(self):
+        """Those that are there: i3 goes on to list the last one, whose number may be given anew."""
+        found = set()
+        for window in self.desktop.property("_NET_CLIENT_LIST"):
+            with contextlib.suppress(BadWindow):
+                self.desktop.display.create_resource_object("window", window).get_attributes()
+                found.add(window)
+        return found
+
     def until_window(self, begin):
         """What `begin` returns, and the window that comes of it."""
-        before = set(self.desktop.property("_NET_CLIENT_LIST"))
+        before = self.windows()
         begun = begin()
-        window = eventually(lambda: set(self.desktop.property("_NET_CLIENT_LIST")) - before, "its window is there").pop()
+        window = eventually(lambda: self.windows() - before, "its window is there").pop()
         self.desktop.until_active(window)
         return begun, window
 

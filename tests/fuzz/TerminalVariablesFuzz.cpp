@@ -3,7 +3,8 @@
 
 using namespace nubble;
 
-// Whatever the environment of a process holds, what is passed on to other programs is short, plain and theirs.
+// Whatever the environment of a process holds, what is passed on to other programs is short, plain and
+// theirs.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     const QByteArray bytes(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));
