@@ -212,6 +212,10 @@ bool SessionMonitor::leaveOutEnded(QList<ClaudeSession> &sessions)
         return true;
     });
     m_ended = std::move(ended);
+    m_sameProcess.clear();
+    if (endsAreTold)
+        for (const ClaudeSession &session : sessions)
+            m_sameProcess.insert(session.pid, session.procStart);
     return endsAreTold;
 }
 
@@ -223,9 +227,12 @@ void SessionMonitor::publish(QList<ClaudeSession> sessions)
     Q_EMIT sessionsChanged();
 }
 
-// A process that has been given the id of one that is gone.
+// A process that has been given the id of one that is gone. Its table is slow to read.
 bool SessionMonitor::isAnotherProcess(const ClaudeSession &session) const
 {
+    const auto known = m_sameProcess.constFind(session.pid);
+    if (known != m_sameProcess.cend() && *known == session.procStart)
+        return false;
     bool isNumber = false;
     const quint64 birth = session.procStart.value_or(QString()).toULongLong(&isNumber);
     const auto process = isNumber ? m_processes->find(session.pid) : std::nullopt;

@@ -106,6 +106,8 @@ private:
     QList<ClaudeSession> m_sessions;
     QSet<SessionRun> m_recentlyCompleted;
     QSet<qint32> m_ended; // process ids that records still name
+    QHash<qint32, std::optional<QString>>
+        m_sameProcess; // found to be the records', and their end will be told
     RunTracker m_runs;
     QTimer m_poll{this};
     QTimer m_soon;   // runs while the last look is known to be behind

@@ -158,8 +158,7 @@ private Q_SLOTS:
         ask(u"q"_s);
         const auto sessionsBut = [this](const QString &own) {
             SessionMonitor monitor(
-                QStringList{m_home->path(u".claude"_s)}, own,
-                LinuxProcessTable(), SystemClock());
+                QStringList{m_home->path(u".claude"_s)}, own, LinuxProcessTable(), SystemClock());
             monitor.waitForDone();
             return monitor.sessions().size();
         };
