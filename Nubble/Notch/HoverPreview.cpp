@@ -1,7 +1,5 @@
 #include "Notch/HoverPreview.h"
 
-#include <QTimer>
-
 #include <chrono>
 
 #include "Notch/PanelState.h"
@@ -13,6 +11,7 @@ namespace nubble {
 
 namespace {
 
+constexpr auto comesAfter = 120ms; // not where the pointer only passes
 constexpr auto goneAfter = 150ms;
 
 } // namespace
@@ -20,15 +19,30 @@ constexpr auto goneAfter = 150ms;
 HoverPreview::HoverPreview(PanelState &state, std::function<bool()> isOnTheWay, QObject *parent)
     : QObject(parent), m_state(state), m_isOnTheWay(std::move(isOnTheWay))
 {
+    m_opening.setSingleShot(true);
+    m_opening.callOnTimeout(this, &HoverPreview::open);
 }
 
 void HoverPreview::setRingHovered(bool hovered)
 {
     assertMainThread("Nubble/Notch/HoverPreview");
     m_ringHovered = hovered;
-    if (hovered && m_state.mode() == PanelMode::collapsed())
-        m_state.setMode(PanelMode::usage());
+    if (hovered)
+        m_opening.start(comesAfter);
+    else
+        m_opening.stop();
     scheduleCollapse();
+}
+
+void HoverPreview::open()
+{
+    if (m_state.mode() == PanelMode::collapsed())
+        m_state.setMode(PanelMode::usage());
+}
+
+void HoverPreview::cancel()
+{
+    m_opening.stop();
 }
 
 void HoverPreview::setCardHovered(bool hovered)

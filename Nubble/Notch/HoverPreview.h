@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QTimer>
 
 #include <functional>
 
@@ -8,9 +9,9 @@ namespace nubble {
 
 class PanelState;
 
-// The usage card that comes with the pointer over the status ring and goes soon after the pointer has left
-// both ring and card, a little later while it is on its way from one to the other. Cards that a click opened
-// are none of its business, unless it is asked to close them, too. Main thread only.
+// The usage card that comes when the pointer rests on the status ring and goes soon after the pointer has
+// left both ring and card, a little later while it is on its way from one to the other. Cards that a click
+// opened are none of its business, unless it is asked to close them, too. Main thread only.
 class HoverPreview : public QObject {
     Q_OBJECT
 
@@ -23,8 +24,10 @@ public:
     void setRingHovered(bool hovered);
     void setCardHovered(bool hovered);
     void closeEveryCardWhenLeft(); // from now on, after a longer while
+    void cancel();                 // it does not come, unless the pointer does anew
 
 private:
+    void open();
     void scheduleCollapse();
     void collapsePreview(int patience); // in further looks at a pointer on its way
     void collapseUnlessHovered();
@@ -34,6 +37,7 @@ private:
     bool m_ringHovered = false;
     bool m_cardHovered = false;
     bool m_closesEveryCard = false;
+    QTimer m_opening;
 };
 
 } // namespace nubble

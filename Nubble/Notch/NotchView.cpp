@@ -41,6 +41,7 @@ void NotchView::followState()
     connect(m_cards, &CardHost::outlineChanged, this, &NotchView::outlineChanged);
     connect(m_cards, &CardHost::hoveredChanged, &m_hover, &HoverPreview::setCardHovered);
     connect(m_claude, &ClaudeCell::hoveredChanged, &m_hover, &HoverPreview::setRingHovered);
+    connect(m_claude, &ClaudeCell::pressed, &m_hover, &HoverPreview::cancel); // it may become a drag
     connect(m_claude, &ClaudeCell::clicked, this, [this] { open(PanelMode::sessions()); });
 }
 
@@ -115,6 +116,7 @@ void NotchView::setObservable(bool observable)
 
 void NotchView::endPreview()
 {
+    m_hover.cancel();
     if (m_context.state.mode() == PanelMode::usage())
         m_context.state.collapse();
 }
