@@ -138,10 +138,9 @@ QPainterPath NotchView::outline() const
 
 QRect NotchView::shownOnScreen() const
 {
-    constexpr double shadow = Layout::cardPadding;
     QRectF shown = m_geometry.body;
     if (const QPainterPath card = m_cards->outline(); !card.isEmpty())
-        shown |= card.boundingRect().adjusted(-shadow, -shadow, shadow, shadow);
+        shown |= card.boundingRect().marginsAdded(cardShadowRoom);
     return shown.translated(m_geometry.frame.topLeft()).toAlignedRect();
 }
 

@@ -11,6 +11,7 @@
 #include "Placement/Layout.h"
 #include "Placement/MainScreen.h"
 #include "Placement/NotchPlacement.h"
+#include "Placement/PanelShapes.h"
 #include "Platform/DesktopPreferences.h"
 #include "Platform/Workspace.h"
 #include "Review/QuenwickCard.h"
@@ -22,7 +23,6 @@
 #include "Shell/NotificationCenter.h"
 #include "Usage/PlanUsageMonitor.h"
 #include "Usage/UsageCard.h"
-#include "Widgets/CardFrame.h"
 #include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
@@ -95,7 +95,7 @@ public:
     {
         const QRect seen = m_view.outline()
                                .boundingRect()
-                               .marginsAdded(QMarginsF(1, 1, 1, 1) * (CardFrame::margin + 6))
+                               .marginsAdded(cardShadowRoom)
                                .toAlignedRect()
                                .intersected(m_geometry.screen.toRect());
         const qreal scale = m_view.devicePixelRatioF();
