@@ -21,6 +21,11 @@ RingView::RingView(QWidget *cell) : QWidget(cell)
     m_frame.setTimerType(Qt::PreciseTimer);
     m_frame.setInterval(stepTime);
     connect(&m_frame, &QTimer::timeout, this, &RingView::turnOn);
+    m_beat.setKeyValues({{0, 1.0}, {0.5, 1.25}, {1, 1.0}});
+    m_beat.setDuration(beatTime);
+    m_beat.setEasingCurve(QEasingCurve::InOutSine);
+    m_beat.setLoopCount(beats);
+    connect(&m_beat, &QVariantAnimation::valueChanged, this, qOverload<>(&QWidget::update));
 }
 
 void RingView::place(const CellFrame &frame)
@@ -34,9 +39,18 @@ void RingView::place(const CellFrame &frame)
 
 void RingView::setActivity(const Activity &activity)
 {
+    const bool begins = activity.waiting && !m_activity.waiting;
     m_activity = activity;
     animateIfNeeded();
+    if (begins)
+        beat();
     update();
+}
+
+void RingView::beat()
+{
+    if (!m_motionReduced && isVisible())
+        m_beat.start();
 }
 
 void RingView::setFraction(std::optional<double> fraction)
@@ -55,6 +69,8 @@ void RingView::setMotionReduced(bool reduced)
 {
     m_motionReduced = reduced;
     m_step = 0;
+    if (reduced)
+        m_beat.stop();
     animateIfNeeded();
     update();
 }
@@ -88,6 +104,7 @@ void RingView::showEvent(QShowEvent *)
 
 void RingView::hideEvent(QHideEvent *)
 {
+    m_beat.stop();
     animateIfNeeded();
 }
 
@@ -126,18 +143,23 @@ void RingView::draw(QPainter &painter) const
         drawActivityArc(painter, m_center, static_cast<double>(m_step) / stepsPerTurn, m_activity.waiting);
     else
         drawStatusRing(painter, m_center, m_activity.overall, m_fraction);
-    if (m_activity.waiting)
-        drawWaitingBadge(painter, m_center);
     if (m_focused) {
         painter.setPen(QPen(Palette::focus, 1.5));
         painter.setBrush(Qt::NoBrush);
         painter.drawEllipse(m_center, Layout::ringDiameter / 2 + 2.5, Layout::ringDiameter / 2 + 2.5);
     }
+    const bool isBeating = m_beat.state() == QAbstractAnimation::Running;
+    if (m_activity.waiting)
+        drawWaitingBadge(painter, m_center, isBeating ? m_beat.currentValue().toDouble() : 1);
+    if (m_fraction)
+        drawPercent(painter, percentOf(*m_fraction));
+}
+
+void RingView::drawPercent(QPainter &painter, int percent) const
+{
     painter.setFont(Typography::percent());
-    painter.setPen(Palette::textPrimary);
-    Typography::drawTabular(
-        painter, m_percentRect, Qt::AlignHCenter,
-        m_fraction ? QString::number(percentOf(*m_fraction)) : QString());
+    painter.setPen(isScarce(percent) ? Palette::problem : Palette::textPrimary);
+    Typography::drawTabular(painter, m_percentRect, Qt::AlignHCenter, QString::number(percent));
 }
 
 } // namespace nubble

@@ -2,6 +2,7 @@
 
 #include <QImage>
 #include <QTimer>
+#include <QVariantAnimation>
 #include <QWidget>
 
 #include <array>
@@ -15,7 +16,8 @@ struct CellFrame;
 
 // What is drawn of the status ring's cell: the ring, the percentage below it, and the keyboard's focus.
 // Opaque, on the body's black; the mouse goes to the cell. Repaints only when something that it shows
-// changes, and the ends of the turning arc while something works and is seen.
+// changes, and the ends of the turning arc while something works and is seen. What waits from now on is
+// pointed out by two beats of the badge.
 class RingView : public QWidget {
     Q_OBJECT
 
@@ -38,6 +40,8 @@ private:
     // A turn in 1.4 seconds. In a step the arc's ends move by less than two pixels, however late it is.
     static constexpr int stepTime = 35; // milliseconds
     static constexpr int stepsPerTurn = 40;
+    static constexpr int beatTime = 300; // milliseconds
+    static constexpr int beats = 2;
 
     struct EndOfArc {
         QRect place;
@@ -47,8 +51,10 @@ private:
 
     [[nodiscard]] bool isWorking() const { return m_activity.overall == RunState::Working; }
     void animateIfNeeded();
+    void beat();
     void turnOn();
     void draw(QPainter &painter) const;
+    void drawPercent(QPainter &painter, int percent) const;
     void drawEnd(QPainter &painter, EndOfArc &end) const;
 
     QPointF m_center; // of the ring
@@ -57,6 +63,7 @@ private:
     std::optional<double> m_fraction;
     bool m_focused = false;
     bool m_motionReduced = false;
+    QVariantAnimation m_beat; // the badge's size
     QTimer m_frame;
     int m_step = 0;
     std::array<Step, stepsPerTurn> m_steps; // as they have been drawn in the turns before

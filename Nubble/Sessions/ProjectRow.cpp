@@ -85,9 +85,13 @@ void ProjectRow::paintEvent(QPaintEvent *)
 
 void ProjectRow::drawBackground(QPainter &painter) const
 {
+    const QRectF area = QRectF(rect()).adjusted(1, 1, -1, -1);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(m_content.state == RunState::Waiting ? Palette::waitingRow : Qt::transparent);
+    painter.drawRoundedRect(area, 10, 10);
     painter.setPen(hasFocus() ? QPen(Palette::focus, 1.5) : QPen(Qt::NoPen));
     painter.setBrush(m_hover.lifted(Qt::transparent, isDown()));
-    painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 10, 10);
+    painter.drawRoundedRect(area, 10, 10);
 }
 
 double ProjectRow::drawState(QPainter &painter, const QRectF &area) const

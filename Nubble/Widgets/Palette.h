@@ -29,6 +29,7 @@ inline constexpr QColor watch{242, 255, 0};
 inline constexpr QColor critical{255, 63, 0};
 inline constexpr QColor problem{255, 138, 115}; // text that says what went wrong
 inline constexpr QColor badge{255, 176, 32};    // something waits for the user
+inline constexpr QColor waitingRow{255, 176, 32, 28}; // below a row that does
 inline constexpr QColor bronze{222, 138, 92};   // something works
 inline constexpr QColor recording{255, 82, 74}; // the microphone is listened to
 inline constexpr QColor waveOldest{86, 190, 255};

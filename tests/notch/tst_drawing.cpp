@@ -26,17 +26,18 @@ public:
     }
 
     // The colour on the ring's stroke, `turn` of the way round from the top, clockwise.
-    [[nodiscard]] QColor at(double turn) const
+    [[nodiscard]] QColor at(double turn, double radius = (Layout::ringDiameter - 2.75) / 2) const
     {
-        constexpr double radius = (Layout::ringDiameter - 2.75) / 2;
         const double angle = (turn - 0.25) * 2 * std::numbers::pi;
         return pixel(radius * QPointF(std::cos(angle), std::sin(angle)));
     }
-    [[nodiscard]] QColor badge() const { return pixel({8.2, -8.2}); }
-    [[nodiscard]] bool hasTextAt(double below) const
+    // That far from the ring's centre, towards the upper right.
+    [[nodiscard]] QColor badge(double distance = 19.5) const { return at(0.125, distance); }
+    [[nodiscard]] bool hasTextAt(double below, double redness = 0) const
     {
         for (int x = -12; x <= 12; ++x)
-            if (pixel(QPointF(x, below)).lightness() > 100)
+            if (const QColor c = pixel(QPointF(x, below));
+                c.lightness() > 100 && c.hslSaturationF() >= redness)
                 return true;
         return false;
     }
@@ -120,6 +121,12 @@ private Q_SLOTS:
             for (const double turn : {used + 0.07, (1 + used) / 2, 0.93})
                 QVERIFY(picture.at(turn).saturation() == 0 && picture.at(turn).value() < 80); // the track
         }
+        for (const int percent : {90, 91}) { // when little is left the arc is thicker, and the number red
+            showUsage(world, panel, percent);
+            const RingPicture picture(world, panel);
+            QCOMPARE(picture.at(0.3, 9.9) == Palette::critical, percent > 90);
+            QCOMPARE(picture.hasTextAt(13 + 3.5 + 5.5, 0.5), percent > 90);
+        }
         const auto pictureAfter = [&panel](QEvent::Type type) {
             QFocusEvent focus(type);
             QCoreApplication::sendEvent(panel.ring(), &focus);
@@ -156,7 +163,17 @@ private Q_SLOTS:
         world.clock.advance(2min);
         world.readSessions();
         QVERIFY(panel.ring()->accessibleName().endsWith(u": idle"));
-        QCOMPARE(picture(u"waiting"_s, u"a session waits for you"_s).badge(), Palette::badge);
+        showUsage(world, panel, 15);
+        const RingPicture waiting =
+            picture(u"waiting"_s, u"a session waits for you, 15 % of the plan used"_s);
+        for (const double distance : {14.6, 19.5, 24.4})
+            QCOMPARE(waiting.badge(distance), Palette::badge);
+        QCOMPARE(waiting.badge(25.6), Palette::body);
+        for (const double turn : {0.101, 0.149}) // its upmost and rightmost parts
+            QCOMPARE(waiting.at(turn, 23.1), Palette::badge);
+        for (const double turn : {0.03, 0.08, 0.125}) // all of a small arc is seen beside it
+            for (const double radius : {10.7, 11.6, 12.5})
+                QCOMPARE(waiting.at(turn, radius), Palette::ample);
     }
 
     void unchangedSessionsPaintNothingAndAChangedOnePaintsItsRowOnly()
@@ -289,6 +306,51 @@ private Q_SLOTS:
             for (int y = ring.top(); y <= ring.bottom(); ++y)
                 for (int x = ring.left(); x <= ring.right(); ++x)
                     QVERIFY(isNear(seen.pixel(x, y), whole.pixel(x, y)));
+        }
+    }
+
+    void whatBeginsToWaitIsPointedOutForAMomentIfThingsMayMove()
+    {
+        for (const bool still : {true, false}) {
+            PanelWorld world;
+            world.preferences.setReducedMotion(still);
+            PanelUnderTest panel(world);
+            settle(panel);
+            const PaintCounter counter;
+            world.addSession(1, u"one"_s, u"waiting"_s, 0ms);
+            world.readSessions();
+            const auto isLarge = [&] { return RingPicture(world, panel).badge(25.6) == Palette::badge; };
+            if (!still)
+                QTRY_VERIFY(isLarge());
+            settle(panel);
+            QVERIFY(!isLarge());
+            QCOMPARE(counter.paintsOf(u"Claude sessions"_s) > 4, !still);
+            expectMotion(false);
+            world.readSessions(); // it goes on waiting
+            expectMotion(false);
+            if (!still) {
+                world.addSession(1, u"one"_s, u"idle"_s, 0ms);
+                world.readSessions();
+                world.addSession(1, u"one"_s, u"waiting"_s, 0ms);
+                world.readSessions();
+                QTRY_VERIFY(isLarge());
+                world.preferences.setReducedMotion(true);
+                QVERIFY(!isLarge());
+            }
+        }
+    }
+
+    void rowsOfWhatWaitsAreTinted()
+    {
+        PanelWorld world;
+        world.addSession(1, u"one"_s, u"waiting"_s, 0ms);
+        world.addSession(2, u"two"_s, u"idle"_s, 0ms);
+        PanelUnderTest panel(world);
+        panel.clickRing();
+        for (ProjectRow *row : panel.rows()) {
+            const QColor color = pictureOf(*row, 1).pixelColor(5, row->height() / 2);
+            const bool waits = row->accessibleName().startsWith(u"one");
+            QVERIFY(waits ? std::abs(color.red() - 28) <= 1 && color.blue() < 6 : color == Qt::black);
         }
     }
 
