@@ -14,6 +14,12 @@
 
 namespace nubble {
 
+namespace {
+
+constexpr double lightRadius = 17;
+
+} // namespace
+
 RingView::RingView(QWidget *cell) : QWidget(cell)
 {
     setAttribute(Qt::WA_TransparentForMouseEvents);
@@ -62,6 +68,14 @@ void RingView::setFraction(std::optional<double> fraction)
 void RingView::setFocused(bool focused)
 {
     m_focused = focused;
+    update();
+}
+
+void RingView::setLight(const QColor &light)
+{
+    if (m_light == light)
+        return;
+    m_light = light;
     update();
 }
 
@@ -139,6 +153,9 @@ void RingView::draw(QPainter &painter) const
 {
     painter.fillRect(rect(), Palette::body);
     painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(m_light);
+    painter.drawEllipse(m_center, lightRadius, lightRadius);
     if (isWorking())
         drawActivityArc(painter, m_center, static_cast<double>(m_step) / stepsPerTurn, m_activity.waiting);
     else

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QImage>
 #include <QTimer>
 #include <QVariantAnimation>
@@ -14,7 +15,8 @@ namespace nubble {
 
 struct CellFrame;
 
-// What is drawn of the status ring's cell: the ring, the percentage below it, and the keyboard's focus.
+// What is drawn of the status ring's cell: the ring, the percentage below it, the keyboard's focus, and the
+// light that falls on it below the pointer.
 // Opaque, on the body's black; the mouse goes to the cell. Repaints only when something that it shows
 // changes, and the ends of the turning arc while something works and is seen. What waits from now on is
 // pointed out by two beats of the badge.
@@ -29,6 +31,7 @@ public:
     void setActivity(const Activity &activity);
     void setFraction(std::optional<double> fraction); // of the plan; above 1 as 1
     void setFocused(bool focused);
+    void setLight(const QColor &light); // an equal one repaints nothing
     void setMotionReduced(bool reduced);
 
 protected:
@@ -62,6 +65,7 @@ private:
     Activity m_activity;
     std::optional<double> m_fraction;
     bool m_focused = false;
+    QColor m_light = Qt::transparent;
     bool m_motionReduced = false;
     QVariantAnimation m_beat; // the badge's size
     QTimer m_frame;

@@ -340,6 +340,34 @@ private Q_SLOTS:
         }
     }
 
+    void theRingIsLitBelowThePointerAndWhilePressed()
+    {
+        PanelWorld world;
+        world.placement.setLocked(true);
+        PanelUnderTest panel(world);
+        settle(panel);
+        const auto light = [&] { return RingPicture(world, panel).badge(13.9).red(); };
+        const auto pointer = [&](QEvent::Type type) {
+            QEnterEvent enter({}, {}, {});
+            QEvent leave(type);
+            QCoreApplication::sendEvent(panel.ring(), type == QEvent::Enter ? &enter : &leave);
+        };
+        QCOMPARE(light(), 0);
+        pointer(QEvent::Enter);
+        QTRY_COMPARE(light(), 26);
+        const QPoint middle = panel.ring()->rect().center();
+        QTest::mousePress(panel.ring(), Qt::LeftButton, {}, middle);
+        QTRY_COMPARE(light(), 42);
+        QTest::mouseMove(panel.ring(), middle + QPoint(0, 5)); // it is locked, and no longer pressed
+        QCOMPARE(panel.ring()->cursor().shape(), Qt::ArrowCursor);
+        QTRY_COMPARE(light(), 26);
+        QTest::mouseRelease(panel.ring(), Qt::LeftButton, {}, middle);
+        pointer(QEvent::Leave);
+        QTRY_COMPARE(light(), 0);
+        settle(panel);
+        expectMotion(false);
+    }
+
     void rowsOfWhatWaitsAreTinted()
     {
         PanelWorld world;

@@ -130,8 +130,10 @@ private Q_SLOTS:
             panel.surface->log.clear();
             QTest::mousePress(panel.ring(), Qt::LeftButton, {}, middle);
             QTest::mouseMove(panel.ring(), middle + QPoint(0, 20));
+            QCOMPARE(panel.ring()->cursor().shape(), Qt::ClosedHandCursor);
             miss();
             QVERIFY(!world.placement.isDragging());
+            QCOMPARE(panel.ring()->cursor().shape(), Qt::ArrowCursor);
             QCOMPARE(panel.surface->log, QStringList({u"begin"_s, u"end"_s}));
             world.placement.setVisible(true);
             world.state.collapse();
