@@ -14,6 +14,7 @@
 #include "Placement/PanelShapes.h"
 #include "Platform/DesktopPreferences.h"
 #include "Widgets/Palette.h"
+#include "Widgets/PixelGrid.h"
 #include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
@@ -175,7 +176,8 @@ void NotchView::paintEvent(QPaintEvent *)
         return;
     }
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillPath(bodyOutline(m_geometry.edge, m_geometry.body), Palette::body);
+    const QRectF body = PixelGrid::aligned(painter, m_geometry.body);
+    painter.fillPath(bodyOutline(m_geometry.edge, body), Palette::body);
 }
 
 } // namespace nubble

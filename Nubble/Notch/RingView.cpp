@@ -10,6 +10,7 @@
 #include "Placement/Layout.h"
 #include "Usage/UsageTexts.h"
 #include "Widgets/Palette.h"
+#include "Widgets/PixelGrid.h"
 #include "Widgets/Typography.h"
 
 namespace nubble {
@@ -152,6 +153,9 @@ void RingView::drawEnd(QPainter &painter, EndOfArc &end) const
 void RingView::draw(QPainter &painter) const
 {
     painter.fillRect(rect(), Palette::body);
+    constexpr double radius = Layout::ringDiameter / 2;
+    const QPointF corner = m_center - QPointF(radius, radius);
+    painter.translate(PixelGrid::aligned(painter, corner) - corner);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(m_light);
@@ -163,7 +167,7 @@ void RingView::draw(QPainter &painter) const
     if (m_focused) {
         painter.setPen(QPen(Palette::focus, 1.5));
         painter.setBrush(Qt::NoBrush);
-        painter.drawEllipse(m_center, Layout::ringDiameter / 2 + 2.5, Layout::ringDiameter / 2 + 2.5);
+        painter.drawEllipse(m_center, radius + 2.5, radius + 2.5);
     }
     const bool isBeating = m_beat.state() == QAbstractAnimation::Running;
     if (m_activity.waiting)

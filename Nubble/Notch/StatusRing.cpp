@@ -102,10 +102,10 @@ void drawActivityArc(QPainter &painter, const QPointF &center, double turn, bool
 
 std::array<QRect, 2> changedByTurning(const QPointF &center, double from, double to)
 {
-    const auto around = [&](double end) { // from its round cap there to the one here, with their soft edges
+    const auto around = [&](double end) { // from its round cap there to the one here, drawn a little beside
         const QRectF caps = circle(pointAt(center, from + end), stroke / 2)
                                 .united(circle(pointAt(center, to + end), stroke / 2));
-        return caps.adjusted(-0.5, -0.5, 0.5, 0.5).toAlignedRect();
+        return caps.adjusted(-1, -1, 1, 1).toAlignedRect();
     };
     return {around(0), around(arcLength)};
 }

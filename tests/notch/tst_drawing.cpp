@@ -20,9 +20,11 @@ namespace {
 // What the panel shows around its ring.
 class RingPicture {
 public:
-    RingPicture(const PanelWorld &world, PanelUnderTest &panel)
-        : m_center(world.geometry().ringCenter), m_image(pictureOf(panel.view(), scale))
+    RingPicture(const PanelWorld &world, PanelUnderTest &panel) : m_image(pictureOf(panel.view(), scale))
     {
+        const QPointF half(Layout::ringDiameter / 2, Layout::ringDiameter / 2);
+        const QPointF corner = (world.geometry().ringCenter - half) * scale;
+        m_center = QPointF(corner.toPoint()) / scale + half; // it is drawn on whole pixels
     }
 
     // The colour on the ring's stroke, `turn` of the way round from the top, clockwise.
@@ -166,13 +168,13 @@ private Q_SLOTS:
         showUsage(world, panel, 15);
         const RingPicture waiting =
             picture(u"waiting"_s, u"a session waits for you, 15 % of the plan used"_s);
-        for (const double distance : {14.6, 19.5, 24.4})
+        for (const double distance : {14.8, 19.5, 24.2})
             QCOMPARE(waiting.badge(distance), Palette::badge);
         QCOMPARE(waiting.badge(25.6), Palette::body);
         for (const double turn : {0.101, 0.149}) // its upmost and rightmost parts
             QCOMPARE(waiting.at(turn, 23.1), Palette::badge);
         for (const double turn : {0.03, 0.08, 0.125}) // all of a small arc is seen beside it
-            for (const double radius : {10.7, 11.6, 12.5})
+            for (const double radius : {11.0, 11.6, 12.2})
                 QCOMPARE(waiting.at(turn, radius), Palette::ample);
     }
 
@@ -338,6 +340,44 @@ private Q_SLOTS:
                 QVERIFY(!isLarge());
             }
         }
+    }
+
+    void sharpEdgesAndTheRingLieOnTheDevicesPixels()
+    {
+        PanelWorld world;
+        PanelUnderTest panel(world);
+        for (const NotchEdge edge : allEdges)
+            for (const double scale : {1.0, 1.5, 2.0}) {
+                world.placement.moveToEdge(edge, world.mainScreen.frame());
+                QImage picture((QSizeF(panel.view().size()) * scale).toSize(), QImage::Format_RGB32);
+                picture.setDevicePixelRatio(scale);
+                picture.fill(Qt::white);
+                panel.view().render(&picture, {}, {}, QWidget::DrawChildren);
+                const QRectF body = world.geometry().body;
+                const QPointF ring = world.geometry().ringCenter;
+                const QPointF side[]{
+                    {body.left(), ring.y()},
+                    {body.right(), ring.y()},
+                    {ring.x(), body.bottom()},
+                    {ring.x(), body.top()}};
+                const QPoint across = isVertical(edge) ? QPoint(1, 0) : QPoint(0, 1);
+                int changes = 0;
+                for (int i = -2; i <= 2; ++i) {
+                    const auto at = [&](int pixel) {
+                        const QPointF place = side[static_cast<int>(edge)] * scale;
+                        return picture.pixel(place.toPoint() + pixel * across);
+                    };
+                    QVERIFY(at(i) == qRgb(0, 0, 0) || at(i) == qRgb(255, 255, 255));
+                    changes += at(i) != at(i - 1);
+                }
+                QCOMPARE(changes, 1);
+                const QPointF corner = (ring - QPointF(13, 13)) * scale;
+                const QImage drawn = picture.copy({corner.toPoint(), QSize(26, 26) * scale});
+                const QImage mirrored = drawn.mirrored(true, true);
+                for (int y = 0; y < drawn.height(); ++y)
+                    for (int x = 0; x < drawn.width(); ++x)
+                        QVERIFY(isNear(drawn.pixel(x, y), mirrored.pixel(x, y)));
+            }
     }
 
     void theRingIsLitBelowThePointerAndWhilePressed()
