@@ -133,7 +133,7 @@ private Q_SLOTS:
             QCOMPARE(panel.ring()->cursor().shape(), Qt::ClosedHandCursor);
             miss();
             QVERIFY(!world.placement.isDragging());
-            QCOMPARE(panel.ring()->cursor().shape(), Qt::ArrowCursor);
+            QCOMPARE(panel.view().cursor().shape(), Qt::ArrowCursor);
             QCOMPARE(panel.surface->log, QStringList({u"begin"_s, u"end"_s}));
             world.placement.setVisible(true);
             world.state.collapse();

@@ -288,6 +288,8 @@ private Q_SLOTS:
                     else
                         QVERIFY(std::abs(Layout::along(edge, area.size()) - 23.5) < 0.1);
                 }
+                const double behind = along(edge, areas.first().bottomRight() - centers.first());
+                QVERIFY(behind > 20.2); // what waits is shown there
                 const double before = along(edge, centers.first() - areas.first().topLeft());
                 QVERIFY(std::abs(before - 27) < hair);
                 if (actions > 0) { // the buttons stand in the middle of theirs
