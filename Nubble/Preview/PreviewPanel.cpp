@@ -99,10 +99,14 @@ public:
                                .toAlignedRect()
                                .intersected(m_geometry.screen.toRect());
         const qreal scale = m_view.devicePixelRatioF();
-        QImage image((QSizeF(seen.size()) * scale).toSize(), QImage::Format_RGB32);
+        QImage panel((QSizeF(seen.size()) * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
+        panel.setDevicePixelRatio(scale);
+        panel.fill(Qt::transparent);
+        m_view.render(&panel, {}, seen, QWidget::DrawChildren);
+        QImage image(panel.size(), QImage::Format_RGB32);
         image.setDevicePixelRatio(scale);
         image.fill(desktop);
-        m_view.render(&image, {}, seen, QWidget::DrawChildren);
+        QPainter(&image).drawImage(0, 0, panel);
         return image;
     }
 

@@ -1,10 +1,46 @@
 #include <QImage>
+#include <QLabel>
+#include <QScrollBar>
 #include <QTest>
 
+#include <algorithm>
+#include <cmath>
+
 #include "Placement/PanelShapes.h"
+#include "Widgets/CappedScroll.h"
 #include "Widgets/CardFrame.h"
+#include "Widgets/Palette.h"
+#include "Widgets/Typography.h"
 
 using namespace nubble;
+
+namespace {
+
+// Both as WCAG 2 defines them.
+double luminance(const QColor &color)
+{
+    const auto linear = [](double part) {
+        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+
+double contrast(const QColor &a, const QColor &b)
+{
+    const auto [dark, light] = std::minmax(luminance(a), luminance(b));
+    return (light + 0.05) / (dark + 0.05);
+}
+
+QColor over(const QColor &below, const QColor &above)
+{
+    const float part = above.alphaF();
+    const auto mixed = [part](float lower, float upper) { return lower * (1 - part) + upper * part; };
+    return QColor::fromRgbF(
+        mixed(below.redF(), above.redF()), mixed(below.greenF(), above.greenF()),
+        mixed(below.blueF(), above.blueF()));
+}
+
+} // namespace
 
 class TestLook : public QObject {
     Q_OBJECT
@@ -34,6 +70,69 @@ private Q_SLOTS:
                 QVERIFY(step >= 0 && step <= 6);
             }
             QCOMPARE(at(middle.x(), middle.y()), 240); // nothing of it below the card
+        }
+    }
+
+    void whatMattersStandsOutFromWhatItLiesOn()
+    {
+        for (const QColor desktop : {QColor(Qt::black), QColor(Qt::white)}) {
+            const QColor card = over(desktop, Palette::card);
+            const QColor hovered = over(card, Palette::hover);
+            const QColor waiting = over(over(card, Palette::waitingRow), Palette::hover);
+            const std::tuple<const char *, QColor, QColor, double> rows[]{
+                {"ring track", Palette::body, Palette::ringTrack, 2.4},
+                {"bar track", card, Palette::barTrack, 2},
+                {"control on the body", Palette::body, Palette::control, 1.2},
+                {"control on a card", card, Palette::control, 1.3},
+                {"chosen among controls", over(card, Palette::control), over(card, Palette::chosen), 1.35},
+                {"thumb", card, Palette::thumb, 2},
+                {"working, hovered", hovered, Palette::bronze, 5},
+                {"waiting, hovered", waiting, Palette::badge, 5},
+                {"text, hovered", hovered, Palette::textSecondary, 4.5},
+                {"number when little is left", Palette::body, Palette::problem, 7},
+            };
+            for (const auto &[name, below, above, least] : rows)
+                QVERIFY2(contrast(below, over(below, above)) >= least, name);
+        }
+    }
+
+    void titlesAreHeavierThanTextInEveryFamily()
+    {
+        for (const auto &[family, wanted, present] :
+             {std::tuple("Inter", QFont::Medium, QFont::Medium),
+              {"Inter", QFont::DemiBold, QFont::DemiBold},
+              {"DejaVu Sans", QFont::Medium, QFont::Bold},
+              {"DejaVu Sans", QFont::DemiBold, QFont::Bold},
+              {"No Such Family", QFont::Medium, QFont::Medium}})
+            QCOMPARE(Typography::presentWeight(QLatin1String(family), wanted), present);
+    }
+
+    void whatScrollsFadesIntoTheCardWhereMoreOfItIsHidden()
+    {
+        QPixmap white(60, 300);
+        white.fill(Qt::white);
+        auto *content = new QLabel;
+        content->setPixmap(white);
+        CappedScroll scroll(content, 100);
+        scroll.setAttribute(Qt::WA_TranslucentBackground);
+        scroll.resize(scroll.sizeHint());
+        scroll.show();
+        const auto at = [&scroll](int y) {
+            QImage picture(scroll.size(), QImage::Format_ARGB32_Premultiplied);
+            picture.fill(Palette::card);
+            scroll.render(&picture, {}, {}, QWidget::DrawChildren);
+            return picture.pixelColor(20, y);
+        };
+        const int end = scroll.verticalScrollBar()->maximum();
+        QVERIFY(end > 100);
+        for (const int value : {0, end / 2, end}) {
+            scroll.verticalScrollBar()->setValue(value);
+            const auto isFaded = [&](int y) { return at(y).red() < 60 && std::abs(at(y).alpha() - 240) < 6; };
+            QCOMPARE(isFaded(0), value > 0);
+            QCOMPARE(isFaded(scroll.height() - 1), value < end);
+            for (const int y : {16, 50, scroll.height() - 17})
+                QCOMPARE(at(y), QColor(Qt::white));
+            QVERIFY(scroll.childAt(20, 2) == content); // and takes no clicks
         }
     }
 
