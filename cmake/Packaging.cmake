@@ -29,6 +29,6 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # usage, those that look up processes, a bus that connects its commands with the running instance, what runs a recorder, and a
 # command that starts other applications.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "hicolor-icon-theme, procps")
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "zstd, default-dbus-session-bus | dbus-session-bus, libglib2.0-bin")
-set(CPACK_DEBIAN_PACKAGE_SUGGESTS "fonts-inter, nodejs")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "zstd, default-dbus-session-bus | dbus-session-bus, libglib2.0-bin, fonts-inter")
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "nodejs")
 include(CPack)

@@ -6,11 +6,31 @@
 #include <algorithm>
 
 #include "Notch/CardTransition.h"
+#include "Placement/PanelShapes.h"
 #include "Platform/DesktopPreferences.h"
 #include "Platform/MainThread.h"
 #include "Widgets/TooltipShell.h"
 
 namespace nubble {
+
+namespace {
+
+double distanceBetween(NotchEdge edge, const QRectF &body, const QRectF &card)
+{
+    switch (edge) {
+    case NotchEdge::Right:
+        return body.left() - card.right();
+    case NotchEdge::Left:
+        return card.left() - body.right();
+    case NotchEdge::Top:
+        return card.top() - body.bottom();
+    case NotchEdge::Bottom:
+        break;
+    }
+    return body.top() - card.bottom();
+}
+
+} // namespace
 
 CardHost::CardHost(QWidget *view, QList<Card> cards, const DesktopPreferences &preferences)
     : QObject(view), m_view(view), m_preferences(preferences), m_cards(std::move(cards))
@@ -50,6 +70,7 @@ void CardHost::open()
         layOut();
         Q_EMIT outlineChanged();
     });
+    m_shell->lower(); // the body and its cells lie above the shadow
     layOut();
     m_shell->show();
 }
@@ -74,11 +95,13 @@ void CardHost::close()
 
 void CardHost::layOut()
 {
-    const QRect frame(m_geometry.cardFrame(m_shell->sizeHint()).topLeft().toPoint(), m_shell->sizeHint());
-    m_shell->setGeometry(frame);
-    const QPointF card = m_shell->cardRect().topLeft() + frame.topLeft();
-    const QPointF ring = m_geometry.ringCenter - card;
-    m_shell->setTailAlong(isVertical(m_geometry.edge) ? ring.y() : ring.x());
+    constexpr double tipFromBody = 3;
+    const QRect card = m_geometry.cardRect(m_shell->sizeHint().shrunkBy(cardShadowRoom));
+    m_shell->setGeometry(card.marginsAdded(cardShadowRoom));
+    const QPointF ring = m_geometry.ringCenter - card.topLeft();
+    m_shell->setTail(
+        isVertical(m_geometry.edge) ? ring.y() : ring.x(),
+        distanceBetween(m_geometry.edge, m_geometry.body, card) - tipFromBody);
 }
 
 void CardHost::setGeometry(const PanelGeometry &geometry)

@@ -7,7 +7,8 @@ namespace nubble {
 namespace {
 
 constexpr double half = Layout::ringDiameter / 2;
-constexpr double margin = 6; // around the circle, for its focus ring, its badge and a wider text
+constexpr double margin = 8;     // around the circle, for its focus ring and the badge outside it
+constexpr double textMargin = 6; // beside it, for a wider text
 
 } // namespace
 
@@ -22,7 +23,7 @@ QRect CellFrame::shown() const
 CellFrame cellFrame(const QRectF &area, const QPointF &center, NotchEdge edge, double lineHeight)
 {
     const double distance = half + Layout::percentGap + lineHeight / 2;
-    QRectF text(0, 0, 2 * half + 2 * margin, lineHeight);
+    QRectF text(0, 0, 2 * half + 2 * textMargin, lineHeight);
     text.moveCenter(center + QPointF(0, edge == NotchEdge::Bottom ? -distance : distance));
     const QRect geometry = area.toRect();
     return {geometry, center - geometry.topLeft(), text.translated(-geometry.topLeft())};

@@ -28,7 +28,7 @@ QString activityText(const Activity &activity)
 
 } // namespace
 
-ClaudeCell::ClaudeCell(QWidget *parent) : QAbstractButton(parent), m_view(new RingView(this))
+ClaudeCell::ClaudeCell(QWidget *parent) : QAbstractButton(parent), m_view(new RingView(this)), m_hover(this)
 {
     setFocusPolicy(Qt::TabFocus);
     describe();
@@ -95,6 +95,12 @@ void ClaudeCell::focusOutEvent(QFocusEvent *event)
 {
     m_view->setFocused(false);
     QAbstractButton::focusOutEvent(event);
+}
+
+// The view is all that is seen of it, and covers what it might draw.
+void ClaudeCell::paintEvent(QPaintEvent *)
+{
+    m_view->setLight(m_hover.lifted(Qt::transparent, isDown()));
 }
 
 } // namespace nubble

@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 
 #include "Sessions/RunState.h"
+#include "Widgets/HoverLift.h"
 
 namespace nubble {
 
@@ -32,12 +33,13 @@ protected:
     void leaveEvent(QEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
-    void paintEvent(QPaintEvent *) override { } // the view is all that is seen of it
+    void paintEvent(QPaintEvent *event) override;
 
 private:
     void describe();
 
     RingView *m_view;
+    HoverLift m_hover;
     Activity m_activity;
     std::optional<double> m_fraction;
     bool m_isUsageOld = false;

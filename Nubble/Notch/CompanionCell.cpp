@@ -9,6 +9,7 @@
 #include "Notch/NotchAction.h"
 #include "Placement/Layout.h"
 #include "Widgets/Palette.h"
+#include "Widgets/PixelGrid.h"
 #include "Widgets/Symbols.h"
 #include "Widgets/Typography.h"
 
@@ -54,6 +55,8 @@ void CompanionCell::paintEvent(QPaintEvent *)
     const NotchAction::Look &look = m_action.look();
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    const QPointF corner = m_center - QPointF(radius, radius);
+    painter.translate(PixelGrid::aligned(painter, corner) - corner);
     painter.setPen(hasFocus() ? QPen(Palette::focus, 1.5) : QPen(Qt::NoPen));
     painter.setBrush(m_hover.lifted(Palette::control, isDown()));
     painter.drawEllipse(m_center, radius - 0.75, radius - 0.75);

@@ -21,6 +21,8 @@ HoverPreview::HoverPreview(PanelState &state, std::function<bool()> isOnTheWay, 
 {
     m_opening.setSingleShot(true);
     m_opening.callOnTimeout(this, &HoverPreview::open);
+    m_leaving.setSingleShot(true);
+    m_leaving.callOnTimeout(this, &HoverPreview::collapsePreview);
 }
 
 void HoverPreview::setRingHovered(bool hovered)
@@ -60,17 +62,18 @@ void HoverPreview::closeEveryCardWhenLeft()
 void HoverPreview::scheduleCollapse()
 {
     constexpr int looks = 5;
-    QTimer::singleShot(goneAfter, this, [this] { collapsePreview(looks); });
+    m_patience = looks;
+    m_leaving.start(goneAfter);
     if (m_closesEveryCard)
         QTimer::singleShot(1500ms, this, &HoverPreview::collapseUnlessHovered);
 }
 
-void HoverPreview::collapsePreview(int patience)
+void HoverPreview::collapsePreview()
 {
     if (m_state.mode() != PanelMode::usage() || m_ringHovered || m_cardHovered)
         return;
-    if (patience > 0 && m_isOnTheWay())
-        QTimer::singleShot(goneAfter, this, [this, patience] { collapsePreview(patience - 1); });
+    if (m_patience-- > 0 && m_isOnTheWay())
+        m_leaving.start(goneAfter);
     else
         m_state.collapse();
 }

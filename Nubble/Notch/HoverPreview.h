@@ -29,7 +29,7 @@ public:
 private:
     void open();
     void scheduleCollapse();
-    void collapsePreview(int patience); // in further looks at a pointer on its way
+    void collapsePreview();
     void collapseUnlessHovered();
 
     PanelState &m_state;
@@ -38,6 +38,8 @@ private:
     bool m_cardHovered = false;
     bool m_closesEveryCard = false;
     QTimer m_opening;
+    QTimer m_leaving;
+    int m_patience = 0; // in further looks at a pointer on its way
 };
 
 } // namespace nubble

@@ -14,6 +14,7 @@
 #include "Placement/PanelShapes.h"
 #include "Platform/DesktopPreferences.h"
 #include "Widgets/Palette.h"
+#include "Widgets/PixelGrid.h"
 #include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
@@ -140,10 +141,9 @@ QPainterPath NotchView::outline() const
 
 QRect NotchView::shownOnScreen() const
 {
-    constexpr double shadow = Layout::cardPadding;
     QRectF shown = m_geometry.body;
     if (const QPainterPath card = m_cards->outline(); !card.isEmpty())
-        shown |= card.boundingRect().adjusted(-shadow, -shadow, shadow, shadow);
+        shown |= card.boundingRect().marginsAdded(cardShadowRoom);
     return shown.translated(m_geometry.frame.topLeft()).toAlignedRect();
 }
 
@@ -178,7 +178,8 @@ void NotchView::paintEvent(QPaintEvent *)
         return;
     }
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillPath(bodyOutline(m_geometry.edge, m_geometry.body), Palette::body);
+    const QRectF body = PixelGrid::aligned(painter, m_geometry.body);
+    painter.fillPath(bodyOutline(m_geometry.edge, body), Palette::body);
 }
 
 } // namespace nubble

@@ -85,14 +85,17 @@ void PanelWindow::followDrags()
     connect(&m_drag, &DragGesture::began, this, [this] { m_surface->beginMove(); });
     connect(&m_drag, &DragGesture::moved, this, [this](const QPointF &position) {
         NotchPlacement &placement = m_context.placement;
-        if (!placement.isLocked())
+        if (!placement.isLocked() && !placement.isDragging()) {
             placement.setDragging(true);
+            m_view->setCursor(Qt::ClosedHandCursor);
+        }
         m_context.state.collapse();
         if (const std::optional<QRectF> screen = m_context.mainScreen.frame())
             placement.moveTo(position, *screen);
     });
     connect(&m_drag, &DragGesture::ended, this, [this] {
         m_context.placement.setDragging(false);
+        m_view->unsetCursor();
         m_surface->endMove();
     });
 }

@@ -10,6 +10,7 @@
 #include "Placement/Layout.h"
 #include "Usage/UsageTexts.h"
 #include "Widgets/Palette.h"
+#include "Widgets/PixelGrid.h"
 #include "Widgets/Typography.h"
 
 namespace nubble {
@@ -19,6 +20,7 @@ namespace {
 constexpr double half = Layout::ringDiameter / 2;
 constexpr QMarginsF aroundRing{half, half, half, half};
 constexpr double oldStrength = 0.45; // of what may no longer be true
+constexpr double lightRadius = 17;
 
 } // namespace
 
@@ -29,6 +31,11 @@ RingView::RingView(QWidget *cell) : QWidget(cell)
     m_frame.setTimerType(Qt::PreciseTimer);
     m_frame.setInterval(stepTime);
     connect(&m_frame, &QTimer::timeout, this, &RingView::turnOn);
+    m_beat.setKeyValues({{0, 1.0}, {0.5, 1.25}, {1, 1.0}});
+    m_beat.setDuration(beatTime);
+    m_beat.setEasingCurve(QEasingCurve::InOutSine);
+    m_beat.setLoopCount(beats);
+    connect(&m_beat, &QVariantAnimation::valueChanged, this, qOverload<>(&QWidget::update));
 }
 
 void RingView::place(const CellFrame &frame)
@@ -43,15 +50,29 @@ void RingView::place(const CellFrame &frame)
 
 void RingView::setActivity(const Activity &activity)
 {
+    const bool begins = activity.waiting && !m_activity.waiting;
     m_activity = activity;
     animateIfNeeded();
+    if (begins)
+        beat();
     update();
+}
+
+void RingView::beat()
+{
+    if (!m_motionReduced && isVisible())
+        m_beat.start();
 }
 
 // Without a number the ring has the place of both.
 QPointF RingView::center() const
 {
     return m_fraction ? m_center : m_middle;
+}
+
+double RingView::strength() const
+{
+    return m_isUsageOld ? oldStrength : 1;
 }
 
 void RingView::setUsage(std::optional<double> fraction, bool isOld)
@@ -67,10 +88,20 @@ void RingView::setFocused(bool focused)
     update();
 }
 
+void RingView::setLight(const QColor &light)
+{
+    if (m_light == light)
+        return;
+    m_light = light;
+    update();
+}
+
 void RingView::setMotionReduced(bool reduced)
 {
     m_motionReduced = reduced;
     m_step = 0;
+    if (reduced)
+        m_beat.stop();
     animateIfNeeded();
     update();
 }
@@ -104,6 +135,7 @@ void RingView::showEvent(QShowEvent *)
 
 void RingView::hideEvent(QHideEvent *)
 {
+    m_beat.stop();
     animateIfNeeded();
 }
 
@@ -137,25 +169,34 @@ void RingView::drawEnd(QPainter &painter, EndOfArc &end) const
 void RingView::draw(QPainter &painter) const
 {
     painter.fillRect(rect(), Palette::body);
+    const QPointF corner = center() - QPointF(half, half);
+    painter.translate(PixelGrid::aligned(painter, corner) - corner);
     painter.setRenderHint(QPainter::Antialiasing);
-    const double strength = m_isUsageOld ? oldStrength : 1;
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(m_light);
+    painter.drawEllipse(center(), lightRadius, lightRadius);
     if (isWorking())
         drawActivityArc(painter, center(), static_cast<double>(m_step) / stepsPerTurn, m_activity.waiting);
     else
-        drawStatusRing(painter, center(), m_activity.overall, m_fraction, strength);
-    if (m_activity.waiting)
-        drawWaitingBadge(painter, center());
+        drawStatusRing(painter, center(), m_activity.overall, m_fraction, strength());
     if (m_focused) {
         painter.setPen(QPen(Palette::focus, 1.5));
         painter.setBrush(Qt::NoBrush);
         painter.drawEllipse(center(), half + 2.5, half + 2.5);
     }
+    const bool isBeating = m_beat.state() == QAbstractAnimation::Running;
+    if (m_activity.waiting)
+        drawWaitingBadge(painter, center(), isBeating ? m_beat.currentValue().toDouble() : 1);
+    if (m_fraction)
+        drawPercent(painter, percentOf(*m_fraction));
+}
+
+void RingView::drawPercent(QPainter &painter, int percent) const
+{
     painter.setFont(Typography::percent());
-    painter.setOpacity(strength);
-    painter.setPen(Palette::textPrimary);
-    Typography::drawTabular(
-        painter, m_percentRect, Qt::AlignHCenter,
-        m_fraction ? QString::number(percentOf(*m_fraction)) : QString());
+    painter.setOpacity(strength());
+    painter.setPen(isScarce(percent) ? Palette::problem : Palette::textPrimary);
+    Typography::drawTabular(painter, m_percentRect, Qt::AlignHCenter, QString::number(percent));
 }
 
 } // namespace nubble

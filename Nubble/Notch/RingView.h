@@ -1,7 +1,9 @@
 #pragma once
 
+#include <QColor>
 #include <QImage>
 #include <QTimer>
+#include <QVariantAnimation>
 #include <QWidget>
 
 #include <array>
@@ -13,9 +15,11 @@ namespace nubble {
 
 struct CellFrame;
 
-// What is drawn of the status ring's cell: the ring, the percentage below it, and the keyboard's focus.
+// What is drawn of the status ring's cell: the ring, the percentage below it, the keyboard's focus, and the
+// light that falls on it below the pointer.
 // Opaque, on the body's black; the mouse goes to the cell. Repaints only when something that it shows
-// changes, and the ends of the turning arc while something works and is seen.
+// changes, and the ends of the turning arc while something works and is seen. What waits from now on is
+// pointed out by two beats of the badge.
 class RingView : public QWidget {
     Q_OBJECT
 
@@ -27,6 +31,7 @@ public:
     void setActivity(const Activity &activity);
     void setUsage(std::optional<double> fraction, bool isOld); // of the plan; above 1 as 1
     void setFocused(bool focused);
+    void setLight(const QColor &light); // an equal one repaints nothing
     void setMotionReduced(bool reduced);
 
 protected:
@@ -38,6 +43,8 @@ private:
     // A turn in 1.4 seconds. In a step the arc's ends move by less than two pixels, however late it is.
     static constexpr int stepTime = 35; // milliseconds
     static constexpr int stepsPerTurn = 40;
+    static constexpr int beatTime = 300; // milliseconds
+    static constexpr int beats = 2;
 
     struct EndOfArc {
         QRect place;
@@ -47,11 +54,14 @@ private:
 
     [[nodiscard]] bool isWorking() const { return m_activity.overall == RunState::Working; }
     void animateIfNeeded();
+    void beat();
     void turnOn();
     void draw(QPainter &painter) const;
+    void drawPercent(QPainter &painter, int percent) const;
     void drawEnd(QPainter &painter, EndOfArc &end) const;
 
-    [[nodiscard]] QPointF center() const; // of the ring
+    [[nodiscard]] QPointF center() const;  // of the ring
+    [[nodiscard]] double strength() const; // the opacity of what tells the plan's use
 
     QPointF m_center; // of the circle, and of all of it
     QPointF m_middle;
@@ -60,7 +70,9 @@ private:
     std::optional<double> m_fraction;
     bool m_isUsageOld = false;
     bool m_focused = false;
+    QColor m_light = Qt::transparent;
     bool m_motionReduced = false;
+    QVariantAnimation m_beat; // the badge's size
     QTimer m_frame;
     int m_step = 0;
     std::array<Step, stepsPerTurn> m_steps; // as they have been drawn in the turns before

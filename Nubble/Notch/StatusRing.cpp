@@ -14,8 +14,16 @@ namespace nubble {
 namespace {
 
 constexpr double stroke = 2.75;
-constexpr double radius = (Layout::ringDiameter - stroke) / 2;
-constexpr double arcLength = 0.25; // in turns
+constexpr double scarceStroke = 3.5; // where little is left
+constexpr double arcLength = 0.25;   // in turns
+constexpr double badgeRadius = 5.5;
+constexpr double badgeGap = 1; // between it and the ring
+
+// Of the middle of a stroke that ends where the ring does.
+constexpr double radiusOf(double width)
+{
+    return (Layout::ringDiameter - width) / 2;
+}
 
 QRectF circle(const QPointF &center, double r)
 {
@@ -26,22 +34,25 @@ QRectF circle(const QPointF &center, double r)
 QPointF pointAt(const QPointF &center, double turn)
 {
     const double angle = (turn - 0.25) * 2 * std::numbers::pi;
-    return center + radius * QPointF(std::cos(angle), std::sin(angle));
+    return center + radiusOf(stroke) * QPointF(std::cos(angle), std::sin(angle));
 }
 
 // A part of the ring, clockwise from the top; both in turns.
-void drawArc(QPainter &painter, const QPointF &center, const QColor &color, double start, double length)
+void drawArc(
+    QPainter &painter, const QPointF &center, const QColor &color, double start, double length,
+    double width = stroke)
 {
-    painter.setPen(QPen(color, stroke, Qt::SolidLine, Qt::RoundCap));
+    painter.setPen(QPen(color, width, Qt::SolidLine, Qt::RoundCap));
     painter.setBrush(Qt::NoBrush);
-    painter.drawArc(circle(center, radius), qRound((0.25 - start) * 360 * 16), qRound(-length * 360 * 16));
+    painter.drawArc(
+        circle(center, radiusOf(width)), qRound((0.25 - start) * 360 * 16), qRound(-length * 360 * 16));
 }
 
 void drawTrack(QPainter &painter, const QPointF &center)
 {
     painter.setPen(QPen(Palette::ringTrack, stroke));
     painter.setBrush(Qt::NoBrush);
-    painter.drawEllipse(circle(center, radius));
+    painter.drawEllipse(circle(center, radiusOf(stroke)));
 }
 
 // Eight petals around an open middle.
@@ -78,7 +89,9 @@ void drawStatusRing(
     drawTrack(painter, center);
     if (const int percent = percentOf(fraction.value_or(0)); percent > 0) {
         painter.setOpacity(strength);
-        drawArc(painter, center, colorOf(levelOf(percent)), 0, percent / 100.0);
+        drawArc(
+            painter, center, colorOf(levelOf(percent)), 0, percent / 100.0,
+            isScarce(percent) ? scarceStroke : stroke);
         painter.setOpacity(1);
     }
     drawGlyph(painter, center, state == RunState::Waiting ? Palette::badge : Palette::textSecondary);
@@ -93,20 +106,26 @@ void drawActivityArc(QPainter &painter, const QPointF &center, double turn, bool
 
 std::array<QRect, 2> changedByTurning(const QPointF &center, double from, double to)
 {
-    const auto around = [&](double end) { // from its round cap there to the one here, with their soft edges
+    const auto around = [&](double end) { // from its round cap there to the one here, drawn a little beside
         const QRectF caps = circle(pointAt(center, from + end), stroke / 2)
                                 .united(circle(pointAt(center, to + end), stroke / 2));
-        return caps.adjusted(-0.5, -0.5, 0.5, 0.5).toAlignedRect();
+        return caps.adjusted(-1, -1, 1, 1).toAlignedRect();
     };
     return {around(0), around(arcLength)};
 }
 
-void drawWaitingBadge(QPainter &painter, const QPointF &center)
+bool isScarce(int percent)
 {
-    const QPointF corner = center + QPointF(1, -1) * (radius * std::numbers::sqrt2 / 2);
-    painter.setPen(QPen(Palette::body, 2));
+    return percent > 90;
+}
+
+void drawWaitingBadge(QPainter &painter, const QPointF &center, double size)
+{
+    constexpr double distance = Layout::ringDiameter / 2 + badgeGap + badgeRadius;
+    const QPointF corner = center + QPointF(1, -1) * (distance * std::numbers::sqrt2 / 2);
+    painter.setPen(Qt::NoPen);
     painter.setBrush(Palette::badge);
-    painter.drawEllipse(circle(corner, 4.5));
+    painter.drawEllipse(circle(corner, badgeRadius * size));
 }
 
 } // namespace nubble

@@ -27,7 +27,11 @@ void drawActivityArc(QPainter &painter, const QPointF &center, double turn, bool
 // All that looks different when the arc has gone on from one turn to another: the places of its two ends.
 [[nodiscard]] std::array<QRect, 2> changedByTurning(const QPointF &center, double from, double to);
 
-// Something waits for the user.
-void drawWaitingBadge(QPainter &painter, const QPointF &center);
+// Whether so much of the plan is used that ring and number should catch the eye.
+[[nodiscard]] bool isScarce(int percent);
+
+// Something waits for the user: a dot outside the ring, all of which stays to be seen. A size of 1 is as it
+// is at rest.
+void drawWaitingBadge(QPainter &painter, const QPointF &center, double size);
 
 } // namespace nubble

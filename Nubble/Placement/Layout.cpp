@@ -22,6 +22,7 @@ constexpr double lyingLength = 4426.0 / 45.0;                  // of a body that
 constexpr double lyingQuenwickPitch = 322.0 / 9.0;             // a ring's width and the gap
 
 constexpr double areaBeyondCell = 14; // along, where nothing else is near
+constexpr double badgeReach = 20.7;   // along, from the ring's centre: the badge beside it at its largest
 
 // A rectangle given by where it starts along the edge and away from it.
 QRectF onEdge(NotchEdge edge, const QSizeF &window, double along, double length, double across, double depth)
@@ -179,17 +180,19 @@ QRectF Layout::areaBetween(NotchEdge edge, double start, double end) const
 
 QRectF Layout::ringArea(NotchEdge edge) const
 {
-    const double end = m_quenwickCellShown
-        ? (shownBehindCenter(edge) + quenwickPitch(edge) - ringDiameter / 2) / 2
-        : areaEnd(edge, 0);
+    const double end = m_quenwickCellShown ? quenwickAreaStart(edge) : areaEnd(edge, 0);
     return areaBetween(edge, -ringDiameter / 2 - areaBeyondCell, end);
+}
+
+// Halfway from what the ring's cell shows, from the ring's centre.
+double Layout::quenwickAreaStart(NotchEdge edge) const
+{
+    return std::max((shownBehindCenter(edge) + quenwickPitch(edge) - ringDiameter / 2) / 2, badgeReach);
 }
 
 QRectF Layout::quenwickArea(NotchEdge edge) const
 {
-    const double center = quenwickPitch(edge);
-    return areaBetween(
-        edge, (shownBehindCenter(edge) + center - ringDiameter / 2) / 2, areaEnd(edge, center));
+    return areaBetween(edge, quenwickAreaStart(edge), areaEnd(edge, quenwickPitch(edge)));
 }
 
 QRectF Layout::actionArea(NotchEdge edge, int position) const

@@ -66,6 +66,7 @@ private:
     [[nodiscard]] double shownBehindCenter(NotchEdge edge) const;
     [[nodiscard]] double actionsStart(NotchEdge edge) const;
     [[nodiscard]] double areaEnd(NotchEdge edge, double center) const;
+    [[nodiscard]] double quenwickAreaStart(NotchEdge edge) const;
     [[nodiscard]] QRectF areaBetween(NotchEdge edge, double start, double end) const;
     [[nodiscard]] QPointF ringCenterMovedAlong(NotchEdge edge, double distance) const;
 

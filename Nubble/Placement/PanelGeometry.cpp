@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "Placement/Layout.h"
+#include "Placement/PanelShapes.h"
 
 namespace nubble {
 
@@ -30,6 +31,29 @@ QRectF alignedAlong(NotchEdge edge, QRectF window)
     return window;
 }
 
+// What the layout keeps free around a card, on whole pixels.
+QMargins cardMargins(NotchEdge edge)
+{
+    const int around = qRound(Layout::cardPadding);
+    const int tailSide = qRound(Layout::cardPadding + Layout::tailSpace);
+    QMargins margins(around, around, around, around);
+    switch (edge) {
+    case NotchEdge::Right:
+        margins.setRight(tailSide);
+        break;
+    case NotchEdge::Left:
+        margins.setLeft(tailSide);
+        break;
+    case NotchEdge::Top:
+        margins.setTop(tailSide);
+        break;
+    case NotchEdge::Bottom:
+        margins.setBottom(tailSide);
+        break;
+    }
+    return margins;
+}
+
 } // namespace
 
 PanelGeometry PanelGeometry::cutTo(const QRect &part) const
@@ -50,9 +74,10 @@ int PanelGeometry::offset() const
 }
 
 // Beside the body, as near to the ring as the ends of the screen allow.
-QRectF PanelGeometry::cardFrame(const QSizeF &size) const
+QRect PanelGeometry::cardRect(const QSize &size) const
 {
-    QRectF card(QPointF(), size);
+    const QMargins margins = cardMargins(edge);
+    QRectF card(QPointF(), size.grownBy(margins));
     card.moveCenter(ringCenter);
     switch (edge) {
     case NotchEdge::Right:
@@ -68,7 +93,8 @@ QRectF PanelGeometry::cardFrame(const QSizeF &size) const
         card.moveBottom(screen.bottom() - Layout::cardStart);
         break;
     }
-    return fittedAlong(edge, card, screen);
+    const QPoint corner = fittedAlong(edge, card, screen).topLeft().toPoint();
+    return {corner + QPoint(margins.left(), margins.top()), size};
 }
 
 double PanelGeometry::roomForCard() const
@@ -82,11 +108,14 @@ PanelGeometry panelGeometry(const Layout &layout, NotchEdge edge, double offset,
     const QRectF window = alignedAlong(edge, layout.windowFrame(edge, offset, screen));
     const double room = std::ceil(Layout::cardPadding);
     const QMarginsF around = isVertical(edge) ? QMarginsF(0, room, 0, room) : QMarginsF(room, 0, room, 0);
-    const QRectF cards = layout.cardArea(edge).translated(window.topLeft()).marginsAdded(around);
+    const QRectF cards =
+        fittedAlong(edge, layout.cardArea(edge).translated(window.topLeft()).marginsAdded(around), screen);
+    const QRectF shadows =
+        cards.marginsAdded(cardShadowRoom - static_cast<int>(Layout::cardPadding)) & screen;
 
     PanelGeometry geometry;
     geometry.edge = edge;
-    geometry.frame = window.marginsAdded(around).united(fittedAlong(edge, cards, screen)).toAlignedRect();
+    geometry.frame = (window.marginsAdded(around) | cards | shadows).toAlignedRect();
     geometry.screen = screen.translated(-geometry.frame.topLeft());
     geometry.origin = window.topLeft() - geometry.frame.topLeft();
     geometry.body = layout.bodyRect(edge).translated(geometry.origin);

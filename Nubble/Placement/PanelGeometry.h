@@ -21,8 +21,8 @@ struct PanelGeometry {
     QPointF ringCenter;
 
     [[nodiscard]] PanelGeometry cutTo(const QRect &part) const; // of the frame, in screen coordinates
-    [[nodiscard]] int offset() const; // of the frame's start from the start of the edge
-    [[nodiscard]] QRectF cardFrame(const QSizeF &size) const; // where a padded card of that size stands
+    [[nodiscard]] int offset() const;                      // of the frame's start from the start of the edge
+    [[nodiscard]] QRect cardRect(const QSize &size) const; // where a card of that size stands
     [[nodiscard]] double roomForCard() const; // the height that the screen leaves to an open card
 
     bool operator==(const PanelGeometry &) const = default;

@@ -11,6 +11,7 @@
 #include "Placement/Layout.h"
 #include "Placement/MainScreen.h"
 #include "Placement/NotchPlacement.h"
+#include "Placement/PanelShapes.h"
 #include "Platform/DesktopPreferences.h"
 #include "Platform/ProcessTable.h"
 #include "Platform/System.h"
@@ -24,7 +25,6 @@
 #include "Shell/NotificationCenter.h"
 #include "Usage/PlanUsageMonitor.h"
 #include "Usage/UsageCard.h"
-#include "Widgets/CardFrame.h"
 #include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
@@ -99,14 +99,18 @@ public:
     {
         const QRect seen = m_view.outline()
                                .boundingRect()
-                               .marginsAdded(QMarginsF(1, 1, 1, 1) * (CardFrame::margin + 6))
+                               .marginsAdded(cardShadowRoom)
                                .toAlignedRect()
                                .intersected(m_geometry.screen.toRect());
         const qreal scale = m_view.devicePixelRatioF();
-        QImage image((QSizeF(seen.size()) * scale).toSize(), QImage::Format_RGB32);
+        QImage panel((QSizeF(seen.size()) * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
+        panel.setDevicePixelRatio(scale);
+        panel.fill(Qt::transparent);
+        m_view.render(&panel, {}, seen, QWidget::DrawChildren);
+        QImage image(panel.size(), QImage::Format_RGB32);
         image.setDevicePixelRatio(scale);
         image.fill(desktop);
-        m_view.render(&image, {}, seen, QWidget::DrawChildren);
+        QPainter(&image).drawImage(0, 0, panel);
         return image;
     }
 

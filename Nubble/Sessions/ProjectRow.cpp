@@ -135,9 +135,13 @@ void ProjectRow::paintEvent(QPaintEvent *)
 
 void ProjectRow::drawBackground(QPainter &painter) const
 {
+    const QRectF area = QRectF(rect()).adjusted(1, 1, -1, -1);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(m_content.state == RunState::Waiting ? Palette::waitingRow : Qt::transparent);
+    painter.drawRoundedRect(area, 10, 10);
     painter.setPen(hasFocus() ? QPen(Palette::focus, 1.5) : QPen(Qt::NoPen));
     painter.setBrush(m_hover.lifted(Qt::transparent, isDown()));
-    painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 10, 10);
+    painter.drawRoundedRect(area, 10, 10);
 }
 
 // Behind the last prompt, so that the title has the whole width above. Returns where it begins.

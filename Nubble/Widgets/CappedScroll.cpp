@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "Widgets/ScrollFade.h"
 #include "Widgets/SlimScrollBar.h"
 
 namespace nubble {
@@ -21,6 +22,7 @@ CappedScroll::CappedScroll(QWidget *content, int maxHeight, QWidget *parent)
     setWidget(content);
     content->setAutoFillBackground(false);
     content->installEventFilter(this);
+    m_fades = {new ScrollFade(this, ScrollFade::End::Top), new ScrollFade(this, ScrollFade::End::Bottom)};
     fit();
 }
 
@@ -41,6 +43,13 @@ bool CappedScroll::eventFilter(QObject *watched, QEvent *event)
     if (watched == widget() && event->type() == QEvent::LayoutRequest)
         fit();
     return QScrollArea::eventFilter(watched, event);
+}
+
+void CappedScroll::resizeEvent(QResizeEvent *event)
+{
+    QScrollArea::resizeEvent(event);
+    for (ScrollFade *fade : m_fades)
+        fade->follow();
 }
 
 void CappedScroll::wheelEvent(QWheelEvent *event)

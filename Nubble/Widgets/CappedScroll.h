@@ -2,9 +2,14 @@
 
 #include <QScrollArea>
 
+#include <array>
+
 namespace nubble {
 
-// As tall as its content, up to a limit beyond which the content scrolls.
+class ScrollFade;
+
+// As tall as its content, up to a limit beyond which the content scrolls and fades into the card at both
+// ends.
 class CappedScroll : public QScrollArea {
     Q_OBJECT
 
@@ -16,10 +21,12 @@ public:
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
 
 private:
     int m_maxHeight;
+    std::array<ScrollFade *, 2> m_fades;
 };
 
 } // namespace nubble

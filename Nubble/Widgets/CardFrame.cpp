@@ -4,20 +4,27 @@
 
 #include "Placement/PanelShapes.h"
 #include "Widgets/Palette.h"
-#include "Widgets/SoftShadow.h"
 
 namespace nubble {
 
 namespace {
 
-constexpr double shadowReach = CardFrame::margin - 1;
+// From one colour on the card to another one at the tail's tip.
+QBrush towardsTip(const QLineF &tail, const QColor &onCard, const QColor &atTip)
+{
+    if (tail.isNull())
+        return onCard;
+    QLinearGradient gradient(tail.p1(), tail.p2());
+    gradient.setColorAt(0, onCard);
+    gradient.setColorAt(1, atTip);
+    return gradient;
+}
 
 } // namespace
 
 CardFrame CardFrame::rounded(const QRectF &card)
 {
-    const QPainterPath outline = cardOutline(NotchEdge::Top, card, 0, 0);
-    return {outline, outline};
+    return {.outline = cardOutline(NotchEdge::Top, card, 0, 0)};
 }
 
 QPixmap CardFrame::drawn(const QSize &size, qreal scale, bool translucent) const
@@ -26,23 +33,25 @@ QPixmap CardFrame::drawn(const QSize &size, qreal scale, bool translucent) const
     frame.setDevicePixelRatio(scale);
     frame.fill(Qt::transparent);
     QPainter painter(&frame);
-    QColor fill = Palette::card;
+    QColor onCard = Palette::card;
+    if (!translucent)
+        onCard.setAlpha(255);
+    const QBrush fill = towardsTip(tail, onCard, Palette::body);
     if (translucent) {
         painter.setRenderHint(QPainter::Antialiasing);
-        drawSoftShadow(painter, shadowOutline, shadowReach);
+        drawSoftShadow(painter, outline, shadow);
     } else {
         // The window is cut along the outline: fill beyond it, so that no pixel on the way is left unpainted.
-        fill.setAlpha(255);
         painter.fillRect(QRect({}, size), fill);
     }
-    painter.setCompositionMode(QPainter::CompositionMode_Source); // no shadow below the tail
+    painter.setCompositionMode(QPainter::CompositionMode_Source); // no shadow below it
     painter.fillPath(outline, fill);
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
 
     // The line runs inside the outline: half of a stroke of twice its width.
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setClipPath(outline);
-    painter.setPen(QPen(Palette::cardLine, 2));
+    painter.setPen(QPen(towardsTip(tail, Palette::cardLine, Qt::transparent), 2));
     painter.drawPath(outline);
     return frame;
 }

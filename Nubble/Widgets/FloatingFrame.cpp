@@ -6,6 +6,7 @@
 #include <QPainter>
 #include <QVBoxLayout>
 
+#include "Placement/PanelShapes.h"
 #include "Widgets/CardFrame.h"
 
 namespace nubble {
@@ -19,16 +20,14 @@ constexpr int dragDistance = 4; // less than the desktop's for drag and drop: a 
 FloatingFrame::FloatingFrame(QWidget *content, const QSize &card)
 {
     auto *layout = new QVBoxLayout(this);
-    const int around = CardFrame::margin;
-    layout->setContentsMargins(around, around, around, around);
+    layout->setContentsMargins(cardShadowRoom);
     layout->addWidget(content);
-    setFixedSize(card + QSize(2 * around, 2 * around));
+    setFixedSize(card.grownBy(cardShadowRoom));
 }
 
 CardFrame FloatingFrame::frame() const
 {
-    const int around = CardFrame::margin;
-    return CardFrame::rounded(rect().marginsRemoved({around, around, around, around}));
+    return CardFrame::rounded(rect().marginsRemoved(cardShadowRoom));
 }
 
 void FloatingFrame::setTranslucent(bool translucent)

@@ -15,7 +15,7 @@ class FloatingFrame : public QWidget {
     Q_OBJECT
 
 public:
-    // As large as the card and the margin for its shadow.
+    // As large as the card and the room for its shadow.
     FloatingFrame(QWidget *content, const QSize &card);
 
     [[nodiscard]] CardFrame frame() const;

@@ -2,6 +2,7 @@
 
 #include <QPointer>
 
+#include "Placement/PanelShapes.h"
 #include "Platform/FloatingSurface.h"
 #include "Platform/MainThread.h"
 #include "Widgets/CardFrame.h"
@@ -49,8 +50,7 @@ void FloatingWindow::openAt(const QPoint &topLeft)
     assertMainThread("Nubble/Widgets/FloatingWindow");
     if (!m_frame)
         make();
-    const int around = CardFrame::margin;
-    m_surface->place(QRect(topLeft, m_size).marginsAdded({around, around, around, around}));
+    m_surface->place(QRect(topLeft, m_size).marginsAdded(cardShadowRoom));
     open();
 }
 

@@ -23,7 +23,7 @@ void SlimScrollBar::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(underMouse() || isSliderDown() ? Palette::textSecondary : Palette::ringTrack);
+    painter.setBrush(underMouse() || isSliderDown() ? Palette::textSecondary : Palette::thumb);
     painter.drawRoundedRect(QRectF(width() - 5, start, 4, length), 2, 2);
 }
 

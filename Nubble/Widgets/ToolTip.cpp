@@ -17,7 +17,7 @@ namespace nubble {
 
 namespace {
 
-constexpr int around = CardFrame::margin;
+constexpr int around = 12; // for its shadow
 constexpr double radius = 8;
 constexpr int paddingAlong = 10;
 constexpr int paddingAcross = 6;
@@ -93,7 +93,7 @@ CardFrame ToolTip::frame() const
 {
     QPainterPath outline;
     outline.addRoundedRect(QRectF(rect()).adjusted(around, around, -around, -around), radius, radius);
-    return {.outline = outline, .shadowOutline = outline};
+    return {.outline = outline, .shadow = toolTipShadow};
 }
 
 void ToolTip::paintEvent(QPaintEvent *)

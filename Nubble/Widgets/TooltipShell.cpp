@@ -3,7 +3,6 @@
 #include <QEvent>
 #include <QPainter>
 
-#include "Placement/Layout.h"
 #include "Placement/PanelShapes.h"
 #include "Widgets/CardFrame.h"
 
@@ -11,10 +10,20 @@ namespace nubble {
 
 namespace {
 
-// Beside a body that lies, which is deeper, a card stands nearer.
-double tailLength(NotchEdge edge)
+// Straight from the card towards the body, wherever along the side.
+QLineF tail(NotchEdge edge, const QRectF &card, double length)
 {
-    return isVertical(edge) ? 14 : 10;
+    switch (edge) {
+    case NotchEdge::Right:
+        return QLineF(card.topRight(), card.topRight() + QPointF(length, 0));
+    case NotchEdge::Left:
+        return QLineF(card.topLeft(), card.topLeft() - QPointF(length, 0));
+    case NotchEdge::Top:
+        return QLineF(card.topLeft(), card.topLeft() - QPointF(0, length));
+    case NotchEdge::Bottom:
+        break;
+    }
+    return QLineF(card.bottomLeft(), card.bottomLeft() + QPointF(0, length));
 }
 
 } // namespace
@@ -27,46 +36,26 @@ TooltipShell::TooltipShell(QWidget *content, NotchEdge edge, bool translucent, Q
     resize(sizeHint());
 }
 
-QMargins TooltipShell::margins() const
-{
-    const int around = qRound(Layout::cardPadding);
-    QMargins margins(around, around, around, around);
-    const int tailSide = qRound(Layout::cardPadding + Layout::tailSpace);
-    switch (m_edge) {
-    case NotchEdge::Right:
-        margins.setRight(tailSide);
-        break;
-    case NotchEdge::Left:
-        margins.setLeft(tailSide);
-        break;
-    case NotchEdge::Top:
-        margins.setTop(tailSide);
-        break;
-    case NotchEdge::Bottom:
-        margins.setBottom(tailSide);
-        break;
-    }
-    return margins;
-}
-
 QSize TooltipShell::sizeHint() const
 {
     QSize content =
         m_content->sizeHint().expandedTo(m_content->minimumSize()).boundedTo(m_content->maximumSize());
     if (m_content->hasHeightForWidth()) // what it hints at is for another width
         content.setHeight(m_content->heightForWidth(content.width()));
-    return content.grownBy(margins());
+    return content.grownBy(cardShadowRoom);
 }
 
 QRect TooltipShell::cardRect() const
 {
-    return rect().marginsRemoved(margins());
+    return rect().marginsRemoved(cardShadowRoom);
 }
 
 CardFrame TooltipShell::frame() const
 {
-    const auto outline = [this](double tail) { return cardOutline(m_edge, cardRect(), tail, m_tailAlong); };
-    return {outline(tailLength(m_edge)), outline(0)};
+    const QRectF card = cardRect();
+    return {
+        .outline = cardOutline(m_edge, card, m_tailLength, m_tailAlong),
+        .tail = tail(m_edge, card, m_tailLength)};
 }
 
 QPainterPath TooltipShell::outline() const
@@ -81,9 +70,10 @@ void TooltipShell::setTranslucent(bool translucent)
     update();
 }
 
-void TooltipShell::setTailAlong(double along)
+void TooltipShell::setTail(double along, double length)
 {
     m_tailAlong = along;
+    m_tailLength = length;
     m_drawn = {};
     update();
 }

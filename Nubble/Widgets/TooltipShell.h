@@ -8,7 +8,7 @@
 namespace nubble {
 
 // The frame of an open card: near-black, rounded, with a tail that points to the body, and a soft shadow
-// around it. As large as its content and the margin around it.
+// around it. As large as its content and the room for the shadow around it, which holds the tail, too.
 class TooltipShell : public QWidget {
     Q_OBJECT
 
@@ -19,7 +19,7 @@ public:
     [[nodiscard]] QRect cardRect() const;       // the card alone
     [[nodiscard]] QPainterPath outline() const; // of card and tail, in the parent's coordinates
     void setTranslucent(bool translucent);
-    void setTailAlong(double along); // from the start of the side that faces the body
+    void setTail(double along, double length); // from the start of the side that faces the body
 
 Q_SIGNALS:
     void contentResized();
@@ -30,13 +30,13 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    [[nodiscard]] QMargins margins() const;
     [[nodiscard]] CardFrame frame() const;
 
     QWidget *m_content;
     NotchEdge m_edge;
     bool m_translucent;
     double m_tailAlong = 0;
+    double m_tailLength = 0;
     QPixmap m_drawn; // what paintEvent shows, drawn once per size
 };
 

@@ -3,6 +3,7 @@
 #include <QFontDatabase>
 #include <QFontMetricsF>
 #include <QGuiApplication>
+#include <QHash>
 #include <QPainter>
 #include <QScreen>
 
@@ -29,7 +30,10 @@ QFont font(double pixels, QFont::Weight weight)
 {
     QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
     font.setFamilies(QStringList{u"Inter"_s} + font.families());
-    return sized(font, pixels, weight);
+    font = sized(font, pixels, weight);
+    if (weight > QFont::Normal)
+        font.setWeight(presentWeight(QFontInfo(font).family(), weight));
+    return font;
 }
 
 double digitWidth(const QFontMetricsF &metrics)
@@ -108,12 +112,25 @@ QFont code()
 
 QFont cardBody()
 {
-    return font(11, QFont::Normal);
+    return font(10.5, QFont::Normal);
 }
 
 QFont caption()
 {
-    return font(10, QFont::Normal);
+    return font(10.5, QFont::Normal);
+}
+
+QFont::Weight presentWeight(const QString &family, QFont::Weight wanted)
+{
+    static QHash<std::pair<QString, int>, QFont::Weight> known; // asked for at each painting
+    const auto key = std::pair(family, static_cast<int>(wanted));
+    if (const auto found = known.constFind(key); found != known.constEnd())
+        return *found;
+    int lightest = QFont::Black + 1;
+    for (const QString &style : QFontDatabase::styles(family))
+        if (const int weight = QFontDatabase::weight(family, style); weight >= wanted)
+            lightest = std::min(lightest, weight);
+    return known[key] = lightest > QFont::Black ? wanted : static_cast<QFont::Weight>(lightest);
 }
 
 double percentLineHeight()

@@ -25,6 +25,9 @@ namespace Typography {
 [[nodiscard]] QFont heading(int level); // within those; 1 is the largest
 [[nodiscard]] QFont code();
 
+// The lightest weight of that family that is no lighter, so that a title never looks like the text below it.
+[[nodiscard]] QFont::Weight presentWeight(const QString &family, QFont::Weight wanted);
+
 // The height of one line of `percent()`, whole pixels.
 [[nodiscard]] double percentLineHeight();
 

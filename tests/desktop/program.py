@@ -14,7 +14,7 @@ from desktop import PATIENCE, SCREEN, Desktop, Window, descendants, end, eventua
 
 PROGRAM = os.environ.get("NUBBLE_PROGRAM", "")
 
-SHADOW = 12  # around a window's card
+SHADOW = (28, 20, 28, 36)  # the room for it at the left, the top, the right and the bottom
 
 # The body in the middle of a vertical edge: its depth, and where the ring's centre is from the edge.
 BODY_DEPTH = 124 / 3
@@ -167,7 +167,8 @@ class DesktopTest(unittest.TestCase):
         for window, _, size in self.desktop.nubble_windows():
             if window.get_wm_name() == title:
                 at = self.desktop.root.translate_coords(window, 0, 0)
-                return at.x + SHADOW, at.y + SHADOW, size.width - 2 * SHADOW, size.height - 2 * SHADOW
+                left, top, right, bottom = SHADOW
+                return at.x + left, at.y + top, size.width - left - right, size.height - top - bottom
         return None
 
     def start_terminal(self):

@@ -1,106 +1,12 @@
-#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QVariantAnimation>
 
-#include <cmath>
-#include <numbers>
-
-#include "Notch/RingView.h"
 #include "Sessions/ProjectsCardContent.h"
-#include "Widgets/Palette.h"
-#include "notch/PanelUnderTest.h"
-#include "usage/UsageCache.h"
+#include "notch/Drawing.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 using namespace nubble;
-
-namespace {
-
-// What the panel shows around its ring.
-class RingPicture {
-public:
-    RingPicture(const PanelWorld &world, PanelUnderTest &panel)
-        : m_center(world.geometry().ringCenter), m_image(pictureOf(panel.view(), scale))
-    {
-    }
-
-    // The colour on the ring's stroke, `turn` of the way round from the top, clockwise.
-    [[nodiscard]] QColor at(double turn) const
-    {
-        constexpr double radius = (Layout::ringDiameter - 2.75) / 2;
-        const double angle = (turn - 0.25) * 2 * std::numbers::pi;
-        return pixel(radius * QPointF(std::cos(angle), std::sin(angle)));
-    }
-    [[nodiscard]] QColor badge() const { return pixel({8.2, -8.2}); }
-    [[nodiscard]] bool hasTextAt(double below) const
-    {
-        for (int x = -12; x <= 12; ++x)
-            if (pixel(QPointF(x, below)).lightness() > 100)
-                return true;
-        return false;
-    }
-
-private:
-    static constexpr int scale = 2;
-
-    [[nodiscard]] QColor pixel(const QPointF &fromCenter) const
-    {
-        const QPoint at = ((m_center + fromCenter) * scale).toPoint();
-        return m_image.valid(at) ? m_image.pixelColor(at) : QColor();
-    }
-
-    QPointF m_center;
-    QImage m_image;
-};
-
-// Counts what is painted in all windows for as long as it lives.
-class PaintCounter : public QObject {
-public:
-    PaintCounter() { qApp->installEventFilter(this); }
-
-    [[nodiscard]] qsizetype paintsOf(const QString &name) const
-    {
-        return painted.filter(QRegularExpression(u'^' + name)).size();
-    }
-
-    QStringList painted; // by their accessible names
-    int frames = 0;      // timers that wake the program as an animation does
-
-protected:
-    bool eventFilter(QObject *watched, QEvent *event) override
-    {
-        const auto *widget = qobject_cast<QWidget *>(watched);
-        if (event->type() == QEvent::Paint && widget)
-            painted.append(
-                (qobject_cast<const RingView *>(widget) ? widget->parentWidget() : widget)->accessibleName());
-        const auto *timer = event->type() == QEvent::Timer ? qobject_cast<QTimer *>(watched) : nullptr;
-        frames += timer && timer->interval() < 40;
-        return false;
-    }
-};
-
-// Until everything has been painted that was asked for.
-void settle(PanelUnderTest &panel)
-{
-    QVERIFY(QTest::qWaitForWindowExposed(&panel.view()));
-    for (int quiet = 0; quiet < 3; ++quiet) {
-        const PaintCounter counter;
-        QTest::qWait(20);
-        if (!counter.painted.isEmpty())
-            quiet = -1;
-    }
-}
-
-void showUsage(PanelWorld &world, PanelUnderTest &panel, int session)
-{
-    world.home.write(u".config/Claude/Cache/Cache_Data/a_0"_s, UsageCache::usageEntry(session));
-    QTRY_VERIFY(!world.planUsage.isRefreshing()); // which may have been too early
-    world.planUsage.refresh(true);
-    QTRY_VERIFY(panel.ring()->accessibleName().endsWith(u", %1 % of the plan used"_s.arg(session)));
-}
-
-} // namespace
 
 class TestDrawing : public QObject {
     Q_OBJECT
@@ -119,6 +25,12 @@ private Q_SLOTS:
                 QCOMPARE(picture.at(turn), color);
             for (const double turn : {used + 0.07, (1 + used) / 2, 0.93})
                 QVERIFY(picture.at(turn).saturation() == 0 && picture.at(turn).value() < 80); // the track
+        }
+        for (const int percent : {90, 91}) { // when little is left the arc is thicker, and the number red
+            showUsage(world, panel, percent);
+            const RingPicture picture(world, panel);
+            QCOMPARE(picture.at(0.3, 9.9) == Palette::critical, percent > 90);
+            QCOMPARE(picture.hasTextAt(13 + 3.5 + 5.5, 0.5), percent > 90);
         }
         const auto pictureAfter = [&panel](QEvent::Type type) {
             QFocusEvent focus(type);
@@ -162,7 +74,17 @@ private Q_SLOTS:
         world.clock.advance(2min);
         world.readSessions();
         QVERIFY(panel.ring()->accessibleName().contains(u": idle"));
-        QCOMPARE(picture(u"waiting"_s, u"a session waits for you"_s).badge(), Palette::badge);
+        showUsage(world, panel, 15);
+        const RingPicture waiting =
+            picture(u"waiting"_s, u"a session waits for you, 15 % of the plan used"_s);
+        for (const double distance : {14.8, 19.5, 24.2})
+            QCOMPARE(waiting.badge(distance), Palette::badge);
+        QCOMPARE(waiting.badge(25.6), Palette::body);
+        for (const double turn : {0.101, 0.149}) // its upmost and rightmost parts
+            QCOMPARE(waiting.at(turn, 23.1), Palette::badge);
+        for (const double turn : {0.03, 0.08, 0.125}) // all of a small arc is seen beside it
+            for (const double radius : {11.0, 11.6, 12.2})
+                QCOMPARE(waiting.at(turn, radius), Palette::ample);
     }
 
     void unchangedSessionsPaintNothingAndAChangedOnePaintsItsRowOnly()
@@ -295,6 +217,117 @@ private Q_SLOTS:
             for (int y = ring.top(); y <= ring.bottom(); ++y)
                 for (int x = ring.left(); x <= ring.right(); ++x)
                     QVERIFY(isNear(seen.pixel(x, y), whole.pixel(x, y)));
+        }
+    }
+
+    void whatBeginsToWaitIsPointedOutForAMomentIfThingsMayMove()
+    {
+        for (const bool still : {true, false}) {
+            PanelWorld world;
+            world.preferences.setReducedMotion(still);
+            PanelUnderTest panel(world);
+            settle(panel);
+            const PaintCounter counter;
+            world.addSession(1, u"one"_s, u"waiting"_s, 0ms);
+            world.readSessions();
+            const auto isLarge = [&] { return RingPicture(world, panel).badge(25.6) == Palette::badge; };
+            if (!still)
+                QTRY_VERIFY(isLarge());
+            settle(panel);
+            QVERIFY(!isLarge());
+            QCOMPARE(counter.paintsOf(u"Claude sessions"_s) > 4, !still);
+            expectMotion(false);
+            world.readSessions(); // it goes on waiting
+            expectMotion(false);
+            if (!still) {
+                world.addSession(1, u"one"_s, u"idle"_s, 0ms);
+                world.readSessions();
+                world.addSession(1, u"one"_s, u"waiting"_s, 0ms);
+                world.readSessions();
+                QTRY_VERIFY(isLarge());
+                world.preferences.setReducedMotion(true);
+                QVERIFY(!isLarge());
+            }
+        }
+    }
+
+    void sharpEdgesAndTheRingLieOnTheDevicesPixels()
+    {
+        PanelWorld world;
+        PanelUnderTest panel(world);
+        for (const NotchEdge edge : allEdges)
+            for (const double scale : {1.0, 1.5, 2.0}) {
+                world.placement.moveToEdge(edge, world.mainScreen.frame());
+                QImage picture((QSizeF(panel.view().size()) * scale).toSize(), QImage::Format_RGB32);
+                picture.setDevicePixelRatio(scale);
+                picture.fill(Qt::white);
+                panel.view().render(&picture, {}, {}, QWidget::DrawChildren);
+                const QRectF body = world.geometry().body;
+                const QPointF ring = world.geometry().ringCenter;
+                const QPointF side[]{
+                    {body.left(), ring.y()},
+                    {body.right(), ring.y()},
+                    {ring.x(), body.bottom()},
+                    {ring.x(), body.top()}};
+                const QPoint across = isVertical(edge) ? QPoint(1, 0) : QPoint(0, 1);
+                int changes = 0;
+                for (int i = -2; i <= 2; ++i) {
+                    const auto at = [&](int pixel) {
+                        const QPointF place = side[static_cast<int>(edge)] * scale;
+                        return picture.pixel(place.toPoint() + pixel * across);
+                    };
+                    QVERIFY(at(i) == qRgb(0, 0, 0) || at(i) == qRgb(255, 255, 255));
+                    changes += at(i) != at(i - 1);
+                }
+                QCOMPARE(changes, 1);
+                const QPointF corner = (ring - QPointF(13, 13)) * scale;
+                const QImage drawn = picture.copy({corner.toPoint(), QSize(26, 26) * scale});
+                const QImage mirrored = drawn.mirrored(true, true);
+                for (int y = 0; y < drawn.height(); ++y)
+                    for (int x = 0; x < drawn.width(); ++x)
+                        QVERIFY(isNear(drawn.pixel(x, y), mirrored.pixel(x, y)));
+            }
+    }
+
+    void theRingIsLitBelowThePointerAndWhilePressed()
+    {
+        PanelWorld world;
+        world.placement.setLocked(true);
+        PanelUnderTest panel(world);
+        settle(panel);
+        const auto light = [&] { return RingPicture(world, panel).badge(13.9).red(); };
+        const auto pointer = [&](QEvent::Type type) {
+            QEnterEvent enter({}, {}, {});
+            QEvent leave(type);
+            QCoreApplication::sendEvent(panel.ring(), type == QEvent::Enter ? &enter : &leave);
+        };
+        QCOMPARE(light(), 0);
+        pointer(QEvent::Enter);
+        QTRY_COMPARE(light(), 26);
+        const QPoint middle = panel.ring()->rect().center();
+        QTest::mousePress(panel.ring(), Qt::LeftButton, {}, middle);
+        QTRY_COMPARE(light(), 42);
+        QTest::mouseMove(panel.ring(), middle + QPoint(0, 5)); // it is locked, and no longer pressed
+        QCOMPARE(panel.ring()->cursor().shape(), Qt::ArrowCursor);
+        QTRY_COMPARE(light(), 26);
+        QTest::mouseRelease(panel.ring(), Qt::LeftButton, {}, middle);
+        pointer(QEvent::Leave);
+        QTRY_COMPARE(light(), 0);
+        settle(panel);
+        expectMotion(false);
+    }
+
+    void rowsOfWhatWaitsAreTinted()
+    {
+        PanelWorld world;
+        world.addSession(1, u"one"_s, u"waiting"_s, 0ms);
+        world.addSession(2, u"two"_s, u"idle"_s, 0ms);
+        PanelUnderTest panel(world);
+        panel.clickRing();
+        for (ProjectRow *row : panel.rows()) {
+            const QColor color = pictureOf(*row, 1).pixelColor(5, row->height() / 2);
+            const bool waits = row->accessibleName().startsWith(u"one");
+            QVERIFY(waits ? std::abs(color.red() - 28) <= 1 && color.blue() < 6 : color == Qt::black);
         }
     }
 

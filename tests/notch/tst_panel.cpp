@@ -3,6 +3,8 @@
 #include <QMenu>
 #include <QSignalSpy>
 
+#include "Placement/PanelShapes.h"
+#include "Widgets/TooltipShell.h"
 #include "notch/PanelUnderTest.h"
 
 using namespace Qt::StringLiterals;
@@ -134,8 +136,10 @@ private Q_SLOTS:
             panel.surface->log.clear();
             QTest::mousePress(panel.ring(), Qt::LeftButton, {}, middle);
             QTest::mouseMove(panel.ring(), middle + QPoint(0, 20));
+            QCOMPARE(panel.ring()->cursor().shape(), Qt::ClosedHandCursor);
             miss();
             QVERIFY(!world.placement.isDragging());
+            QCOMPARE(panel.view().cursor().shape(), Qt::ArrowCursor);
             QCOMPARE(panel.surface->log, QStringList({u"begin"_s, u"end"_s}));
             world.placement.setVisible(true);
             world.state.collapse();
@@ -251,6 +255,34 @@ private Q_SLOTS:
             panel.clickRing();
             QVERIFY(window != body); // until the card has faded
             QTRY_COMPARE(window, body);
+        }
+    }
+
+    void aCardsShadowTakesNoClicksAndLeavesTheBodysCellsTheirs()
+    {
+        PanelWorld world;
+        PanelUnderTest panel(world);
+        panel.clickRing();
+        for (const NotchEdge edge : allEdges) {
+            world.placement.moveToEdge(edge, world.mainScreen.frame());
+            const QRectF body = world.geometry().body;
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // of the edge before
+            const auto *shell = panel.view().findChild<TooltipShell *>();
+            const QRectF card = shell->cardRect().translated(shell->pos());
+            const QRectF shadow = card.marginsAdded(cardShadowRoom) & world.geometry().screen;
+            QVERIFY(QRectF(panel.view().rect()).contains(shadow));
+            const QRect ring = panel.ring()->geometry();
+            for (const QPoint corner :
+                 {ring.topLeft(), ring.topRight(), ring.bottomLeft(), ring.bottomRight()})
+                QCOMPARE(panel.view().childAt(corner), panel.ring());
+            const QPainterPath &outline = panel.surface->outline;
+            QPainterPath shown;
+            for (const QRectF &each : {body, card})
+                shown.addRect(each.adjusted(-0.01, -0.01, 0.01, 0.01));
+            const QRectF tail = outline.subtracted(shown).boundingRect(); // it alone stands out
+            QVERIFY((isVertical(edge) ? tail.height() : tail.width()) < 26.1);
+            QVERIFY(!tail.intersects(body.adjusted(-2.9, -2.9, 2.9, 2.9)));
+            QVERIFY(tail.intersects(body.adjusted(-3.1, -3.1, 3.1, 3.1)));
         }
     }
 

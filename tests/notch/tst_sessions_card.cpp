@@ -146,7 +146,8 @@ private Q_SLOTS:
             const QImage picture = pictureOf(*rows.at(row), 4); // strokes wider than a pixel
             for (qsizetype accent = 0; accent < accents.size(); ++accent)
                 QCOMPARE(holds(picture, accents.at(accent)), accent == row);
-            QCOMPARE(symbolOf(row) == symbolOf(0), row != 3);
+            if (row > 0) // the first is tinted
+                QCOMPARE(symbolOf(row) == symbolOf(1), row != 3);
             QVERIFY(!holds(picture, Palette::focus));
         }
         QApplication::setActiveWindow(&panel.view());

@@ -288,6 +288,8 @@ private Q_SLOTS:
                     else
                         QVERIFY(std::abs(Layout::along(edge, area.size()) - 23.5) < 0.1);
                 }
+                const double behind = along(edge, areas.first().bottomRight() - centers.first());
+                QVERIFY(behind > 20.2); // what waits is shown there
                 const double before = along(edge, centers.first() - areas.first().topLeft());
                 QVERIFY(std::abs(before - 27) < hair);
                 if (actions > 0) { // the buttons stand in the middle of theirs
@@ -318,14 +320,17 @@ private:
 
         // A card of any height lies beside the body, with its shadow on the screen and in the window.
         for (const double height : {60.0, 250.0, 460.0}) {
-            const QSizeF padded = QSizeF(246, height).grownBy({12, 12, 12, 12});
-            const QRectF card = geometry.cardFrame(padded).marginsRemoved({12, 12, 12, 12});
+            const QRectF card = geometry.cardRect(QSizeF(246, height).toSize());
             QVERIFY(!card.intersects(geometry.body));
-            QVERIFY(holds(QRectF(QPointF(), geometry.frame.size()), geometry.cardFrame(padded)));
-            const double start =
-                along(edge, geometry.cardFrame(padded).topLeft() - geometry.screen.topLeft());
-            const double room = Layout::along(edge, screen.size()) - Layout::along(edge, padded);
-            QVERIFY(room < 0 ? std::abs(start) < hair : start > -hair && start < room + hair);
+            const double across = std::abs(sideOf(edge, geometry.screen) - sideOf(edge, card));
+            QVERIFY(std::abs(across - (124.0 / 3 + 448.0 / 39 + 18)) <= 0.5 + hair);
+            QVERIFY(holds(
+                QRectF(QPointF(), geometry.frame.size()),
+                card.marginsAdded(cardShadowRoom) & geometry.screen));
+            const QRectF padded = card.marginsAdded({12, 12, 12, 12});
+            const double start = along(edge, padded.topLeft() - geometry.screen.topLeft());
+            const double room = Layout::along(edge, screen.size()) - Layout::along(edge, padded.size());
+            QVERIFY(room < 0 ? std::abs(start) <= 0.5 : start >= -0.5 && start <= room + 0.5);
         }
     }
 };

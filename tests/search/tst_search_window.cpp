@@ -9,6 +9,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include "Placement/PanelShapes.h"
 #include "Search/CategoryStrip.h"
 #include "Search/ChatSearchWindow.h"
 #include "Search/ChatTexts.h"
@@ -19,7 +20,6 @@
 #include "Search/ThreadPage.h"
 #include "Thread/ThreadScene.h"
 #include "Thread/ThreadView.h"
-#include "Widgets/CardFrame.h"
 #include "search/YarnbinStandIn.h"
 #include "support/FakeDesktopPreferences.h"
 #include "support/FakeFloatingSurface.h"
@@ -220,7 +220,7 @@ private Q_SLOTS:
         QVERIFY(search().isSearching()); // at once
         untilAnswered();
         QCOMPARE(m_surface->window.focusWidget(), line());
-        QCOMPARE(m_surface->window.geometry().size(), QSize(680, 460) + QSize(2, 2) * CardFrame::margin);
+        QCOMPARE(m_surface->window.geometry().size(), QSize(680, 460).grownBy(cardShadowRoom));
         for (const int key : {int(Qt::Key_Down), int(Qt::Key_Down), int(Qt::Key_Up)})
             press(key);
         QCOMPARE(list()->currentIndex().row(), 1);

@@ -181,7 +181,7 @@ private Q_SLOTS:
             m_surface->window.render(&picture, {}, {}, QWidget::DrawChildren);
             QCOMPARE(picture.pixelColor(0, 0).alpha(), translucent ? 0 : 255);
             QCOMPARE(picture.pixelColor(150, 30).alpha(), translucent ? 240 : 255);
-            QVERIFY(picture.pixelColor(6, 112).alpha() > 10); // the shadow
+            QVERIFY(picture.pixelColor(20, 112).alpha() > 10); // the shadow
         }
     }
 };
