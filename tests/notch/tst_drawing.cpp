@@ -38,11 +38,6 @@ private Q_SLOTS:
             return pictureOf(*panel.ring(), 1);
         };
         QVERIFY(pictureAfter(QEvent::FocusOut) != pictureAfter(QEvent::FocusIn));
-        world.clock.advance(
-            SystemClock().now() + 31min - world.clock.now()); // the files' time is the system's
-        world.planUsage.refresh(true);
-        QTRY_VERIFY(panel.ring()->accessibleName().endsWith(u" when last known"_s));
-        QVERIFY(RingPicture(world, panel).at(0.3).value() < 0.6 * QColor(Palette::critical).value());
         constexpr double distance = 13 + 3.5 + 5.5; // of the number
         for (const NotchEdge edge : allEdges) {
             world.placement.moveToEdge(edge, world.mainScreen.frame());
@@ -50,6 +45,12 @@ private Q_SLOTS:
             QCOMPARE(picture.hasTextAt(distance), edge != NotchEdge::Bottom);
             QCOMPARE(picture.hasTextAt(-distance), edge == NotchEdge::Bottom);
         }
+        world.placement.moveToEdge(NotchEdge::Right, world.mainScreen.frame());
+        world.clock.advance(
+            SystemClock().now() + 31min - world.clock.now()); // the files' time is the system's
+        world.planUsage.refresh(true);
+        QTRY_VERIFY(panel.ring()->accessibleName().endsWith(u" when last known"_s));
+        QVERIFY(RingPicture(world, panel).at(0.3).value() < 0.65 * QColor(Palette::critical).value());
     }
 
     void theRingTellsWhatTheSessionsDo()
@@ -226,6 +227,7 @@ private Q_SLOTS:
             PanelWorld world;
             world.preferences.setReducedMotion(still);
             PanelUnderTest panel(world);
+            showUsage(world, panel, 0);
             settle(panel);
             const PaintCounter counter;
             world.addSession(1, u"one"_s, u"waiting"_s, 0ms);
@@ -255,6 +257,7 @@ private Q_SLOTS:
     {
         PanelWorld world;
         PanelUnderTest panel(world);
+        showUsage(world, panel, 0);
         for (const NotchEdge edge : allEdges)
             for (const double scale : {1.0, 1.5, 2.0}) {
                 world.placement.moveToEdge(edge, world.mainScreen.frame());
@@ -294,6 +297,7 @@ private Q_SLOTS:
         PanelWorld world;
         world.placement.setLocked(true);
         PanelUnderTest panel(world);
+        showUsage(world, panel, 0);
         settle(panel);
         const auto light = [&] { return RingPicture(world, panel).badge(13.9).red(); };
         const auto pointer = [&](QEvent::Type type) {
