@@ -64,10 +64,11 @@ class ThePackage(DesktopTest):
         self.assertEqual(
             ((process / "comm").read_text(), (process / "cmdline").read_text()),
             ("nubble\n", f"{self.root}/usr/bin/nubble\0"))
-        toggle, sessions = self.entry.sections()[1:]
-        for action, mode, visible in (
-                (toggle, "collapsed", False), (toggle, "collapsed", True), (sessions, "sessions", True)):
-            self.assertEqual(self.start(action).wait(20), 0)
+        toggle, sessions, following = self.entry.sections()[1:]
+        for action, mode, visible, status in (
+                (toggle, "collapsed", False, 0), (toggle, "collapsed", True, 0), (sessions, "sessions", True, 0),
+                (following, "sessions", True, 1)):  # no session needs anybody
+            self.assertEqual(self.start(action).wait(20), status)
             nubble.until_panel(mode=mode, visible=visible)
         self.assertEqual(nubble.quit(), 0)
 
