@@ -6,9 +6,7 @@
 #include <algorithm>
 #include <chrono>
 
-#include "Platform/Logging.h"
 #include "Platform/MainThread.h"
-#include "Platform/ProcessTable.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -79,8 +77,8 @@ SessionMonitor::SessionMonitor(
     const QStringList &claudeFolders, const QString &ownFolder, const ProcessTable &processes,
     const Clock &clock, SessionWatches watches, QObject *parent)
     : QObject(parent), m_ownFolder(ownFolder), m_recordsWatch(std::move(watches.records)),
-      m_processWatch(std::move(watches.processes)), m_processes(&processes), m_clock(&clock),
-      m_details(below(claudeFolders, u"/projects"_s), clock, std::move(watches.transcripts)),
+      m_processes(std::make_unique<SessionProcesses>(processes, std::move(watches.processes))),
+      m_clock(&clock), m_details(below(claudeFolders, u"/projects"_s), clock, std::move(watches.transcripts)),
       m_worker(u"SessionMonitor"_s)
 {
     for (const QString &folder : below(claudeFolders, u"/sessions"_s)) {
@@ -89,8 +87,7 @@ SessionMonitor::SessionMonitor(
     }
     if (m_recordsWatch)
         connect(m_recordsWatch.get(), &FolderWatch::changed, this, &SessionMonitor::refresh);
-    if (m_processWatch)
-        connect(m_processWatch.get(), &ProcessWatch::ended, this, &SessionMonitor::update);
+    connect(m_processes.get(), &SessionProcesses::ended, this, &SessionMonitor::update);
     connect(&m_details, &SessionDetails::byIdChanged, this, &SessionMonitor::update);
     m_poll.callOnTimeout(this, &SessionMonitor::refresh);
     m_poll.start(blindPoll);
@@ -104,9 +101,8 @@ SessionMonitor::SessionMonitor(
 }
 
 SessionMonitor::SessionMonitor(const SessionsSample &sample, QObject *parent)
-    : QObject(parent), m_processes(nullptr), m_clock(nullptr), m_details(sample.details),
-      m_sessions(sample.sessions), m_recentlyCompleted(sample.recentlyCompleted),
-      m_worker(u"SessionMonitor"_s)
+    : QObject(parent), m_clock(nullptr), m_details(sample.details), m_sessions(sample.sessions),
+      m_recentlyCompleted(sample.recentlyCompleted), m_worker(u"SessionMonitor"_s)
 {
 }
 
@@ -164,10 +160,10 @@ void SessionMonitor::update()
 {
     assertMainThread("Nubble/Sessions/SessionMonitor");
     QList<ClaudeSession> live = m_look.reading.sessions.value_or(QList<ClaudeSession>());
-    const bool endsAreTold = leaveOutEnded(live);
+    const bool endsAreTold = m_processes->leaveOutEnded(live);
     const TimePoint now = m_clock->now();
     addTranscribedWork(live, now);
-    nameSharedTerminals(live);
+    m_processes->nameSharedTerminals(live);
     const RunNews news = m_look.reading.sessions ? m_runs.update(live, now) : RunNews();
     publishCompletions(now);
     publish(newestFirst(live));
@@ -194,49 +190,12 @@ void SessionMonitor::waitForDone()
     m_details.waitForDone();
 }
 
-// Returns whether the end of those that are left will be told.
-bool SessionMonitor::leaveOutEnded(QList<ClaudeSession> &sessions)
-{
-    QSet<qint32> running;
-    for (const ClaudeSession &session : sessions)
-        if (m_processes->canSignal(session.pid) && !isAnotherProcess(session))
-            running.insert(session.pid);
-    const bool endsAreTold = m_processWatch && m_processWatch->watch(running);
-    QSet<qint32> ended;
-    sessions.removeIf([&](const ClaudeSession &session) {
-        if (running.contains(session.pid) && !(m_processWatch && m_processWatch->hasEnded(session.pid)))
-            return false;
-        if (!m_ended.contains(session.pid))
-            qCDebug(logSessions) << "session" << session.sessionId << "has no process" << session.pid;
-        ended.insert(session.pid);
-        return true;
-    });
-    m_ended = std::move(ended);
-    m_sameProcess.clear();
-    if (endsAreTold)
-        for (const ClaudeSession &session : sessions)
-            m_sameProcess.insert(session.pid, session.procStart);
-    return endsAreTold;
-}
-
 void SessionMonitor::publish(QList<ClaudeSession> sessions)
 {
     if (sessions == m_sessions)
         return;
     m_sessions = std::move(sessions);
     Q_EMIT sessionsChanged();
-}
-
-// A process that has been given the id of one that is gone. Its table is slow to read.
-bool SessionMonitor::isAnotherProcess(const ClaudeSession &session) const
-{
-    const auto known = m_sameProcess.constFind(session.pid);
-    if (known != m_sameProcess.cend() && *known == session.procStart)
-        return false;
-    bool isNumber = false;
-    const quint64 birth = session.procStart.value_or(QString()).toULongLong(&isNumber);
-    const auto process = isNumber ? m_processes->find(session.pid) : std::nullopt;
-    return process && process->birth != 0 && process->birth != birth;
 }
 
 // Those that do not tell what they do are known by their transcripts.
@@ -250,21 +209,6 @@ void SessionMonitor::addTranscribedWork(QList<ClaudeSession> &sessions, TimePoin
         session.status = works ? u"busy"_s : u"idle"_s;
         const TimePoint since = works ? times(session).runningSince.value_or(work->since) : work->since;
         session.updatedAt = static_cast<double>(since.time_since_epoch().count());
-    }
-}
-
-// By which the rows of one conversation can be told apart.
-void SessionMonitor::nameSharedTerminals(QList<ClaudeSession> &sessions) const
-{
-    QHash<QString, int> terminals;
-    for (const ClaudeSession &session : sessions)
-        ++terminals[session.sessionId];
-    for (ClaudeSession &session : sessions) {
-        if (terminals.value(session.sessionId) == 1)
-            continue;
-        const auto process = m_processes->find(session.pid);
-        session.terminal =
-            process && !process->terminal.isEmpty() ? process->terminal : u"process %1"_s.arg(session.pid);
     }
 }
 

@@ -12,12 +12,12 @@
 
 #include "Platform/Clock.h"
 #include "Platform/FolderWatch.h"
-#include "Platform/ProcessWatch.h"
 #include "Sessions/ClaudeSession.h"
 #include "Sessions/RunState.h"
 #include "Sessions/RunTracker.h"
 #include "Sessions/SessionDetails.h"
 #include "Sessions/SessionFiles.h"
+#include "Sessions/SessionProcesses.h"
 #include "Shell/SerialWorker.h"
 
 namespace nubble {
@@ -79,14 +79,11 @@ private:
         bool isTold = false; // of every change since
     };
 
-    void nameSharedTerminals(QList<ClaudeSession> &sessions) const;
     [[nodiscard]] Look look(const std::stop_token &stop); // on the worker
     void take(const Look &look);
     void update();
     void pollEvery(std::chrono::milliseconds interval);
-    bool leaveOutEnded(QList<ClaudeSession> &sessions);
     void tell(const RunNews &news);
-    [[nodiscard]] bool isAnotherProcess(const ClaudeSession &session) const;
     void addTranscribedWork(QList<ClaudeSession> &sessions, TimePoint now) const;
     void publishCompletions(TimePoint now);
     void publish(QList<ClaudeSession> sessions);
@@ -95,19 +92,14 @@ private:
     std::vector<SessionFiles> m_files; // one of each folder
     const QString m_ownFolder;
     QList<WatchedEntries> m_recordsEntries;
-    const std::unique_ptr<FolderWatch>
-        m_recordsWatch; // none without watches or for a sample, as the next three
+    const std::unique_ptr<FolderWatch> m_recordsWatch; // may be none
 
-    const std::unique_ptr<ProcessWatch> m_processWatch;
-    const ProcessTable *const m_processes;
+    const std::unique_ptr<SessionProcesses> m_processes; // none for a sample, as the next
     const Clock *const m_clock;
     SessionDetails m_details;
     Look m_look; // the last one
     QList<ClaudeSession> m_sessions;
     QSet<SessionRun> m_recentlyCompleted;
-    QSet<qint32> m_ended; // process ids that records still name
-    QHash<qint32, std::optional<QString>>
-        m_sameProcess; // found to be the records', and their end will be told
     RunTracker m_runs;
     QTimer m_poll{this};
     QTimer m_soon;   // runs while the last look is known to be behind
