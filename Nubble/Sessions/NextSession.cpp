@@ -27,7 +27,7 @@ NextSession::NextSession(
 
 void NextSession::bringForward(const ProcessActivator::Told &told)
 {
-    tryFirst(inNeed().mid(0, mostAsked), told);
+    tryFirst(inNeed().mid(0, mostAsked), Outcome::failed(u"no session needs you"_s), told);
 }
 
 QList<ClaudeSession> NextSession::inNeed() const
@@ -49,21 +49,29 @@ QList<ClaudeSession> NextSession::inNeed() const
     return waiting + finished;
 }
 
-void NextSession::tryFirst(QList<ClaudeSession> sessions, const ProcessActivator::Told &told)
+void NextSession::tryFirst(
+    QList<ClaudeSession> sessions, const Outcome &otherwise, const ProcessActivator::Told &told)
 {
     if (sessions.isEmpty()) {
-        told(Outcome::failed(u"no session needs you"_s));
+        told(otherwise);
         return;
     }
     const ClaudeSession first = sessions.takeFirst();
     const SessionPlace place{first.pid, rowTitle(first, m_monitor.details().byId().value(first.sessionId))};
-    m_activator.askIfInFront(place, [self = QPointer(this), place, sessions, told](bool isInFront) {
-        if (self && isInFront) {
-            self->noteSeen(place.pid);
-            self->tryFirst(sessions, told);
-        } else if (self)
-            self->m_activator.activate(place, told);
-    });
+    const auto goOn = [self = QPointer(this), sessions, told](const Outcome &outcome) {
+        if (!self || outcome.isDone() || outcome == ProcessActivator::replaced())
+            told(outcome);
+        else
+            self->tryFirst(sessions, outcome, told);
+    };
+    m_activator.askIfInFront(
+        place, [self = QPointer(this), place, otherwise, sessions, told, goOn](bool isInFront) {
+            if (self && isInFront) {
+                self->noteSeen(place.pid);
+                self->tryFirst(sessions, otherwise, told);
+            } else if (self)
+                self->m_activator.activate(place, goOn);
+        });
 }
 
 void NextSession::noteSeen(pid_t pid)

@@ -23,13 +23,14 @@ public:
         QObject *parent = nullptr);
 
     // The one that has waited longest, else the one that finished last and has not been brought forward
-    // since; one that is in front already is passed over. `told` is called once, perhaps at once: done, or
-    // why not.
+    // since; one that is in front already, or cannot come there, is passed over. `told` is called once,
+    // perhaps at once: done, or why not.
     void bringForward(const ProcessActivator::Told &told);
 
 private:
     [[nodiscard]] QList<ClaudeSession> inNeed() const; // the neediest first
-    void tryFirst(QList<ClaudeSession> sessions, const ProcessActivator::Told &told);
+    void tryFirst(
+        QList<ClaudeSession> sessions, const Outcome &otherwise, const ProcessActivator::Told &told);
     void noteSeen(pid_t pid);
 
     const SessionMonitor &m_monitor;

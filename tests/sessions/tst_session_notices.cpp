@@ -182,7 +182,7 @@ private Q_SLOTS:
     void theNextIsTheOneThatHasWaitedLongestThenTheLastThatFinishedAndIsUnseen()
     {
         PanelWorld world;
-        for (const pid_t pid : {1, 2, 3, 4, 5})
+        for (const pid_t pid : {1, 2, 3, 5}) // 4 has no window
             world.workspace.applications.append({.pid = pid, .identifier = {}, .name = {}});
         NextSession next(world.monitor, world.activator, world.clock);
         const auto set = [&world](pid_t pid, const QString &state) {
@@ -203,6 +203,8 @@ private Q_SLOTS:
         QCOMPARE(came(), u"no session needs you"_s);
         for (const pid_t pid : {1, 2, 3, 4, 5})
             set(pid, busy);
+        set(4, waiting);
+        QCOMPARE(came(), u"Its process has ended"_s);
         set(3, waiting);
         set(1, waiting);
         set(5, idle);
@@ -211,8 +213,8 @@ private Q_SLOTS:
         for (int i = 0; i < 3; ++i)
             order.append(came());
         QCOMPARE(order, QStringList({u"3"_s, u"1"_s, u"3"_s})); // they wait on
-        set(3, busy);
-        set(1, busy);
+        for (const pid_t pid : {4, 3, 1})
+            set(pid, busy);
         world.workspace.allowed = false;
         QVERIFY(came().contains(u"This desktop"_s));
         world.workspace.allowed = true;
