@@ -16,6 +16,11 @@ namespace {
 
 constexpr qsizetype mostAsked = 10; // whether they are in front, which takes a while each
 
+Outcome noneInNeed()
+{
+    return Outcome::failed(u"no session needs you"_s);
+}
+
 } // namespace
 
 NextSession::NextSession(
@@ -27,7 +32,7 @@ NextSession::NextSession(
 
 void NextSession::bringForward(const ProcessActivator::Told &told)
 {
-    tryFirst(inNeed().mid(0, mostAsked), Outcome::failed(u"no session needs you"_s), told);
+    tryFirst(inNeed().mid(0, mostAsked), noneInNeed(), told);
 }
 
 QList<ClaudeSession> NextSession::inNeed() const
@@ -58,11 +63,11 @@ void NextSession::tryFirst(
     }
     const ClaudeSession first = sessions.takeFirst();
     const SessionPlace place{first.pid, rowTitle(first, m_monitor.details().byId().value(first.sessionId))};
-    const auto goOn = [self = QPointer(this), sessions, told](const Outcome &outcome) {
+    const auto goOn = [self = QPointer(this), otherwise, sessions, told](const Outcome &outcome) {
         if (!self || outcome.isDone() || outcome == ProcessActivator::replaced())
             told(outcome);
         else
-            self->tryFirst(sessions, outcome, told);
+            self->tryFirst(sessions, otherwise == noneInNeed() ? outcome : otherwise, told);
     };
     m_activator.askIfInFront(
         place, [self = QPointer(this), place, otherwise, sessions, told, goOn](bool isInFront) {

@@ -29,6 +29,7 @@ public:
 
 private:
     [[nodiscard]] QList<ClaudeSession> inNeed() const; // the neediest first
+    // `otherwise` is told where none of them comes forward and none of those before could.
     void tryFirst(
         QList<ClaudeSession> sessions, const Outcome &otherwise, const ProcessActivator::Told &told);
     void noteSeen(pid_t pid);

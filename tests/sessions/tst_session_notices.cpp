@@ -201,10 +201,12 @@ private Q_SLOTS:
             return QString::number(world.workspace.activated.last());
         };
         QCOMPARE(came(), u"no session needs you"_s);
-        for (const pid_t pid : {1, 2, 3, 4, 5})
+        for (const pid_t pid : {1, 2, 3, 4, 5, 6})
             set(pid, busy);
         set(4, waiting);
-        QCOMPARE(came(), u"Its process has ended"_s);
+        world.processes.known.insert(6, {});
+        set(6, waiting);
+        QCOMPARE(came(), u"Its process has ended"_s); // of the first
         set(3, waiting);
         set(1, waiting);
         set(5, idle);
@@ -213,7 +215,7 @@ private Q_SLOTS:
         for (int i = 0; i < 3; ++i)
             order.append(came());
         QCOMPARE(order, QStringList({u"3"_s, u"1"_s, u"3"_s})); // they wait on
-        for (const pid_t pid : {4, 3, 1})
+        for (const pid_t pid : {4, 6, 3, 1})
             set(pid, busy);
         world.workspace.allowed = false;
         QVERIFY(came().contains(u"This desktop"_s));
