@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QHash>
 #include <QList>
 #include <QObject>
@@ -28,10 +29,14 @@ public:
     void bringForward(const ProcessActivator::Told &told);
 
 private:
+    struct Search {
+        QList<ClaudeSession> sessions;
+        Outcome otherwise; // is told where none of them comes forward
+        QDeadlineTimer end;
+    };
+
     [[nodiscard]] QList<ClaudeSession> inNeed() const; // the neediest first
-    // `otherwise` is told where none of them comes forward and none of those before could.
-    void tryFirst(
-        QList<ClaudeSession> sessions, const Outcome &otherwise, const ProcessActivator::Told &told);
+    void tryFirst(Search search, const ProcessActivator::Told &told);
     void noteSeen(pid_t pid);
 
     const SessionMonitor &m_monitor;

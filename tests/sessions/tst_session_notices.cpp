@@ -1,6 +1,9 @@
 #include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTest>
+#include <QThread>
+
+#include <atomic>
 
 #include "Sessions/NextSession.h"
 #include "Sessions/SessionNotices.h"
@@ -232,6 +235,21 @@ private Q_SLOTS:
         QCOMPARE(came(), u"no session needs you"_s);
         set(5, idle);
         QCOMPARE(came(), u"5"_s);
+
+        for (const pid_t pid : {4, 6, 3, 2})
+            set(pid, waiting);
+        std::atomic<int> asked = 0;
+        const auto slowly = [&asked](pid_t) -> std::optional<pid_t> {
+            QThread::msleep(1100);
+            ++asked;
+            return std::nullopt;
+        };
+        ProcessActivator activator(world.workspace, {world.processes, slowly, {}});
+        NextSession late(world.monitor, activator, world.clock);
+        bool isTold = false;
+        late.bringForward([&isTold](const Outcome &) { isTold = true; });
+        QTRY_VERIFY(isTold);
+        QCOMPARE(asked, 2); // of the first, and no more
     }
 };
 
