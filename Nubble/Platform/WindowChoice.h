@@ -22,7 +22,7 @@ struct WindowChoice {
 };
 
 // Of `windows`, of which there is at least one, the one used last behind the others: that of the wanted
-// number, else the last one with the wanted title, else the last one. A pure function.
+// number, else the one whose title is closest to the wanted one, else the last one. A pure function.
 [[nodiscard]] WindowChoice chooseWindow(const QList<CandidateWindow> &windows, const WantedWindow &wanted);
 
 } // namespace nubble

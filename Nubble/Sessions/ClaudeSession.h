@@ -25,6 +25,7 @@ struct ClaudeSession {
     std::optional<QString> procStart{}; // of the process, in the kernel's ticks: tells it from a later one
     std::optional<double> statusUpdatedAt{}; // last change of status alone
     std::optional<QString> waitingFor{};     // such as "permission prompt"; one line
+    QString folder{};                        // Claude Code's, where its record is
     std::optional<QString> terminal{};       // such as "pts/3", where others have the same conversation
 
     bool operator==(const ClaudeSession &) const = default;

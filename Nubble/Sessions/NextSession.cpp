@@ -9,12 +9,18 @@
 #include "Sessions/SessionTexts.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace nubble {
 
 namespace {
 
-constexpr qsizetype mostAsked = 10; // whether they are in front, which takes a while each
+constexpr auto patience = 2s; // with what hangs: a window that comes much later would disturb
+
+Outcome noneInNeed()
+{
+    return Outcome::failed(u"no session needs you"_s);
+}
 
 } // namespace
 
@@ -27,7 +33,7 @@ NextSession::NextSession(
 
 void NextSession::bringForward(const ProcessActivator::Told &told)
 {
-    tryFirst(inNeed().mid(0, mostAsked), told);
+    tryFirst({inNeed(), noneInNeed(), QDeadlineTimer(patience)}, told);
 }
 
 QList<ClaudeSession> NextSession::inNeed() const
@@ -49,20 +55,29 @@ QList<ClaudeSession> NextSession::inNeed() const
     return waiting + finished;
 }
 
-void NextSession::tryFirst(QList<ClaudeSession> sessions, const ProcessActivator::Told &told)
+void NextSession::tryFirst(Search search, const ProcessActivator::Told &told)
 {
-    if (sessions.isEmpty()) {
-        told(Outcome::failed(u"no session needs you"_s));
+    if (search.sessions.isEmpty() || search.end.hasExpired()) {
+        told(search.otherwise);
         return;
     }
-    const ClaudeSession first = sessions.takeFirst();
+    const ClaudeSession first = search.sessions.takeFirst();
     const SessionPlace place{first.pid, rowTitle(first, m_monitor.details().byId().value(first.sessionId))};
-    m_activator.askIfInFront(place, [self = QPointer(this), place, sessions, told](bool isInFront) {
+    const auto goOn = [self = QPointer(this), search, told](const Outcome &outcome) mutable {
+        if (!self || outcome.isDone() || outcome == ProcessActivator::replaced()) {
+            told(outcome);
+            return;
+        }
+        if (search.otherwise == noneInNeed())
+            search.otherwise = outcome;
+        self->tryFirst(search, told);
+    };
+    m_activator.askIfInFront(place, [self = QPointer(this), place, search, told, goOn](bool isInFront) {
         if (self && isInFront) {
             self->noteSeen(place.pid);
-            self->tryFirst(sessions, told);
+            self->tryFirst(search, told);
         } else if (self)
-            self->m_activator.activate(place, told);
+            self->m_activator.activate(place, goOn);
     });
 }
 

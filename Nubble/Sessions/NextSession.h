@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QHash>
 #include <QList>
 #include <QObject>
@@ -23,13 +24,19 @@ public:
         QObject *parent = nullptr);
 
     // The one that has waited longest, else the one that finished last and has not been brought forward
-    // since; one that is in front already is passed over. `told` is called once, perhaps at once: done, or
-    // why not.
+    // since; one that is in front already, or cannot come there, is passed over. `told` is called once,
+    // perhaps at once: done, or why not.
     void bringForward(const ProcessActivator::Told &told);
 
 private:
+    struct Search {
+        QList<ClaudeSession> sessions;
+        Outcome otherwise; // is told where none of them comes forward
+        QDeadlineTimer end;
+    };
+
     [[nodiscard]] QList<ClaudeSession> inNeed() const; // the neediest first
-    void tryFirst(QList<ClaudeSession> sessions, const ProcessActivator::Told &told);
+    void tryFirst(Search search, const ProcessActivator::Told &told);
     void noteSeen(pid_t pid);
 
     const SessionMonitor &m_monitor;

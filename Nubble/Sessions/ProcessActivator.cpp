@@ -34,7 +34,7 @@ bool ProcessActivator::canActivate() const
 void ProcessActivator::activate(const SessionPlace &place, Told told, const QByteArray &token)
 {
     assertMainThread("Nubble/Sessions/ProcessActivator");
-    const Told replaced = m_wishes.hasLatestWaiting() ? std::exchange(*m_told, {}) : Told();
+    const Told tellReplaced = m_wishes.hasLatestWaiting() ? std::exchange(*m_told, {}) : Told();
     m_told = std::make_shared<Told>(std::move(told));
     m_wishes.addLatest(
         [finder = finder(), pid = place.pid](const std::stop_token &) {
@@ -52,8 +52,13 @@ void ProcessActivator::activate(const SessionPlace &place, Told told, const QByt
                 tell(outcome);
             m_attachCommand.clear();
         });
-    if (replaced)
-        replaced(Outcome::failed(u"Another session was picked"_s));
+    if (tellReplaced)
+        tellReplaced(replaced());
+}
+
+Outcome ProcessActivator::replaced()
+{
+    return Outcome::failed(u"Another session was picked"_s);
 }
 
 void ProcessActivator::askIfInFront(const SessionPlace &place, std::function<void(bool)> told)

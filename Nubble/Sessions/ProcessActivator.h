@@ -38,8 +38,10 @@ public:
 
     // Brings the session's window, tab and pane forward. `told` is called once, later: done, or why not in a
     // sentence for the row. `token` is the desktop's activation token of a notification's click; empty
-    // without one. A later wish replaces an earlier one that has not begun.
+    // without one. A later wish replaces an earlier one that has not begun, which is told replaced().
     void activate(const SessionPlace &place, Told told, const QByteArray &token = {});
+
+    [[nodiscard]] static Outcome replaced();
 
     // Whether the session's window (and pane, where that can be known) is the one that the user works with.
     // `told` is called once, later.

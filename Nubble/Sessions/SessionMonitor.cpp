@@ -55,19 +55,20 @@ QStringList below(const QStringList &folders, const QString &name)
     return paths;
 }
 
-// Two folders may be one by different paths.
-void join(SessionReading &whole, const SessionReading &more)
+// With what is in `folder`. Two folders may be one by different paths.
+void join(SessionReading &whole, const SessionReading &more, const QString &folder)
 {
     whole.isBehind = whole.isBehind || more.isBehind;
-    if (!whole.sessions)
-        whole.sessions = more.sessions;
-    else if (more.sessions) {
-        QSet<SessionRun> known;
-        for (const ClaudeSession &session : *whole.sessions)
-            known.insert(session.run());
-        for (const ClaudeSession &session : *more.sessions)
-            if (!known.contains(session.run()))
-                whole.sessions->append(session);
+    if (!more.sessions)
+        return;
+    QSet<SessionRun> known;
+    whole.sessions = whole.sessions.value_or(QList<ClaudeSession>());
+    for (const ClaudeSession &session : std::as_const(*whole.sessions))
+        known.insert(session.run());
+    for (ClaudeSession session : *more.sessions) {
+        session.folder = folder;
+        if (!known.contains(session.run()))
+            whole.sessions->append(session);
     }
 }
 
@@ -81,9 +82,10 @@ SessionMonitor::SessionMonitor(
       m_clock(&clock), m_details(below(claudeFolders, u"/projects"_s), clock, std::move(watches.transcripts)),
       m_worker(u"SessionMonitor"_s)
 {
-    for (const QString &folder : below(claudeFolders, u"/sessions"_s)) {
-        m_files.emplace_back(folder);
-        m_recordsEntries.append({QFile::encodeName(folder), ".json"});
+    for (const QString &folder : claudeFolders) {
+        const QString records = folder + u"/sessions";
+        m_files.emplace_back(folder, SessionFiles(records));
+        m_recordsEntries.append({QFile::encodeName(records), ".json"});
     }
     if (m_recordsWatch)
         connect(m_recordsWatch.get(), &FolderWatch::changed, this, &SessionMonitor::refresh);
@@ -138,8 +140,8 @@ void SessionMonitor::refresh()
 SessionMonitor::Look SessionMonitor::look(const std::stop_token &stop)
 {
     Look look{.isTold = m_recordsWatch && m_recordsWatch->watch(m_recordsEntries)};
-    for (SessionFiles &files : m_files)
-        join(look.reading, files.read(stop));
+    for (auto &[folder, files] : m_files)
+        join(look.reading, files.read(stop), folder);
     if (look.reading.sessions)
         look.reading.sessions->removeIf(
             [this](const ClaudeSession &session) { return worksIn(m_ownFolder, session); });

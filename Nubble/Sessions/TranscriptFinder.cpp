@@ -71,11 +71,13 @@ QList<QByteArray> TranscriptFinder::expectedPaths(const ClaudeSession &session) 
 {
     if (!isFileName(session.sessionId))
         return {};
+    const QByteArray own = QFile::encodeName(session.folder) + "/projects";
     QList<QByteArray> paths;
     for (const QByteArray &projects : m_projects)
-        paths.append(
+        paths.insert(
+            projects == own ? 0 : paths.size(),
             projects + '/' + QFile::encodeName(projectFolderName(session.cwd)) + '/'
-            + QFile::encodeName(session.sessionId) + ".jsonl");
+                + QFile::encodeName(session.sessionId) + ".jsonl");
     return paths;
 }
 

@@ -33,7 +33,8 @@ public:
     void startPass(TimePoint now, bool force); // `force` looks in all folders anyhow
     [[nodiscard]] std::optional<FoundTranscript> find(const ClaudeSession &session);
     [[nodiscard]] std::optional<FileState> stateOf(const QByteArray &path);
-    [[nodiscard]] QList<QByteArray> expectedPaths(const ClaudeSession &session) const; // none for no real id
+    // Beside the session's record first, since a whole folder may have been copied. None for no real id.
+    [[nodiscard]] QList<QByteArray> expectedPaths(const ClaudeSession &session) const;
 
 private:
     [[nodiscard]] std::optional<FoundTranscript> at(const QByteArray &path);

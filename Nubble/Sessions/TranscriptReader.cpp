@@ -85,7 +85,7 @@ bool TranscriptReader::readTail(const RegularFile &file, FileCosts &costs)
     qint64 start = file.size();
     qint64 end = file.size();
     for (const qint64 length : tailLengths) {
-        if (start == 0 || (values.title && values.lastPrompt))
+        if (start == 0 || (values.title && values.lastPrompt && values.end))
             break;
         start = std::max<qint64>(0, file.size() - length);
         const auto bytes = readCounted(file, start, end, costs);

@@ -105,17 +105,20 @@ private Q_SLOTS:
 
     void theWantedWindowIsTheOneOfItsNumberElseOfItsTitleElseTheLast()
     {
-        const QList<CandidateWindow> windows{{1, u"* Plant the hedge"_s}, {2, u"* Plant"_s}, {3, u"plant"_s}};
+        const QList<CandidateWindow> windows{
+            {1, u"* Plant the hedge"_s}, {2, u"* Plant"_s}, {3, u"plant"_s},
+            {4, u"* Plant a tree"_s},    {5, u"* Water"_s}, {6, u"- Water"_s}};
         const QString title = u"Plant"_s;
         for (const auto &[window, wanted, choice] :
              std::initializer_list<std::tuple<quint32, QString, WindowChoice>>{
                  {1, title, {0, true}},
                  {0, title, {1, true}},
-                 {4, title, {1, true}},
-                 {4, u"Plant the hedge"_s, {0, true}},
-                 {0, u"Pl"_s, {2, false}},
-                 {0, {}, {2, false}},
-                 {0, u"PLANT"_s, {2, false}}})
+                 {9, title, {1, true}},
+                 {9, u"Plant the hedge"_s, {0, true}},
+                 {9, u"Water"_s, {5, false}},
+                 {0, u"Pl"_s, {5, false}},
+                 {0, {}, {5, false}},
+                 {0, u"PLANT"_s, {5, false}}})
             QCOMPARE(chooseWindow(windows, {.chain = {}, .window = window, .title = wanted}), choice);
         QCOMPARE(chooseWindow(windows.first(1), {.chain = {}}), (WindowChoice{0, true}));
         const QString cutOff(200, u'x');

@@ -1,6 +1,9 @@
 #include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTest>
+#include <QThread>
+
+#include <atomic>
 
 #include "Sessions/NextSession.h"
 #include "Sessions/SessionNotices.h"
@@ -182,7 +185,7 @@ private Q_SLOTS:
     void theNextIsTheOneThatHasWaitedLongestThenTheLastThatFinishedAndIsUnseen()
     {
         PanelWorld world;
-        for (const pid_t pid : {1, 2, 3, 4, 5})
+        for (const pid_t pid : {1, 2, 3, 5}) // 4 has no window
             world.workspace.applications.append({.pid = pid, .identifier = {}, .name = {}});
         NextSession next(world.monitor, world.activator, world.clock);
         const auto set = [&world](pid_t pid, const QString &state) {
@@ -201,8 +204,12 @@ private Q_SLOTS:
             return QString::number(world.workspace.activated.last());
         };
         QCOMPARE(came(), u"no session needs you"_s);
-        for (const pid_t pid : {1, 2, 3, 4, 5})
+        for (const pid_t pid : {1, 2, 3, 4, 5, 6})
             set(pid, busy);
+        set(4, waiting);
+        world.processes.known.insert(6, {});
+        set(6, waiting);
+        QCOMPARE(came(), u"Its process has ended"_s); // of the first
         set(3, waiting);
         set(1, waiting);
         set(5, idle);
@@ -211,8 +218,8 @@ private Q_SLOTS:
         for (int i = 0; i < 3; ++i)
             order.append(came());
         QCOMPARE(order, QStringList({u"3"_s, u"1"_s, u"3"_s})); // they wait on
-        set(3, busy);
-        set(1, busy);
+        for (const pid_t pid : {4, 6, 3, 1})
+            set(pid, busy);
         world.workspace.allowed = false;
         QVERIFY(came().contains(u"This desktop"_s));
         world.workspace.allowed = true;
@@ -228,6 +235,21 @@ private Q_SLOTS:
         QCOMPARE(came(), u"no session needs you"_s);
         set(5, idle);
         QCOMPARE(came(), u"5"_s);
+
+        for (const pid_t pid : {4, 6, 3, 2})
+            set(pid, waiting);
+        std::atomic<int> asked = 0;
+        const auto slowly = [&asked](pid_t) -> std::optional<pid_t> {
+            QThread::msleep(1100);
+            ++asked;
+            return std::nullopt;
+        };
+        ProcessActivator activator(world.workspace, {world.processes, slowly, {}});
+        NextSession late(world.monitor, activator, world.clock);
+        bool isTold = false;
+        late.bringForward([&isTold](const Outcome &) { isTold = true; });
+        QTRY_VERIFY(isTold);
+        QCOMPARE(asked, 2); // of the first, and no more
     }
 };
 

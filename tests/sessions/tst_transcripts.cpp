@@ -94,7 +94,8 @@ private Q_SLOTS:
               {reply(call, "null") + result, 600, u""_s},
               {result + typedLine("[Request interrupted by user for tool use]"), 0, u""_s},
               {typedLine("p") + reply(ask, "null"), 600, u"Which?"_s},
-              {reply(ask, "null") + result, 600, u""_s}}) {
+              {reply(ask, "null") + result, 600, u""_s},
+              {result + QByteArray(400'000, 'x') + '\n' + titleLine("t") + promptLine("p"), 600, u""_s}}) {
             init();
             put(lines);
             const SessionDetail detail = m_transcripts->update({driven}, false, m_now).value(u"id"_s);
@@ -154,7 +155,7 @@ private Q_SLOTS:
     void readsOnlyTheEndOfALongTranscript()
     {
         QVERIFY(QFile::resize(put({}), 500'000'000));
-        append("\n" + titleLine("t") + promptLine("p"));
+        append("\n" + titleLine("t") + typedLine("p"));
         QCOMPARE(update(), u"t|p"_s);
         QCOMPARE(m_transcripts->costs().bytes, 256 * 1024);
     }
