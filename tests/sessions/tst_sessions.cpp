@@ -232,7 +232,7 @@ private Q_SLOTS:
         const QByteArray answer = R"({"type":"assistant","message":{"content":[],"stop_reason":"end_turn"}})"
                                   "\n";
         m_clock.advance(SystemClock().now() + 1min - m_clock.now()); // the files' times are the system's
-        m_home->write(u"projects/-tmp-my-app/a.jsonl"_s, answer); // a copy, which grows no more
+        m_home->write(u"projects/-tmp-my-app/a.jsonl"_s, answer);    // a copy, which grows no more
         QCOMPARE(append(answer), u"idle"_s);
         m_home->write(u"second/sessions/7.json"_s, recordJson(7, u"a"_s, QString()));
         QCOMPARE(refreshed(), u"idle"_s);
