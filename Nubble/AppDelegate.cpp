@@ -192,6 +192,7 @@ void AppDelegate::observeRequests()
         m_statusItem.showMessage(title(addon), why);
     });
 
+    connect(&m_commands, &AppCommands::notifyingChanged, &m_sessionNotices, &SessionNotices::follow);
     connect(&m_sessionNotices, &SessionNotices::listRequested, &m_commands, [this] {
         (void)m_commands.openCard(PanelMode::sessions());
     });

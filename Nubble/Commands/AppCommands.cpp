@@ -98,6 +98,7 @@ void AppCommands::setNotifying(bool on)
 {
     assertMainThread("Nubble/Commands/AppCommands");
     NoticePreferences::setOn(m_defaults, on);
+    Q_EMIT notifyingChanged();
     Q_EMIT statusTouched();
 }
 

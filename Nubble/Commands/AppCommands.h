@@ -61,6 +61,7 @@ public:
     void addRefresh(std::function<void()> refresh);
 
 Q_SIGNALS:
+    void notifyingChanged();
     void refused(nubble::Addon addon, const QString &why);
     void restartRequested();
     void quitRequested();

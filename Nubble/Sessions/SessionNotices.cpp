@@ -147,10 +147,13 @@ void SessionNotices::showTogether()
 
 void SessionNotices::follow()
 {
+    assertMainThread("Nubble/Sessions/SessionNotices");
+    const auto wanted = NoticePreferences::in(m_defaults);
     for (const SessionRun &run : m_calls.keys()) {
         const ClaudeSession *session = sessionOf(run);
         const bool waits = m_calls.value(run).reason == Reason::Waits;
-        if (!session || (waits ? !session->isWaiting() : session->isBusy()))
+        const bool isWanted = waits ? wanted.waiting : wanted.done;
+        if (!session || !isWanted || (waits ? !session->isWaiting() : session->isBusy()))
             drop(run);
     }
 }

@@ -27,6 +27,8 @@ public:
         const SessionMonitor &monitor, ProcessActivator &activator, DesktopNotices &notices,
         const Defaults &defaults, QObject *parent = nullptr);
 
+    void follow(); // the sessions and the preferences: what is no longer so, or not wanted, goes
+
 Q_SIGNALS:
     void listRequested(); // by a click on the notice for many
 
@@ -43,7 +45,6 @@ private:
     void decide(const SessionRun &run, int turn);
     void show(const ClaudeSession &session);
     void showTogether();
-    void follow(); // what the sessions do
     void drop(const SessionRun &run);
     void withdrawIfUnused(quint32 notice);
     void react(quint32 notice, const QByteArray &token);

@@ -30,6 +30,19 @@ public:
         return found.isDouble() ? std::optional(found.toDouble()) : std::nullopt;
     }
 
+    // The same of keys that are young: of another type they are as good as absent.
+    std::optional<QString> textIfAny(QLatin1String key) const
+    {
+        const QJsonValue found = m_object.value(key);
+        return found.isString() ? std::optional(found.toString()) : std::nullopt;
+    }
+
+    std::optional<double> numberIfAny(QLatin1String key) const
+    {
+        const double found = m_object.value(key).toDouble(qQNaN());
+        return std::isfinite(found) ? std::optional(found) : std::nullopt;
+    }
+
     template <typename T> T required(const std::optional<T> &found)
     {
         m_valid = m_valid && found;
@@ -76,9 +89,9 @@ std::optional<ClaudeSession> decodeSession(const QByteArray &json)
         .updatedAt = fields.number(QLatin1String("updatedAt")),
         .entrypoint = fields.text(QLatin1String("entrypoint")),
         .nameSource = fields.text(QLatin1String("nameSource")),
-        .procStart = fields.text(QLatin1String("procStart")),
-        .statusUpdatedAt = fields.number(QLatin1String("statusUpdatedAt")),
-        .waitingFor = fields.text(QLatin1String("waitingFor")),
+        .procStart = fields.textIfAny(QLatin1String("procStart")),
+        .statusUpdatedAt = fields.numberIfAny(QLatin1String("statusUpdatedAt")),
+        .waitingFor = fields.textIfAny(QLatin1String("waitingFor")),
     };
     for (std::optional<QString> *text : {&session.name, &session.waitingFor})
         if (*text)

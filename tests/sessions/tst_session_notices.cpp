@@ -6,6 +6,7 @@
 #include <atomic>
 
 #include "Sessions/NextSession.h"
+#include "Sessions/NoticePreferences.h"
 #include "Sessions/SessionNotices.h"
 #include "support/FakeDesktopNotices.h"
 #include "support/PanelWorld.h"
@@ -92,10 +93,17 @@ private Q_SLOTS:
         QCOMPARE(calls.idOf(u"Hedge 12"_s), id);
         calls.set({{11, busy}});
         QCOMPARE(calls.shown().size(), 1);
+        NoticePreferences::setOn(calls.defaults, false);
+        calls.notices.follow();
+        QVERIFY(calls.desktop.up.isEmpty());
+        NoticePreferences::setOn(calls.defaults, true);
+        calls.set({{12, busy}});
+        calls.set({{12, waiting}});
+        QTRY_COMPARE(calls.shown().size(), 1);
         calls.endSession(12);
         calls.readSessions();
         QVERIFY(calls.desktop.up.isEmpty());
-        QCOMPARE(calls.desktop.posts, 3);
+        QCOMPARE(calls.desktop.posts, 4);
     }
 
     void onlyWhatIsWantedIsShownAndNothingOfASessionThatIsInFrontOrGoesOnAtOnce()

@@ -42,7 +42,8 @@ private Q_SLOTS:
     {
         const auto session =
             decodeSession(R"({"pid":7,"sessionId":"a","cwd":"/p","startedAt":1.5,"name":"n","status":"busy",
-            "updatedAt":2500,"entrypoint":"cli","nameSource":"user","kind":{"unknown":[]}})");
+            "updatedAt":2500,"entrypoint":"cli","nameSource":"user","kind":{"unknown":[]},
+            "procStart":7,"statusUpdatedAt":"7","waitingFor":[]})");
         const ClaudeSession expected{7, u"a"_s, u"/p"_s, 1.5, u"n"_s, u"busy"_s, 2500.0, u"cli"_s, u"user"_s};
         QCOMPARE(session, std::optional(expected));
         QCOMPARE(session->lastActivity(), 2500.0);
