@@ -1,5 +1,7 @@
 #include "Notch/PanelWindow.h"
 
+#include <QMenu>
+
 #include <chrono>
 
 #include "Notch/CardTransition.h"
@@ -152,6 +154,12 @@ void PanelWindow::updateTranslucency()
     m_view->setTranslucent(m_surface->isTranslucent());
     m_toolTips->setTranslucent(m_surface->isTranslucent());
     m_surface->setOutline(m_view->outline());
+    Q_EMIT translucencyChanged();
+}
+
+bool PanelWindow::isTranslucent() const
+{
+    return m_surface->isTranslucent();
 }
 
 std::optional<WindowAnchor> PanelWindow::bodyOnScreen() const
@@ -173,7 +181,14 @@ bool PanelWindow::openForKeyboard(PanelMode mode)
 
 void PanelWindow::openMenu(QMenu &menu, const QPoint &position)
 {
-    m_surface->openMenu(menu, position);
+    QPoint corner = position;
+    if (m_geometry && m_geometry->body.contains(position)) {
+        const QPoint origin = m_geometry->frame.topLeft();
+        const QSize card = menu.sizeHint().shrunkBy(menu.contentsMargins());
+        corner = placeBeside(bodyOnScreen(), card, m_geometry->screen.translated(origin)) - origin;
+    }
+    const QMargins shadow = menu.contentsMargins();
+    m_surface->openMenu(menu, corner - QPoint(shadow.left(), shadow.top()));
 }
 
 } // namespace nubble

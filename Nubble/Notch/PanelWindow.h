@@ -37,7 +37,14 @@ public:
 
     NotchView &view() { return *m_view; }
     [[nodiscard]] bool openForKeyboard(PanelMode mode); // the card, with the keyboard in it if that comes
-    void openMenu(QMenu &menu, const QPoint &position); // a child of the view's; in window coordinates
+    [[nodiscard]] bool isTranslucent() const;
+
+    // A child of the view's, beside the body when that is what was pressed, else there; in window
+    // coordinates.
+    void openMenu(QMenu &menu, const QPoint &position);
+
+Q_SIGNALS:
+    void translucencyChanged();
 
 private:
     void followSurface();

@@ -330,6 +330,20 @@ private Q_SLOTS:
         QMenu menu;
         panel.window.openMenu(menu, {});
         QCOMPARE(panel.surface->log, QStringList({u"Close"_s, u"menu"_s}));
+
+        menu.addAction(u"Entry"_s);
+        menu.setContentsMargins(30, 20, 10, 40);
+        for (const NotchEdge edge : allEdges) { // beside the body, but for its shadow
+            world.placement.moveToEdge(edge, world.mainScreen.frame());
+            const QRect body = world.geometry().body.toAlignedRect();
+            panel.window.openMenu(menu, body.center());
+            const QRect card(
+                panel.surface->menu + QPoint(30, 20), menu.sizeHint().shrunkBy(menu.contentsMargins()));
+            QVERIFY(!card.intersects(body.adjusted(-11, -11, 11, 11)));
+            QVERIFY(card.intersects(body.adjusted(-13, -13, 13, 13)));
+        }
+        panel.window.openMenu(menu, {1, 2});
+        QCOMPARE(panel.surface->menu, QPoint(1 - 30, 2 - 20));
     }
 };
 

@@ -38,7 +38,11 @@ public:
     {
         return PanelSurface::onScreen(event) + mouseOffset;
     }
-    void openMenu(QMenu &, const QPoint &) override { log.append(QStringLiteral("menu")); }
+    void openMenu(QMenu &, const QPoint &position) override
+    {
+        log.append(QStringLiteral("menu"));
+        menu = position;
+    }
     void showToolTip(QWidget &tip, const QRect &) override
     {
         log.append(qobject_cast<QLabel *>(&tip)->text());
@@ -52,7 +56,8 @@ public:
     bool passesClicks = true;
     QMargins bars;
     QPointF mouseOffset; // of where it says that mouse events have happened
-    QStringList log;     // moves, menus and tool tips
+    QPoint menu;
+    QStringList log; // moves, menus and tool tips
 };
 
 } // namespace nubble
