@@ -253,6 +253,48 @@ private Q_SLOTS:
         }
     }
 
+    void marksAreDrawnAndNumbersGlideIfThingsMayMove()
+    {
+        for (const bool still : {true, false}) {
+            PanelWorld world;
+            world.preferences.setReducedMotion(still);
+            PanelUnderTest panel(world);
+            showUsage(world, panel, 10);
+            settle(panel);
+            const auto look = [&](const QString &status) {
+                world.addSession(1, u"one"_s, status, 0ms);
+                world.readSessions();
+            };
+            // The colours there halfway through what moves, which then comes to its end.
+            const auto halfway = [&](double turn, double radius, int duration) {
+                for (auto *motion : panel.ring()->findChildren<QVariantAnimation *>())
+                    if (motion->state() == QAbstractAnimation::Running && motion->duration() == duration) {
+                        motion->pause();
+                        motion->setCurrentTime(duration / 2);
+                        const QColor color = RingPicture(world, panel).at(turn, radius);
+                        motion->resume();
+                        return color;
+                    }
+                return RingPicture(world, panel).at(turn, radius);
+            };
+            look(u"busy"_s);
+            look(u"idle"_s);
+            QCOMPARE(halfway(0.735, 4.6, 220), Palette::ample); // where the mark starts
+            look(u"busy"_s);
+            look(u"idle"_s);
+            QCOMPARE(halfway(0.155, 5.6, 220) == Palette::ample, still); // and where it ends
+            settle(panel);
+            QCOMPARE(halfway(0.155, 5.6, 220), Palette::ample);
+            world.clock.advance(2min);
+            world.readSessions();
+            showUsage(world, panel, 48);
+            QCOMPARE(halfway(0.47, 11.6, 200) == Palette::ample, still);
+            settle(panel);
+            QCOMPARE(halfway(0.47, 11.6, 200), Palette::ample);
+            expectMotion(false);
+        }
+    }
+
     void sharpEdgesAndTheRingLieOnTheDevicesPixels()
     {
         PanelWorld world;
