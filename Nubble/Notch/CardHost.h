@@ -45,7 +45,6 @@ private:
     void close();
     void layOut();
     [[nodiscard]] bool animates() const;
-    [[nodiscard]] QPoint towardsBody() const;
 
     QWidget *m_view;
     const DesktopPreferences &m_preferences;

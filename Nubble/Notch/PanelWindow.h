@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "Notch/DragGesture.h"
+#include "Notch/EdgeTransition.h"
 #include "Notch/NotchView.h"
 #include "Placement/WindowPlacement.h"
 
@@ -49,7 +50,11 @@ Q_SIGNALS:
 private:
     void followSurface();
     void followDrags();
+    void followTransition();
+    [[nodiscard]] bool canFade() const;
+    void showPlacement();
     void layOut(const PanelGeometry &geometry);
+    void showGeometry();
     void fit();
     void updateTranslucency();
     void followMode(PanelMode mode);
@@ -59,6 +64,7 @@ private:
     std::unique_ptr<PanelSurface> m_surface;
     ToolTips *m_toolTips; // the view's
     DragGesture m_drag;
+    EdgeTransition m_turn;
     std::optional<PanelGeometry> m_whole;    // with room for the tallest card
     std::optional<PanelGeometry> m_geometry; // the part of it that the window covers
     QTimer m_shrinking;

@@ -295,6 +295,46 @@ private Q_SLOTS:
         }
     }
 
+    void toAnotherEdgeItFadesOutAndInWhereThatCanBeSeen()
+    {
+        PanelWorld world;
+        PanelUnderTest panel(world);
+        QVERIFY(QTest::qWaitForWindowExposed(&panel.view()));
+        world.preferences.setReducedMotion(false);
+        const auto moveTo = [&](NotchEdge edge) {
+            world.placement.moveToEdge(edge, world.mainScreen.frame());
+        };
+        const auto isAt = [&](NotchEdge edge) {
+            return panel.surface->last.edge == qtEdge(edge) && panel.surface->opacity == 1
+                && panel.window.bodyOnScreen()->edge == edge;
+        };
+        const double before = world.geometry().body.x();
+        moveTo(NotchEdge::Left);
+        QVERIFY(!isAt(NotchEdge::Left));
+        QTRY_VERIFY(panel.surface->opacity < 1);
+        const bool leaves = panel.surface->last.edge == Qt::RightEdge;
+        const double way =
+            panel.surface->outline.boundingRect().x() - (leaves ? before : world.geometry().body.x());
+        QVERIFY(std::abs(way - (leaves ? 8 : -8) * (1 - panel.surface->opacity)) < 1e-6);
+        QTRY_VERIFY(isAt(NotchEdge::Left));
+        settle(panel);
+        QCOMPARE(panel.surface->outline.boundingRect(), world.geometry().body);
+        expectMotion(false);
+
+        moveTo(NotchEdge::Top);
+        QVERIFY(!isAt(NotchEdge::Top));
+        world.placement.setVisible(false);
+        QVERIFY(isAt(NotchEdge::Top));
+        world.placement.setVisible(true);
+        panel.surface->translucent = false;
+        moveTo(NotchEdge::Bottom);
+        QVERIFY(isAt(NotchEdge::Bottom));
+        panel.surface->translucent = true;
+        panel.surface->passesClicks = false;
+        moveTo(NotchEdge::Right);
+        QVERIFY(isAt(NotchEdge::Right));
+    }
+
     void sharpEdgesAndTheRingLieOnTheDevicesPixels()
     {
         PanelWorld world;

@@ -21,8 +21,9 @@ public:
     }
     void orderFront() override { window().show(); }
     void orderOut() override { window().hide(); }
-    [[nodiscard]] bool isTranslucent() const override { return true; }
+    [[nodiscard]] bool isTranslucent() const override { return translucent; }
     void setOutline(const QPainterPath &path) override { outline = path; }
+    void setOpacity(double value) override { opacity = value; }
     [[nodiscard]] QMargins barsAbove() const override { return bars; }
     [[nodiscard]] bool passesClicksThrough() const override { return passesClicks; }
     [[nodiscard]] bool takeKeyboard() override
@@ -49,6 +50,8 @@ public:
     }
 
     int placements = 0;
+    bool translucent = true;
+    double opacity = 1;
     SurfacePlace last;
     QPainterPath outline;
     bool hasKeyboard = false;
