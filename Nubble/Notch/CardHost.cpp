@@ -98,14 +98,24 @@ void CardHost::layOut()
     constexpr double tipFromBody = 3;
     const QRect card = m_geometry.cardRect(m_shell->sizeHint().shrunkBy(cardShadowRoom));
     m_shell->setGeometry(card.marginsAdded(cardShadowRoom));
-    const QPointF ring = m_geometry.ringCenter - card.topLeft();
+    const QPointF ring = m_ring - card.topLeft();
     m_shell->setTail(
         isVertical(m_geometry.edge) ? ring.y() : ring.x(),
         distanceBetween(m_geometry.edge, m_geometry.body, card) - tipFromBody);
 }
 
-void CardHost::setGeometry(const PanelGeometry &geometry)
+void CardHost::pointTo(const QPointF &ring)
 {
+    m_ring = ring;
+    if (!m_shell)
+        return;
+    layOut();
+    Q_EMIT outlineChanged();
+}
+
+void CardHost::setGeometry(const PanelGeometry &geometry, const QPointF &ring)
+{
+    m_ring = ring;
     const bool turned = geometry.edge != m_geometry.edge;
     m_geometry = geometry;
     if (!m_shell)

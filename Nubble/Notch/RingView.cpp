@@ -62,12 +62,14 @@ void RingView::place(const CellFrame &frame)
 
 void RingView::setActivity(const Activity &activity)
 {
-    const bool begins = activity.waiting && !m_activity.waiting;
+    const bool begins = activity.waiting > m_activity.waiting;
     const bool ends = activity.overall == RunState::Completed && m_activity.overall != RunState::Completed;
     m_activity = activity;
     animateIfNeeded();
-    if (begins && mayMove())
+    if (begins && mayMove()) {
+        m_beat.stop();
         m_beat.start();
+    }
     if (ends && mayMove())
         m_check.start();
     update();
@@ -219,7 +221,7 @@ void RingView::draw(QPainter &painter) const
         painter.setBrush(Qt::NoBrush);
         painter.drawEllipse(center(), half + 2.5, half + 2.5);
     }
-    if (m_activity.waiting)
+    if (m_activity.waiting > 0)
         drawWaitingBadge(painter, center(), valueOf(m_beat, 1));
     if (const std::optional<double> fraction = shownFraction())
         drawPercent(painter, percentOf(*fraction));
@@ -228,11 +230,12 @@ void RingView::draw(QPainter &painter) const
 void RingView::drawRing(QPainter &painter) const
 {
     if (isWorking())
-        drawActivityArc(painter, center(), static_cast<double>(m_step) / stepsPerTurn, m_activity.waiting);
+        drawActivityArc(
+            painter, center(), static_cast<double>(m_step) / stepsPerTurn, m_activity.waiting > 0);
     else if (m_activity.overall == RunState::Completed)
         drawCompletion(painter, center(), valueOf(m_check, 1));
     else
-        drawStatusRing(painter, center(), shownFraction(), strength(), m_activity.waiting);
+        drawStatusRing(painter, center(), shownFraction(), strength(), m_activity.waiting > 0);
 }
 
 void RingView::drawPercent(QPainter &painter, int percent) const

@@ -18,9 +18,9 @@ struct CellFrame;
 // What is drawn of the status ring's cell: the ring, the percentage below it, the keyboard's focus, and the
 // light that falls on it below the pointer.
 // Opaque, on the body's black; the mouse goes to the cell. Repaints only when something that it shows
-// changes, and the ends of the turning arc while something works and is seen. What waits from now on is
-// pointed out by two beats of the badge, the check mark of what has finished is drawn, and arc and number
-// glide to a new value.
+// changes, and the ends of the turning arc while something works and is seen. Each session that begins
+// to wait is pointed out by two beats of the badge, the check mark of what has finished is drawn, and arc and
+// number glide to a new value.
 class RingView : public QWidget {
     Q_OBJECT
 
@@ -28,6 +28,7 @@ public:
     explicit RingView(QWidget *cell);
 
     void place(const CellFrame &frame);
+    [[nodiscard]] QPointF center() const; // of the ring
 
     void setActivity(const Activity &activity);
     void setUsage(std::optional<double> fraction, bool isOld); // of the plan; above 1 as 1
@@ -66,7 +67,6 @@ private:
     void drawPercent(QPainter &painter, int percent) const;
     void drawEnd(QPainter &painter, EndOfArc &end) const;
 
-    [[nodiscard]] QPointF center() const;  // of the ring
     [[nodiscard]] double strength() const; // the opacity of what tells the plan's use
     [[nodiscard]] std::optional<double> shownFraction() const;
 

@@ -2,6 +2,7 @@
 #include <QVariantAnimation>
 
 #include "Sessions/ProjectsCardContent.h"
+#include "Widgets/Typography.h"
 #include "notch/Drawing.h"
 
 using namespace Qt::StringLiterals;
@@ -123,9 +124,16 @@ private Q_SLOTS:
     {
         PanelWorld world;
         PanelUnderTest panel(world);
-        showUsage(world, panel, 10);
         world.state.setMode(PanelMode::usage());
+        const auto pointsAtRing = [&](double below) { // with the tail's tip, in the middle or below it
+            const QPolygonF card = panel.surface->outline.toSubpathPolygons().last();
+            const auto tip = std::ranges::max_element(card, {}, &QPointF::x);
+            return std::abs(tip->y() - world.geometry().ringCenter.y() - below) < 0.6;
+        };
+        QVERIFY(pointsAtRing((Layout::percentGap + Typography::percentLineHeight()) / 2));
+        showUsage(world, panel, 10);
         settle(panel);
+        QVERIFY(pointsAtRing(0));
         const PaintCounter counter;
         showUsage(world, panel, 60);
         settle(panel);
@@ -242,9 +250,7 @@ private Q_SLOTS:
             world.readSessions(); // it goes on waiting
             expectMotion(false);
             if (!still) {
-                world.addSession(1, u"one"_s, u"idle"_s, 0ms);
-                world.readSessions();
-                world.addSession(1, u"one"_s, u"waiting"_s, 0ms);
+                world.addSession(2, u"another"_s, u"waiting"_s, 0ms);
                 world.readSessions();
                 QTRY_VERIFY(isLarge());
                 world.preferences.setReducedMotion(true);
