@@ -220,6 +220,11 @@ private Q_SLOTS:
             (isVertical(edge) ? tip.rx() : tip.ry()) = outermost[static_cast<int>(edge)];
             QVERIFY(QRectF(panel.ring()->geometry()).contains(tip));
             QCOMPARE(close->size(), QSize(28, 28));
+            const auto *shell = panel.view().findChild<TooltipShell *>();
+            const QPointF rim =
+                shell->pos() + shell->cardRect().topLeft() + QPoint(shell->cardRect().width(), 0);
+            const QPointF circle = close->mapTo(&panel.view(), QPointF(14 + 10, 14 - 10)); // its outermost
+            QCOMPARE(circle - rim, QPointF(-12, 12));
         }
         panel.clickRing();
         QVERIFY(!outline.contains(cross));
