@@ -173,6 +173,9 @@ void AppDelegate::observeState()
     connect(&m_placement, &NotchPlacement::changed, &m_statusItem, [this] {
         m_statusItem.update(m_placement.isVisible());
     });
+    const auto followTranslucency = [this] { m_statusItem.setTranslucent(m_panel.isTranslucent()); };
+    connect(&m_panel, &PanelWindow::translucencyChanged, &m_statusItem, followTranslucency);
+    followTranslucency();
 }
 
 void AppDelegate::observeRequests()
@@ -364,6 +367,7 @@ void AppDelegate::showMenu(const QList<MenuEntry> &entries, const QPoint &positi
     m_panel.view().endPreview();
     auto *menu = new Menu(&m_panel.view());
     menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->setTranslucent(m_panel.isTranslucent());
     menu->setEntries(entries);
     m_panel.openMenu(*menu, position);
 }

@@ -46,6 +46,7 @@ void setUpLook()
 {
     QApplication::setPalette(Palette::widgets());
     QApplication::setFont(Typography::menu(), "QMenu");
+    QApplication::setEffectEnabled(Qt::UI_AnimateMenu, false); // it knows no shadows
 }
 
 [[noreturn]] void runCommand(const CommandLine &line, const Home &home)

@@ -54,7 +54,7 @@ void CardHost::show(PanelMode mode)
     open();
     Q_EMIT outlineChanged(); // after which all may lie elsewhere in the window
     if (m_shell && animates())
-        CardTransition::run(m_shell, towardsBody(), CardTransition::Direction::In);
+        CardTransition::run(m_shell, stepTowards(m_geometry.edge), CardTransition::Direction::In);
 }
 
 void CardHost::open()
@@ -84,7 +84,7 @@ void CardHost::close()
     m_shell->setAttribute(Qt::WA_TransparentForMouseEvents);
     m_shell->setEnabled(false);
     if (animates()) {
-        CardTransition::run(m_shell, towardsBody(), CardTransition::Direction::Out);
+        CardTransition::run(m_shell, stepTowards(m_geometry.edge), CardTransition::Direction::Out);
     } else {
         m_shell->hide();
         m_shell->deleteLater();
@@ -98,14 +98,24 @@ void CardHost::layOut()
     constexpr double tipFromBody = 3;
     const QRect card = m_geometry.cardRect(m_shell->sizeHint().shrunkBy(cardShadowRoom));
     m_shell->setGeometry(card.marginsAdded(cardShadowRoom));
-    const QPointF ring = m_geometry.ringCenter - card.topLeft();
+    const QPointF ring = m_ring - card.topLeft();
     m_shell->setTail(
         isVertical(m_geometry.edge) ? ring.y() : ring.x(),
         distanceBetween(m_geometry.edge, m_geometry.body, card) - tipFromBody);
 }
 
-void CardHost::setGeometry(const PanelGeometry &geometry)
+void CardHost::pointTo(const QPointF &ring)
 {
+    m_ring = ring;
+    if (!m_shell)
+        return;
+    layOut();
+    Q_EMIT outlineChanged();
+}
+
+void CardHost::setGeometry(const PanelGeometry &geometry, const QPointF &ring)
+{
+    m_ring = ring;
     const bool turned = geometry.edge != m_geometry.edge;
     m_geometry = geometry;
     if (!m_shell)
@@ -150,21 +160,6 @@ bool CardHost::animates() const
 {
     // A window that is cut to its outline has nothing to fade into.
     return m_translucent && !m_preferences.reducedMotion();
-}
-
-QPoint CardHost::towardsBody() const
-{
-    switch (m_geometry.edge) {
-    case NotchEdge::Right:
-        return {1, 0};
-    case NotchEdge::Left:
-        return {-1, 0};
-    case NotchEdge::Top:
-        return {0, -1};
-    case NotchEdge::Bottom:
-        break;
-    }
-    return {0, 1};
 }
 
 bool CardHost::eventFilter(QObject *watched, QEvent *event)

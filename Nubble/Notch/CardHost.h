@@ -26,7 +26,8 @@ public:
     [[nodiscard]] const Card *cardOf(PanelMode mode) const; // null: there is none
 
     void show(PanelMode mode);
-    void setGeometry(const PanelGeometry &geometry);
+    void setGeometry(const PanelGeometry &geometry, const QPointF &ring);
+    void pointTo(const QPointF &ring); // the open card's tail; in the view's coordinates
     void setTranslucent(bool translucent);
 
     [[nodiscard]] QPainterPath outline() const; // of the open card, in the view's coordinates
@@ -45,12 +46,12 @@ private:
     void close();
     void layOut();
     [[nodiscard]] bool animates() const;
-    [[nodiscard]] QPoint towardsBody() const;
 
     QWidget *m_view;
     const DesktopPreferences &m_preferences;
     QList<Card> m_cards;
     PanelGeometry m_geometry;
+    QPointF m_ring; // its centre
     PanelMode m_mode;
     TooltipShell *m_shell = nullptr;
     bool m_translucent = true;

@@ -13,7 +13,7 @@ namespace {
 
 QString activityText(const Activity &activity)
 {
-    switch (activity.waiting ? RunState::Waiting : activity.overall) {
+    switch (activity.waiting > 0 ? RunState::Waiting : activity.overall) {
     case RunState::Waiting:
         return u"a session waits for you"_s;
     case RunState::Working:
@@ -40,6 +40,11 @@ void ClaudeCell::place(const CellFrame &frame)
     m_view->place(frame);
 }
 
+QPointF ClaudeCell::ringCenter() const
+{
+    return pos() + m_view->pos() + m_view->center();
+}
+
 void ClaudeCell::setActivity(const Activity &activity)
 {
     if (m_activity == activity)
@@ -54,10 +59,13 @@ void ClaudeCell::setUsage(const PlanWindows &windows, bool isOld)
     const auto fraction = windows.session ? std::optional(windows.session->fraction) : std::nullopt;
     if (m_fraction == fraction && m_isUsageOld == isOld)
         return;
+    const bool moves = m_fraction.has_value() != fraction.has_value();
     m_fraction = fraction;
     m_isUsageOld = isOld;
     m_view->setUsage(fraction, isOld);
     describe();
+    if (moves)
+        Q_EMIT ringMoved();
 }
 
 void ClaudeCell::setMotionReduced(bool reduced)

@@ -20,12 +20,14 @@ public:
     explicit ClaudeCell(QWidget *parent = nullptr);
 
     void place(const CellFrame &frame);
+    [[nodiscard]] QPointF ringCenter() const; // in the parent's coordinates
 
     void setActivity(const Activity &activity);
     void setUsage(const PlanWindows &windows, bool isOld); // shows the session's; above 1 as 1
     void setMotionReduced(bool reduced);
 
 Q_SIGNALS:
+    void ringMoved(); // within the cell
     void hoveredChanged(bool hovered);
 
 protected:

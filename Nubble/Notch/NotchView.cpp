@@ -42,6 +42,7 @@ void NotchView::followState()
     connect(m_cards, &CardHost::outlineChanged, this, &NotchView::outlineChanged);
     connect(m_cards, &CardHost::hoveredChanged, &m_hover, &HoverPreview::setCardHovered);
     connect(m_claude, &ClaudeCell::hoveredChanged, &m_hover, &HoverPreview::setRingHovered);
+    connect(m_claude, &ClaudeCell::ringMoved, m_cards, [this] { m_cards->pointTo(m_claude->ringCenter()); });
     connect(m_claude, &ClaudeCell::pressed, &m_hover, &HoverPreview::cancel); // it may become a drag
     connect(m_claude, &ClaudeCell::clicked, this, [this] { open(PanelMode::sessions()); });
 }
@@ -79,7 +80,7 @@ void NotchView::setGeometryOnScreen(const PanelGeometry &geometry)
         return;
     m_geometry = geometry;
     placeCells();
-    m_cards->setGeometry(geometry);
+    m_cards->setGeometry(geometry, m_claude->ringCenter());
     update();
     Q_EMIT outlineChanged();
 }

@@ -1,10 +1,13 @@
 #include "Notch/PanelWindow.h"
 
+#include <QMenu>
+
 #include <chrono>
 
 #include "Notch/CardTransition.h"
 #include "Placement/MainScreen.h"
 #include "Placement/NotchPlacement.h"
+#include "Platform/DesktopPreferences.h"
 #include "Platform/MainThread.h"
 #include "Platform/PanelSurface.h"
 #include "Widgets/ToolTips.h"
@@ -49,6 +52,7 @@ PanelWindow::PanelWindow(
 {
     followSurface();
     followDrags();
+    followTransition();
     connect(&context.state, &PanelState::modeChanged, this, &PanelWindow::followMode);
     connect(&context.placement, &NotchPlacement::changed, this, &PanelWindow::applyPlacement);
     connect(&context.mainScreen, &MainScreen::changed, this, &PanelWindow::applyPlacement);
@@ -100,6 +104,19 @@ void PanelWindow::followDrags()
     });
 }
 
+void PanelWindow::followTransition()
+{
+    connect(&m_turn, &EdgeTransition::turned, this, &PanelWindow::showPlacement);
+    connect(&m_turn, &EdgeTransition::presenceChanged, this, &PanelWindow::showGeometry);
+}
+
+// Where the window is no larger than what it shows, it would have to follow each frame.
+bool PanelWindow::canFade() const
+{
+    return m_surface->isTranslucent() && m_surface->passesClicksThrough() && m_surface->isObservable()
+        && m_view->isVisible() && m_context.placement.isVisible() && !m_context.preferences.reducedMotion();
+}
+
 void PanelWindow::applyPlacement()
 {
     assertMainThread("Nubble/Notch/PanelWindow");
@@ -110,10 +127,20 @@ void PanelWindow::applyPlacement()
     m_whole = panelGeometry(
         m_context.layout, placement.edge(), placement.clamp(placement.offset(), *screen),
         besideBars(placement.edge(), *screen, m_surface->barsAbove()));
+    if (!canFade())
+        m_turn.stop();
+    else if (m_geometry && m_geometry->edge != m_whole->edge && !m_turn.isLeaving())
+        m_turn.start();
+    if (!m_turn.isLeaving())
+        showPlacement();
+}
+
+void PanelWindow::showPlacement()
+{
     if (!m_surface->passesClicksThrough())
         m_view->setGeometryOnScreen(*m_whole); // it then knows what it shows there
     layOut(m_surface->passesClicksThrough() ? *m_whole : m_whole->cutTo(m_view->shownOnScreen()));
-    if (placement.isVisible())
+    if (m_context.placement.isVisible())
         m_surface->orderFront();
     else
         m_surface->orderOut();
@@ -124,9 +151,16 @@ void PanelWindow::layOut(const PanelGeometry &geometry)
     m_shrinking.stop();
     m_geometry = geometry;
     m_surface->place({.frame = geometry.frame, .edge = qtEdge(geometry.edge), .offset = geometry.offset()});
-    m_view->setGeometryOnScreen(geometry);
+    showGeometry();
     m_drag.setHandle(geometry.body);
     m_toolTips->keepFrom(qtEdge(geometry.edge));
+}
+
+void PanelWindow::showGeometry()
+{
+    m_surface->setOpacity(m_turn.presence());
+    m_view->setGeometryOnScreen(
+        m_geometry->moved(QPointF(stepTowards(m_geometry->edge)) * m_turn.distance()));
 }
 
 // What closes may still be seen for a while.
@@ -152,6 +186,12 @@ void PanelWindow::updateTranslucency()
     m_view->setTranslucent(m_surface->isTranslucent());
     m_toolTips->setTranslucent(m_surface->isTranslucent());
     m_surface->setOutline(m_view->outline());
+    Q_EMIT translucencyChanged();
+}
+
+bool PanelWindow::isTranslucent() const
+{
+    return m_surface->isTranslucent();
 }
 
 std::optional<WindowAnchor> PanelWindow::bodyOnScreen() const
@@ -173,7 +213,14 @@ bool PanelWindow::openForKeyboard(PanelMode mode)
 
 void PanelWindow::openMenu(QMenu &menu, const QPoint &position)
 {
-    m_surface->openMenu(menu, position);
+    QPoint corner = position;
+    if (m_geometry && m_geometry->body.contains(position)) {
+        const QPoint origin = m_geometry->frame.topLeft();
+        const QSize card = menu.sizeHint().shrunkBy(menu.contentsMargins());
+        corner = placeBeside(bodyOnScreen(), card, m_geometry->screen.translated(origin)) - origin;
+    }
+    const QMargins shadow = menu.contentsMargins();
+    m_surface->openMenu(menu, corner - QPoint(shadow.left(), shadow.top()));
 }
 
 } // namespace nubble

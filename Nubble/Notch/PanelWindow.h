@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "Notch/DragGesture.h"
+#include "Notch/EdgeTransition.h"
 #include "Notch/NotchView.h"
 #include "Placement/WindowPlacement.h"
 
@@ -37,12 +38,23 @@ public:
 
     NotchView &view() { return *m_view; }
     [[nodiscard]] bool openForKeyboard(PanelMode mode); // the card, with the keyboard in it if that comes
-    void openMenu(QMenu &menu, const QPoint &position); // a child of the view's; in window coordinates
+    [[nodiscard]] bool isTranslucent() const;
+
+    // A child of the view's, beside the body when that is what was pressed, else there; in window
+    // coordinates.
+    void openMenu(QMenu &menu, const QPoint &position);
+
+Q_SIGNALS:
+    void translucencyChanged();
 
 private:
     void followSurface();
     void followDrags();
+    void followTransition();
+    [[nodiscard]] bool canFade() const;
+    void showPlacement();
     void layOut(const PanelGeometry &geometry);
+    void showGeometry();
     void fit();
     void updateTranslucency();
     void followMode(PanelMode mode);
@@ -52,6 +64,7 @@ private:
     std::unique_ptr<PanelSurface> m_surface;
     ToolTips *m_toolTips; // the view's
     DragGesture m_drag;
+    EdgeTransition m_turn;
     std::optional<PanelGeometry> m_whole;    // with room for the tallest card
     std::optional<PanelGeometry> m_geometry; // the part of it that the window covers
     QTimer m_shrinking;

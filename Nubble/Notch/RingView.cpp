@@ -22,6 +22,11 @@ constexpr QMarginsF aroundRing{half, half, half, half};
 constexpr double oldStrength = 0.45; // of what may no longer be true
 constexpr double lightRadius = 17;
 
+double valueOf(const QVariantAnimation &motion, double atRest)
+{
+    return motion.state() != QAbstractAnimation::Stopped ? motion.currentValue().toDouble() : atRest;
+}
+
 } // namespace
 
 RingView::RingView(QWidget *cell) : QWidget(cell)
@@ -35,7 +40,14 @@ RingView::RingView(QWidget *cell) : QWidget(cell)
     m_beat.setDuration(beatTime);
     m_beat.setEasingCurve(QEasingCurve::InOutSine);
     m_beat.setLoopCount(beats);
-    connect(&m_beat, &QVariantAnimation::valueChanged, this, qOverload<>(&QWidget::update));
+    m_check.setStartValue(0.0);
+    m_check.setEndValue(1.0);
+    m_check.setDuration(checkTime);
+    m_check.setEasingCurve(QEasingCurve::InOutSine);
+    m_glide.setDuration(glideTime);
+    m_glide.setEasingCurve(QEasingCurve::OutCubic);
+    for (const auto *motion : {&m_beat, &m_check, &m_glide})
+        connect(motion, &QVariantAnimation::valueChanged, this, qOverload<>(&QWidget::update));
 }
 
 void RingView::place(const CellFrame &frame)
@@ -50,18 +62,22 @@ void RingView::place(const CellFrame &frame)
 
 void RingView::setActivity(const Activity &activity)
 {
-    const bool begins = activity.waiting && !m_activity.waiting;
+    const bool begins = activity.waiting > m_activity.waiting;
+    const bool ends = activity.overall == RunState::Completed && m_activity.overall != RunState::Completed;
     m_activity = activity;
     animateIfNeeded();
-    if (begins)
-        beat();
+    if (begins && mayMove()) {
+        m_beat.stop();
+        m_beat.start();
+    }
+    if (ends && mayMove())
+        m_check.start();
     update();
 }
 
-void RingView::beat()
+bool RingView::mayMove() const
 {
-    if (!m_motionReduced && isVisible())
-        m_beat.start();
+    return !m_motionReduced && isVisible();
 }
 
 // Without a number the ring has the place of both.
@@ -77,9 +93,27 @@ double RingView::strength() const
 
 void RingView::setUsage(std::optional<double> fraction, bool isOld)
 {
+    const std::optional<double> shown = shownFraction();
     m_fraction = fraction;
     m_isUsageOld = isOld;
+    m_glide.stop();
+    if (shown && fraction)
+        glide(percentOf(*shown), percentOf(*fraction));
     update();
+}
+
+void RingView::glide(int from, int to)
+{
+    if (from == to || !mayMove())
+        return;
+    m_glide.setStartValue(from);
+    m_glide.setEndValue(to);
+    m_glide.start();
+}
+
+std::optional<double> RingView::shownFraction() const
+{
+    return m_fraction ? std::optional(valueOf(m_glide, *m_fraction * 100) / 100) : std::nullopt;
 }
 
 void RingView::setFocused(bool focused)
@@ -101,14 +135,20 @@ void RingView::setMotionReduced(bool reduced)
     m_motionReduced = reduced;
     m_step = 0;
     if (reduced)
-        m_beat.stop();
+        stopMotion();
     animateIfNeeded();
     update();
 }
 
+void RingView::stopMotion()
+{
+    for (QVariantAnimation *motion : {&m_beat, &m_check, &m_glide})
+        motion->stop();
+}
+
 void RingView::animateIfNeeded()
 {
-    const bool turns = isWorking() && !m_motionReduced && isVisible();
+    const bool turns = isWorking() && mayMove();
     if (turns == m_frame.isActive())
         return;
     if (turns)
@@ -135,7 +175,7 @@ void RingView::showEvent(QShowEvent *)
 
 void RingView::hideEvent(QHideEvent *)
 {
-    m_beat.stop();
+    stopMotion();
     animateIfNeeded();
 }
 
@@ -175,20 +215,27 @@ void RingView::draw(QPainter &painter) const
     painter.setPen(Qt::NoPen);
     painter.setBrush(m_light);
     painter.drawEllipse(center(), lightRadius, lightRadius);
-    if (isWorking())
-        drawActivityArc(painter, center(), static_cast<double>(m_step) / stepsPerTurn, m_activity.waiting);
-    else
-        drawStatusRing(painter, center(), m_activity.overall, m_fraction, strength());
+    drawRing(painter);
     if (m_focused) {
         painter.setPen(QPen(Palette::focus, 1.5));
         painter.setBrush(Qt::NoBrush);
         painter.drawEllipse(center(), half + 2.5, half + 2.5);
     }
-    const bool isBeating = m_beat.state() == QAbstractAnimation::Running;
-    if (m_activity.waiting)
-        drawWaitingBadge(painter, center(), isBeating ? m_beat.currentValue().toDouble() : 1);
-    if (m_fraction)
-        drawPercent(painter, percentOf(*m_fraction));
+    if (m_activity.waiting > 0)
+        drawWaitingBadge(painter, center(), valueOf(m_beat, 1));
+    if (const std::optional<double> fraction = shownFraction())
+        drawPercent(painter, percentOf(*fraction));
+}
+
+void RingView::drawRing(QPainter &painter) const
+{
+    if (isWorking())
+        drawActivityArc(
+            painter, center(), static_cast<double>(m_step) / stepsPerTurn, m_activity.waiting > 0);
+    else if (m_activity.overall == RunState::Completed)
+        drawCompletion(painter, center(), valueOf(m_check, 1));
+    else
+        drawStatusRing(painter, center(), shownFraction(), strength(), m_activity.waiting > 0);
 }
 
 void RingView::drawPercent(QPainter &painter, int percent) const

@@ -2,6 +2,7 @@
 
 #include <QPainter>
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -67,25 +68,32 @@ void drawGlyph(QPainter &painter, const QPointF &center, const QColor &color)
     }
 }
 
-void drawCheckMark(QPainter &painter, const QPointF &center, const QColor &color)
+void drawCheckMark(QPainter &painter, const QPointF &center, const QColor &color, double drawn)
 {
+    const QLineF lines[]{{{-4.6, 0.4}, {-1.4, 3.6}}, {{-1.4, 3.6}, {4.7, -3.2}}};
+    double left = drawn * (lines[0].length() + lines[1].length());
+    QPolygonF points{center + lines[0].p1()};
+    for (const QLineF &line : lines) {
+        if (left > 0)
+            points.append(center + line.pointAt(std::min(left / line.length(), 1.0)));
+        left -= line.length();
+    }
     painter.setPen(QPen(color, 2.3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.setBrush(Qt::NoBrush);
-    const QPointF points[]{
-        center + QPointF(-4.6, 0.4), center + QPointF(-1.4, 3.6), center + QPointF(4.7, -3.2)};
-    painter.drawPolyline(points, 3);
+    painter.drawPolyline(points);
 }
 
 } // namespace
 
-void drawStatusRing(
-    QPainter &painter, const QPointF &center, RunState state, std::optional<double> fraction, double strength)
+void drawCompletion(QPainter &painter, const QPointF &center, double drawn)
 {
-    if (state == RunState::Completed) {
-        drawArc(painter, center, Palette::ample, 0, 1);
-        drawCheckMark(painter, center, Palette::ample);
-        return;
-    }
+    drawArc(painter, center, Palette::ample, 0, 1);
+    drawCheckMark(painter, center, Palette::ample, drawn);
+}
+
+void drawStatusRing(
+    QPainter &painter, const QPointF &center, std::optional<double> fraction, double strength, bool waiting)
+{
     drawTrack(painter, center);
     if (const int percent = percentOf(fraction.value_or(0)); percent > 0) {
         painter.setOpacity(strength);
@@ -94,7 +102,7 @@ void drawStatusRing(
             isScarce(percent) ? scarceStroke : stroke);
         painter.setOpacity(1);
     }
-    drawGlyph(painter, center, state == RunState::Waiting ? Palette::badge : Palette::textSecondary);
+    drawGlyph(painter, center, waiting ? Palette::badge : Palette::textSecondary);
 }
 
 void drawActivityArc(QPainter &painter, const QPointF &center, double turn, bool waiting)

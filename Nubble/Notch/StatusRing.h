@@ -5,8 +5,6 @@
 #include <array>
 #include <optional>
 
-#include "Sessions/RunState.h"
-
 class QPainter;
 class QRect;
 
@@ -14,11 +12,13 @@ namespace nubble {
 
 // The drawings of the status ring, 26 pixels across, around `center`.
 
-// At rest, or after something has finished: the fraction of the plan that is used (0 to 1, none draws the
-// track alone), with the opacity `strength`.
+// At rest: the fraction of the plan that is used (0 to 1, none draws the track alone), with the opacity
+// `strength`. `waiting`: something waits for the user.
 void drawStatusRing(
-    QPainter &painter, const QPointF &center, RunState state, std::optional<double> fraction,
-    double strength);
+    QPainter &painter, const QPointF &center, std::optional<double> fraction, double strength, bool waiting);
+
+// After something has finished: a check mark, of which the part `drawn` (0 to 1) is there.
+void drawCompletion(QPainter &painter, const QPointF &center, double drawn);
 
 // While something works: a quarter of the circle, `turn` (0 to 1) of the way round. `waiting`: something else
 // waits for the user.

@@ -33,6 +33,21 @@ QString title(NotchEdge edge)
     return raw.first(1).toUpper() + raw.sliced(1);
 }
 
+QPoint stepTowards(NotchEdge edge)
+{
+    switch (edge) {
+    case NotchEdge::Right:
+        return {1, 0};
+    case NotchEdge::Left:
+        return {-1, 0};
+    case NotchEdge::Top:
+        return {0, -1};
+    case NotchEdge::Bottom:
+        break;
+    }
+    return {0, 1};
+}
+
 Qt::Edge qtEdge(NotchEdge edge)
 {
     switch (edge) {

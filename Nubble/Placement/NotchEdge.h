@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPoint>
 #include <QString>
 
 #include <array>
@@ -21,6 +22,9 @@ inline constexpr std::array allEdges{NotchEdge::Right, NotchEdge::Left, NotchEdg
 {
     return edge == NotchEdge::Right || edge == NotchEdge::Left;
 }
+
+// A step of one towards it.
+[[nodiscard]] QPoint stepTowards(NotchEdge edge);
 
 // The same for those who know nothing of the panel.
 [[nodiscard]] Qt::Edge qtEdge(NotchEdge edge);

@@ -60,12 +60,17 @@ PanelGeometry PanelGeometry::cutTo(const QRect &part) const
 {
     PanelGeometry cut = *this;
     cut.frame = frame & part;
-    const QPointF moved = frame.topLeft() - cut.frame.topLeft();
-    for (QRectF *rect : {&cut.screen, &cut.body})
-        rect->translate(moved);
-    for (QPointF *point : {&cut.origin, &cut.ringCenter})
-        *point += moved;
-    return cut;
+    return cut.moved(frame.topLeft() - cut.frame.topLeft());
+}
+
+PanelGeometry PanelGeometry::moved(const QPointF &by) const
+{
+    PanelGeometry moved = *this;
+    for (QRectF *rect : {&moved.screen, &moved.body})
+        rect->translate(by);
+    for (QPointF *point : {&moved.origin, &moved.ringCenter})
+        *point += by;
+    return moved;
 }
 
 int PanelGeometry::offset() const

@@ -21,6 +21,7 @@ struct PanelGeometry {
     QPointF ringCenter;
 
     [[nodiscard]] PanelGeometry cutTo(const QRect &part) const; // of the frame, in screen coordinates
+    [[nodiscard]] PanelGeometry moved(const QPointF &by) const; // within the frame, which stays
     [[nodiscard]] int offset() const;                      // of the frame's start from the start of the edge
     [[nodiscard]] QRect cardRect(const QSize &size) const; // where a card of that size stands
     [[nodiscard]] double roomForCard() const; // the height that the screen leaves to an open card

@@ -10,6 +10,11 @@ QPointF PanelSurface::onScreen(const QMouseEvent &event) const
     return event.globalPosition();
 }
 
+void PanelSurface::setOpacity(double opacity)
+{
+    m_window.setWindowOpacity(opacity);
+}
+
 void PanelSurface::openMenu(QMenu &menu, const QPoint &position)
 {
     menu.popup(m_window.mapToGlobal(position));

@@ -50,6 +50,8 @@ public:
     // to be painted opaque.
     [[nodiscard]] virtual bool isTranslucent() const = 0;
 
+    virtual void setOpacity(double opacity); // 0 to 1; only where it is translucent
+
     // The keyboard, on the user's explicit wish only; releasing gives it back to the window that had it, or
     // to the one that has been activated since.
     [[nodiscard]] virtual bool takeKeyboard() = 0; // whether it has come, as far as the desktop tells

@@ -13,7 +13,7 @@ enum class RunState {
 // What all sessions together are doing.
 struct Activity {
     RunState overall = RunState::Idle; // the first in the order above that any of them is
-    bool waiting = false;              // whether any waits, whatever the others do
+    int waiting = 0;                   // how many wait, whatever the others do
 
     bool operator==(const Activity &) const = default;
 };

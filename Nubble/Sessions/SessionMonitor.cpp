@@ -122,7 +122,7 @@ Activity SessionMonitor::activity() const
     Activity activity;
     for (const ClaudeSession &session : m_sessions) {
         activity.overall = std::min(activity.overall, runState(session));
-        activity.waiting = activity.waiting || session.isWaiting();
+        activity.waiting += session.isWaiting();
     }
     return activity;
 }

@@ -2,9 +2,15 @@
 
 #include <QHelpEvent>
 #include <QKeyEvent>
+#include <QPainter>
+#include <QScreen>
 
+#include <algorithm>
+
+#include "Placement/PanelShapes.h"
 #include "Platform/MainThread.h"
 #include "Tray/MenuStyle.h"
+#include "Widgets/CardFrame.h"
 #include "Widgets/ToolTips.h"
 
 using namespace Qt::StringLiterals;
@@ -12,6 +18,8 @@ using namespace Qt::StringLiterals;
 namespace nubble {
 
 namespace {
+
+constexpr double radius = 10;
 
 // A file's name in it may hold anything: an ampersand would mark a key, a tab begin another column.
 QString plainText(const QString &text)
@@ -26,6 +34,16 @@ Menu::Menu(QWidget *parent) : QMenu(parent)
     auto *style = new MenuStyle;
     style->setParent(this);
     setStyle(style);
+    setAttribute(Qt::WA_TranslucentBackground);
+    setTranslucent(true);
+}
+
+void Menu::setTranslucent(bool translucent)
+{
+    m_translucent = translucent;
+    setContentsMargins(translucent ? cardShadowRoom : QMargins());
+    for (Menu *submenu : findChildren<Menu *>(Qt::FindDirectChildrenOnly))
+        submenu->setTranslucent(translucent);
 }
 
 void Menu::setEntries(const QList<MenuEntry> &entries, Drawing drawing)
@@ -57,6 +75,7 @@ void Menu::add(const MenuEntry &entry, Drawing drawing)
     }
     if (!entry.entries.isEmpty()) {
         auto *submenu = new Menu(this);
+        submenu->setTranslucent(m_translucent);
         submenu->setTitle(plainText(entry.title));
         submenu->setEntries(entry.entries, drawing);
         addMenu(submenu);
@@ -84,14 +103,101 @@ QAction *Menu::actionFor(const QKeySequence &keys) const
     for (QAction *action : actions())
         if (action->isEnabled() && !action->shortcut().isEmpty() && action->shortcut() == keys)
             return action;
-    const auto *above = qobject_cast<Menu *>(parentWidget());
-    return above ? above->actionFor(keys) : nullptr;
+    return above() ? above()->actionFor(keys) : nullptr;
+}
+
+Menu *Menu::above() const
+{
+    return qobject_cast<Menu *>(parentWidget());
+}
+
+CardFrame Menu::frame() const
+{
+    QPainterPath outline;
+    outline.addRoundedRect(contentsRect(), radius, radius);
+    return {.outline = outline, .isOpaque = true};
+}
+
+void Menu::resizeEvent(QResizeEvent *event)
+{
+    m_drawn = {};
+    if (m_translucent)
+        clearMask();
+    else
+        setMask(QRegion(frame().outline.toFillPolygon().toPolygon()));
+    QMenu::resizeEvent(event);
+}
+
+void Menu::paintEvent(QPaintEvent *event)
+{
+    if (m_drawn.isNull() || m_drawn.devicePixelRatio() != devicePixelRatioF())
+        m_drawn = frame().drawn(size(), devicePixelRatioF(), m_translucent);
+    QPainter(this).drawPixmap(0, 0, m_drawn);
+    QMenu::paintEvent(event);
+}
+
+// The toolkit would keep the shadow on the screen rather than the card beside its entry.
+void Menu::showEvent(QShowEvent *event)
+{
+    if (above())
+        move(besideEntry());
+    QMenu::showEvent(event);
+}
+
+// Its first entry at the height of the one that it belongs to, on the right if there is room.
+QPoint Menu::besideEntry() const
+{
+    const QPoint origin = above()->mapToGlobal(QPoint());
+    const QRect from = above()->contentsRect().translated(origin);
+    const QRect entry = above()->actionGeometry(menuAction()).translated(origin);
+    constexpr int margin = MenuStyle::inset;
+    const QRect room = above()->screen()->geometry().adjusted(margin, margin, -margin, -margin);
+    QRect card({}, contentsRect().size());
+    card.moveTopLeft({from.right() + 1 - margin, entry.top() - margin});
+    if (card.right() > room.right())
+        card.moveRight(from.left() - 1 + margin);
+    card.moveTop(std::max(std::min(card.top(), room.bottom() + 1 - card.height()), room.top()));
+    card.moveLeft(std::max(card.left(), room.left()));
+    return card.topLeft() - contentsRect().topLeft();
+}
+
+// What happens on the shadow concerns the menu below it, or closes all as anywhere beside them.
+bool Menu::passesOn(const QMouseEvent &event)
+{
+    if (contentsRect().contains(event.position().toPoint()))
+        return false;
+    if (above()) {
+        QMouseEvent passed(
+            event.type(), above()->mapFromGlobal(event.globalPosition()), event.globalPosition(),
+            event.button(), event.buttons(), event.modifiers(), event.pointingDevice());
+        QCoreApplication::sendEvent(above(), &passed);
+        return true;
+    }
+    if (event.type() == QEvent::MouseButtonPress && rect().contains(event.position().toPoint())) {
+        closeAll();
+        return true;
+    }
+    return false;
+}
+
+void Menu::closeAll()
+{
+    for (Menu *open = this; open; open = open->above())
+        open->close();
 }
 
 bool Menu::event(QEvent *event)
 {
-    if (event->type() != QEvent::ToolTip)
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseMove:
+        return passesOn(static_cast<QMouseEvent &>(*event)) || QMenu::event(event);
+    case QEvent::ToolTip:
+        break;
+    default:
         return QMenu::event(event);
+    }
     const QPoint point = static_cast<QHelpEvent *>(event)->pos();
     QAction *action = actionAt(point);
     const qsizetype entry = actions().indexOf(action);
@@ -99,6 +205,7 @@ bool Menu::event(QEvent *event)
         return true;
     if (!m_toolTips) {
         m_toolTips = new ToolTips(*this);
+        m_toolTips->setTranslucent(m_translucent);
         m_toolTips->keepFrom(Qt::LeftEdge); // beside the menu rather than over its next entry
     }
     ToolTips::show(*this, action->toolTip(), actionGeometry(action));
@@ -113,8 +220,7 @@ void Menu::keyPressEvent(QKeyEvent *event)
         QMenu::keyPressEvent(event);
         return;
     }
-    for (QMenu *open = this; open; open = qobject_cast<Menu *>(open->parentWidget()))
-        open->close();
+    closeAll();
     action->trigger();
 }
 

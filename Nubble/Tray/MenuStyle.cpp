@@ -5,21 +5,27 @@
 #include <QPainterPath>
 #include <QStyleOptionMenuItem>
 
+#include <algorithm>
+
+#include "Widgets/Palette.h"
+
+using namespace Qt::StringLiterals;
+
 namespace nubble {
 
 namespace {
 
-const QStyleOptionMenuItem *twoLineItem(const QStyleOption *option)
-{
-    const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option);
-    return item && item->text.contains(MenuStyle::lineBreak) ? item : nullptr;
-}
+constexpr int paddingAlong = 12 - MenuStyle::inset; // within an entry, the frame's inset makes it 12
+constexpr int paddingAcross = 5;
+constexpr int separatorHeight = 9;
+constexpr double highlightRadius = 6;
+constexpr int markSide = 14;
+constexpr int markColumn = markSide + 6;
+constexpr int arrowColumn = 20;
+constexpr int beforeKeys = 24;
+constexpr auto singleLine = Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextShowMnemonic;
 
-const QStyleOptionMenuItem *separator(const QStyleOption *option)
-{
-    const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option);
-    return item && item->menuItemType == QStyleOptionMenuItem::Separator ? item : nullptr;
-}
+using Item = QStyleOptionMenuItem;
 
 QFont detailFont(QFont font)
 {
@@ -30,125 +36,160 @@ QFont detailFont(QFont font)
     return font;
 }
 
-QString title(const QStyleOptionMenuItem &item)
+QString title(const Item &item)
 {
-    return item.text.section(MenuStyle::lineBreak, 0, 0);
+    return item.text.section(u'\t', 0, 0).section(MenuStyle::lineBreak, 0, 0);
 }
 
-QString detail(const QStyleOptionMenuItem &item)
+QString detail(const Item &item)
 {
-    return item.text.section(MenuStyle::lineBreak, 1);
+    return item.text.section(u'\t', 0, 0).section(MenuStyle::lineBreak, 1);
 }
 
-int lineWidth(const QFont &font, const QString &text)
+QString keys(const Item &item)
 {
-    return QFontMetrics(font).size(Qt::TextSingleLine | Qt::TextShowMnemonic, text).width();
+    return item.text.section(u'\t', 1);
+}
+
+QSize sizeOf(const QFont &font, const QString &text)
+{
+    if (text.isEmpty())
+        return {};
+    return QFontMetrics(font).size(Qt::TextSingleLine | Qt::TextShowMnemonic, text);
+}
+
+QSize entrySize(const Item &item)
+{
+    if (item.menuItemType == Item::Separator)
+        return {2 * paddingAlong, separatorHeight};
+    const QSize first = sizeOf(item.font, title(item));
+    const QSize second = sizeOf(detailFont(item.font), detail(item));
+    const int beside = (item.menuHasCheckableItems ? markColumn : 0)
+        + (item.menuItemType == Item::SubMenu ? arrowColumn : 0)
+        + (item.reservedShortcutWidth > 0 ? beforeKeys : 0);
+    return {
+        std::max(first.width(), second.width()) + beside + 2 * paddingAlong,
+        first.height() + second.height() + 2 * paddingAcross};
 }
 
 QColor dimmed(QColor color, double opacity)
 {
-    color.setAlphaF(static_cast<float>(opacity));
+    color.setAlphaF(static_cast<float>(color.alphaF() * opacity));
     return color;
 }
 
-QColor textColor(const QStyleOption &option)
+void drawLines(
+    QPainter &painter, const QRectF &area, const QColor &color, std::initializer_list<QPointF> points)
 {
-    if (!(option.state & QStyle::State_Enabled))
-        return option.palette.color(QPalette::Disabled, QPalette::Text);
-    return option.palette.color(
-        option.state & QStyle::State_Selected ? QPalette::HighlightedText : QPalette::Text);
-}
-
-void setTextColor(QStyleOptionMenuItem &item, const QColor &color)
-{
-    for (const QPalette::ColorRole role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
-        item.palette.setColor(role, color);
-}
-
-void drawCheckMark(QPainter &painter, const QRectF &box, const QColor &color)
-{
-    const double side = std::min(box.width(), box.height());
-    QPainterPath mark({-0.32, 0.02});
-    mark.lineTo(-0.09, 0.25);
-    mark.lineTo(0.33, -0.26);
+    QPainterPath path;
+    for (const QPointF &point : points) {
+        if (path.elementCount() == 0)
+            path.moveTo(point);
+        else
+            path.lineTo(point);
+    }
     painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.translate(box.center());
-    painter.scale(side, side);
-    painter.strokePath(mark, QPen(color, 0.13, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.translate(area.center());
+    painter.scale(area.height(), area.height());
+    painter.strokePath(path, QPen(color, 0.12, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.restore();
+}
+
+// At that end of the area, in the middle of its height.
+QRectF squareIn(const QRectF &area, Qt::AlignmentFlag end, double side)
+{
+    const double left = end == Qt::AlignLeft ? area.left() : area.right() - side;
+    return {left, area.center().y() - side / 2, side, side};
+}
+
+void drawTexts(QPainter &painter, const Item &item, QRectF area, const QColor &color)
+{
+    const QColor secondary = dimmed(color, 0.6);
+    painter.setFont(item.font);
+    painter.setPen(secondary);
+    painter.drawText(area, Qt::AlignRight | singleLine, keys(item));
+    QRectF second = area;
+    second.setTop(area.bottom() - sizeOf(detailFont(item.font), detail(item)).height());
+    area.setBottom(second.top());
+    painter.setPen(color);
+    painter.drawText(area, Qt::AlignLeft | singleLine, title(item));
+    painter.setFont(detailFont(item.font));
+    painter.setPen(secondary);
+    painter.drawText(second, Qt::AlignLeft | singleLine, detail(item));
+}
+
+void drawEntry(QPainter &painter, const Item &item)
+{
+    if (item.menuItemType == Item::Separator) {
+        const QRect line(
+            item.rect.left() + paddingAlong, item.rect.center().y(), item.rect.width() - 2 * paddingAlong, 1);
+        painter.fillRect(line, Palette::hover);
+        return;
+    }
+    const bool isEnabled = item.state & QStyle::State_Enabled;
+    const QColor color = dimmed(Palette::textPrimary, isEnabled ? 1 : 0.45);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (isEnabled && item.state & QStyle::State_Selected) {
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(Palette::chosen);
+        painter.drawRoundedRect(item.rect, highlightRadius, highlightRadius);
+    }
+    QRectF area = QRectF(item.rect).adjusted(paddingAlong, paddingAcross, -paddingAlong, -paddingAcross);
+    if (item.checkType != Item::NotCheckable && item.checked)
+        drawLines(
+            painter, squareIn(area, Qt::AlignLeft, markSide), color,
+            {{-0.32, 0.02}, {-0.09, 0.25}, {0.33, -0.26}});
+    if (item.menuItemType == Item::SubMenu)
+        drawLines(
+            painter, squareIn(area, Qt::AlignRight, markSide), dimmed(color, 0.6),
+            {{0.12, -0.27}, {0.38, 0}, {0.12, 0.27}});
+    if (item.menuHasCheckableItems)
+        area.setLeft(area.left() + markColumn);
+    drawTexts(painter, item, area, color);
 }
 
 } // namespace
 
+MenuStyle::MenuStyle() : QProxyStyle(u"fusion"_s) { }
+
 QSize MenuStyle::sizeFromContents(
     ContentsType type, const QStyleOption *option, const QSize &size, const QWidget *widget) const
 {
-    const auto *item = type == CT_MenuItem ? twoLineItem(option) : nullptr;
-    if (!item)
-        return QProxyStyle::sizeFromContents(type, option, size, widget);
-    const QFont small = detailFont(item->font);
-    QStyleOptionMenuItem oneLine(*item);
-    oneLine.text = title(*item);
-    const int width = std::max(lineWidth(item->font, oneLine.text), lineWidth(small, detail(*item)));
-    const QSize base = QProxyStyle::sizeFromContents(type, &oneLine, {width, size.height()}, widget);
-    return {base.width(), base.height() + QFontMetrics(small).height()};
+    const auto *item = type == CT_MenuItem ? qstyleoption_cast<const Item *>(option) : nullptr;
+    return item ? entrySize(*item) : QProxyStyle::sizeFromContents(type, option, size, widget);
 }
 
-int MenuStyle::styleHint(
-    StyleHint hint, const QStyleOption *option, const QWidget *widget, QStyleHintReturn *returned) const
+int MenuStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, const QWidget *widget) const
 {
-    return hint == SH_EtchDisabledText ? 0 : QProxyStyle::styleHint(hint, option, widget, returned);
+    switch (metric) {
+    case PM_MenuHMargin:
+    case PM_MenuVMargin:
+        return inset;
+    case PM_MenuPanelWidth:
+        return 0;
+    default:
+        return QProxyStyle::pixelMetric(metric, option, widget);
+    }
 }
 
 void MenuStyle::drawPrimitive(
     PrimitiveElement element, const QStyleOption *option, QPainter *painter, const QWidget *widget) const
 {
-    if (element != PE_IndicatorCheckBox && element != PE_IndicatorMenuCheckMark)
+    if (element != PE_PanelMenu && element != PE_FrameMenu)
         QProxyStyle::drawPrimitive(element, option, painter, widget);
-    else if (option->state & State_On)
-        drawCheckMark(*painter, option->rect, textColor(*option));
 }
 
 void MenuStyle::drawControl(
     ControlElement element, const QStyleOption *option, QPainter *painter, const QWidget *widget) const
 {
-    if (element == CE_MenuItem && separator(option)) {
-        const QRect line(option->rect.left() + 8, option->rect.center().y(), option->rect.width() - 16, 1);
-        painter->fillRect(line, dimmed(option->palette.color(QPalette::Text), 0.14));
-    } else if (const auto *item = element == CE_MenuItem ? twoLineItem(option) : nullptr) {
-        drawTwoLines(*item, painter, widget);
-    } else {
+    const auto *item = qstyleoption_cast<const Item *>(option);
+    if (element == CE_MenuItem && item) {
+        painter->save();
+        drawEntry(*painter, *item);
+        painter->restore();
+    } else if (element != CE_MenuEmptyArea) {
         QProxyStyle::drawControl(element, option, painter, widget);
     }
-}
-
-void MenuStyle::drawTwoLines(const QStyleOptionMenuItem &item, QPainter *painter, const QWidget *widget) const
-{
-    const QFont small = detailFont(item.font);
-    const int detailHeight = QFontMetrics(small).height();
-    QStyleOptionMenuItem background(item);
-    background.text.clear();
-    background.checkType = QStyleOptionMenuItem::NotCheckable;
-    QProxyStyle::drawControl(CE_MenuItem, &background, painter, widget);
-
-    // Then the lines, which must not paint it again: the first as an entry of one line, the second below its
-    // text.
-    const QColor color = textColor(item);
-    QStyleOptionMenuItem line(item);
-    line.state &= ~State_Selected;
-    setTextColor(line, color);
-    line.text = title(item);
-    line.rect.setHeight(item.rect.height() - detailHeight);
-    QProxyStyle::drawControl(CE_MenuItem, &line, painter, widget);
-
-    line.checkType = QStyleOptionMenuItem::NotCheckable;
-    line.font = small;
-    setTextColor(line, dimmed(color, 0.6));
-    line.text = detail(item);
-    line.rect.moveTop((line.rect.top() + line.rect.bottom() + 1 + QFontMetrics(item.font).height()) / 2);
-    line.rect.setHeight(detailHeight);
-    QProxyStyle::drawControl(CE_MenuItem, &line, painter, widget);
 }
 
 } // namespace nubble

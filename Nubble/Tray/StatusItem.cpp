@@ -102,6 +102,11 @@ void StatusItem::refillMenu()
     m_menu.setEntries(m_source(), remote ? Menu::Drawing::Desktop : Menu::Drawing::Own);
 }
 
+void StatusItem::setTranslucent(bool translucent)
+{
+    m_menu.setTranslucent(translucent);
+}
+
 void StatusItem::showMessage(const QString &title, const QString &text)
 {
     assertMainThread("Nubble/Tray/StatusItem");

@@ -30,6 +30,8 @@ public:
     // Whenever one of the panel's settings has changed: icon, tool tip and a closed menu follow.
     void update(bool panelVisible);
 
+    void setTranslucent(bool translucent); // whether windows can be, such as the menu where that is ours
+
     void showMessage(const QString &title, const QString &text); // a notification, where there is an icon
 
 Q_SIGNALS:

@@ -17,12 +17,16 @@ CappedScroll::CappedScroll(QWidget *content, int maxHeight, QWidget *parent)
     setFocusPolicy(Qt::NoFocus);
     setWidgetResizable(true);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setVerticalScrollBar(new SlimScrollBar);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     viewport()->setAutoFillBackground(false);
     setWidget(content);
     content->setAutoFillBackground(false);
     content->installEventFilter(this);
     m_fades = {new ScrollFade(this, ScrollFade::End::Top), new ScrollFade(this, ScrollFade::End::Bottom)};
+    m_bar = new SlimScrollBar(this);
+    connect(m_bar, &QScrollBar::valueChanged, verticalScrollBar(), &QScrollBar::setValue);
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, m_bar, &QScrollBar::setValue);
+    connect(verticalScrollBar(), &QScrollBar::rangeChanged, this, &CappedScroll::followScrolling);
     fit();
 }
 
@@ -33,8 +37,6 @@ QSize CappedScroll::sizeHint() const
 
 void CappedScroll::fit()
 {
-    const int contentHeight = widget()->sizeHint().height();
-    setVerticalScrollBarPolicy(contentHeight > m_maxHeight ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
     setFixedHeight(sizeHint().height());
 }
 
@@ -50,6 +52,18 @@ void CappedScroll::resizeEvent(QResizeEvent *event)
     QScrollArea::resizeEvent(event);
     for (ScrollFade *fade : m_fades)
         fade->follow();
+    followScrolling();
+}
+
+void CappedScroll::followScrolling()
+{
+    const QScrollBar &own = *verticalScrollBar();
+    m_bar->setGeometry(width() - m_bar->sizeHint().width(), 0, m_bar->sizeHint().width(), height());
+    m_bar->setSingleStep(own.singleStep());
+    m_bar->setPageStep(height());
+    m_bar->setRange(own.minimum(), own.maximum());
+    m_bar->setVisible(own.maximum() > own.minimum());
+    m_bar->raise();
 }
 
 void CappedScroll::wheelEvent(QWheelEvent *event)

@@ -7,9 +7,10 @@
 namespace nubble {
 
 class ScrollFade;
+class SlimScrollBar;
 
 // As tall as its content, up to a limit beyond which the content scrolls and fades into the card at both
-// ends.
+// ends. The scroll bar lies over the content's right margin, which keeps its width.
 class CappedScroll : public QScrollArea {
     Q_OBJECT
 
@@ -25,8 +26,11 @@ protected:
     void wheelEvent(QWheelEvent *event) override;
 
 private:
+    void followScrolling();
+
     int m_maxHeight;
     std::array<ScrollFade *, 2> m_fades;
+    SlimScrollBar *m_bar;
 };
 
 } // namespace nubble

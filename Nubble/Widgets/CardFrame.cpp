@@ -34,7 +34,7 @@ QPixmap CardFrame::drawn(const QSize &size, qreal scale, bool translucent) const
     frame.fill(Qt::transparent);
     QPainter painter(&frame);
     QColor onCard = Palette::card;
-    if (!translucent)
+    if (!translucent || isOpaque)
         onCard.setAlpha(255);
     const QBrush fill = towardsTip(tail, onCard, Palette::body);
     if (translucent) {

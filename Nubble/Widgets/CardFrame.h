@@ -14,6 +14,7 @@ struct CardFrame {
     QPainterPath outline;
     QLineF tail = {}; // from the card to its tail's tip; null without a tail
     std::span<const ShadowLayer> shadow = cardShadow;
+    bool isOpaque = false; // where texts lie below, which would shine through
 
     // A card without a tail.
     [[nodiscard]] static CardFrame rounded(const QRectF &card);

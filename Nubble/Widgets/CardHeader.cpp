@@ -39,6 +39,7 @@ void CardHeader::addAccessory(QWidget *accessory)
 
 void CardHeader::addAccessory(NotchButton *button)
 {
+    button->setSide(CardMetrics::headerCircle);
     button->setFixedSize(CardMetrics::headerHeight, CardMetrics::headerHeight);
     m_accessories->addWidget(button);
 }

@@ -10,9 +10,10 @@ namespace nubble::CardMetrics {
 // What all cards have in common; device-independent pixels.
 inline constexpr int width = 246;
 inline constexpr int maxHeight = 460;
-inline constexpr int headerHeight = 28; // what a button in it may be touched in
+inline constexpr int headerHeight = 28;    // what a button in it may be touched in
+inline constexpr double headerCircle = 20; // that it shows; with the margins it stands 12 from the rim
 inline constexpr int spacing = 6;
-inline constexpr QMargins rowMargins{8, 10, 8, 10};                  // around header and rows
+inline constexpr QMargins rowMargins{8, 8, 8, 10};                   // around header and rows
 inline constexpr int rowPadding = 10;                                // of the rows' own, left and right
 inline constexpr QMargins textMargins{rowPadding, 0, rowPadding, 4}; // more, around what is no row
 inline constexpr int textWidth = width - 2 * (rowMargins.left() + rowPadding);

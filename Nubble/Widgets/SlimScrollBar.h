@@ -9,7 +9,7 @@ class SlimScrollBar : public QScrollBar {
     Q_OBJECT
 
 public:
-    using QScrollBar::QScrollBar;
+    explicit SlimScrollBar(QWidget *parent = nullptr) : QScrollBar(Qt::Vertical, parent) { }
 
     [[nodiscard]] QSize sizeHint() const override;
 

@@ -93,16 +93,12 @@ CardFrame ToolTip::frame() const
 {
     QPainterPath outline;
     outline.addRoundedRect(QRectF(rect()).adjusted(around, around, -around, -around), radius, radius);
-    return {.outline = outline, .shadow = toolTipShadow};
+    return {.outline = outline, .shadow = toolTipShadow, .isOpaque = true};
 }
 
 void ToolTip::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    QColor below = Palette::card; // other texts lie there, and do not shine through
-    below.setAlpha(255);
-    painter.fillPath(frame().outline, below);
     painter.drawPixmap(0, 0, frame().drawn(size(), devicePixelRatioF(), m_translucent));
     const QFont font = Typography::cardBody();
     painter.setFont(font);

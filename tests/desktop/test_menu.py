@@ -1,7 +1,7 @@
 """The panel's context menu, opened by the right button and used by keyboard and mouse."""
 
-from desktop import SCREEN, eventually
-from program import DesktopTest
+from desktop import COMPOSITED, SCREEN, eventually
+from program import BODY_DEPTH, SHADOW, DesktopTest
 
 ENTRIES = [
     "Lock Position", "Move to Edge", "Center on Edge", "Add-ons", "Notify Me", "Refresh Everything",
@@ -15,11 +15,16 @@ class TheContextMenu(DesktopTest):
         x, y = nubble.ring()
         self.below_ring = 10 - self.below_ring  # not where the last press was: two would be a double click
         self.desktop.click(x, y + self.below_ring, button=3)
-        return self.desktop.until_menu()
+        return self.card(self.desktop.until_menu())
+
+    def card(self, menu):
+        """The menu's left, top, right and bottom, without its shadow."""
+        left, top, right, bottom = SHADOW if COMPOSITED else (0, 0, 0, 0)
+        return (menu.x + left, menu.y + top, menu.x + menu.width - right, menu.y + menu.height - bottom)
 
     def choose(self, nubble, entry, *keys):
-        menu = self.open_menu(nubble)
-        place = (menu.x + 20, menu.y + menu.height / len(ENTRIES) * (ENTRIES.index(entry) + 0.5))
+        left, top, _, bottom = self.open_menu(nubble)
+        place = (left + 20, top + (bottom - top) / len(ENTRIES) * (ENTRIES.index(entry) + 0.5))
         if keys:
             self.desktop.move_pointer(*place)
         else:
@@ -30,9 +35,8 @@ class TheContextMenu(DesktopTest):
 
     def test_opens_within_the_screen_and_closes_without_effect(self):
         nubble = self.start_nubble()
-        menu = self.open_menu(nubble)
-        self.assertLessEqual(menu.x + menu.width, SCREEN[0])
-        self.assertGreater(menu.height, 8 * 16)
+        _, _, right, _ = self.open_menu(nubble)
+        self.assertAlmostEqual(right, SCREEN[0] - BODY_DEPTH - 12, delta=1)
         before = nubble.panel()
         self.desktop.key("Escape")
         self.desktop.until_no_menu()

@@ -2,6 +2,7 @@
 #include <QVariantAnimation>
 
 #include "Sessions/ProjectsCardContent.h"
+#include "Widgets/Typography.h"
 #include "notch/Drawing.h"
 
 using namespace Qt::StringLiterals;
@@ -123,9 +124,16 @@ private Q_SLOTS:
     {
         PanelWorld world;
         PanelUnderTest panel(world);
-        showUsage(world, panel, 10);
         world.state.setMode(PanelMode::usage());
+        const auto pointsAtRing = [&](double below) { // with the tail's tip, in the middle or below it
+            const QPolygonF card = panel.surface->outline.toSubpathPolygons().last();
+            const auto tip = std::ranges::max_element(card, {}, &QPointF::x);
+            return std::abs(tip->y() - world.geometry().ringCenter.y() - below) < 0.6;
+        };
+        QVERIFY(pointsAtRing((Layout::percentGap + Typography::percentLineHeight()) / 2));
+        showUsage(world, panel, 10);
         settle(panel);
+        QVERIFY(pointsAtRing(0));
         const PaintCounter counter;
         showUsage(world, panel, 60);
         settle(panel);
@@ -242,15 +250,95 @@ private Q_SLOTS:
             world.readSessions(); // it goes on waiting
             expectMotion(false);
             if (!still) {
-                world.addSession(1, u"one"_s, u"idle"_s, 0ms);
-                world.readSessions();
-                world.addSession(1, u"one"_s, u"waiting"_s, 0ms);
+                world.addSession(2, u"another"_s, u"waiting"_s, 0ms);
                 world.readSessions();
                 QTRY_VERIFY(isLarge());
                 world.preferences.setReducedMotion(true);
                 QVERIFY(!isLarge());
             }
         }
+    }
+
+    void marksAreDrawnAndNumbersGlideIfThingsMayMove()
+    {
+        for (const bool still : {true, false}) {
+            PanelWorld world;
+            world.preferences.setReducedMotion(still);
+            PanelUnderTest panel(world);
+            showUsage(world, panel, 10);
+            settle(panel);
+            const auto look = [&](const QString &status) {
+                world.addSession(1, u"one"_s, status, 0ms);
+                world.readSessions();
+            };
+            // The colours there halfway through what moves, which then comes to its end.
+            const auto halfway = [&](double turn, double radius, int duration) {
+                for (auto *motion : panel.ring()->findChildren<QVariantAnimation *>())
+                    if (motion->state() == QAbstractAnimation::Running && motion->duration() == duration) {
+                        motion->pause();
+                        motion->setCurrentTime(duration / 2);
+                        const QColor color = RingPicture(world, panel).at(turn, radius);
+                        motion->resume();
+                        return color;
+                    }
+                return RingPicture(world, panel).at(turn, radius);
+            };
+            look(u"busy"_s);
+            look(u"idle"_s);
+            QCOMPARE(halfway(0.735, 4.6, 220), Palette::ample); // where the mark starts
+            look(u"busy"_s);
+            look(u"idle"_s);
+            QCOMPARE(halfway(0.155, 5.6, 220) == Palette::ample, still); // and where it ends
+            settle(panel);
+            QCOMPARE(halfway(0.155, 5.6, 220), Palette::ample);
+            world.clock.advance(2min);
+            world.readSessions();
+            showUsage(world, panel, 48);
+            QCOMPARE(halfway(0.47, 11.6, 200) == Palette::ample, still);
+            settle(panel);
+            QCOMPARE(halfway(0.47, 11.6, 200), Palette::ample);
+            expectMotion(false);
+        }
+    }
+
+    void toAnotherEdgeItFadesOutAndInWhereThatCanBeSeen()
+    {
+        PanelWorld world;
+        PanelUnderTest panel(world);
+        QVERIFY(QTest::qWaitForWindowExposed(&panel.view()));
+        world.preferences.setReducedMotion(false);
+        const auto moveTo = [&](NotchEdge edge) {
+            world.placement.moveToEdge(edge, world.mainScreen.frame());
+        };
+        const auto isAt = [&](NotchEdge edge) {
+            return panel.surface->last.edge == qtEdge(edge) && panel.surface->opacity == 1
+                && panel.window.bodyOnScreen()->edge == edge;
+        };
+        const double before = world.geometry().body.x();
+        moveTo(NotchEdge::Left);
+        QVERIFY(!isAt(NotchEdge::Left));
+        QTRY_VERIFY(panel.surface->opacity < 1);
+        const bool leaves = panel.surface->last.edge == Qt::RightEdge;
+        const double way =
+            panel.surface->outline.boundingRect().x() - (leaves ? before : world.geometry().body.x());
+        QVERIFY(std::abs(way - (leaves ? 8 : -8) * (1 - panel.surface->opacity)) < 1e-6);
+        QTRY_VERIFY(isAt(NotchEdge::Left));
+        settle(panel);
+        QCOMPARE(panel.surface->outline.boundingRect(), world.geometry().body);
+        expectMotion(false);
+
+        moveTo(NotchEdge::Top);
+        QVERIFY(!isAt(NotchEdge::Top));
+        world.placement.setVisible(false);
+        QVERIFY(isAt(NotchEdge::Top));
+        world.placement.setVisible(true);
+        panel.surface->translucent = false;
+        moveTo(NotchEdge::Bottom);
+        QVERIFY(isAt(NotchEdge::Bottom));
+        panel.surface->translucent = true;
+        panel.surface->passesClicks = false;
+        moveTo(NotchEdge::Right);
+        QVERIFY(isAt(NotchEdge::Right));
     }
 
     void sharpEdgesAndTheRingLieOnTheDevicesPixels()

@@ -3,6 +3,7 @@
 #include <QMenu>
 #include <QSignalSpy>
 
+#include "Notch/ClaudeCell.h"
 #include "Placement/PanelShapes.h"
 #include "Widgets/TooltipShell.h"
 #include "notch/PanelUnderTest.h"
@@ -210,7 +211,7 @@ private Q_SLOTS:
             QCOMPARE(outline.toSubpathPolygons().first().boundingRect(), expected.body);
             QVERIFY(!card.intersects(expected.body));
             const double sides[]{card.right() - 2, card.left() + 2, card.top() + 2, card.bottom() - 2};
-            QPointF tip = expected.ringCenter;
+            QPointF tip = panel.window.view().ring().ringCenter(); // in its cell's middle: there is no number
             (isVertical(edge) ? tip.rx() : tip.ry()) = sides[static_cast<int>(edge)];
             QVERIFY(outline.contains(tip)); // the tail points at the ring
             const QRectF &screen = expected.screen;
@@ -219,6 +220,11 @@ private Q_SLOTS:
             (isVertical(edge) ? tip.rx() : tip.ry()) = outermost[static_cast<int>(edge)];
             QVERIFY(QRectF(panel.ring()->geometry()).contains(tip));
             QCOMPARE(close->size(), QSize(28, 28));
+            const auto *shell = panel.view().findChild<TooltipShell *>();
+            const QPointF rim =
+                shell->pos() + shell->cardRect().topLeft() + QPoint(shell->cardRect().width(), 0);
+            const QPointF circle = close->mapTo(&panel.view(), QPointF(14 + 10, 14 - 10)); // its outermost
+            QCOMPARE(circle - rim, QPointF(-12, 12));
         }
         panel.clickRing();
         QVERIFY(!outline.contains(cross));
@@ -330,6 +336,20 @@ private Q_SLOTS:
         QMenu menu;
         panel.window.openMenu(menu, {});
         QCOMPARE(panel.surface->log, QStringList({u"Close"_s, u"menu"_s}));
+
+        menu.addAction(u"Entry"_s);
+        menu.setContentsMargins(30, 20, 10, 40);
+        for (const NotchEdge edge : allEdges) { // beside the body, but for its shadow
+            world.placement.moveToEdge(edge, world.mainScreen.frame());
+            const QRect body = world.geometry().body.toAlignedRect();
+            panel.window.openMenu(menu, body.center());
+            const QRect card(
+                panel.surface->menu + QPoint(30, 20), menu.sizeHint().shrunkBy(menu.contentsMargins()));
+            QVERIFY(!card.intersects(body.adjusted(-11, -11, 11, 11)));
+            QVERIFY(card.intersects(body.adjusted(-13, -13, 13, 13)));
+        }
+        panel.window.openMenu(menu, {1, 2});
+        QCOMPARE(panel.surface->menu, QPoint(1 - 30, 2 - 20));
     }
 };
 

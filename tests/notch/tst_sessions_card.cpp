@@ -10,6 +10,7 @@
 #include "Widgets/CardHeader.h"
 #include "Widgets/CardMetrics.h"
 #include "Widgets/Palette.h"
+#include "Widgets/SlimScrollBar.h"
 #include "notch/PanelUnderTest.h"
 
 using namespace Qt::StringLiterals;
@@ -208,7 +209,14 @@ private Q_SLOTS:
         QCOMPARE(QApplication::focusWidget(), focused);
         QTRY_VERIFY(scroll->viewport()->rect().contains( // scrolled into sight
             QRect(focused->mapTo(scroll->viewport(), QPoint()), focused->size())));
-        QVERIFY(scroll->verticalScrollBar()->isVisible());
+        auto *bar = scroll->findChild<SlimScrollBar *>(QString(), Qt::FindDirectChildrenOnly);
+        QVERIFY(bar->isVisible() && !scroll->verticalScrollBar()->isVisible());
+        QVERIFY(bar->width() < CardMetrics::rowPadding && bar->geometry().right() == scroll->width() - 1);
+        QCOMPARE(focused->width(), scroll->width()); // it lies over the rows, beside their texts
+        bar->setValue(bar->maximum() / 2);
+        QCOMPARE(scroll->verticalScrollBar()->value(), bar->value());
+        scroll->verticalScrollBar()->setValue(0);
+        QVERIFY(bar->value() == 0 && bar->pageStep() == scroll->height());
         for (const int value : {7000, scroll->verticalScrollBar()->maximum()}) {
             scroll->verticalScrollBar()->setValue(value);
             for (int y = 0; y < scroll->viewport()->height(); y += ProjectRow::rowHeight / 2)

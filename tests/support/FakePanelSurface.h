@@ -21,8 +21,9 @@ public:
     }
     void orderFront() override { window().show(); }
     void orderOut() override { window().hide(); }
-    [[nodiscard]] bool isTranslucent() const override { return true; }
+    [[nodiscard]] bool isTranslucent() const override { return translucent; }
     void setOutline(const QPainterPath &path) override { outline = path; }
+    void setOpacity(double value) override { opacity = value; }
     [[nodiscard]] QMargins barsAbove() const override { return bars; }
     [[nodiscard]] bool passesClicksThrough() const override { return passesClicks; }
     [[nodiscard]] bool takeKeyboard() override
@@ -38,13 +39,19 @@ public:
     {
         return PanelSurface::onScreen(event) + mouseOffset;
     }
-    void openMenu(QMenu &, const QPoint &) override { log.append(QStringLiteral("menu")); }
+    void openMenu(QMenu &, const QPoint &position) override
+    {
+        log.append(QStringLiteral("menu"));
+        menu = position;
+    }
     void showToolTip(QWidget &tip, const QRect &) override
     {
         log.append(qobject_cast<QLabel *>(&tip)->text());
     }
 
     int placements = 0;
+    bool translucent = true;
+    double opacity = 1;
     SurfacePlace last;
     QPainterPath outline;
     bool hasKeyboard = false;
@@ -52,7 +59,8 @@ public:
     bool passesClicks = true;
     QMargins bars;
     QPointF mouseOffset; // of where it says that mouse events have happened
-    QStringList log;     // moves, menus and tool tips
+    QPoint menu;
+    QStringList log; // moves, menus and tool tips
 };
 
 } // namespace nubble

@@ -120,6 +120,44 @@ private Q_SLOTS:
         QVERIFY(!menu.actions().at(0)->isChecked());
     }
 
+    void submenusStandBesideTheirEntryAndShadowsTakeNoMouse()
+    {
+        MenuEntry below = entryOf(u"Below"_s);
+        below.entries = {entryOf(u"One"_s)};
+        const QRect screen = QGuiApplication::primaryScreen()->geometry();
+        const auto card = [](const QWidget &menu) { return menu.contentsRect().translated(menu.pos()); };
+        for (const bool translucent : {true, false})
+            for (const QPoint &place : {QPoint(100, 100), screen.bottomRight()}) {
+                Menu menu;
+                menu.setEntries({below, entryOf(u"Next"_s)});
+                menu.setTranslucent(translucent);
+                menu.popup(place);
+                menu.setActiveAction(menu.actions().at(0));
+                QMenu *submenu = menu.actions().at(0)->menu();
+                QVERIFY(submenu->isVisible() && screen.contains(card(*submenu)));
+                const QRect common = card(menu) & card(*submenu);
+                QCOMPARE(common.width(), 4);
+                if (place != screen.bottomRight())
+                    QCOMPARE(card(menu).top(), card(*submenu).top());
+                QCOMPARE(
+                    menu.mask().contains(QPoint(12, 1)) && !menu.mask().contains(QPoint(1, 1)), !translucent);
+                QCOMPARE(menu.contentsRect() == menu.rect(), !translucent);
+                if (!translucent)
+                    continue;
+                for (const int step : {5, 6}) { // the second one counts
+                    QAction *next = menu.actions().at(1);
+                    const QPoint entry = menu.mapToGlobal(menu.actionGeometry(next).center());
+                    const int x = common.left() > entry.x() ? common.left() - step : common.right() + step;
+                    QVERIFY(submenu->geometry().contains(x, entry.y()));
+                    QTest::mouseMove(submenu, submenu->mapFromGlobal(QPoint(x, entry.y())));
+                }
+                QTRY_COMPARE(menu.activeAction(), menu.actions().at(1));
+                menu.setActiveAction(menu.actions().at(0));
+                QTest::mousePress(submenu, Qt::LeftButton, {}, {1, 1});
+                QVERIFY(!menu.isVisible() && !submenu->isVisible());
+            }
+    }
+
     void aShownKeyWorksWhileTheMenuIsOpen()
     {
         int refreshed = 0;
