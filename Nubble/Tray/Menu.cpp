@@ -171,6 +171,8 @@ bool Menu::passesOn(const QMouseEvent &event)
             event.type(), above()->mapFromGlobal(event.globalPosition()), event.globalPosition(),
             event.button(), event.buttons(), event.modifiers(), event.pointingDevice());
         QCoreApplication::sendEvent(above(), &passed);
+        if (above()->activeAction() != menuAction())
+            close(); // by itself it stays as long as the pointer is in its window
         return true;
     }
     if (event.type() == QEvent::MouseButtonPress && rect().contains(event.position().toPoint())) {

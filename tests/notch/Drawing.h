@@ -99,4 +99,29 @@ inline void showUsage(PanelWorld &world, PanelUnderTest &panel, int session)
         panel.ring()->accessibleName().endsWith(QStringLiteral(", %1 % of the plan used").arg(session)));
 }
 
+inline bool isNear(QRgb a, QRgb b) // but for the soft edges of curves that begin elsewhere
+{
+    const auto differ = [](int x, int y) { return std::abs(x - y) > 24; };
+    return !differ(qRed(a), qRed(b)) && !differ(qGreen(a), qGreen(b)) && !differ(qBlue(a), qBlue(b));
+}
+
+// A timer that fires nearly as often as the frames do tells when several would have been painted.
+inline void expectMotion(bool turning)
+{
+    const PaintCounter counter;
+    int ticks = 0;
+    QTimer frames;
+    frames.callOnTimeout([&ticks] { ++ticks; });
+    frames.start(40);
+    if (turning)
+        QTRY_VERIFY(counter.paintsOf(QStringLiteral("Claude sessions")) >= 5);
+    QTRY_VERIFY(ticks >= 10);
+    if (!turning)
+        QVERIFY2(
+            counter.painted.isEmpty() && counter.frames == 0,
+            qPrintable(QStringLiteral("%1 frames, painted: %2")
+                           .arg(counter.frames)
+                           .arg(counter.painted.join(QStringLiteral(", ")))));
+}
+
 } // namespace nubble

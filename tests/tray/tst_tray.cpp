@@ -152,6 +152,7 @@ private Q_SLOTS:
                     QTest::mouseMove(submenu, submenu->mapFromGlobal(QPoint(x, entry.y())));
                 }
                 QTRY_COMPARE(menu.activeAction(), menu.actions().at(1));
+                QVERIFY(!submenu->isVisible());
                 menu.setActiveAction(menu.actions().at(0));
                 QTest::mousePress(submenu, Qt::LeftButton, {}, {1, 1});
                 QVERIFY(!menu.isVisible() && !submenu->isVisible());
