@@ -137,7 +137,7 @@ private Q_SLOTS:
                         m_surface = surface.get();
                         return surface;
                     },
-                .place = [](const QSize &) { return QPoint(100, 90); },
+                .place = [](const QSize &size) { return QRect(QPoint(100, 90), size); },
                 .openLink = [this](const QUrl &url) { m_opened.append(url); }});
     }
 
