@@ -246,7 +246,8 @@ void AppDelegate::openSearchAddon()
         return;
     const auto place = [this](const QSize &size) {
         const QRectF visible = m_mainScreen.visibleFrame().value_or(QRectF());
-        return placeInUpperPart(size, m_mainScreen.frame().value_or(visible), visible);
+        return placeInUpperPart(
+            m_panel.bodyOnScreen(), size, m_mainScreen.frame().value_or(visible), visible);
     };
     m_searchWindow = std::make_unique<ChatSearchWindow>(
         m_home,

@@ -14,8 +14,10 @@
 #include "Ask/ScreenChip.h"
 #include "Platform/DesktopPreferences.h"
 #include "Shell/HotKeyTable.h"
+#include "Thread/RowBox.h"
 #include "Thread/ThreadView.h"
 #include "Widgets/CardHeader.h"
+#include "Widgets/CardMetrics.h"
 #include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Typography.h"
@@ -27,7 +29,7 @@ namespace nubble {
 namespace {
 
 constexpr int margin = 14;
-constexpr double headerButton = 24;
+constexpr int headerButton = 24;
 
 ThreadMessage shown(const AskMessage &message)
 {
@@ -72,7 +74,9 @@ AskView::AskView(AskClaude &ask, const DesktopPreferences &preferences, QWidget 
 QWidget *AskView::makeHeader()
 {
     auto *header = new CardHeader(u"Ask Claude"_s, this);
-    header->setContentsMargins(margin + 2, 0, margin - 2, 0);
+    constexpr int fromRim = 12; // of the last button
+    header->setContentsMargins(
+        RowBoxes::side, 0, fromRim - (CardMetrics::headerHeight - headerButton) / 2, 0);
     const auto add = [header, this](const QString &symbol, const QString &help, auto wanted) {
         auto *button = new NotchButton(symbol, help);
         button->setSide(headerButton);

@@ -21,7 +21,7 @@ constexpr auto fadesWithin = 1s; // what has been closed is gone from the screen
 AskWindow::AskWindow(const Home &home, Surroundings surroundings, QObject *parent)
     : QObject(parent), m_surroundings(std::move(surroundings)), m_ask(home),
       m_window(
-          u"Ask Claude"_s, viewSize, [this] { return makeView(); }, m_surroundings.makeSurface),
+          u"Ask Claude"_s, [this] { return makeView(); }, m_surroundings.makeSurface),
       m_settling([this] { return m_surroundings.capture.grabPart(m_window.frame()); }),
       m_capturer(m_surroundings.workspace, m_surroundings.capture)
 {

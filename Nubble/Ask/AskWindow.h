@@ -32,7 +32,7 @@ public:
         ScreenCapture &capture;
         const DesktopPreferences &preferences;
         FloatingWindow::SurfaceFactory makeSurface;
-        std::function<QPoint(const QSize &)> place; // where a window of that size opens
+        std::function<QRect(const QSize &)> place; // where a window of that size opens
         std::function<void(const QUrl &)> openLink;
     };
 

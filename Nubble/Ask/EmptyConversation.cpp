@@ -1,37 +1,18 @@
 #include "Ask/EmptyConversation.h"
 
 #include <QLabel>
-#include <QPainter>
 #include <QVBoxLayout>
 
 #include "Ask/AskTexts.h"
 #include "Widgets/CardMetrics.h"
 #include "Widgets/Palette.h"
 #include "Widgets/PillButton.h"
-#include "Widgets/Symbols.h"
+#include "Widgets/SymbolSign.h"
 #include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
 
 namespace nubble {
-
-namespace {
-
-constexpr int symbolSize = 34;
-
-class Sign : public QWidget {
-public:
-    Sign() { setFixedSize(symbolSize, symbolSize); }
-
-protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        QPainter painter(this);
-        Symbols::draw(painter, u"text.bubble.fill"_s, rect(), Palette::textSecondary);
-    }
-};
-
-} // namespace
 
 EmptyConversation::EmptyConversation(QWidget *parent) : QWidget(parent), m_invitation(CardMetrics::makeNote())
 {
@@ -41,7 +22,9 @@ EmptyConversation::EmptyConversation(QWidget *parent) : QWidget(parent), m_invit
     layout->setContentsMargins(24, 0, 24, 0);
     layout->setSpacing(8);
     layout->addStretch(3);
-    layout->addWidget(new Sign, 0, Qt::AlignHCenter);
+    layout->addWidget(
+        new SymbolSign(u"text.bubble.fill"_s, SymbolSign::large, Palette::textSecondary), 0,
+        Qt::AlignHCenter);
     layout->addSpacing(4);
     layout->addWidget(m_invitation);
     layout->addSpacing(14);

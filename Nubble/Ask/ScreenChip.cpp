@@ -3,8 +3,10 @@
 #include <QHBoxLayout>
 #include <QPainter>
 #include <QPainterPath>
+#include <QScreen>
 
 #include "Ask/AskTexts.h"
+#include "Placement/WindowPlacement.h"
 #include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Symbols.h"
@@ -130,8 +132,10 @@ void ScreenChip::enterEvent(QEnterEvent *)
     if (m_picture.isNull() || m_preview)
         return;
     m_preview = new PicturePreview(QImage::fromData(m_jpeg), this);
-    const QPoint above = mapToGlobal(QPoint(0, -m_preview->height() - 8));
-    m_preview->move(above);
+    constexpr int gap = 8;
+    const QRect chip(mapToGlobal(QPoint()), size());
+    m_preview->setGeometry(placeToolTip(
+        chip.adjusted(0, -gap, 0, gap), m_preview->size(), screen()->availableGeometry(), Qt::BottomEdge));
     m_preview->show();
 }
 

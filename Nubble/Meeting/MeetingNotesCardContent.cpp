@@ -2,7 +2,6 @@
 
 #include <QBoxLayout>
 #include <QLabel>
-#include <QPainter>
 
 #include <array>
 #include <chrono>
@@ -17,7 +16,7 @@
 #include "Widgets/CardMetrics.h"
 #include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
-#include "Widgets/Symbols.h"
+#include "Widgets/SymbolSign.h"
 #include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
@@ -29,18 +28,6 @@ namespace {
 
 constexpr int gap = 6;
 constexpr std::array<qsizetype, 4> longestStatus{240, 120, 60, 30}; // the first makes some eight lines
-
-class DocSymbol : public QWidget {
-public:
-    DocSymbol() { setFixedSize(14, 16); }
-
-protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        QPainter painter(this);
-        Symbols::draw(painter, u"doc.text"_s, QRectF(0, 1, 14, 14), Palette::textSecondary);
-    }
-};
 
 void showNote(QLabel &label, const QString &text, qsizetype longest = longestStatus.front())
 {
@@ -90,7 +77,6 @@ MeetingNotesCardContent::MeetingNotesCardContent(
 
 QLayout *MeetingNotesCardContent::makeDocRow()
 {
-    m_doc->setFont(Typography::rowTitle());
     m_doc->setTextFormat(Qt::PlainText);
     m_doc->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     QPalette colours = m_doc->palette();
@@ -98,7 +84,7 @@ QLayout *MeetingNotesCardContent::makeDocRow()
     m_doc->setPalette(colours);
     auto *name = new QHBoxLayout;
     name->setSpacing(7);
-    name->addWidget(new DocSymbol);
+    name->addWidget(new SymbolSign(u"doc.text"_s, 14, Palette::textSecondary));
     name->addWidget(m_doc, 1);
     auto *buttons = new QHBoxLayout;
     buttons->setSpacing(gap);
@@ -132,7 +118,12 @@ void MeetingNotesCardContent::follow()
     const bool recording = state.phase == MeetingState::Phase::Recording;
     m_header->setDetail(phaseWord(state));
     const QString doc = docLabel(state);
-    m_doc->setText(m_doc->fontMetrics().elidedText(
+    QFont font = Typography::rowTitle();
+    if (!state.tabTitle) // Inter would make a sign for multiplication of an x between digits
+        font.setStyleStrategy(
+            static_cast<QFont::StyleStrategy>(font.styleStrategy() | QFont::PreferNoShaping));
+    m_doc->setFont(font);
+    m_doc->setText(QFontMetrics(font).elidedText(
         doc, state.tabTitle ? Qt::ElideRight : Qt::ElideMiddle, CardMetrics::textWidth - 21));
     m_doc->setToolTip(m_doc->text() == doc ? QString() : doc);
     m_doc->setAccessibleName(doc);

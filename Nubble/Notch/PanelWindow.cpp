@@ -217,7 +217,7 @@ void PanelWindow::openMenu(QMenu &menu, const QPoint &position)
     if (m_geometry && m_geometry->body.contains(position)) {
         const QPoint origin = m_geometry->frame.topLeft();
         const QSize card = menu.sizeHint().shrunkBy(menu.contentsMargins());
-        corner = placeBeside(bodyOnScreen(), card, m_geometry->screen.translated(origin)) - origin;
+        corner = placeBeside(bodyOnScreen(), card, m_geometry->screen.translated(origin)).topLeft() - origin;
     }
     const QMargins shadow = menu.contentsMargins();
     m_surface->openMenu(menu, corner - QPoint(shadow.left(), shadow.top()));

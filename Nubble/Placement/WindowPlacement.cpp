@@ -25,15 +25,49 @@ QPointF wantedCentre(const WindowAnchor &anchor, const QSizeF &size)
     return {body.center().x(), body.top() - fromBody - size.height() / 2};
 }
 
-QPoint placed(const QPointF &centre, const QSizeF &size, const QRectF &visible)
+QRect within(QRect frame, const QRect &screen)
 {
-    QRectF frame({}, size);
+    frame.moveLeft(std::max(std::min(frame.left(), screen.right() - frame.width() + 1), screen.left()));
+    frame.moveTop(std::max(std::min(frame.top(), screen.bottom() - frame.height() + 1), screen.top()));
+    return frame;
+}
+
+QRect fitted(const QPointF &centre, const QSize &size, const QRectF &visible)
+{
+    const QRect room =
+        visible.adjusted(withinScreen, withinScreen, -withinScreen, -withinScreen).toAlignedRect();
+    QRectF frame({}, size.boundedTo(room.size()));
     frame.moveCenter(centre);
-    const double left = std::min(
-        std::max(frame.left(), visible.left() + withinScreen), visible.right() - withinScreen - size.width());
-    const double top = std::max(
-        std::min(frame.top(), visible.bottom() - withinScreen - size.height()), visible.top() + withinScreen);
-    return QPointF(left, top).toPoint();
+    return within({frame.topLeft().toPoint(), frame.size().toSize()}, room);
+}
+
+QRectF besideBody(QRectF visible, const WindowAnchor &anchor)
+{
+    constexpr double more = fromBody - withinScreen;
+    switch (anchor.edge) {
+    case NotchEdge::Right:
+        visible.setRight(anchor.body.left() - more);
+        break;
+    case NotchEdge::Left:
+        visible.setLeft(anchor.body.right() + more);
+        break;
+    case NotchEdge::Top:
+        visible.setTop(anchor.body.bottom() + more);
+        break;
+    case NotchEdge::Bottom:
+        visible.setBottom(anchor.body.top() - more);
+        break;
+    }
+    return visible;
+}
+
+QRect placed(
+    const QPointF &centre, const QSize &size, const QRectF &visible,
+    const std::optional<WindowAnchor> &anchor)
+{
+    const QRect frame = fitted(centre, size, visible);
+    const bool covers = anchor && anchor->body.intersects(frame);
+    return covers ? fitted(centre, size, besideBody(visible, *anchor)) : frame;
 }
 
 Qt::Edge opposite(Qt::Edge side)
@@ -71,13 +105,6 @@ QRect moved(QRect frame, const QRect &control, Qt::Edge side)
     return frame;
 }
 
-QRect within(QRect frame, const QRect &screen)
-{
-    frame.moveLeft(std::max(std::min(frame.left(), screen.right() - frame.width() + 1), screen.left()));
-    frame.moveTop(std::max(std::min(frame.top(), screen.bottom() - frame.height() + 1), screen.top()));
-    return frame;
-}
-
 } // namespace
 
 QRect placeToolTip(const QRect &control, const QSize &size, const QRect &screen, Qt::Edge edge)
@@ -91,16 +118,17 @@ QRect placeToolTip(const QRect &control, const QSize &size, const QRect &screen,
     return within(moved({{}, size}, control, opposite(edge)), screen);
 }
 
-QPoint placeBeside(const std::optional<WindowAnchor> &anchor, const QSize &size, const QRectF &visible)
+QRect placeBeside(const std::optional<WindowAnchor> &anchor, const QSize &size, const QRectF &visible)
 {
-    return placed(anchor ? wantedCentre(*anchor, size) : visible.center(), size, visible);
+    return placed(anchor ? wantedCentre(*anchor, size) : visible.center(), size, visible, anchor);
 }
 
-QPoint placeInUpperPart(const QSize &size, const QRectF &screen, const QRectF &visible)
+QRect placeInUpperPart(
+    const std::optional<WindowAnchor> &anchor, const QSize &size, const QRectF &screen, const QRectF &visible)
 {
     constexpr double belowUpperQuarter = 80;
-    return placed(
-        {screen.center().x(), screen.top() + screen.height() / 4 + belowUpperQuarter}, size, visible);
+    const QPointF centre(screen.center().x(), screen.top() + screen.height() / 4 + belowUpperQuarter);
+    return placed(centre, size, visible, anchor);
 }
 
 } // namespace nubble

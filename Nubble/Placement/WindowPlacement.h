@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QPoint>
 #include <QRect>
 #include <QRectF>
 #include <QSize>
@@ -17,14 +16,15 @@ struct WindowAnchor {
     NotchEdge edge = NotchEdge::Right;
 };
 
-// The top left corner of a window that opens beside the body, or in the middle when there is none, and keeps
-// a margin within what is visible. One that is larger keeps it at the top and at the right.
-[[nodiscard]] QPoint placeBeside(
+// Where a window of that size opens beside the body, or in the middle when there is none. It keeps a margin
+// within what is visible, and is smaller where there is no room for it; it does not cover the body.
+[[nodiscard]] QRect placeBeside(
     const std::optional<WindowAnchor> &anchor, const QSize &size, const QRectF &visible);
 
-// That of a window in the upper part of the screen, in the middle from side to side; kept within what is
-// visible in the same way.
-[[nodiscard]] QPoint placeInUpperPart(const QSize &size, const QRectF &screen, const QRectF &visible);
+// The same for a window in the upper part of the screen, in the middle from side to side.
+[[nodiscard]] QRect placeInUpperPart(
+    const std::optional<WindowAnchor> &anchor, const QSize &size, const QRectF &screen,
+    const QRectF &visible);
 
 // Where a tool tip of that size stands: at the side of its control that is away from `edge`, or at another
 // one where there is no room, and within the screen. Over the control only where the screen has no room

@@ -67,7 +67,7 @@ int lineHeight(const QFont &font)
 
 QString elided(const QString &text, const QFont &font)
 {
-    return QFontMetrics(font).elidedText(text, Qt::ElideRight, textWidth);
+    return Typography::elidedLine(font, text, textWidth);
 }
 
 // The last line that there is room for takes the rest, cut off.
@@ -86,7 +86,7 @@ QStringList wrapped(const QString &text, const QFont &font)
             lines.append(elided(text.sliced(line.textStart()), font));
             break;
         }
-        lines.append(text.sliced(line.textStart(), line.textLength()));
+        lines.append(text.sliced(line.textStart(), line.textLength()).trimmed());
     }
     layout.endLayout();
     return lines;
@@ -99,6 +99,7 @@ struct QuenwickRow::Line {
     QFont font;
     QColor colour;
     QString symbol{};
+    double indent = 0;
 };
 
 QuenwickRow::QuenwickRow(const QuenwickItem &item, bool soon, QWidget *parent)
@@ -176,8 +177,13 @@ QList<QuenwickRow::Line> QuenwickRow::lines() const
         result.append({m_due, small, m_soon ? Palette::quenwickText : Palette::textSecondary});
     if (const QString title = oneLine(m_item.title); !title.isEmpty())
         result.append({elided(title, body), body, Palette::textPrimary});
+    const auto widthOf = [&body](const QString &line) { return QFontMetricsF(body).horizontalAdvance(line); };
+    double widest = 0;
     for (const QString &line : m_quote)
-        result.append({line, body, Palette::textSecondary});
+        widest = std::max(widest, widthOf(line));
+    for (const QString &line : m_quote) // begin below one another, whichever way they are written
+        result.append(
+            {line, body, Palette::textSecondary, {}, line.isRightToLeft() ? widest - widthOf(line) : 0});
     if (m_item.onCalendar)
         result.append({onCalendarText(), small, Palette::textSecondary, onCalendarSymbol()});
     return result;
@@ -205,7 +211,7 @@ void QuenwickRow::paintEvent(QPaintEvent *)
         area.setHeight(lineHeight(line.font));
         painter.setFont(line.font);
         painter.setPen(line.colour);
-        double indent = 0;
+        double indent = line.indent;
         if (!line.symbol.isEmpty()) {
             constexpr double side = 11;
             Symbols::draw(

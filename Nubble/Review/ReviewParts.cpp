@@ -7,6 +7,7 @@
 #include "Review/ReviewTexts.h"
 #include "Widgets/CardMetrics.h"
 #include "Widgets/Palette.h"
+#include "Widgets/SymbolSign.h"
 #include "Widgets/Symbols.h"
 #include "Widgets/Typography.h"
 
@@ -21,19 +22,6 @@ constexpr double bannerSymbol = 15;
 constexpr double bannerArrow = 10;
 constexpr int bannerGap = 9;
 constexpr int dayHeight = 22;
-constexpr int sealSide = 34;
-
-class Seal : public QWidget {
-public:
-    Seal() { setFixedSize(sealSide, sealSide); }
-
-protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        QPainter painter(this);
-        Symbols::draw(painter, u"checkmark.seal.fill"_s, rect(), Palette::quenwick);
-    }
-};
 
 } // namespace
 
@@ -101,7 +89,8 @@ EmptyInbox::EmptyInbox(QWidget *parent) : QWidget(parent)
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(CardMetrics::rowPadding, 14, CardMetrics::rowPadding, 10);
     layout->setSpacing(3);
-    layout->addWidget(new Seal, 0, Qt::AlignHCenter);
+    layout->addWidget(
+        new SymbolSign(u"checkmark.seal.fill"_s, SymbolSign::large, Palette::quenwick), 0, Qt::AlignHCenter);
     layout->addSpacing(6);
     const QStringList texts = allClearTexts();
     for (const QString &text : texts) {

@@ -35,15 +35,16 @@ public:
     Chip(const QString &name, qint64 count, QWidget *parent)
         : QAbstractButton(parent), m_count(count > 0 ? QString::number(count) : QString()), m_hover(this)
     {
-        const QFontMetrics metrics(Typography::cardBody());
-        const int nameWidth = std::min(metrics.horizontalAdvance(name), widestName);
+        const QFontMetricsF metrics(Typography::cardBody());
+        const int nameWidth = std::min(qCeil(metrics.horizontalAdvance(name)), widestName);
+        setFont(Typography::cardBody());
         setText(name);
         setToolTip(nameWidth == widestName ? name : QString());
         setAccessibleName(m_count.isEmpty() ? name : u"%1, %2"_s.arg(name, m_count));
         setCheckable(true);
         setFocusPolicy(Qt::TabFocus);
         setCursor(Qt::PointingHandCursor);
-        const int countWidth = m_count.isEmpty() ? 0 : countGap + metrics.horizontalAdvance(m_count);
+        const int countWidth = m_count.isEmpty() ? 0 : countGap + qCeil(metrics.horizontalAdvance(m_count));
         setFixedSize(nameWidth + countWidth + 2 * chipPadding, chipHeight);
     }
 
@@ -63,10 +64,9 @@ protected:
         painter.setPen(hasFocus() ? QPen(Palette::focus, 1.5) : QPen(Qt::NoPen));
         painter.setBrush(isChecked() ? Palette::chosen : m_hover.lifted(Palette::control, isDown()));
         painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), chipHeight / 2.0, chipHeight / 2.0);
-        painter.setFont(Typography::cardBody());
         const QRect inside = rect().adjusted(chipPadding, 0, -chipPadding, 0);
         const int countWidth =
-            m_count.isEmpty() ? 0 : countGap + painter.fontMetrics().horizontalAdvance(m_count);
+            m_count.isEmpty() ? 0 : countGap + qCeil(QFontMetricsF(font()).horizontalAdvance(m_count));
         painter.setPen(isChecked() ? Palette::textPrimary : Palette::textSecondary);
         Typography::drawElided(painter, inside.adjusted(0, 0, -countWidth, 0), text());
         painter.setPen(Palette::textSecondary);

@@ -101,8 +101,7 @@ void ChatRow::drawSnippet(QPainter &painter, const QRectF &line, const QString &
 {
     const QFont font = Typography::cardBody();
     const QFontMetricsF metrics(font);
-    const QString text =
-        metrics.elidedText(excerpt(snippet, m_matcher), Qt::ElideRight, std::floor(line.width()));
+    const QString text = Typography::elidedLine(font, excerpt(snippet, m_matcher), line.width());
     QTextLayout layout(text, font);
     layout.beginLayout();
     QTextLine only = layout.createLine();
@@ -133,8 +132,7 @@ void ChatRow::drawMeta(QPainter &painter, const QRectF &line, const ChatHit &hit
     painter.setFont(Typography::caption());
     painter.setPen(Palette::textSecondary);
     const double most = line.width() - (hit.starred ? starSide + 6 : 0);
-    const QString text =
-        QFontMetricsF(painter.font()).elidedText(metaText(hit, m_now()), Qt::ElideRight, most);
+    const QString text = Typography::elidedLine(painter.font(), metaText(hit, m_now()), most);
     painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, text);
     if (!hit.starred)
         return;

@@ -24,6 +24,7 @@
 #include "Widgets/CardMetrics.h"
 #include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
+#include "Widgets/SymbolSign.h"
 #include "Widgets/Typography.h"
 
 using namespace Qt::StringLiterals;
@@ -48,9 +49,10 @@ ChatSearchView::ChatSearchView(
     ChatSearch &search, const Clock &clock, const DesktopPreferences &preferences, QWidget *parent)
     : QWidget(parent), m_search(search), m_clock(clock), m_preferences(preferences),
       m_query(new QueryField(this)), m_categories(new CategoryStrip), m_corrected(CardMetrics::makeNote()),
-      m_list(new ResultList([this] { return localTime(m_clock.now()); })), m_message(CardMetrics::makeNote()),
-      m_found(new QStackedLayout), m_thread(new ThreadPage), m_pages(new QStackedLayout),
-      m_foot(CardMetrics::makeNote())
+      m_list(new ResultList([this] { return localTime(m_clock.now()); })),
+      m_sign(new SymbolSign(u"magnifyingglass"_s, SymbolSign::large, Palette::textSecondary)),
+      m_message(CardMetrics::makeNote()), m_found(new QStackedLayout), m_thread(new ThreadPage),
+      m_pages(new QStackedLayout), m_foot(CardMetrics::makeNote())
 {
     setFocusProxy(m_query);
     m_foot->setFont(Typography::caption());
@@ -85,7 +87,15 @@ QWidget *ChatSearchView::makeResults()
     m_message->setAlignment(Qt::AlignCenter);
     m_message->setContentsMargins(3 * side, 0, 3 * side, 0);
     m_found->addWidget(m_list);
-    m_found->addWidget(m_message);
+    auto *instead = new QWidget;
+    auto *lines = new QVBoxLayout(instead);
+    lines->setContentsMargins({});
+    lines->setSpacing(12);
+    lines->addStretch(3);
+    lines->addWidget(m_sign, 0, Qt::AlignHCenter);
+    lines->addWidget(m_message);
+    lines->addStretch(4);
+    m_found->addWidget(instead);
     auto *page = new QWidget;
     auto *layout = new QVBoxLayout(page);
     layout->setContentsMargins({});
@@ -163,6 +173,7 @@ void ChatSearchView::showAnswer()
     const std::optional<QString> &problem = m_search.problem();
     const bool isNews = problem && m_message->text() != *problem;
     m_message->setText(!m_search.hasAnswered() ? QString() : problem.value_or(u"No chats match."_s));
+    m_sign->setVisible(m_search.hasAnswered());
     setTint(*m_message, problem ? Palette::problem : Palette::textSecondary);
     m_found->setCurrentIndex(m_search.results().isEmpty() ? 1 : 0);
     showFoot();

@@ -15,6 +15,7 @@ class DesktopPreferences;
 class Outcome;
 class QueryField;
 class ResultList;
+class SymbolSign;
 class ThreadPage;
 
 // The search in past chats: where the user writes, and below either what was found or the chat that is read.
@@ -63,7 +64,8 @@ private:
     CategoryStrip *m_categories;
     QLabel *m_corrected;
     ResultList *m_list;
-    QLabel *m_message; // in the place of results
+    SymbolSign *m_sign; // in the place of results, and what it is about
+    QLabel *m_message;
     QStackedLayout *m_found;
     ThreadPage *m_thread;
     QStackedLayout *m_pages;

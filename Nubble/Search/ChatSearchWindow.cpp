@@ -17,7 +17,7 @@ constexpr QSize viewSize(680, 460);
 ChatSearchWindow::ChatSearchWindow(const Home &home, Surroundings surroundings, QObject *parent)
     : QObject(parent), m_surroundings(std::move(surroundings)), m_search(home, m_surroundings.openLink),
       m_window(
-          u"Search Chats"_s, viewSize, [this] { return makePanel(); }, m_surroundings.makeSurface)
+          u"Search Chats"_s, [this] { return makePanel(); }, m_surroundings.makeSurface)
 {
     connect(&m_window, &FloatingWindow::closed, this, &ChatSearchWindow::closed);
 }

@@ -24,7 +24,7 @@ public:
         const Clock &clock;
         const DesktopPreferences &preferences;
         FloatingWindow::SurfaceFactory makeSurface;
-        std::function<QPoint(const QSize &)> place; // where a window of that size opens
+        std::function<QRect(const QSize &)> place; // where a window of that size opens
         std::function<void(const QUrl &)> openLink;
     };
 

@@ -7,6 +7,7 @@
 
 #include <chrono>
 
+#include "Widgets/CardMetrics.h"
 #include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Spinner.h"
@@ -24,6 +25,8 @@ constexpr int fieldHeight = 54;
 constexpr int side = 20;
 constexpr int symbolSide = 18;
 constexpr int clearSide = 22;
+constexpr int clearArea = CardMetrics::headerHeight; // that may be touched
+constexpr int fromRim = 12;                          // of the button
 constexpr auto patience = 200ms;
 
 class Line : public QLineEdit {
@@ -61,9 +64,10 @@ QueryField::QueryField(QWidget *parent)
     colours.setColor(QPalette::Highlight, Palette::selection);
     m_line->setPalette(colours);
     m_clear->setSide(clearSide);
+    m_clear->setFixedSize(clearArea, clearArea);
 
     auto *layout = new QHBoxLayout(this);
-    layout->setContentsMargins(side + symbolSide + 9, 0, side - 4, 0);
+    layout->setContentsMargins(side + symbolSide + 9, 0, fromRim - (clearArea - clearSide) / 2, 0);
     layout->addWidget(m_line);
     layout->addWidget(m_clear);
 

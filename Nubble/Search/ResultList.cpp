@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "Search/ChatTexts.h"
+#include "Widgets/ScrollFade.h"
 #include "Widgets/SlimScrollBar.h"
 #include "Widgets/ToolTips.h"
 
@@ -68,6 +69,7 @@ ResultList::ResultList(const ChatRow::Now &now, QWidget *parent)
     setMouseTracking(true);
     setModel(m_rows);
     setItemDelegate(m_row);
+    ScrollFade::addTo(this);
 }
 
 ResultList::~ResultList() = default;

@@ -15,7 +15,7 @@ namespace nubble {
 namespace {
 
 constexpr int headerHeight = 46;
-constexpr int side = 16;
+constexpr int side = 12;
 constexpr int buttonSide = 26;
 constexpr int gap = 10;
 

@@ -36,7 +36,10 @@ ThreadPage::ThreadPage(QWidget *parent)
     layout->setContentsMargins({});
     layout->setSpacing(0);
     layout->addWidget(m_header);
-    layout->addWidget(m_messages, 1);
+    auto *within = new QVBoxLayout; // what fades must not fill the window's rounded corners
+    within->setContentsMargins(2, 0, 0, 10);
+    within->addWidget(m_messages);
+    layout->addLayout(within, 1);
     connect(m_header, &ThreadHeader::backWanted, this, &ThreadPage::backWanted);
     connect(m_header, &ThreadHeader::stepWanted, this, &ThreadPage::stepWanted);
     connect(m_header, &ThreadHeader::openWanted, this, &ThreadPage::openWanted);

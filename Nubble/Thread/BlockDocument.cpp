@@ -24,6 +24,8 @@ namespace {
 
 qsizetype imported = 0;
 
+constexpr auto headerWeight = QFont::DemiBold; // of a table
+
 QTextBlockFormat lines(double percent)
 {
     QTextBlockFormat format;
@@ -197,9 +199,11 @@ void BlockDocument::formatTable(QStringView source, const Block &block, double w
     if (!m_table)
         return;
     const QString sample = BlockSource::tableSample(source, block);
+    QFont heaviest = defaultFont(); // a header may be much wider, where the font has no weight between
+    heaviest.setWeight(headerWeight);
     QList<QTextLength> columns;
     for (const double each :
-         tableColumns(sample, QFontMetricsF(defaultFont()), tablePadding, width + 2 * tablePadding))
+         tableColumns(sample, QFontMetricsF(heaviest), tablePadding, width + 2 * tablePadding))
         columns.append(QTextLength(QTextLength::FixedLength, each));
     QTextTableFormat format;
     format.setBorder(0);
@@ -231,7 +235,7 @@ void BlockDocument::lowerCode()
 void BlockDocument::formatHeader()
 {
     QTextCharFormat header;
-    header.setFontWeight(QFont::DemiBold);
+    header.setFontWeight(headerWeight);
     header.setForeground(Palette::textSecondary);
     for (int column = 0; column < m_table->columns(); ++column) {
         const QTextTableCell cell = m_table->cellAt(0, column);

@@ -1,6 +1,7 @@
 #include "Thread/RowBox.h"
 
 #include <QImage>
+#include <QTextBlock>
 
 #include <algorithm>
 #include <cmath>
@@ -112,6 +113,12 @@ int indent(const Block &block)
     return std::min(block.depth, deepest) * listWidth + std::min(block.quotes, deepest) * quoteWidth;
 }
 
+bool isMirrored(const Block &block, const BlockDocument &document)
+{
+    return block.kind != Block::Kind::Code && block.kind != Block::Kind::Table
+        && document.begin().textDirection() == Qt::RightToLeft;
+}
+
 int quoteLine(const Block &block)
 {
     return side + std::min(block.outside, deepest) * listWidth;
@@ -130,7 +137,8 @@ RowBox make(const ThreadRows &rows, int row, BlockDocument &document, int viewWi
         return questionBox(rows, row, document, viewWidth);
     RowBox box;
     box.height = gapAbove(rows, rows.messageAt(row), row);
-    box.text = {side + indent(rows.block(row)), box.height};
+    const bool mirrored = isMirrored(rows.block(row), document); // ends earlier instead of beginning later
+    box.text = {side + (mirrored ? 0 : indent(rows.block(row))), box.height};
     const Block::Kind kind = rows.block(row).kind;
     if (kind == Block::Kind::Table)
         box.text.rx() -= static_cast<int>(BlockDocument::tablePadding);

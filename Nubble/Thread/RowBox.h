@@ -30,7 +30,9 @@ inline constexpr int deepest = 7;     // that is shown; what is deeper stands be
 inline constexpr int footerGap = 12;  // below the last row, and around the footer
 
 [[nodiscard]] int indent(const Block &block); // of a reply's text
-// Where the line beside the outermost quote is; the next ones follow, a `quoteWidth` apart.
+// Whether that is indented from the right, as what is written from there is.
+[[nodiscard]] bool isMirrored(const Block &block, const BlockDocument &document);
+// Where the line beside the outermost quote is, from that edge; the next ones follow, a `quoteWidth` apart.
 [[nodiscard]] int quoteLine(const Block &block);
 [[nodiscard]] int textWidth(const ThreadRows &rows, int row, int viewWidth);
 // Fits the document of a question, too.

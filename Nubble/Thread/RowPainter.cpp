@@ -29,7 +29,8 @@ public:
         QPainter &painter, const QPoint &corner, const ThreadRows &rows, int index,
         const ThreadLayout::Row &row, const RowLook &look)
         : m_painter(painter), m_corner(corner), m_rows(rows), m_index(index), m_row(row), m_look(look),
-          m_block(rows.block(index)), m_isReply(rows.messageAt(index).isReply())
+          m_block(rows.block(index)), m_isReply(rows.messageAt(index).isReply()),
+          m_isMirrored(m_isReply && RowBoxes::isMirrored(m_block, *row.document))
     {
     }
 
@@ -70,6 +71,15 @@ private:
         return target && target->kind == kind && target->row == m_index;
     }
 
+    // What stands before the text, from left to right.
+    [[nodiscard]] QRectF onItsSide(QRectF rect) const
+    {
+        if (m_isMirrored)
+            rect.moveLeft(2 * m_corner.x() + textRight() + beforeText() - rect.right());
+        return rect;
+    }
+    [[nodiscard]] int beforeText() const { return RowBoxes::side + RowBoxes::indent(m_block); }
+
     void drawQuotes() const
     {
         const int quotes = m_isReply ? std::min(m_block.quotes, RowBoxes::deepest) : 0;
@@ -80,7 +90,7 @@ private:
         for (int i = 0; i < quotes; ++i) {
             const double top = snapped(m_corner.y() + (i < before ? 0 : above));
             const double x = m_corner.x() + RowBoxes::quoteLine(m_block) + i * RowBoxes::quoteWidth;
-            m_painter.fillRect(QRectF(x, top, 2, bottom - top), Palette::ringTrack);
+            m_painter.fillRect(onItsSide({x, top, 2, bottom - top}), Palette::ringTrack);
         }
     }
 
@@ -156,29 +166,32 @@ private:
             return;
         const QFontMetricsF metrics(Typography::reading());
         const QRectF line = m_row.document->rects({0, 1}).value(0, QRectF(0, 2, 1, metrics.height()));
-        const QPointF text =
-            m_corner + (m_row.box.panel.isNull() ? m_row.box.text : m_row.box.panel.topLeft());
-        const QRectF gutter(text.x() - 60, text.y() + line.top(), 60, line.height());
+        const QRect &panel = m_row.box.panel;
+        const double top = panel.isNull() ? m_row.box.text.y() : panel.top();
+        const double x = m_corner.x() + beforeText();
+        const QRectF gutter(x - 60, m_corner.y() + top + line.top(), 60, line.height());
         if (m_block.marker == Block::Marker::Number)
             drawNumber(gutter);
         else if (m_block.marker == Block::Marker::Bullet)
-            drawBullet(gutter.center().y(), text.x());
+            drawBullet(gutter.center().y(), x);
         else
-            drawTask(gutter.center().y(), text.x());
+            drawTask(gutter.center().y(), x);
     }
 
     void drawNumber(const QRectF &gutter) const
     {
         m_painter.setFont(Typography::reading());
         m_painter.setPen(Palette::textSecondary);
+        const int side =
+            m_isMirrored ? Qt::TextForceRightToLeft | Qt::AlignAbsolute | Qt::AlignLeft : 0 | Qt::AlignRight;
         m_painter.drawText(
-            gutter.adjusted(0, 0, -6, 0), Qt::AlignRight | Qt::AlignVCenter,
+            onItsSide(gutter.adjusted(0, 0, -6, 0)), side | Qt::AlignVCenter,
             QString::number(m_block.number) + u'.');
     }
 
     void drawBullet(double y, double x) const
     {
-        const QRectF dot(x - 13, y - 2.25, 4.5, 4.5);
+        const QRectF dot = onItsSide({x - 13, y - 2.25, 4.5, 4.5});
         const bool isHollow = m_block.depth % 2 == 0;
         m_painter.setPen(isHollow ? QPen(Palette::textSecondary, 1) : QPen(Qt::NoPen));
         m_painter.setBrush(isHollow ? QBrush(Qt::NoBrush) : QBrush(Palette::textSecondary));
@@ -188,7 +201,7 @@ private:
     void drawTask(double y, double x) const
     {
         const bool isDone = m_block.marker == Block::Marker::Done;
-        const QRectF box(x - 17, y - 6, 12, 12);
+        const QRectF box = onItsSide({x - 17, y - 6, 12, 12});
         m_painter.setPen(isDone ? QPen(Qt::NoPen) : QPen(Palette::textSecondary, 1.2));
         m_painter.setBrush(isDone ? QBrush(Palette::link) : QBrush(Qt::NoBrush));
         m_painter.drawRoundedRect(box.adjusted(0.6, 0.6, -0.6, -0.6), 3, 3);
@@ -290,7 +303,7 @@ private:
         const QString text = message.caption.left(400).simplified();
         m_painter.drawText(
             caption, Qt::AlignRight | Qt::AlignVCenter | Qt::TextSingleLine,
-            m_painter.fontMetrics().elidedText(text, Qt::ElideRight, qFloor(caption.width())));
+            Typography::elidedLine(m_painter.font(), text, caption.width()));
     }
 
     void drawButton(const QRectF &rect, ThreadTarget::Kind kind, double radius) const
@@ -365,6 +378,7 @@ private:
     const RowLook &m_look;
     const Block &m_block;
     bool m_isReply;
+    bool m_isMirrored;
 };
 
 } // namespace

@@ -17,6 +17,7 @@
 #include "Thread/ThreadScene.h"
 #include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
+#include "Widgets/ScrollFade.h"
 #include "Widgets/SlimScrollBar.h"
 #include "Widgets/ToolTips.h"
 
@@ -64,6 +65,7 @@ ThreadView::ThreadView(QWidget *parent)
     verticalScrollBar()->setSingleStep(20);
     viewport()->setAutoFillBackground(false);
     viewport()->setMouseTracking(true);
+    ScrollFade::addTo(this);
     m_jump->resize(m_jump->sizeHint());
     m_jump->hide();
     connect(m_jump, &QAbstractButton::clicked, this, &ThreadView::scrollToEnd);
@@ -220,6 +222,7 @@ void ThreadView::placeJump()
         viewport()->geometry().right() - size.width() - 6,
         viewport()->geometry().bottom() - size.height() - 8);
     m_jump->setVisible(m_scene->isLive() && !m_scene->layout().follows());
+    m_jump->raise(); // above what fades
 }
 
 bool ThreadView::viewportEvent(QEvent *event)

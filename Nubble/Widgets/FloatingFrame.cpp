@@ -17,12 +17,17 @@ constexpr int dragDistance = 4; // less than the desktop's for drag and drop: a 
 
 } // namespace
 
-FloatingFrame::FloatingFrame(QWidget *content, const QSize &card)
+FloatingFrame::FloatingFrame(QWidget *content)
 {
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(cardShadowRoom);
     layout->addWidget(content);
+}
+
+void FloatingFrame::setCard(const QSize &card)
+{
     setFixedSize(card.grownBy(cardShadowRoom));
+    m_drawn = {};
 }
 
 CardFrame FloatingFrame::frame() const

@@ -15,9 +15,9 @@ class FloatingFrame : public QWidget {
     Q_OBJECT
 
 public:
-    // As large as the card and the room for its shadow.
-    FloatingFrame(QWidget *content, const QSize &card);
+    explicit FloatingFrame(QWidget *content);
 
+    void setCard(const QSize &card); // to be as large as that and the room for its shadow
     [[nodiscard]] CardFrame frame() const;
     void setTranslucent(bool translucent);
 

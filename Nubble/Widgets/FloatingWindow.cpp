@@ -13,8 +13,8 @@
 namespace nubble {
 
 FloatingWindow::FloatingWindow(
-    QString title, const QSize &size, ContentFactory makeContent, SurfaceFactory makeSurface, QObject *parent)
-    : QObject(parent), m_title(std::move(title)), m_size(size), m_makeContent(std::move(makeContent)),
+    QString title, ContentFactory makeContent, SurfaceFactory makeSurface, QObject *parent)
+    : QObject(parent), m_title(std::move(title)), m_makeContent(std::move(makeContent)),
       m_makeSurface(std::move(makeSurface))
 {
 }
@@ -24,7 +24,7 @@ FloatingWindow::~FloatingWindow() = default;
 void FloatingWindow::make()
 {
     m_content = m_makeContent();
-    m_frame = std::make_unique<FloatingFrame>(m_content, m_size);
+    m_frame = std::make_unique<FloatingFrame>(m_content);
     m_frame->setWindowTitle(m_title);
     m_frame->setPalette(Palette::widgets());
     m_surface = m_makeSurface(*m_frame);
@@ -35,7 +35,6 @@ void FloatingWindow::make()
     connect(m_surface.get(), &FloatingSurface::keyboardLost, this, &FloatingWindow::keyboardLost);
     connect(
         m_surface.get(), &FloatingSurface::translucencyChanged, this, &FloatingWindow::followTranslucency);
-    m_surface->setOutline(m_frame->frame().outline);
     followTranslucency();
 }
 
@@ -45,12 +44,14 @@ void FloatingWindow::followTranslucency()
     m_toolTips->setTranslucent(m_surface->isTranslucent());
 }
 
-void FloatingWindow::openAt(const QPoint &topLeft)
+void FloatingWindow::openAt(const QRect &content)
 {
     assertMainThread("Nubble/Widgets/FloatingWindow");
     if (!m_frame)
         make();
-    m_surface->place(QRect(topLeft, m_size).marginsAdded(cardShadowRoom));
+    m_frame->setCard(content.size());
+    m_surface->place(content.marginsAdded(cardShadowRoom));
+    m_surface->setOutline(m_frame->frame().outline);
     open();
 }
 

@@ -1,12 +1,12 @@
 #pragma once
 
 #include <QObject>
-#include <QSize>
 #include <QString>
 
 #include <functional>
 #include <memory>
 
+class QRect;
 class QWidget;
 
 namespace nubble {
@@ -26,19 +26,17 @@ public:
     using ContentFactory = std::function<QWidget *()>;
     using SurfaceFactory = std::function<std::unique_ptr<FloatingSurface>(QWidget &)>;
 
-    // `title` is its accessible name; `size` is the content's, without the shadow around it.
+    // `title` is its accessible name.
     FloatingWindow(
-        QString title, const QSize &size, ContentFactory makeContent, SurfaceFactory makeSurface,
-        QObject *parent = nullptr);
+        QString title, ContentFactory makeContent, SurfaceFactory makeSurface, QObject *parent = nullptr);
     ~FloatingWindow() override;
 
-    // With the content's top left corner there, in screen coordinates. An open one is moved.
-    void openAt(const QPoint &topLeft);
+    // With the content there, in screen coordinates, without the shadow around it. An open one is moved.
+    void openAt(const QRect &content);
     void open(); // brings an open one forward; otherwise where it was
     void close();
 
     [[nodiscard]] bool isOpen() const { return m_open; }
-    [[nodiscard]] QSize size() const { return m_size; }
 
     // While somebody holds this, losing the keyboard does not close the window. A loss that has not been made
     // good by then closes it afterwards.
@@ -62,7 +60,6 @@ private:
     void holdReleased();
 
     const QString m_title;
-    const QSize m_size;
     ContentFactory m_makeContent;
     SurfaceFactory m_makeSurface;
     std::unique_ptr<FloatingFrame> m_frame; // outlives the surface

@@ -1,6 +1,7 @@
 #include "Widgets/ScrollFade.h"
 
 #include <QAbstractScrollArea>
+#include <QEvent>
 #include <QPainter>
 #include <QScrollBar>
 
@@ -21,7 +22,21 @@ ScrollFade::ScrollFade(QAbstractScrollArea *area, End end) : QWidget(area), m_ar
     setAttribute(Qt::WA_TransparentForMouseEvents);
     connect(area->verticalScrollBar(), &QScrollBar::valueChanged, this, &ScrollFade::follow);
     connect(area->verticalScrollBar(), &QScrollBar::rangeChanged, this, &ScrollFade::follow);
+    area->viewport()->installEventFilter(this);
     follow();
+}
+
+void ScrollFade::addTo(QAbstractScrollArea *area)
+{
+    for (const End end : {End::Top, End::Bottom})
+        new ScrollFade(area, end);
+}
+
+bool ScrollFade::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Resize)
+        follow();
+    return QWidget::eventFilter(watched, event);
 }
 
 void ScrollFade::follow()

@@ -15,10 +15,12 @@ public:
     enum class End { Top, Bottom };
 
     ScrollFade(QAbstractScrollArea *area, End end);
+    static void addTo(QAbstractScrollArea *area); // at both ends
 
-    void follow(); // the area's size, and how far it is scrolled
+    void follow(); // the area's size, and how far it is scrolled; by itself, too
 
 protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:

@@ -139,6 +139,14 @@ double percentLineHeight()
     return std::ceil(metrics.ascent() + metrics.descent() + metrics.leading());
 }
 
+QString elidedLine(const QFont &font, const QString &text, double width)
+{
+    QString shown = QFontMetricsF(font).elidedText(text, Qt::ElideRight, width);
+    while (shown.endsWith(u" …"))
+        shown.remove(shown.size() - 2, 1);
+    return shown;
+}
+
 void drawElided(QPainter &painter, const QRectF &rect, const QString &text, Elided elided)
 {
     // Eliding looks at the whole text: one of a megabyte is cut first to what can never fit.
@@ -147,8 +155,9 @@ void drawElided(QPainter &painter, const QRectF &rect, const QString &text, Elid
     const QString start = isMiddle && text.size() > longest
         ? text.left(longest / 2) + u'…' + text.right(longest / 2)
         : text.left(longest);
-    const QString shown = painter.fontMetrics().elidedText(
-        start, isMiddle ? Qt::ElideMiddle : Qt::ElideRight, qFloor(rect.width()));
+    const QString shown = isMiddle
+        ? painter.fontMetrics().elidedText(start, Qt::ElideMiddle, qFloor(rect.width()))
+        : elidedLine(painter.font(), start, rect.width());
     // Not in the widget's direction: the dots stand where the text itself goes on.
     const auto direction = text.isRightToLeft() ? Qt::TextForceRightToLeft : Qt::TextForceLeftToRight;
     painter.drawText(

@@ -35,6 +35,9 @@ namespace Typography {
 // or another identifier in the middle.
 enum class Elided { End, Middle };
 
+// A line that may be cut off, which no space is left before.
+[[nodiscard]] QString elidedLine(const QFont &font, const QString &text, double width);
+
 // Draws one line at the left.
 void drawElided(QPainter &painter, const QRectF &rect, const QString &text, Elided elided = Elided::End);
 

@@ -3,6 +3,7 @@
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QPlainTextEdit>
+#include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -64,7 +65,7 @@ private:
     {
         for (const auto *each : m_surface->window.findChild<ScreenChip *>()->findChildren<QWidget *>())
             if (each->isWindow() && each->isVisible())
-                return true;
+                return each->screen()->availableGeometry().contains(each->geometry());
         return false;
     }
     void comeToChip()
@@ -141,7 +142,7 @@ private Q_SLOTS:
                         m_surface = surface.get();
                         return surface;
                     },
-                .place = [](const QSize &) { return QPoint(100, 90); },
+                .place = [](const QSize &size) { return QRect(QPoint(100, 90), size); },
                 .openLink = [this](const QUrl &url) { m_opened = url; }});
     }
     void cleanup()
@@ -200,6 +201,7 @@ private Q_SLOTS:
         QVERIFY(!isPreviewed());
         untilSeen();
         QCOMPARE(chip(), u"Your screen"_s);
+        m_surface->window.move(100, -450); // no room above the chip
         comeToChip();
         QEvent leave(QEvent::Leave);
         QCoreApplication::sendEvent(m_surface->window.findChild<ScreenChip *>(), &leave);

@@ -232,15 +232,27 @@ private Q_SLOTS:
             {WindowAnchor{{960, 600, 40, 200}, Right}, size, {528, 800 - 8 - 540}},
             {WindowAnchor{{0, 0, 200, 40}, Top}, size, {8, 52}},
             {WindowAnchor{{800, 0, 200, 40}, Top}, size, {1000 - 8 - 420, 52}},
-            {WindowAnchor{{0, 300, 40, 200}, Left}, {1200, 900}, {1000 - 8 - 1200, 38}},
             {std::nullopt, size, {290, 145}},
         };
         for (const auto &[anchor, itsSize, place] : rows)
-            QCOMPARE(placeBeside(anchor, itsSize, visible), place);
+            QCOMPARE(placeBeside(anchor, itsSize, visible), QRect(place, itsSize));
         const QRectF screen(1920, 100, 1280, 800);
         const QRectF belowBar = screen.adjusted(0, 30, 0, 0);
-        QCOMPARE(placeInUpperPart({680, 460}, screen, belowBar), QPoint(2220, 150));
-        QCOMPARE(placeInUpperPart(size, screen, belowBar), QPoint(2350, 138)); // not over the bar
+        const QSize wide(680, 460);
+        QCOMPARE(placeInUpperPart({}, wide, screen, belowBar), QRect(QPoint(2220, 150), wide));
+        QCOMPARE(
+            placeInUpperPart({}, size, screen, belowBar), QRect(QPoint(2350, 138), size)); // not over the bar
+
+        const QRectF small(0, 0, 640, 400); // the body is not covered there either
+        for (const auto &[anchor, place] : {
+                 std::pair(WindowAnchor{{599, 130, 41, 190}, Right}, QRect(8, 8, 579, 384)),
+                 {{{0, 130, 41, 190}, Left}, {53, 8, 579, 384}},
+                 {{{230, 0, 190, 41}, Top}, {8, 53, 624, 339}},
+                 {{{230, 359, 190, 41}, Bottom}, {8, 8, 624, 339}},
+             }) {
+            QCOMPARE(placeInUpperPart(anchor, wide, small, small), place);
+            QCOMPARE(placeBeside(anchor, {1200, 900}, small), place);
+        }
     }
 
     void theBodyAndCardAreDrawnWithinTheirPlaces()

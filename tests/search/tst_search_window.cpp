@@ -20,6 +20,8 @@
 #include "Search/ThreadPage.h"
 #include "Thread/ThreadScene.h"
 #include "Thread/ThreadView.h"
+#include "Widgets/ScrollFade.h"
+#include "Widgets/SymbolSign.h"
 #include "search/YarnbinStandIn.h"
 #include "support/FakeDesktopPreferences.h"
 #include "support/FakeFloatingSurface.h"
@@ -137,7 +139,7 @@ private Q_SLOTS:
                         m_surface = surface.get();
                         return surface;
                     },
-                .place = [](const QSize &) { return QPoint(100, 90); },
+                .place = [](const QSize &size) { return QRect(QPoint(100, 90), size); },
                 .openLink = [this](const QUrl &url) { m_opened.append(url); }});
     }
 
@@ -211,6 +213,14 @@ private Q_SLOTS:
         CategoryStrip strip;
         strip.setCategories(QList<ChatCategory>(5000, {u"Work"_s, 1}), {});
         QCOMPARE(strip.findChildren<QAbstractButton *>().size(), 101);
+        const auto widthOf = [](const QAbstractButton &chip, const QString &text) {
+            return QFontMetricsF(chip.font()).horizontalAdvance(text);
+        };
+        for (const QString &name : {u"Learning"_s, u"Illness"_s, u"Will"_s, u"Home"_s}) { // none is cut off
+            strip.setCategories({{name, 3}}, {});
+            const QAbstractButton &chip = *strip.findChildren<QAbstractButton *>().last();
+            QVERIFY2(chip.width() >= 25 + widthOf(chip, name) + widthOf(chip, u"3"_s), qPrintable(name));
+        }
     }
 
     void everythingWorksByKeyboard()
@@ -275,6 +285,45 @@ private Q_SLOTS:
         open();
         press(Qt::Key_Escape);
         QVERIFY(!m_window->isOpen());
+    }
+
+    void whatScrollsFadesAtTheEndsThatHideMore()
+    {
+        open();
+        const auto fades = [](const QAbstractScrollArea *area) {
+            QString shown;
+            for (const ScrollFade *fade : area->findChildren<ScrollFade *>()) {
+                const QRect &at = fade->geometry();
+                if (fade->isVisible() && at.width() == area->viewport()->width() && at.height() == 16)
+                    shown = at.y() == 0 ? u"top "_s + shown : shown + u"bottom "_s;
+            }
+            return shown;
+        };
+        QCOMPARE(fades(list()), u"bottom "_s);
+        press(Qt::Key_PageDown);
+        press(Qt::Key_PageDown);
+        QCOMPARE(fades(list()), u"top bottom "_s);
+        list()->resize(list()->width() - 50, list()->height());
+        QCOMPARE(fades(list()), u"top bottom "_s);
+        read();
+        QTRY_COMPARE(fades(part<ThreadView>()), u"bottom "_s);
+        press(Qt::Key_PageDown);
+        QCOMPARE(fades(part<ThreadView>()), u"top bottom "_s);
+    }
+
+    void buttonsStandAsFarFromTheRimAsInTheCards()
+    {
+        open();
+        const auto fromRim = [this](const QString &name, int side) {
+            const QWidget &shown = *button(name);
+            const int middle = shown.mapTo(&m_surface->window, shown.rect().center()).x();
+            return m_surface->outline.boundingRect().right() - middle - side / 2.0;
+        };
+        QTest::keyClicks(line(), u"a"_s);
+        QVERIFY(std::abs(fromRim(u"Clear the search"_s, 22) - 12) <= 1);
+        untilAnswered();
+        read();
+        QVERIFY(std::abs(fromRim(u"Open this chat"_s, 26) - 12) <= 1);
     }
 
     void editingKeysReachTheField()
@@ -389,7 +438,7 @@ private Q_SLOTS:
             "[[ $5 = slow ]] && sleep 0.6; cat $home/$([[ $5 = no* ]] && echo none || echo answer)");
         m_window->show();
         m_surface->giveKeyboard(true);
-        QVERIFY(!says(u"No chats match."_s));
+        QVERIFY(!says(u"No chats match."_s) && !part<SymbolSign>()->isVisible());
         untilAnswered();
         QSignalSpy gone(list()->model(), &QAbstractItemModel::modelReset);
         const auto isRunning = [this] { return part<QueryField>()->accessibleDescription() == u"Searching"; };
@@ -404,7 +453,7 @@ private Q_SLOTS:
         press(Qt::Key_A, Qt::ControlModifier);
         QTest::keyClicks(line(), u"not"_s);
         untilAnswered();
-        QVERIFY(says(u"No chats match."_s) && !list()->isVisible());
+        QVERIFY(says(u"No chats match."_s) && part<SymbolSign>()->isVisible() && !list()->isVisible());
         press(Qt::Key_Return);
         press(Qt::Key_Return, Qt::ControlModifier);
         m_home->write(u"answer"_s, searchJson({hitJson(u"one"_s)}, {{u"teh"_s, QJsonArray{u"the"_s}}}));

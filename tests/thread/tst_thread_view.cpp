@@ -570,14 +570,21 @@ private Q_SLOTS:
                         return true;
             return false;
         };
-        const auto besideRow = [&](int row) {
-            const QRect box(10, layout().yOf(row), layout().row(row).box.text.x() - 12, 0);
-            return isDrawn(box.adjusted(0, 0, 0, layout().row(row).box.height));
+        const auto besideRow = [&](int row, bool onTheRight) {
+            const RowBox &box = layout().row(row).box;
+            const int from = onTheRight ? box.text.x() + qCeil(document(row).textWidth()) + 2 : 10;
+            const int to = onTheRight ? m_view->viewport()->width() - 10 : box.text.x() - 2;
+            return isDrawn({from, layout().yOf(row), to - from, box.height});
         };
-        show(u"a\n> b\n\n- c\n1. d\n- [ ] e\n- [x] f\n"_s);
-        QVERIFY(!besideRow(0));
-        for (int row = 1; row < rows(); ++row)
-            QVERIFY2(besideRow(row), qPrintable(QString::number(row)));
+        for (const bool isRightToLeft : {false, true}) {
+            QString text = u"a\n> a\n\n- a\n1. a\n- [ ] a\n- [x] a\n"_s;
+            show(isRightToLeft ? text.replace(u'a', u'\u0627').replace(u"[x\u0627"_s, u"[x"_s) : text);
+            QVERIFY(!besideRow(0, isRightToLeft));
+            for (int row = 1; row < rows(); ++row)
+                QVERIFY2(
+                    besideRow(row, isRightToLeft) && !besideRow(row, !isRightToLeft),
+                    qPrintable(QString::number(row)));
+        }
 
         const auto changes = [this](const auto &change) {
             const QImage before = m_view->grab().toImage();

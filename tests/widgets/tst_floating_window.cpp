@@ -61,14 +61,14 @@ private Q_SLOTS:
             m_surface = surface.get();
             return surface;
         };
-        m_window = std::make_unique<FloatingWindow>(u"Title"_s, QSize(300, 200), makeContent, makeSurface);
+        m_window = std::make_unique<FloatingWindow>(u"Title"_s, makeContent, makeSurface);
     }
     void cleanup() { m_window.reset(); }
 
     void canBeOutOfThePictureOnlyWhileItIsOpen()
     {
         for (const bool closes : {false, true}) {
-            m_window->openAt({100, 90});
+            m_window->openAt({100, 90, 300, 200});
             m_surface->giveKeyboard(true);
             m_window->setUnseen(true);
             QVERIFY(m_surface->unseen && m_window->isOpen());
@@ -84,12 +84,12 @@ private Q_SLOTS:
     {
         m_window->close();
         QVERIFY(!m_content);
-        for (const QPoint at : {QPoint(100, 90), QPoint(200, 30)}) {
+        for (const QRect at : {QRect(100, 90, 300, 200), QRect(200, 30, 80, 40)}) {
             m_window->openAt(at);
             QVERIFY(QTest::qWaitForWindowActive(&m_surface->window));
-            QCOMPARE(m_content->mapToGlobal(QPoint()), at);
-            QCOMPARE(m_content->size(), m_window->size());
+            QCOMPARE(QRect(m_content->mapToGlobal(QPoint()), m_content->size()), at); // however small
             QCOMPARE(m_surface->outline.boundingRect(), QRectF(m_content->geometry()));
+            QCOMPARE(m_surface->window.minimumSize(), m_surface->window.maximumSize()); // so that it floats
             QCOMPARE(m_surface->window.focusWidget(), m_content->field);
             m_content->field->clearFocus(); // which the next opening undoes
             m_window->close();

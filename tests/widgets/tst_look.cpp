@@ -107,6 +107,21 @@ private Q_SLOTS:
             QCOMPARE(Typography::presentWeight(QLatin1String(family), wanted), present);
     }
 
+    void aLineIsCutOffBehindAWordAndFits()
+    {
+        const QFont font = Typography::rowTitle();
+        const QString text = QStringLiteral("a bb ccc dddd eeeee");
+        const auto widthOf = [&font](const QString &line) {
+            return QFontMetricsF(font).horizontalAdvance(line);
+        };
+        for (double width = 20; width < widthOf(text); ++width) {
+            const QString cut = Typography::elidedLine(font, text, width);
+            QVERIFY2(cut.endsWith(u'…') && !cut.contains(QStringLiteral(" …")), qPrintable(cut));
+            QVERIFY(widthOf(cut) <= width);
+        }
+        QCOMPARE(Typography::elidedLine(font, text, widthOf(text)), text);
+    }
+
     void whatScrollsFadesIntoTheCardWhereMoreOfItIsHidden()
     {
         QPixmap white(60, 300);
