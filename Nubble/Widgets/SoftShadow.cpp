@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
 #include "Placement/PanelShapes.h"
 #include "Widgets/Palette.h"
@@ -21,8 +20,9 @@ static_assert(std::ranges::all_of(cardShadow, [](const ShadowLayer &each) {
         && each.reach + each.drop <= cardShadowRoom.bottom();
 }));
 
-// The mean of each pixel and `radius` ones on either side; there is nothing beyond the line's ends.
-void blurLine(uchar *line, qsizetype step, int count, int radius, std::vector<uchar> &copy)
+// The mean of each pixel and `radius` ones on either side; there is nothing beyond the line's ends. `copy`
+// has room for the line.
+void blurLine(uchar *line, qsizetype step, int count, int radius, uchar *copy)
 {
     for (int i = 0; i < count; ++i)
         copy[i] = line[i * step];
@@ -37,12 +37,12 @@ void blurLine(uchar *line, qsizetype step, int count, int radius, std::vector<uc
 
 void blur(QImage &mask, int radius)
 {
-    std::vector<uchar> copy(std::max(mask.width(), mask.height()));
+    QList<uchar> copy(std::max(mask.width(), mask.height()));
     for (int box = 0; box < boxes; ++box) {
         for (int y = 0; y < mask.height(); ++y)
-            blurLine(mask.scanLine(y), 1, mask.width(), radius, copy);
+            blurLine(mask.scanLine(y), 1, mask.width(), radius, copy.data());
         for (int x = 0; x < mask.width(); ++x)
-            blurLine(mask.bits() + x, mask.bytesPerLine(), mask.height(), radius, copy);
+            blurLine(mask.bits() + x, mask.bytesPerLine(), mask.height(), radius, copy.data());
     }
 }
 
