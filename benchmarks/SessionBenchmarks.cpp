@@ -53,6 +53,7 @@ public:
         }
     }
 
+    [[nodiscard]] QString folder() const { return m_folder.path(); }
     [[nodiscard]] QString sessionsFolder() const { return m_folder.filePath(u"sessions"_s); }
     [[nodiscard]] QString projectsFolder() const { return m_folder.filePath(u"projects"_s); }
     [[nodiscard]] const QList<ClaudeSession> &sessions() const { return m_sessions; }
@@ -139,7 +140,7 @@ const Sample &settledSample(int sessions)
 void pollUnchanged(benchmark::State &state)
 {
     const Sample &sample = settledSample(static_cast<int>(state.range(0)));
-    SessionFiles files(sample.sessionsFolder());
+    SessionFiles files(sample.folder());
     (void)files.read();
     const QByteArray folder = QFile::encodeName(sample.sessionsFolder());
     compare(

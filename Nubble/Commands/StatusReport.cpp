@@ -43,7 +43,7 @@ QJsonValue orNull(const std::optional<TimePoint> &time)
 
 QJsonObject sessionReport(const SessionMonitor &monitor, const ClaudeSession &session, const Clock &clock)
 {
-    const SessionDetail detail = monitor.details().byId().value(session.sessionId);
+    const SessionDetail detail = monitor.details().of(session);
     return {
         {u"sessionId"_s, session.sessionId},
         {u"pid"_s, session.pid},

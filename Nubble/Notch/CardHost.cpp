@@ -15,19 +15,11 @@ namespace nubble {
 
 namespace {
 
+// Of two that lie one behind the other on the way to the edge.
 double distanceBetween(NotchEdge edge, const QRectF &body, const QRectF &card)
 {
-    switch (edge) {
-    case NotchEdge::Right:
-        return body.left() - card.right();
-    case NotchEdge::Left:
-        return card.left() - body.right();
-    case NotchEdge::Top:
-        return card.top() - body.bottom();
-    case NotchEdge::Bottom:
-        break;
-    }
-    return body.top() - card.bottom();
+    const double depths = isVertical(edge) ? body.width() + card.width() : body.height() + card.height();
+    return QPointF::dotProduct(body.center() - card.center(), stepTowards(edge)) - depths / 2;
 }
 
 } // namespace

@@ -25,20 +25,13 @@ QPointF wantedCentre(const WindowAnchor &anchor, const QSizeF &size)
     return {body.center().x(), body.top() - fromBody - size.height() / 2};
 }
 
-QRect within(QRect frame, const QRect &screen)
-{
-    frame.moveLeft(std::max(std::min(frame.left(), screen.right() - frame.width() + 1), screen.left()));
-    frame.moveTop(std::max(std::min(frame.top(), screen.bottom() - frame.height() + 1), screen.top()));
-    return frame;
-}
-
 QRect fitted(const QPointF &centre, const QSize &size, const QRectF &visible)
 {
     const QRect room =
         visible.adjusted(withinScreen, withinScreen, -withinScreen, -withinScreen).toAlignedRect();
     QRectF frame({}, size.boundedTo(room.size()));
     frame.moveCenter(centre);
-    return within({frame.topLeft().toPoint(), frame.size().toSize()}, room);
+    return keptWithin({frame.topLeft().toPoint(), frame.size().toSize()}, room);
 }
 
 QRectF besideBody(QRectF visible, const WindowAnchor &anchor)
@@ -107,15 +100,22 @@ QRect moved(QRect frame, const QRect &control, Qt::Edge side)
 
 } // namespace
 
+QRect keptWithin(QRect frame, const QRect &screen)
+{
+    frame.moveLeft(std::max(std::min(frame.left(), screen.right() - frame.width() + 1), screen.left()));
+    frame.moveTop(std::max(std::min(frame.top(), screen.bottom() - frame.height() + 1), screen.top()));
+    return frame;
+}
+
 QRect placeToolTip(const QRect &control, const QSize &size, const QRect &screen, Qt::Edge edge)
 {
     for (const Qt::Edge each :
          {opposite(edge), edge, Qt::BottomEdge, Qt::TopEdge, Qt::LeftEdge, Qt::RightEdge}) {
-        const QRect frame = within(moved({{}, size}, control, each), screen);
+        const QRect frame = keptWithin(moved({{}, size}, control, each), screen);
         if (!frame.intersects(control))
             return frame;
     }
-    return within(moved({{}, size}, control, opposite(edge)), screen);
+    return keptWithin(moved({{}, size}, control, opposite(edge)), screen);
 }
 
 QRect placeBeside(const std::optional<WindowAnchor> &anchor, const QSize &size, const QRectF &visible)

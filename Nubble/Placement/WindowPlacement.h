@@ -16,6 +16,9 @@ struct WindowAnchor {
     NotchEdge edge = NotchEdge::Right;
 };
 
+// Moved by as little as brings it there; what is too large starts where the screen does.
+[[nodiscard]] QRect keptWithin(QRect frame, const QRect &screen);
+
 // Where a window of that size opens beside the body, or in the middle when there is none. It keeps a margin
 // within what is visible, and is smaller where there is no room for it; it does not cover the body.
 [[nodiscard]] QRect placeBeside(

@@ -62,7 +62,7 @@ void NextSession::tryFirst(Search search, const ProcessActivator::Told &told)
         return;
     }
     const ClaudeSession first = search.sessions.takeFirst();
-    const SessionPlace place{first.pid, rowTitle(first, m_monitor.details().byId().value(first.sessionId))};
+    const SessionPlace place = SessionPlace::of(first, m_monitor.details().of(first));
     const auto goOn = [self = QPointer(this), search, told](const Outcome &outcome) mutable {
         if (!self || outcome.isDone() || outcome == ProcessActivator::replaced()) {
             told(outcome);

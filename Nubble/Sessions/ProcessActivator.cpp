@@ -6,6 +6,7 @@
 
 #include "Platform/MainThread.h"
 #include "Platform/Workspace.h"
+#include "Sessions/SessionTexts.h"
 #include "Terminals/TerminalPane.h"
 
 using namespace Qt::StringLiterals;
@@ -20,6 +21,11 @@ WantedWindow windowOf(const WindowWay &way, const SessionPlace &place, const QBy
 }
 
 } // namespace
+
+SessionPlace SessionPlace::of(const ClaudeSession &session, const SessionDetail &detail)
+{
+    return {session.pid, rowTitle(session, detail)};
+}
 
 ProcessActivator::ProcessActivator(Workspace &workspace, TerminalLookups lookups, QObject *parent)
     : QObject(parent), m_workspace(workspace), m_lookups(std::move(lookups))

@@ -16,11 +16,15 @@ namespace nubble {
 
 class Workspace;
 enum class Activation;
+struct ClaudeSession;
+struct SessionDetail;
 
 // What of a session leads to its window.
 struct SessionPlace {
     pid_t pid = 0;
     QString title{}; // as its row shows it
+
+    [[nodiscard]] static SessionPlace of(const ClaudeSession &session, const SessionDetail &detail);
 };
 
 // Brings forward where a session runs: the window, tab and pane of the nearest of its process's ancestors

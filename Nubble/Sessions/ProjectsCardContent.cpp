@@ -196,7 +196,7 @@ void ProjectsCardContent::showRow(const ClaudeSession &session, int position)
 {
     ProjectRow *row = rowOf(session.run());
     m_rows->place(row, position);
-    const SessionDetail detail = m_monitor.details().byId().value(session.sessionId);
+    const SessionDetail detail = m_monitor.details().of(session);
     row->setContent({
         .title = rowTitle(session, detail),
         .lastPrompt = detail.lastPrompt.value_or(QString()),

@@ -30,6 +30,11 @@ public:
 
     [[nodiscard]] const QHash<QString, SessionDetail> &byId() const { return m_byId; }
 
+    [[nodiscard]] SessionDetail of(const ClaudeSession &session) const
+    {
+        return m_byId.value(session.sessionId);
+    }
+
     [[nodiscard]] bool isTold() const { return m_isTold; } // of every change, since the last update
 
     // Reads what has changed, or looks at every transcript again with `force`. Returns at once.

@@ -38,7 +38,10 @@ bool isCandidate(const dirent &entry)
 
 } // namespace
 
-SessionFiles::SessionFiles(const QString &folder) : m_folder(QFile::encodeName(folder)) { }
+SessionFiles::SessionFiles(const QString &claudeFolder)
+    : m_claudeFolder(claudeFolder), m_folder(QFile::encodeName(claudeFolder + u"/sessions"))
+{
+}
 
 SessionReading SessionFiles::read(const std::stop_token &stop)
 {
@@ -116,6 +119,8 @@ bool SessionFiles::bringUpToDate(int folder, const Listed &listed, Allowance &al
     if (outcome != std::exchange(record.outcome, outcome))
         qCDebug(logSessions) << listed.name.constData() << reasons.at(static_cast<size_t>(outcome));
     const bool keeps = keepsLastReading(record);
+    if (session)
+        session->folder = m_claudeFolder;
     if (!keeps)
         record.session = std::move(session);
     record.readState = keeps || outcome == Outcome::Unreadable ? std::nullopt : record.state;

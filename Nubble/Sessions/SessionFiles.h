@@ -9,6 +9,7 @@
 #include <optional>
 #include <stop_token>
 
+#include "Platform/FolderWatch.h"
 #include "Platform/RegularFile.h"
 #include "Sessions/ClaudeSession.h"
 
@@ -21,13 +22,16 @@ struct SessionReading {
     bool isBehind = false; // some records are not up to date, and another pass soon would help
 };
 
-// The session records in one folder. A pass reads what has changed since the last one, and what could have
-// since it was read: records are rewritten in place within one tick of the file system's clock and at the
-// same size. It reads 4 MB at most, and may wait 5 ms for writers. What cannot be read is left out, but a
-// record that no longer decodes keeps what it said for another second. Blocks; one thread at a time.
+// The session records in one of Claude Code's folders. A pass reads what has changed since the last one, and
+// what could have since it was read: records are rewritten in place within one tick of the file system's
+// clock and at the same size. It reads 4 MB at most, and may wait 5 ms for writers. What cannot be read is
+// left out, but a record that no longer decodes keeps what it said for another second. Blocks; one thread at
+// a time.
 class SessionFiles {
 public:
-    explicit SessionFiles(const QString &folder);
+    explicit SessionFiles(const QString &claudeFolder);
+
+    [[nodiscard]] WatchedEntries entries() const { return {m_folder, ".json"}; }
 
     [[nodiscard]] SessionReading read(const std::stop_token &stop = {});
 
@@ -66,7 +70,8 @@ private:
         const QByteArray &name, int folder, std::optional<ClaudeSession> &session, Allowance &allowance);
     static bool waitForWriter(Allowance &allowance);
 
-    QByteArray m_folder;
+    QString m_claudeFolder;
+    QByteArray m_folder;                 // of the records in it
     QHash<QByteArray, Record> m_records; // by file name
     quint64 m_pass = 0;
 };

@@ -55,21 +55,20 @@ QStringList below(const QStringList &folders, const QString &name)
     return paths;
 }
 
-// With what is in `folder`. Two folders may be one by different paths.
-void join(SessionReading &whole, const SessionReading &more, const QString &folder)
+// Two folders may be one by different paths.
+void join(SessionReading &whole, const SessionReading &more)
 {
     whole.isBehind = whole.isBehind || more.isBehind;
-    if (!more.sessions)
+    if (!whole.sessions || !more.sessions) {
+        whole.sessions = whole.sessions ? whole.sessions : more.sessions;
         return;
+    }
     QSet<SessionRun> known;
-    whole.sessions = whole.sessions.value_or(QList<ClaudeSession>());
     for (const ClaudeSession &session : std::as_const(*whole.sessions))
         known.insert(session.run());
-    for (ClaudeSession session : *more.sessions) {
-        session.folder = folder;
+    for (const ClaudeSession &session : *more.sessions)
         if (!known.contains(session.run()))
             whole.sessions->append(session);
-    }
 }
 
 } // namespace
@@ -83,9 +82,8 @@ SessionMonitor::SessionMonitor(
       m_worker(u"SessionMonitor"_s)
 {
     for (const QString &folder : claudeFolders) {
-        const QString records = folder + u"/sessions";
-        m_files.emplace_back(folder, SessionFiles(records));
-        m_recordsEntries.append({QFile::encodeName(records), ".json"});
+        m_files.emplace_back(folder);
+        m_recordsEntries.append(m_files.back().entries());
     }
     if (m_recordsWatch)
         connect(m_recordsWatch.get(), &FolderWatch::changed, this, &SessionMonitor::refresh);
@@ -140,8 +138,8 @@ void SessionMonitor::refresh()
 SessionMonitor::Look SessionMonitor::look(const std::stop_token &stop)
 {
     Look look{.isTold = m_recordsWatch && m_recordsWatch->watch(m_recordsEntries)};
-    for (auto &[folder, files] : m_files)
-        join(look.reading, files.read(stop), folder);
+    for (SessionFiles &files : m_files)
+        join(look.reading, files.read(stop));
     if (look.reading.sessions)
         look.reading.sessions->removeIf(
             [this](const ClaudeSession &session) { return worksIn(m_ownFolder, session); });
@@ -204,7 +202,7 @@ void SessionMonitor::publish(QList<ClaudeSession> sessions)
 void SessionMonitor::addTranscribedWork(QList<ClaudeSession> &sessions, TimePoint now) const
 {
     for (ClaudeSession &session : sessions) {
-        const auto work = m_details.byId().value(session.sessionId).work;
+        const auto work = m_details.of(session).work;
         if (session.status || !work)
             continue;
         const bool works = now < work->until;

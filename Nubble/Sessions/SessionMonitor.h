@@ -89,7 +89,7 @@ private:
     void publish(QList<ClaudeSession> sessions);
 
     // The worker's alone.
-    std::vector<std::pair<QString, SessionFiles>> m_files; // with Claude Code's folder of each
+    std::vector<SessionFiles> m_files; // one of each folder
     const QString m_ownFolder;
     QList<WatchedEntries> m_recordsEntries;
     const std::unique_ptr<FolderWatch> m_recordsWatch; // may be none

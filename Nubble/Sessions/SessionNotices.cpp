@@ -94,7 +94,7 @@ void SessionNotices::decide(const SessionRun &run, int turn)
     }
     m_calls[run].isPending = false;
     m_activator.askIfInFront(
-        {session->pid, rowTitle(*session, detailOf(*session))},
+        SessionPlace::of(*session, m_monitor.details().of(*session)),
         [self = QPointer(this), run, turn](bool isInFront) {
             if (!self || !self->isCurrent(run, turn))
                 return;
@@ -112,7 +112,7 @@ void SessionNotices::show(const ClaudeSession &session)
     const quint32 before = call.notice;
     if (before == 0 || before == together)
         call.notice = ++m_lastNotice;
-    const SessionDetail detail = detailOf(session);
+    const SessionDetail detail = m_monitor.details().of(session);
     const bool waits = call.reason == Reason::Waits;
     m_notices.post(
         call.notice,
@@ -186,14 +186,15 @@ void SessionNotices::react(quint32 notice, const QByteArray &token)
 // If it cannot be, the notice says why; else it goes.
 void SessionNotices::bringForward(const ClaudeSession &session, const QByteArray &token)
 {
-    const QString title = rowTitle(session, detailOf(session));
-    const auto tellWhyNot = [self = QPointer(this), run = session.run(), title](const Outcome &outcome) {
+    const SessionPlace place = SessionPlace::of(session, m_monitor.details().of(session));
+    const auto tellWhyNot = [self = QPointer(this), run = session.run(),
+                             title = place.title](const Outcome &outcome) {
         if (self && !outcome.isDone() && self->m_calls.contains(run))
             self->m_notices.post(
                 self->m_calls.value(run).notice,
                 {.title = shortened(title, longestTitle), .text = outcome.why()});
     };
-    m_activator.activate({session.pid, title}, tellWhyNot, token);
+    m_activator.activate(place, tellWhyNot, token);
 }
 
 const ClaudeSession *SessionNotices::sessionOf(const SessionRun &run) const
@@ -205,11 +206,6 @@ const ClaudeSession *SessionNotices::sessionOf(const SessionRun &run) const
 bool SessionNotices::isCurrent(const SessionRun &run, int turn) const
 {
     return m_calls.value(run).turn == turn;
-}
-
-SessionDetail SessionNotices::detailOf(const ClaudeSession &session) const
-{
-    return m_monitor.details().byId().value(session.sessionId);
 }
 
 // By the names of freedesktop.org.

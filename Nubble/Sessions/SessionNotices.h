@@ -6,7 +6,6 @@
 #include <chrono>
 
 #include "Sessions/ClaudeSession.h"
-#include "Sessions/SessionDetail.h"
 
 namespace nubble {
 
@@ -51,7 +50,6 @@ private:
     void bringForward(const ClaudeSession &session, const QByteArray &token);
     [[nodiscard]] const ClaudeSession *sessionOf(const SessionRun &run) const;
     [[nodiscard]] bool isCurrent(const SessionRun &run, int turn) const;
-    [[nodiscard]] SessionDetail detailOf(const ClaudeSession &session) const;
     [[nodiscard]] QString soundFor(Reason reason) const;
 
     const SessionMonitor &m_monitor;

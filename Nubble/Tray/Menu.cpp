@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "Placement/PanelShapes.h"
+#include "Placement/WindowPlacement.h"
 #include "Platform/MainThread.h"
 #include "Tray/MenuStyle.h"
 #include "Widgets/CardFrame.h"
@@ -156,9 +157,7 @@ QPoint Menu::besideEntry() const
     card.moveTopLeft({from.right() + 1 - margin, entry.top() - margin});
     if (card.right() > room.right())
         card.moveRight(from.left() - 1 + margin);
-    card.moveTop(std::max(std::min(card.top(), room.bottom() + 1 - card.height()), room.top()));
-    card.moveLeft(std::max(card.left(), room.left()));
-    return card.topLeft() - contentsRect().topLeft();
+    return keptWithin(card, room).topLeft() - contentsRect().topLeft();
 }
 
 // What happens on the shadow concerns the menu below it, or closes all as anywhere beside them.

@@ -22,7 +22,7 @@ CappedScroll::CappedScroll(QWidget *content, int maxHeight, QWidget *parent)
     setWidget(content);
     content->setAutoFillBackground(false);
     content->installEventFilter(this);
-    m_fades = {new ScrollFade(this, ScrollFade::End::Top), new ScrollFade(this, ScrollFade::End::Bottom)};
+    ScrollFade::addTo(this);
     m_bar = new SlimScrollBar(this);
     connect(m_bar, &QScrollBar::valueChanged, verticalScrollBar(), &QScrollBar::setValue);
     connect(verticalScrollBar(), &QScrollBar::valueChanged, m_bar, &QScrollBar::setValue);
@@ -50,8 +50,6 @@ bool CappedScroll::eventFilter(QObject *watched, QEvent *event)
 void CappedScroll::resizeEvent(QResizeEvent *event)
 {
     QScrollArea::resizeEvent(event);
-    for (ScrollFade *fade : m_fades)
-        fade->follow();
     followScrolling();
 }
 

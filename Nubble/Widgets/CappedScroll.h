@@ -2,11 +2,8 @@
 
 #include <QScrollArea>
 
-#include <array>
-
 namespace nubble {
 
-class ScrollFade;
 class SlimScrollBar;
 
 // As tall as its content, up to a limit beyond which the content scrolls and fades into the card at both
@@ -29,7 +26,6 @@ private:
     void followScrolling();
 
     int m_maxHeight;
-    std::array<ScrollFade *, 2> m_fades;
     SlimScrollBar *m_bar;
 };
 

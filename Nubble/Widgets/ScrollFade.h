@@ -12,18 +12,19 @@ class ScrollFade : public QWidget {
     Q_OBJECT
 
 public:
-    enum class End { Top, Bottom };
-
-    ScrollFade(QAbstractScrollArea *area, End end);
-    static void addTo(QAbstractScrollArea *area); // at both ends
-
-    void follow(); // the area's size, and how far it is scrolled; by itself, too
+    static void addTo(QAbstractScrollArea *area); // at both ends; they follow it by themselves
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    enum class End { Top, Bottom };
+
+    ScrollFade(QAbstractScrollArea *area, End end);
+
+    void follow(); // the area's size, and how far it is scrolled
+
     QAbstractScrollArea *m_area;
     End m_end;
 };

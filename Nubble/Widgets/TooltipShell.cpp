@@ -13,17 +13,9 @@ namespace {
 // Straight from the card towards the body, wherever along the side.
 QLineF tail(NotchEdge edge, const QRectF &card, double length)
 {
-    switch (edge) {
-    case NotchEdge::Right:
-        return QLineF(card.topRight(), card.topRight() + QPointF(length, 0));
-    case NotchEdge::Left:
-        return QLineF(card.topLeft(), card.topLeft() - QPointF(length, 0));
-    case NotchEdge::Top:
-        return QLineF(card.topLeft(), card.topLeft() - QPointF(0, length));
-    case NotchEdge::Bottom:
-        break;
-    }
-    return QLineF(card.bottomLeft(), card.bottomLeft() + QPointF(0, length));
+    const QPointF step = stepTowards(edge);
+    const QPointF side = card.center() + QPointF(step.x() * card.width() / 2, step.y() * card.height() / 2);
+    return {side, side + length * step};
 }
 
 } // namespace

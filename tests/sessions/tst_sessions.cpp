@@ -384,7 +384,7 @@ private Q_SLOTS:
             return used.ru_nvcsw;
         };
         const long before = timesAsleep();
-        SessionFiles files(m_home->path(u"sessions"_s));
+        SessionFiles files(m_home->path(u"."_s));
         for (int poll = 0; poll < 1000; ++poll)
             QCOMPARE(files.read().sessions->size(), 1);
         QVERIFY(timesAsleep() - before < 500); // waiting would make it a thousand at least
