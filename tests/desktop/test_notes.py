@@ -10,17 +10,17 @@ from program import DesktopTest
 
 RECORDER = """
 import fs from 'node:fs';
-console.log('10:32:05 AM tab "Week 12"');
-console.log('recording');
-console.log('next 1700000000000');
-fs.writeFileSync('pid.new', String(process.pid));
-fs.renameSync('pid.new', 'pid');
 process.on('SIGINT', () => {
     process.stdout.write('updated: The-end' + String.fromCharCode(10));
     console.log('done. All written.');
     fs.writeFileSync('notes', 'final');
     process.exit(0);
 });
+console.log('10:32:05 AM tab "Week 12"');
+console.log('recording');
+console.log('next 1700000000000');
+fs.writeFileSync('pid.new', String(process.pid));
+fs.renameSync('pid.new', 'pid');
 setInterval(() => {}, 1000);
 """
 LINK = "https://docs.google.com/document/d/1a/edit?tab=t.7"
