@@ -99,6 +99,9 @@ int run(int argc, char *argv[], QByteArray platform, const CommandLine &line, co
     setUpLook();
     QApplication::setQuitOnLastWindowClosed(false);
 
+    auto termination = System::terminationSignals(); // before anybody can see that it runs
+    QObject::connect(termination.get(), &TerminationSignals::received, &application, &AppDelegate::end);
+
     const auto bus = System::instanceBus(QString::fromStdString(line.serviceName()));
     ControlObject control;
     if (!bus->claim(&control)) { // an instance would have the lock, too
@@ -112,9 +115,9 @@ int run(int argc, char *argv[], QByteArray platform, const CommandLine &line, co
     fonts.reset();
     AppDelegate delegate(home, *bus, Relaunch::ofThisProgram(startArguments(line)));
     control.serve(delegate.commands());
-    const auto termination = System::terminationSignals();
-    QObject::connect(termination.get(), &TerminationSignals::received, &application, &AppDelegate::end);
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    termination.reset(); // a second signal ends what does not end by itself
+    return status;
 }
 
 } // namespace

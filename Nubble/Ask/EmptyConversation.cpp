@@ -14,7 +14,8 @@ using namespace Qt::StringLiterals;
 
 namespace nubble {
 
-EmptyConversation::EmptyConversation(QWidget *parent) : QWidget(parent), m_invitation(CardMetrics::makeNote())
+EmptyConversation::EmptyConversation(QWidget *parent)
+    : QWidget(parent), m_invitation(CardMetrics::makeNote(this))
 {
     m_invitation->setFont(Typography::reading());
     m_invitation->setAlignment(Qt::AlignCenter);

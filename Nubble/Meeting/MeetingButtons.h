@@ -12,7 +12,7 @@ public:
     explicit BigButton(QWidget *parent = nullptr);
 
     void show(bool running, bool finishing);
-    [[nodiscard]] int widest() const; // of all that it may say
+    [[nodiscard]] int widest() const; // of all that it may say, in units
 };
 
 // Has the notes written now.

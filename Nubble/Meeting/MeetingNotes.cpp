@@ -20,6 +20,7 @@
 #include "Shell/Tools.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace nubble {
 
@@ -317,7 +318,7 @@ void MeetingNotes::setPhase(Phase phase)
 
 bool MeetingNotes::scanNow()
 {
-    const auto found = findRecorders(m_surroundings->pgrep, m_surroundings->processes);
+    const auto found = findRecorders(m_surroundings->pgrep, m_surroundings->processes, 500ms);
     if (found)
         accept(*found, ++m_scans);
     return found.has_value();
@@ -327,7 +328,7 @@ void MeetingNotes::scan(std::function<void()> then)
 {
     m_worker.add(
         [this](const std::stop_token &stop) {
-            return findRecorders(m_surroundings->pgrep, m_surroundings->processes, stop);
+            return findRecorders(m_surroundings->pgrep, m_surroundings->processes, 5s, stop);
         },
         [this, number = ++m_scans,
          then = std::move(then)](const std::optional<QList<RecorderProcess>> &found) {

@@ -18,6 +18,7 @@
 #include "Widgets/Palette.h"
 #include "Widgets/SymbolSign.h"
 #include "Widgets/Typography.h"
+#include "Widgets/Units.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -40,25 +41,22 @@ void showNote(QLabel &label, const QString &text, qsizetype longest = longestSta
 } // namespace
 
 MeetingNotesCardContent::MeetingNotesCardContent(
-    MeetingNotes &notes, const Clock &clock, const CardRoom &room, QWidget *parent)
-    : QWidget(parent), m_notes(notes), m_clock(clock), m_room(room.height),
-      m_header(new CardHeader(u"Meeting Notes"_s)), m_body(new QVBoxLayout), m_doc(new QLabel),
-      m_openDoc(new SmallButton(u"Open"_s)), m_pasteLink(new SmallButton(u"Paste link"_s)),
-      m_status(CardMetrics::makeNote()), m_linkHint(CardMetrics::makeNote()),
-      m_othersHint(CardMetrics::makeNote()), m_timing(new TimingLines), m_wave(new SynthWave(notes.mic())),
-      m_big(new BigButton), m_updateNow(new UpdateNowButton)
+    MeetingNotes &notes, const Clock &clock, const CardRoom &room)
+    : QWidget(room.panel), m_notes(notes), m_clock(clock), m_room(room.height),
+      m_header(new CardHeader(u"Meeting Notes"_s, this)),
+      m_close(new NotchButton(u"xmark"_s, u"Close"_s, m_header)), m_body(new QVBoxLayout),
+      m_doc(new QLabel(this)), m_openDoc(new SmallButton(u"Open"_s, this)),
+      m_pasteLink(new SmallButton(u"Paste link"_s, this)), m_status(CardMetrics::makeNote(this)),
+      m_linkHint(CardMetrics::makeNote(this)), m_othersHint(CardMetrics::makeNote(this)),
+      m_timing(new TimingLines(this)), m_wave(new SynthWave(notes.mic(), this)), m_big(new BigButton(this)),
+      m_updateNow(new UpdateNowButton(this))
 {
-    setFixedWidth(CardMetrics::width);
-    auto *close = new NotchButton(u"xmark"_s, u"Close"_s);
-    connect(close, &NotchButton::clicked, this, room.close);
-    m_header->addAccessory(close);
-
-    auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(CardMetrics::rowMargins);
-    layout->setSpacing(CardMetrics::spacing);
+    connect(m_close, &NotchButton::clicked, this, room.close);
+    m_header->addAccessory(m_close);
+    QVBoxLayout *layout = CardMetrics::makeLayout(this);
     layout->addWidget(m_header);
-    m_body->setContentsMargins(CardMetrics::textMargins);
-    m_body->setSpacing(CardMetrics::spacing + 3);
+    m_body->setContentsMargins(Units::px(this, CardMetrics::textMargins));
+    m_body->setSpacing(Units::px(this, CardMetrics::spacing + 3));
     layout->addLayout(m_body);
     m_body->addLayout(makeDocRow());
     for (QWidget *part :
@@ -83,16 +81,16 @@ QLayout *MeetingNotesCardContent::makeDocRow()
     colours.setColor(QPalette::WindowText, Palette::textPrimary);
     m_doc->setPalette(colours);
     auto *name = new QHBoxLayout;
-    name->setSpacing(7);
+    name->setSpacing(Units::px(this, 7));
     name->addWidget(new SymbolSign(u"doc.text"_s, 14, Palette::textSecondary));
     name->addWidget(m_doc, 1);
     auto *buttons = new QHBoxLayout;
-    buttons->setSpacing(gap);
+    buttons->setSpacing(Units::px(this, gap));
     buttons->addWidget(m_openDoc);
     buttons->addWidget(m_pasteLink);
     buttons->addStretch();
     auto *row = new QVBoxLayout;
-    row->setSpacing(8);
+    row->setSpacing(Units::px(this, 8));
     row->addLayout(name);
     row->addLayout(buttons);
     return row;
@@ -103,12 +101,12 @@ QLayout *MeetingNotesCardContent::makeButtons()
 {
     const bool fits = m_big->widest() + gap + m_updateNow->widest() <= CardMetrics::textWidth;
     auto *row = new QBoxLayout(fits ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
-    row->setContentsMargins(0, 3, 0, 0);
-    row->setSpacing(gap);
+    row->setContentsMargins(0, Units::px(this, 3), 0, 0);
+    row->setSpacing(Units::px(this, gap));
     row->addWidget(m_big, 1);
     row->addWidget(m_updateNow);
     if (fits)
-        m_updateNow->setFixedWidth(m_updateNow->widest());
+        m_updateNow->setFixedWidth(Units::px(this, m_updateNow->widest()));
     return row;
 }
 
@@ -122,9 +120,11 @@ void MeetingNotesCardContent::follow()
     if (!state.tabTitle) // Inter would make a sign for multiplication of an x between digits
         font.setStyleStrategy(
             static_cast<QFont::StyleStrategy>(font.styleStrategy() | QFont::PreferNoShaping));
-    m_doc->setFont(font);
-    m_doc->setText(QFontMetrics(font).elidedText(
-        doc, state.tabTitle ? Qt::ElideRight : Qt::ElideMiddle, CardMetrics::textWidth - 21));
+    m_doc->setFont(Units::px(this, font));
+    m_doc->setText(QFontMetrics(m_doc->font())
+                       .elidedText(
+                           doc, state.tabTitle ? Qt::ElideRight : Qt::ElideMiddle,
+                           Units::px(this, CardMetrics::textWidth - 21)));
     m_doc->setToolTip(m_doc->text() == doc ? QString() : doc);
     m_doc->setAccessibleName(doc);
     m_openDoc->setVisible(isDocTabLink(state.link));

@@ -13,6 +13,7 @@ class CardHeader;
 struct CardRoom;
 class Clock;
 class MeetingNotes;
+class NotchButton;
 class SmallButton;
 class SynthWave;
 class TimingLines;
@@ -25,8 +26,7 @@ class MeetingNotesCardContent : public QWidget {
 
 public:
     // `notes` and `clock` outlive it.
-    MeetingNotesCardContent(
-        MeetingNotes &notes, const Clock &clock, const CardRoom &room, QWidget *parent = nullptr);
+    MeetingNotesCardContent(MeetingNotes &notes, const Clock &clock, const CardRoom &room);
 
 private:
     [[nodiscard]] QLayout *makeDocRow();
@@ -40,6 +40,7 @@ private:
     const Clock &m_clock;
     const int m_room; // for its height
     CardHeader *m_header;
+    NotchButton *m_close;
     QBoxLayout *m_body;
     QLabel *m_doc;
     SmallButton *m_openDoc;

@@ -1,7 +1,6 @@
 #include "Meeting/SynthWave.h"
 
 #include <QLinearGradient>
-#include <QPainter>
 
 #include <algorithm>
 
@@ -9,6 +8,7 @@
 #include "Meeting/MicLevel.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Typography.h"
+#include "Widgets/Units.h"
 
 namespace nubble {
 
@@ -32,7 +32,7 @@ QLinearGradient colors(double width)
 
 SynthWave::SynthWave(const MicLevel &mic, QWidget *parent) : QWidget(parent), m_mic(mic)
 {
-    setFixedHeight(waveHeight + captionHeight);
+    setFixedHeight(sizeHint().height());
     connect(&mic, &MicLevel::changed, this, [this] {
         describe();
         update();
@@ -42,7 +42,7 @@ SynthWave::SynthWave(const MicLevel &mic, QWidget *parent) : QWidget(parent), m_
 
 QSize SynthWave::sizeHint() const
 {
-    return {200, waveHeight + captionHeight};
+    return Units::px(this, QSizeF(200, waveHeight + captionHeight));
 }
 
 void SynthWave::describe()
@@ -54,12 +54,13 @@ void SynthWave::describe()
 
 void SynthWave::paintEvent(QPaintEvent *)
 {
-    QPainter painter(this);
+    UnitPainter painter(this);
+    const double width = painter.area().width();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(colors(width()));
+    painter.setBrush(colors(width));
     const LevelMeter::Bars &bars = m_mic.bars();
-    const double pitch = (width() - thickness) / static_cast<double>(bars.size() - 1);
+    const double pitch = (width - thickness) / static_cast<double>(bars.size() - 1);
     for (std::size_t i = 0; i < bars.size(); ++i) {
         const double height = std::max(lowest, waveHeight * static_cast<double>(bars.at(i)));
         painter.setOpacity(bars.at(i) > 0 ? 1 : 0.35);
@@ -71,7 +72,7 @@ void SynthWave::paintEvent(QPaintEvent *)
     painter.setFont(Typography::caption());
     painter.setPen(Palette::textSecondary);
     painter.drawText(
-        QRect(0, waveHeight, width(), captionHeight), Qt::AlignLeft | Qt::AlignBottom, accessibleName());
+        QRectF(0, waveHeight, width, captionHeight), Qt::AlignLeft | Qt::AlignBottom, accessibleName());
 }
 
 } // namespace nubble

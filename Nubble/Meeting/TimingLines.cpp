@@ -1,12 +1,11 @@
 #include "Meeting/TimingLines.h"
 
-#include <QPainter>
-
 #include <cmath>
 
 #include "Widgets/CardMetrics.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Typography.h"
+#include "Widgets/Units.h"
 
 using namespace Qt::StringLiterals;
 
@@ -33,10 +32,11 @@ void TimingLines::setText(const QString &text)
 {
     if (m_text == text)
         return;
-    const qsizetype before = lines(width()).size();
+    const double unit = Units::of(this);
+    const qsizetype before = lines(width() / unit).size();
     m_text = text;
     setAccessibleName(text);
-    if (lines(width()).size() != before)
+    if (lines(width() / unit).size() != before)
         updateGeometry();
     update();
 }
@@ -59,21 +59,22 @@ QStringList TimingLines::lines(double width) const
 
 int TimingLines::heightForWidth(int width) const
 {
-    return static_cast<int>(lines(width).size()) * lineHeight();
+    return Units::px(this, static_cast<int>(lines(width / Units::of(this)).size()) * lineHeight());
 }
 
 QSize TimingLines::sizeHint() const
 {
-    return {CardMetrics::textWidth, heightForWidth(CardMetrics::textWidth)};
+    const int width = Units::px(this, CardMetrics::textWidth);
+    return {width, heightForWidth(width)};
 }
 
 void TimingLines::paintEvent(QPaintEvent *)
 {
-    QPainter painter(this);
+    UnitPainter painter(this);
     painter.setFont(font());
     painter.setPen(Palette::textPrimary);
-    QRectF line(0, 0, width(), lineHeight());
-    for (const QString &each : lines(width())) {
+    QRectF line(0, 0, painter.area().width(), lineHeight());
+    for (const QString &each : lines(line.width())) {
         Typography::drawTabular(painter, line, Qt::AlignLeft, each);
         painter.setPen(Palette::textSecondary);
         line.translate(0, lineHeight());

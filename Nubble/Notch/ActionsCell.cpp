@@ -4,6 +4,7 @@
 #include "Placement/Layout.h"
 #include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
+#include "Widgets/Units.h"
 
 namespace nubble {
 
@@ -44,13 +45,14 @@ void ActionsCell::follow()
 
 void ActionsCell::place(const QList<QRectF> &areas, const QPointF &center, NotchEdge edge)
 {
-    constexpr double pitch = Layout::actionButton + Layout::actionGap;
+    const double unit = Units::of(this);
+    const double pitch = (Layout::actionButton + Layout::actionGap) * unit;
     const QPointF step = isVertical(edge) ? QPointF(0, pitch) : QPointF(pitch, 0);
     QRectF cell;
     for (const QRectF &area : areas)
         cell |= area;
     setGeometry(cell.toRect());
-    constexpr QPointF half(Layout::actionButton / 2, Layout::actionButton / 2);
+    const QPointF half = QPointF(Layout::actionButton / 2, Layout::actionButton / 2) * unit;
     QPointF corner = center - step * static_cast<double>(m_buttons.size() - 1) / 2 - half;
     for (qsizetype i = 0; i < m_buttons.size(); ++i, corner += step) {
         const QRect circle(corner.toPoint() - pos(), m_buttons.at(i)->sizeHint());

@@ -6,7 +6,6 @@
 #include <algorithm>
 
 #include "Notch/CardTransition.h"
-#include "Placement/PanelShapes.h"
 #include "Platform/DesktopPreferences.h"
 #include "Platform/MainThread.h"
 #include "Widgets/TooltipShell.h"
@@ -54,8 +53,10 @@ void CardHost::open()
     const Card *card = cardOf(m_mode);
     if (!card)
         return;
-    QWidget *content = card->makeContent(
-        {.height = qFloor(m_geometry.roomForCard()), .close = [this] { Q_EMIT closeRequested(); }});
+    QWidget *content =
+        card->makeContent({.panel = m_view, .height = qFloor(m_geometry.roomForCard()), .close = [this] {
+                               Q_EMIT closeRequested();
+                           }});
     m_shell = new TooltipShell(content, m_geometry.edge, m_translucent, m_view);
     m_shell->installEventFilter(this);
     connect(m_shell, &TooltipShell::contentResized, this, [this] {
@@ -87,9 +88,10 @@ void CardHost::close()
 
 void CardHost::layOut()
 {
-    constexpr double tipFromBody = 3;
-    const QRect card = m_geometry.cardRect(m_shell->sizeHint().shrunkBy(cardShadowRoom));
-    m_shell->setGeometry(card.marginsAdded(cardShadowRoom));
+    const double tipFromBody = 3 * m_geometry.unit;
+    const QMargins shadow = m_geometry.cardShadow();
+    const QRect card = m_geometry.cardRect(m_shell->sizeHint().shrunkBy(shadow));
+    m_shell->setGeometry(card.marginsAdded(shadow));
     const QPointF ring = m_ring - card.topLeft();
     m_shell->setTail(
         isVertical(m_geometry.edge) ? ring.y() : ring.x(),
@@ -108,15 +110,15 @@ void CardHost::pointTo(const QPointF &ring)
 void CardHost::setGeometry(const PanelGeometry &geometry, const QPointF &ring)
 {
     m_ring = ring;
-    const bool turned = geometry.edge != m_geometry.edge;
+    const bool isAnother = geometry.edge != m_geometry.edge || geometry.unit != m_geometry.unit;
     m_geometry = geometry;
     if (!m_shell)
         return;
-    if (!turned) {
+    if (!isAnother) {
         layOut();
         return;
     }
-    // The frame belongs to an edge: on another one it is made again.
+    // It belongs to an edge and a size: for others it is made again.
     m_shell->hide();
     m_shell->deleteLater();
     m_shell = nullptr;

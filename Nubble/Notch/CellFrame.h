@@ -10,14 +10,16 @@ namespace nubble {
 // line of text beside that.
 struct CellFrame {
     QRect geometry; // of the cell, in the coordinates that its area was given in
-    QPointF center; // of the circle, in the cell's coordinates; so is the text
+    double unit = 1;
+    QPointF center; // of the circle, in units from the cell's corner; so is the text
     QRectF text;
 
-    [[nodiscard]] QRect shown() const; // the circle with its focus ring, and the text
+    [[nodiscard]] QRect shown() const; // the circle with its focus ring, and the text; pixels in the cell
 };
 
-// The text is below the circle, or above it where below is the screen's edge.
+// `area` and `center` are given in pixels, the line's height in units. The text is below the circle, or above
+// it where below is the screen's edge.
 [[nodiscard]] CellFrame cellFrame(
-    const QRectF &area, const QPointF &center, NotchEdge edge, double lineHeight);
+    const QRectF &area, const QPointF &center, NotchEdge edge, double lineHeight, double unit);
 
 } // namespace nubble

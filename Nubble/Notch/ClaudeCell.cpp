@@ -42,7 +42,7 @@ void ClaudeCell::place(const CellFrame &frame)
 
 QPointF ClaudeCell::ringCenter() const
 {
-    return pos() + m_view->pos() + m_view->center();
+    return pos() + m_view->pos() + m_view->ringCenter();
 }
 
 void ClaudeCell::setActivity(const Activity &activity)

@@ -1,7 +1,5 @@
 #include "Notch/CompanionCell.h"
 
-#include <QPainter>
-
 #include <algorithm>
 #include <cmath>
 
@@ -12,6 +10,7 @@
 #include "Widgets/PixelGrid.h"
 #include "Widgets/Symbols.h"
 #include "Widgets/Typography.h"
+#include "Widgets/Units.h"
 
 using namespace Qt::StringLiterals;
 
@@ -53,7 +52,7 @@ void CompanionCell::follow()
 void CompanionCell::paintEvent(QPaintEvent *)
 {
     const NotchAction::Look &look = m_action.look();
-    QPainter painter(this);
+    UnitPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QPointF corner = m_center - QPointF(radius, radius);
     painter.translate(PixelGrid::aligned(painter, corner) - corner);
@@ -65,13 +64,13 @@ void CompanionCell::paintEvent(QPaintEvent *)
         painter, look.symbol, QRectF(m_center - half, QSizeF(symbolSide, symbolSide)),
         look.badge > 0 ? Palette::quenwickText : Palette::textSecondary);
     if (look.badge > 0)
-        drawBadge(painter);
+        drawBadge(painter, painter.area().right());
     painter.setFont(Typography::percent());
     painter.setPen(Palette::textPrimary);
     painter.drawText(m_textRect, Qt::AlignHCenter | Qt::AlignVCenter | Qt::TextSingleLine, look.caption);
 }
 
-void CompanionCell::drawBadge(QPainter &painter) const
+void CompanionCell::drawBadge(QPainter &painter, double end) const
 {
     const int count = m_action.look().badge;
     const QString text = count > mostTold ? u"%1+"_s.arg(mostTold) : QString::number(count);
@@ -80,7 +79,7 @@ void CompanionCell::drawBadge(QPainter &painter) const
     // Over the circle's upper right, within the cell.
     QRectF badge(0, 0, width, badgeHeight);
     badge.moveCenter(m_center + QPointF(radius * 0.72, -radius * 0.72));
-    badge.moveRight(std::min(badge.right(), this->width() - 0.5));
+    badge.moveRight(std::min(badge.right(), end - 0.5));
     painter.setPen(QPen(Palette::body, 1.5));
     painter.setBrush(Palette::quenwick);
     painter.drawRoundedRect(badge, badgeHeight / 2, badgeHeight / 2);

@@ -23,10 +23,10 @@ protected:
 
 private:
     void follow();
-    void drawBadge(QPainter &painter) const;
+    void drawBadge(QPainter &painter, double end) const; // no further than the cell's
 
     const NotchAction &m_action;
-    QPointF m_center; // of the circle, in the cell's coordinates
+    QPointF m_center; // of the circle, in units, as the text
     QRectF m_textRect;
     HoverLift m_hover;
 };

@@ -16,6 +16,7 @@
 #include "Widgets/Palette.h"
 #include "Widgets/PixelGrid.h"
 #include "Widgets/Typography.h"
+#include "Widgets/Units.h"
 
 using namespace Qt::StringLiterals;
 
@@ -79,6 +80,7 @@ void NotchView::setGeometryOnScreen(const PanelGeometry &geometry)
     if (m_geometry == geometry)
         return;
     m_geometry = geometry;
+    Units::set(*this, geometry.unit);
     placeCells();
     m_cards->setGeometry(geometry, m_claude->ringCenter());
     update();
@@ -89,18 +91,18 @@ void NotchView::placeCells()
 {
     const Layout &layout = m_context.layout;
     const NotchEdge edge = m_geometry.edge;
-    const QPointF &origin = m_geometry.origin;
-    const double lineHeight = Typography::percentLineHeight();
-    m_claude->place(
-        cellFrame(layout.ringArea(edge).translated(origin), m_geometry.ringCenter, edge, lineHeight));
+    const auto frame = [&](const QRectF &area, const QPointF &center) {
+        return cellFrame(
+            m_geometry.placed(area), m_geometry.placed(center), edge, Typography::percentLineHeight(),
+            m_geometry.unit);
+    };
+    m_claude->place(frame(layout.ringArea(edge), layout.ringCenter(edge)));
     if (m_companion)
-        m_companion->place(cellFrame(
-            layout.quenwickArea(edge).translated(origin), layout.quenwickCenterInWindow(edge) + origin, edge,
-            lineHeight));
+        m_companion->place(frame(layout.quenwickArea(edge), layout.quenwickCenterInWindow(edge)));
     QList<QRectF> areas;
     for (int i = 0; i < layout.actionCount(); ++i)
-        areas.append(layout.actionArea(edge, i).translated(origin));
-    m_actions->place(areas, layout.actionsCenterInWindow(edge) + origin, edge);
+        areas.append(m_geometry.placed(layout.actionArea(edge, i)));
+    m_actions->place(areas, m_geometry.placed(layout.actionsCenterInWindow(edge)), edge);
 }
 
 void NotchView::setTranslucent(bool translucent)
@@ -135,7 +137,7 @@ void NotchView::focusCard()
 
 QPainterPath NotchView::outline() const
 {
-    QPainterPath outline = bodyOutline(m_geometry.edge, m_geometry.body);
+    QPainterPath outline = bodyOutline(m_geometry.edge, m_geometry.body, m_geometry.unit);
     outline.addPath(m_cards->outline());
     return outline;
 }
@@ -144,7 +146,7 @@ QRect NotchView::shownOnScreen() const
 {
     QRectF shown = m_geometry.body;
     if (const QPainterPath card = m_cards->outline(); !card.isEmpty())
-        shown |= card.boundingRect().marginsAdded(cardShadowRoom);
+        shown |= card.boundingRect().marginsAdded(m_geometry.cardShadow());
     return shown.translated(m_geometry.frame.topLeft()).toAlignedRect();
 }
 
@@ -171,6 +173,18 @@ void NotchView::mousePressEvent(QMouseEvent *event)
         Q_EMIT keyboardWanted();
 }
 
+// Over a card the wheel scrolls.
+void NotchView::wheelEvent(QWheelEvent *event)
+{
+    if (!(event->modifiers() & Qt::ControlModifier) || !m_geometry.body.contains(event->position()))
+        return;
+    m_turnedBy += event->angleDelta().y();
+    const int steps = m_turnedBy / QWheelEvent::DefaultDeltasPerStep;
+    m_turnedBy %= QWheelEvent::DefaultDeltasPerStep;
+    if (steps != 0)
+        Q_EMIT enlargeRequested(steps);
+}
+
 void NotchView::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
@@ -180,7 +194,7 @@ void NotchView::paintEvent(QPaintEvent *)
     }
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF body = PixelGrid::aligned(painter, m_geometry.body);
-    painter.fillPath(bodyOutline(m_geometry.edge, body), Palette::body);
+    painter.fillPath(bodyOutline(m_geometry.edge, body, m_geometry.unit), Palette::body);
 }
 
 } // namespace nubble

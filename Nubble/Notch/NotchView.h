@@ -63,11 +63,13 @@ Q_SIGNALS:
     void outlineChanged();
     void keyboardWanted();               // the user has clicked on the card itself
     void menuRequested(QPoint position); // in window coordinates
+    void enlargeRequested(int steps);    // below 0 it is to become smaller
 
 protected:
     void contextMenuEvent(QContextMenuEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
@@ -81,6 +83,7 @@ private:
     PanelGeometry m_geometry;
     bool m_translucent = true;
     bool m_observable = true;
+    int m_turnedBy = 0; // the wheel, since the last whole step; eighths of a degree
     CardHost *m_cards;
     ClaudeCell *m_claude;
     CompanionCell *m_companion; // may be none

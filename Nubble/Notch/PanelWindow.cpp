@@ -74,6 +74,7 @@ void PanelWindow::followSurface()
         fit();
         m_surface->setOutline(m_view->outline());
     });
+    connect(m_view.get(), &NotchView::enlargeRequested, &m_context.placement, &NotchPlacement::enlarge);
     m_shrinking.setSingleShot(true);
     m_shrinking.setInterval(CardTransition::duration + 90ms); // when a card that closes is no longer seen
     connect(&m_shrinking, &QTimer::timeout, this, &PanelWindow::applyPlacement);
@@ -126,7 +127,7 @@ void PanelWindow::applyPlacement()
     const NotchPlacement &placement = m_context.placement;
     m_whole = panelGeometry(
         m_context.layout, placement.edge(), placement.clamp(placement.offset(), *screen),
-        besideBars(placement.edge(), *screen, m_surface->barsAbove()));
+        besideBars(placement.edge(), *screen, m_surface->barsAbove()), placement.scale());
     if (!canFade())
         m_turn.stop();
     else if (m_geometry && m_geometry->edge != m_whole->edge && !m_turn.isLeaving())
@@ -160,7 +161,7 @@ void PanelWindow::showGeometry()
 {
     m_surface->setOpacity(m_turn.presence());
     m_view->setGeometryOnScreen(
-        m_geometry->moved(QPointF(stepTowards(m_geometry->edge)) * m_turn.distance()));
+        m_geometry->moved(stepTowards(m_geometry->edge) * (m_turn.distance() * m_geometry->unit)));
 }
 
 // What closes may still be seen for a while.

@@ -54,8 +54,10 @@ void RingView::place(const CellFrame &frame)
 {
     const QRect shown = frame.shown();
     setGeometry(shown);
-    m_center = frame.center - shown.topLeft();
-    m_percentRect = frame.text.translated(-shown.topLeft());
+    m_unit = frame.unit;
+    const QPointF corner = QPointF(shown.topLeft()) / m_unit;
+    m_center = frame.center - corner;
+    m_percentRect = frame.text.translated(-corner);
     m_middle = (QRectF(m_center, QSizeF()).marginsAdded(aroundRing) | m_percentRect).center();
     update();
 }
@@ -84,6 +86,11 @@ bool RingView::mayMove() const
 QPointF RingView::center() const
 {
     return m_fraction ? m_center : m_middle;
+}
+
+QPointF RingView::ringCenter() const
+{
+    return center() * m_unit;
 }
 
 double RingView::strength() const
@@ -163,8 +170,9 @@ void RingView::turnOn()
     const int before = std::exchange(m_step, (m_step + 1) % stepsPerTurn);
     const auto places = changedByTurning(center(), turn(before), turn(m_step));
     QRegion changed;
+    const QTransform toPixels = QTransform::fromScale(m_unit, m_unit);
     for (size_t i = 0; i < places.size(); ++i)
-        changed |= m_steps[m_step][i].place = places[i];
+        changed |= m_steps[m_step][i].place = toPixels.mapRect(places[i]).toAlignedRect();
     repaint(changed);
 }
 
@@ -209,6 +217,7 @@ void RingView::drawEnd(QPainter &painter, EndOfArc &end) const
 void RingView::draw(QPainter &painter) const
 {
     painter.fillRect(rect(), Palette::body);
+    painter.scale(m_unit, m_unit);
     const QPointF corner = center() - QPointF(half, half);
     painter.translate(PixelGrid::aligned(painter, corner) - corner);
     painter.setRenderHint(QPainter::Antialiasing);

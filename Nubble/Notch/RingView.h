@@ -28,7 +28,7 @@ public:
     explicit RingView(QWidget *cell);
 
     void place(const CellFrame &frame);
-    [[nodiscard]] QPointF center() const; // of the ring
+    [[nodiscard]] QPointF ringCenter() const; // in pixels
 
     void setActivity(const Activity &activity);
     void setUsage(std::optional<double> fraction, bool isOld); // of the plan; above 1 as 1
@@ -67,10 +67,12 @@ private:
     void drawPercent(QPainter &painter, int percent) const;
     void drawEnd(QPainter &painter, EndOfArc &end) const;
 
+    [[nodiscard]] QPointF center() const;  // of the ring
     [[nodiscard]] double strength() const; // the opacity of what tells the plan's use
     [[nodiscard]] std::optional<double> shownFraction() const;
 
-    QPointF m_center; // of the circle, and of all of it
+    double m_unit = 1;
+    QPointF m_center; // of the circle, in units as the others, and of all of it
     QPointF m_middle;
     QRectF m_percentRect;
     Activity m_activity;

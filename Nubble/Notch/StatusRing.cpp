@@ -112,12 +112,12 @@ void drawActivityArc(QPainter &painter, const QPointF &center, double turn, bool
     drawGlyph(painter, center, waiting ? Palette::badge : Palette::bronze);
 }
 
-std::array<QRect, 2> changedByTurning(const QPointF &center, double from, double to)
+std::array<QRectF, 2> changedByTurning(const QPointF &center, double from, double to)
 {
     const auto around = [&](double end) { // from its round cap there to the one here, drawn a little beside
         const QRectF caps = circle(pointAt(center, from + end), stroke / 2)
                                 .united(circle(pointAt(center, to + end), stroke / 2));
-        return caps.adjusted(-1, -1, 1, 1).toAlignedRect();
+        return caps.adjusted(-1, -1, 1, 1);
     };
     return {around(0), around(arcLength)};
 }

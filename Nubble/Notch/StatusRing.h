@@ -6,7 +6,7 @@
 #include <optional>
 
 class QPainter;
-class QRect;
+class QRectF;
 
 namespace nubble {
 
@@ -25,7 +25,7 @@ void drawCompletion(QPainter &painter, const QPointF &center, double drawn);
 void drawActivityArc(QPainter &painter, const QPointF &center, double turn, bool waiting);
 
 // All that looks different when the arc has gone on from one turn to another: the places of its two ends.
-[[nodiscard]] std::array<QRect, 2> changedByTurning(const QPointF &center, double from, double to);
+[[nodiscard]] std::array<QRectF, 2> changedByTurning(const QPointF &center, double from, double to);
 
 // Whether so much of the plan is used that ring and number should catch the eye.
 [[nodiscard]] bool isScarce(int percent);

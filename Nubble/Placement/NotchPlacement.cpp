@@ -1,6 +1,7 @@
 #include "Placement/NotchPlacement.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "Placement/Layout.h"
 #include "Platform/MainThread.h"
@@ -16,6 +17,14 @@ const QString edgeKey = u"placement.edge"_s;
 const QString offsetKey = u"placement.offset"_s;
 const QString lockedKey = u"placement.locked"_s;
 const QString visibleKey = u"placement.visible"_s;
+const QString scaleKey = u"panel.scale"_s;
+
+// The nearest of those that there are.
+double validScale(double scale)
+{
+    constexpr double steps = 10;
+    return std::round(std::clamp(scale, 0.8, 2.0) * steps) / steps;
+}
 
 // On equal distances the first in this order wins.
 NotchEdge nearestEdge(const QPointF &point, const QRectF &screen)
@@ -51,6 +60,7 @@ NotchPlacement::NotchPlacement(Defaults &defaults, const Layout &layout, QObject
           .offset = defaults.number(offsetKey).value_or(0),
           .locked = defaults.boolean(lockedKey).value_or(false),
           .visible = defaults.boolean(visibleKey).value_or(true),
+          .scale = validScale(defaults.number(scaleKey).value_or(1)),
       }
 {
 }
@@ -68,7 +78,7 @@ double NotchPlacement::clamp(double offset, const QRectF &screen) const
 
 double NotchPlacement::clampOn(NotchEdge edge, double offset, const QRectF &screen) const
 {
-    const double limit = m_layout.offsetLimit(edge, Layout::along(edge, screen.size()));
+    const double limit = m_layout.offsetLimit(edge, Layout::along(edge, screen.size()) / scale()) * scale();
     return std::clamp(offset, -limit, limit);
 }
 
@@ -112,6 +122,13 @@ void NotchPlacement::setVisible(bool visible)
     apply(shown);
 }
 
+void NotchPlacement::enlarge(int steps)
+{
+    Settings enlarged = m_settings;
+    enlarged.scale = validScale(enlarged.scale + steps / 10.0);
+    apply(enlarged);
+}
+
 void NotchPlacement::apply(const Settings &settings)
 {
     assertMainThread("Nubble/Placement/NotchPlacement");
@@ -128,6 +145,7 @@ void NotchPlacement::save()
     m_defaults.set(offsetKey, m_settings.offset);
     m_defaults.set(lockedKey, m_settings.locked);
     m_defaults.set(visibleKey, m_settings.visible);
+    m_defaults.set(scaleKey, m_settings.scale);
 }
 
 } // namespace nubble

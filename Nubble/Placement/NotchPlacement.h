@@ -11,9 +11,9 @@ namespace nubble {
 class Defaults;
 class Layout;
 
-// Where the user has put the panel, kept in the preferences. Screen rectangles are whole screens, docks
-// included, with y growing downwards. Main thread only. A hand-edited preference of the wrong kind counts as
-// absent.
+// Where the user has put the panel, and how large it is there, kept in the preferences. Screen rectangles are
+// whole screens, docks included, with y growing downwards. Main thread only. A hand-edited preference of the
+// wrong kind counts as absent.
 class NotchPlacement : public QObject {
     Q_OBJECT
 
@@ -27,7 +27,8 @@ public:
     } // of the centre from the edge's middle: right, down
     [[nodiscard]] bool isLocked() const { return m_settings.locked; } // cannot be dragged
     [[nodiscard]] bool isVisible() const { return m_settings.visible; }
-    [[nodiscard]] bool isDragging() const { return m_dragging; } // never saved
+    [[nodiscard]] double scale() const { return m_settings.scale; } // 1 as it was drawn
+    [[nodiscard]] bool isDragging() const { return m_dragging; }    // never saved
     void setDragging(bool dragging); // the preferences are written when it has ended
 
     // The nearest offset that keeps the panel on the screen.
@@ -42,10 +43,11 @@ public:
     void centerOnEdge();
     void setLocked(bool locked);
     void setVisible(bool visible);
+    void enlarge(int steps); // of a tenth, as far as the scale goes; below 0 it becomes smaller
     void toggleVisible() { setVisible(!isVisible()); }
 
 Q_SIGNALS:
-    void changed(); // any of edge, offset, locked, visible
+    void changed(); // any of edge, offset, locked, visible, scale
 
 private:
     struct Settings {
@@ -53,6 +55,7 @@ private:
         double offset = 0;
         bool locked = false;
         bool visible = true;
+        double scale = 1;
 
         bool operator==(const Settings &) const = default;
     };

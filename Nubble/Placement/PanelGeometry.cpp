@@ -10,6 +10,11 @@ namespace nubble {
 
 namespace {
 
+QRectF scaled(const QRectF &rect, double factor)
+{
+    return {rect.topLeft() * factor, rect.size() * factor};
+}
+
 // Moved along the edge by as little as brings it onto the screen; what is too long starts where the screen
 // does.
 QRectF fittedAlong(NotchEdge edge, QRectF rect, const QRectF &screen)
@@ -19,6 +24,13 @@ QRectF fittedAlong(NotchEdge edge, QRectF rect, const QRectF &screen)
     else
         rect.moveLeft(std::max(screen.left(), std::min(rect.left(), screen.right() - rect.width())));
     return rect;
+}
+
+// What sums leave of a pixel is none.
+QRect wholePixels(const QRectF &rect)
+{
+    constexpr double hair = 1e-6;
+    return rect.adjusted(hair, hair, -hair, -hair).toAlignedRect();
 }
 
 // Along the edge the panel lies on whole pixels; across, it touches the edge.
@@ -32,10 +44,10 @@ QRectF alignedAlong(NotchEdge edge, QRectF window)
 }
 
 // What the layout keeps free around a card, on whole pixels.
-QMargins cardMargins(NotchEdge edge)
+QMargins cardMargins(NotchEdge edge, double unit)
 {
-    const int around = qRound(Layout::cardPadding);
-    const int tailSide = qRound(Layout::cardPadding + Layout::tailSpace);
+    const int around = qRound(Layout::cardPadding * unit);
+    const int tailSide = qRound((Layout::cardPadding + Layout::tailSpace) * unit);
     QMargins margins(around, around, around, around);
     switch (edge) {
     case NotchEdge::Right:
@@ -55,6 +67,16 @@ QMargins cardMargins(NotchEdge edge)
 }
 
 } // namespace
+
+QPointF PanelGeometry::placed(const QPointF &point) const
+{
+    return origin + point * unit;
+}
+
+QRectF PanelGeometry::placed(const QRectF &rect) const
+{
+    return scaled(rect, unit).translated(origin);
+}
 
 PanelGeometry PanelGeometry::cutTo(const QRect &part) const
 {
@@ -78,24 +100,30 @@ int PanelGeometry::offset() const
     return -qRound(isVertical(edge) ? screen.top() : screen.left());
 }
 
+QMargins PanelGeometry::cardShadow() const
+{
+    return cardShadowRoom * unit;
+}
+
 // Beside the body, as near to the ring as the ends of the screen allow.
 QRect PanelGeometry::cardRect(const QSize &size) const
 {
-    const QMargins margins = cardMargins(edge);
+    const QMargins margins = cardMargins(edge, unit);
+    const double start = Layout::cardStart * unit;
     QRectF card(QPointF(), size.grownBy(margins));
     card.moveCenter(ringCenter);
     switch (edge) {
     case NotchEdge::Right:
-        card.moveRight(screen.right() - Layout::cardStart);
+        card.moveRight(screen.right() - start);
         break;
     case NotchEdge::Left:
-        card.moveLeft(screen.left() + Layout::cardStart);
+        card.moveLeft(screen.left() + start);
         break;
     case NotchEdge::Top:
-        card.moveTop(screen.top() + Layout::cardStart);
+        card.moveTop(screen.top() + start);
         break;
     case NotchEdge::Bottom:
-        card.moveBottom(screen.bottom() - Layout::cardStart);
+        card.moveBottom(screen.bottom() - start);
         break;
     }
     const QPoint corner = fittedAlong(edge, card, screen).topLeft().toPoint();
@@ -105,26 +133,29 @@ QRect PanelGeometry::cardRect(const QSize &size) const
 double PanelGeometry::roomForCard() const
 {
     const double beside = isVertical(edge) ? 0 : Layout::cardStart + Layout::tailSpace;
-    return screen.height() - beside - 2 * Layout::cardPadding;
+    return screen.height() - (beside + 2 * Layout::cardPadding) * unit;
 }
 
-PanelGeometry panelGeometry(const Layout &layout, NotchEdge edge, double offset, const QRectF &screen)
+PanelGeometry panelGeometry(
+    const Layout &layout, NotchEdge edge, double offset, const QRectF &screen, double unit)
 {
-    const QRectF window = alignedAlong(edge, layout.windowFrame(edge, offset, screen));
-    const double room = std::ceil(Layout::cardPadding);
+    const QRectF window =
+        alignedAlong(edge, scaled(layout.windowFrame(edge, offset / unit, scaled(screen, 1 / unit)), unit));
+    const double room = std::ceil(Layout::cardPadding * unit);
     const QMarginsF around = isVertical(edge) ? QMarginsF(0, room, 0, room) : QMarginsF(room, 0, room, 0);
-    const QRectF cards =
-        fittedAlong(edge, layout.cardArea(edge).translated(window.topLeft()).marginsAdded(around), screen);
+    const QRectF cards = fittedAlong(
+        edge, scaled(layout.cardArea(edge), unit).translated(window.topLeft()).marginsAdded(around), screen);
     const QRectF shadows =
-        cards.marginsAdded(cardShadowRoom - static_cast<int>(Layout::cardPadding)) & screen;
+        cards.marginsAdded((cardShadowRoom - static_cast<int>(Layout::cardPadding)) * unit) & screen;
 
     PanelGeometry geometry;
     geometry.edge = edge;
-    geometry.frame = (window.marginsAdded(around) | cards | shadows).toAlignedRect();
+    geometry.unit = unit;
+    geometry.frame = wholePixels(window.marginsAdded(around) | cards | shadows);
     geometry.screen = screen.translated(-geometry.frame.topLeft());
     geometry.origin = window.topLeft() - geometry.frame.topLeft();
-    geometry.body = layout.bodyRect(edge).translated(geometry.origin);
-    geometry.ringCenter = layout.ringCenter(edge) + geometry.origin;
+    geometry.body = geometry.placed(layout.bodyRect(edge));
+    geometry.ringCenter = geometry.placed(layout.ringCenter(edge));
     return geometry;
 }
 

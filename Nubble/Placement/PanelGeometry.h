@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMargins>
 #include <QRect>
 #include <QRectF>
 
@@ -14,15 +15,21 @@ class Layout;
 // stays in sight with its shadow.
 struct PanelGeometry {
     NotchEdge edge = NotchEdge::Right;
-    QRect frame;    // of the native window, in screen coordinates
-    QRectF screen;  // the screen, in the coordinates of the native window; so are the others
-    QPointF origin; // of the layout's window, which holds the body
+    double unit = 1; // that the layout counts in, as it is shown here
+    QRect frame;     // of the native window, in screen coordinates
+    QRectF screen;   // the screen, in the coordinates of the native window; so are the others
+    QPointF origin;  // of the layout's window, which holds the body
     QRectF body;
     QPointF ringCenter;
+
+    // What the layout gives of its window, in the native one's coordinates.
+    [[nodiscard]] QPointF placed(const QPointF &point) const;
+    [[nodiscard]] QRectF placed(const QRectF &rect) const;
 
     [[nodiscard]] PanelGeometry cutTo(const QRect &part) const; // of the frame, in screen coordinates
     [[nodiscard]] PanelGeometry moved(const QPointF &by) const; // within the frame, which stays
     [[nodiscard]] int offset() const;                      // of the frame's start from the start of the edge
+    [[nodiscard]] QMargins cardShadow() const;             // the room for it around a card
     [[nodiscard]] QRect cardRect(const QSize &size) const; // where a card of that size stands
     [[nodiscard]] double roomForCard() const; // the height that the screen leaves to an open card
 
@@ -30,6 +37,6 @@ struct PanelGeometry {
 };
 
 [[nodiscard]] PanelGeometry panelGeometry(
-    const Layout &layout, NotchEdge edge, double offset, const QRectF &screen);
+    const Layout &layout, NotchEdge edge, double offset, const QRectF &screen, double unit = 1);
 
 } // namespace nubble

@@ -66,10 +66,10 @@ QTransform fromEdge(NotchEdge edge, const QRectF &rect)
 
 } // namespace
 
-QPainterPath bodyOutline(NotchEdge edge, const QRectF &body)
+QPainterPath bodyOutline(NotchEdge edge, const QRectF &body, double unit)
 {
-    const double length = isVertical(edge) ? body.height() : body.width();
-    const double depth = isVertical(edge) ? body.width() : body.height();
+    const double length = (isVertical(edge) ? body.height() : body.width()) / unit;
+    const double depth = (isVertical(edge) ? body.width() : body.height()) / unit;
     const double side = shoulder;
     QPainterPath path;
     path.moveTo(0, 0);
@@ -81,7 +81,7 @@ QPainterPath bodyOutline(NotchEdge edge, const QRectF &body)
     path.lineTo(length - side, shoulder);
     curveTo(path, {length - side, 0}, {length, 0});
     path.closeSubpath();
-    return fromEdge(edge, body).map(path);
+    return (QTransform::fromScale(unit, unit) * fromEdge(edge, body)).map(path);
 }
 
 QPainterPath cardOutline(NotchEdge edge, const QRectF &card, double tail, double tailAlong)

@@ -12,8 +12,8 @@ namespace nubble {
 inline constexpr QMargins cardShadowRoom{28, 20, 28, 36};
 
 // The collapsed body: flush with the screen's edge, concave shoulders where it leaves it, rounded where it
-// ends.
-[[nodiscard]] QPainterPath bodyOutline(NotchEdge edge, const QRectF &body);
+// ends. Its curves are in units of so many pixels.
+[[nodiscard]] QPainterPath bodyOutline(NotchEdge edge, const QRectF &body, double unit = 1);
 
 // A card: a rounded rectangle with a tail of length `tail` that points to the edge and has a round tip.
 // `tailAlong` is where it stands on that side, from the side's start; it keeps clear of the corners.

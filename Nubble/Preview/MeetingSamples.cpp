@@ -67,6 +67,8 @@ QList<PreviewSample> meetingSamples()
                   "ECONNREFUSED while the previous notes were still being written; nothing has been lost, "
                   "and what was recorded so far is kept beside the script for the next time"_s;
         }));
+    add("larger"_L1, recording(), 0.8F);
+    samples.last().panelScale = 1.4;
     return samples;
 }
 

@@ -79,7 +79,8 @@ public:
           m_actions(notchActions(m_addons, m_state, m_notifications, &m_meeting, {})),
           m_companion(companionAction(m_quenwick, m_clock, {})),
           m_layout(Typography::percentLineHeight(), true, static_cast<int>(m_actions.size())),
-          m_placement(m_defaults, m_layout), m_geometry(panelGeometry(m_layout, sample.edge, 0, screen)),
+          m_placement(m_defaults, m_layout),
+          m_geometry(panelGeometry(m_layout, sample.edge, 0, screen, sample.panelScale)),
           m_view({m_state, m_placement, m_layout, m_mainScreen, m_preferences}, contents())
     {
         showOnRing(m_view.ring(), m_sessions, m_usage);

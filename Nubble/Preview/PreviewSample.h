@@ -17,6 +17,7 @@ struct PreviewSample {
     QLatin1String state; // in words; names the picture, too
     NotchEdge edge = NotchEdge::Right;
     bool isFocused = false; // the keyboard is in the card
+    double panelScale = 1;
 
     SessionsSample sessions{};
     PlanWindows usage{};

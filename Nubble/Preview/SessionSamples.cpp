@@ -107,6 +107,7 @@ QList<PreviewSample> sessionSamples()
     add("left edge"_L1, usual.sessions).edge = NotchEdge::Left;
     add("top edge"_L1, usual.sessions).edge = NotchEdge::Top;
     add("bottom edge"_L1, usual.sessions).edge = NotchEdge::Bottom;
+    add("larger"_L1, usual.sessions).panelScale = 1.4;
     return samples;
 }
 

@@ -44,6 +44,8 @@ QList<PreviewSample> usageSamples()
     add("session only"_L1, {.session = PlanWindow{0.07, {}}, .weekly = {}});
     add("old"_L1, windows(0.42, 0.55), staleText(95min));
     samples.last().isUsageOld = true;
+    add("smaller"_L1, usualUsage());
+    samples.last().panelScale = 0.8;
     return samples;
 }
 

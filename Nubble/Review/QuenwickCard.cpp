@@ -13,7 +13,7 @@ Card quenwickCard(QuenwickMonitor &quenwick, const Clock &clock, const DesktopPr
         .name = "inbox"_L1,
         .makeContent =
             [&quenwick, &clock, &preferences](const CardRoom &room) {
-                return new QuenwickCardContent(quenwick, clock, preferences, room.height);
+                return new QuenwickCardContent(quenwick, clock, preferences, room.height, room.panel);
             },
         .refresh = [&quenwick] { quenwick.refresh(); },
     };

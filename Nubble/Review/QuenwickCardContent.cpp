@@ -19,6 +19,7 @@
 #include "Widgets/CardHeader.h"
 #include "Widgets/CardMetrics.h"
 #include "Widgets/RefreshButton.h"
+#include "Widgets/Units.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -42,22 +43,24 @@ QuenwickCardContent::QuenwickCardContent(
     QuenwickMonitor &quenwick, const Clock &clock, const DesktopPreferences &preferences, int maxHeight,
     QWidget *parent)
     : QWidget(parent), m_quenwick(quenwick), m_clock(clock), m_preferences(preferences),
-      m_refresh(new RefreshButton), m_logo(new LogoButton), m_count(CardMetrics::makeNote()),
-      m_banner(new ClosedBanner), m_empty(new EmptyInbox), m_list(new QWidget),
+      m_header(new CardHeader(u"Quenwick"_s, this)), m_logo(new LogoButton(m_header)),
+      m_refresh(new RefreshButton(m_header)), m_count(CardMetrics::makeNote(this)),
+      m_banner(new ClosedBanner(this)), m_empty(new EmptyInbox(this)), m_list(new QWidget(this)),
       m_days(new QVBoxLayout(m_list)),
-      m_scroll(new CappedScroll(m_list, std::min(CardMetrics::maxHeight, maxHeight) - aroundList)),
-      m_footer(CardMetrics::makeNote())
+      m_scroll(new CappedScroll(m_list, CardMetrics::roomWithin(this, maxHeight, aroundList), this)),
+      m_footer(CardMetrics::makeNote(this))
 {
-    setFixedWidth(CardMetrics::width);
+    m_refresh->setHelpText(refreshHelp());
+    m_header->addAccessory(m_logo);
+    m_header->addAccessory(m_refresh);
     m_days->setContentsMargins({});
     m_days->setSpacing(1);
     for (QLabel *note : {m_count, m_footer})
-        note->setContentsMargins(CardMetrics::rowPadding, 0, CardMetrics::rowPadding, 0);
-    auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(CardMetrics::rowMargins);
-    layout->setSpacing(CardMetrics::spacing);
+        note->setContentsMargins(
+            Units::px(this, QMargins(CardMetrics::rowPadding, 0, CardMetrics::rowPadding, 0)));
+    QVBoxLayout *layout = CardMetrics::makeLayout(this);
     for (QWidget *part :
-         std::initializer_list<QWidget *>{makeHeader(), m_count, m_banner, m_empty, m_scroll, m_footer})
+         std::initializer_list<QWidget *>{m_header, m_count, m_banner, m_empty, m_scroll, m_footer})
         layout->addWidget(part);
 
     connect(m_refresh, &QAbstractButton::clicked, &quenwick, &QuenwickMonitor::refreshNow);
@@ -68,15 +71,6 @@ QuenwickCardContent::QuenwickCardContent(
     tick->callOnTimeout(this, &QuenwickCardContent::follow);
     tick->start(30s);
     follow();
-}
-
-QWidget *QuenwickCardContent::makeHeader()
-{
-    auto *header = new CardHeader(u"Quenwick"_s);
-    m_refresh->setHelpText(refreshHelp());
-    header->addAccessory(m_logo);
-    header->addAccessory(m_refresh);
-    return header;
 }
 
 void QuenwickCardContent::follow()

@@ -11,6 +11,7 @@ namespace nubble {
 
 class CappedScroll;
 class CardHeader;
+class CardHeader;
 class Clock;
 class ClosedBanner;
 class DesktopPreferences;
@@ -31,7 +32,6 @@ public:
         QWidget *parent = nullptr);
 
 private:
-    [[nodiscard]] QWidget *makeHeader();
     void follow();
     void showGroups(const QList<DayGroup> &groups);
     void add(const DayGroup &group);
@@ -42,8 +42,9 @@ private:
     QuenwickMonitor &m_quenwick;
     const Clock &m_clock;
     const DesktopPreferences &m_preferences;
-    RefreshButton *m_refresh;
+    CardHeader *m_header;
     LogoButton *m_logo;
+    RefreshButton *m_refresh;
     QLabel *m_count;
     ClosedBanner *m_banner;
     EmptyInbox *m_empty;

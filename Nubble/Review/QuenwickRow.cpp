@@ -2,7 +2,6 @@
 
 #include <QBoxLayout>
 #include <QKeyEvent>
-#include <QPainter>
 #include <QTextLayout>
 
 #include <algorithm>
@@ -17,6 +16,7 @@
 #include "Widgets/Spinner.h"
 #include "Widgets/Symbols.h"
 #include "Widgets/Typography.h"
+#include "Widgets/Units.h"
 
 using namespace Qt::StringLiterals;
 
@@ -54,7 +54,8 @@ Qt::Key actionKey(ReviewAction action)
 // A circular button with a symbol.
 class IconAction : public NotchButton {
 public:
-    explicit IconAction(ReviewAction action) : NotchButton(actionSymbol(action), actionName(action))
+    IconAction(ReviewAction action, QWidget *parent)
+        : NotchButton(actionSymbol(action), actionName(action), parent)
     {
         setSide(actionSide);
     }
@@ -110,22 +111,24 @@ QuenwickRow::QuenwickRow(const QuenwickItem &item, bool soon, QWidget *parent)
     setFocusPolicy(Qt::TabFocus);
     auto *row = new QHBoxLayout(m_actions);
     row->setContentsMargins({});
-    row->setSpacing(actionsGap);
+    row->setSpacing(Units::px(this, actionsGap));
     for (const ReviewAction action : allActions)
         if (action != ReviewAction::Calendar || !item.onCalendar)
             row->addWidget(addAction(action));
     row->addStretch();
     m_spinner->hide();
     setFixedHeight(sizeHint().height());
+    const int side = Units::px(this, actionSide);
     m_actions->setGeometry(
-        textLeft, height() - above - static_cast<int>(actionSide), textWidth, static_cast<int>(actionSide));
-    m_spinner->move(textLeft, m_actions->geometry().center().y() - m_spinner->height() / 2);
+        Units::px(this, textLeft), height() - Units::px(this, above) - side, Units::px(this, textWidth),
+        side);
+    m_spinner->move(m_actions->x(), m_actions->geometry().center().y() - m_spinner->height() / 2);
     describe();
 }
 
 NotchButton *QuenwickRow::addAction(ReviewAction action)
 {
-    auto *button = new IconAction(action);
+    auto *button = new IconAction(action, m_actions);
     connect(button, &QAbstractButton::clicked, this, [this, action] { Q_EMIT actionWanted(action); });
     m_buttons.insert(action, button);
     return button;
@@ -191,19 +194,19 @@ QList<QuenwickRow::Line> QuenwickRow::lines() const
 
 QSize QuenwickRow::sizeHint() const
 {
-    int height = 2 * above + actionsGap + static_cast<int>(actionSide);
+    double height = 2 * above + actionsGap + actionSide;
     for (const Line &line : lines())
         height += lineHeight(line.font);
-    return {rowWidth, height};
+    return Units::px(this, QSizeF(rowWidth, height));
 }
 
 void QuenwickRow::paintEvent(QPaintEvent *)
 {
-    QPainter painter(this);
+    UnitPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(hasFocus() ? QPen(Palette::focus, 1.5) : QPen(Qt::NoPen));
     painter.setBrush(m_busy ? QColor(Qt::transparent) : m_hover.lifted(Qt::transparent, false));
-    painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 10, 10);
+    painter.drawRoundedRect(painter.area().adjusted(1, 1, -1, -1), 10, 10);
     painter.setOpacity(m_busy ? dimmed : 1);
     Avatar::draw(painter, QPointF(padding, above + 1), initialOf(m_item.who));
     QRectF area(textLeft, above, textWidth, 0);

@@ -1,7 +1,6 @@
 #include "Review/ReviewParts.h"
 
 #include <QLabel>
-#include <QPainter>
 #include <QVBoxLayout>
 
 #include "Review/ReviewTexts.h"
@@ -10,6 +9,7 @@
 #include "Widgets/SymbolSign.h"
 #include "Widgets/Symbols.h"
 #include "Widgets/Typography.h"
+#include "Widgets/Units.h"
 
 using namespace Qt::StringLiterals;
 
@@ -53,14 +53,14 @@ ClosedBanner::ClosedBanner(QWidget *parent) : QAbstractButton(parent), m_hover(t
 
 QSize ClosedBanner::sizeHint() const
 {
-    return {200, bannerHeight};
+    return Units::px(this, QSizeF(200, bannerHeight));
 }
 
 void ClosedBanner::paintEvent(QPaintEvent *)
 {
-    QPainter painter(this);
+    UnitPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF box = QRectF(rect()).adjusted(0.75, 0.75, -0.75, -0.75);
+    const QRectF box = painter.area().adjusted(0.75, 0.75, -0.75, -0.75);
     QColor fill = Palette::quenwick;
     fill.setAlphaF(0.2F);
     painter.setPen(Qt::NoPen);
@@ -87,18 +87,19 @@ void ClosedBanner::paintEvent(QPaintEvent *)
 EmptyInbox::EmptyInbox(QWidget *parent) : QWidget(parent)
 {
     auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(CardMetrics::rowPadding, 14, CardMetrics::rowPadding, 10);
-    layout->setSpacing(3);
+    layout->setContentsMargins(
+        Units::px(this, QMargins(CardMetrics::rowPadding, 14, CardMetrics::rowPadding, 10)));
+    layout->setSpacing(Units::px(this, 3));
     layout->addWidget(
         new SymbolSign(u"checkmark.seal.fill"_s, SymbolSign::large, Palette::quenwick), 0, Qt::AlignHCenter);
-    layout->addSpacing(6);
+    layout->addSpacing(Units::px(this, 6));
     const QStringList texts = allClearTexts();
     for (const QString &text : texts) {
-        QLabel *label = CardMetrics::makeNote();
+        QLabel *label = CardMetrics::makeNote(this);
         label->setText(text);
         label->setAlignment(Qt::AlignHCenter);
         if (&text == &texts.first()) {
-            label->setFont(Typography::rowTitle());
+            label->setFont(Units::px(this, Typography::rowTitle()));
             QPalette palette = label->palette();
             palette.setColor(QPalette::WindowText, Palette::textPrimary);
             label->setPalette(palette);
@@ -110,17 +111,17 @@ EmptyInbox::EmptyInbox(QWidget *parent) : QWidget(parent)
 DayHeader::DayHeader(const QString &label, bool soon, QWidget *parent)
     : QWidget(parent), m_label(label), m_soon(soon)
 {
-    setFixedHeight(dayHeight);
+    setFixedHeight(Units::px(this, dayHeight));
     setAccessibleName(label);
 }
 
 void DayHeader::paintEvent(QPaintEvent *)
 {
-    QPainter painter(this);
+    UnitPainter painter(this);
     painter.setFont(Typography::dayHeader());
     painter.setPen(m_soon ? Palette::quenwickText : Palette::textSecondary);
     painter.drawText(
-        rect().adjusted(CardMetrics::rowPadding, 0, 0, -3), Qt::AlignLeft | Qt::AlignBottom, m_label);
+        painter.area().adjusted(CardMetrics::rowPadding, 0, 0, -3), Qt::AlignLeft | Qt::AlignBottom, m_label);
 }
 
 } // namespace nubble

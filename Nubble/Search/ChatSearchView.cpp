@@ -48,11 +48,12 @@ void setTint(QLabel &label, const QColor &tint)
 ChatSearchView::ChatSearchView(
     ChatSearch &search, const Clock &clock, const DesktopPreferences &preferences, QWidget *parent)
     : QWidget(parent), m_search(search), m_clock(clock), m_preferences(preferences),
-      m_query(new QueryField(this)), m_categories(new CategoryStrip), m_corrected(CardMetrics::makeNote()),
+      m_query(new QueryField(this)), m_categories(new CategoryStrip),
+      m_corrected(CardMetrics::makeNote(this)),
       m_list(new ResultList([this] { return localTime(m_clock.now()); })),
       m_sign(new SymbolSign(u"magnifyingglass"_s, SymbolSign::large, Palette::textSecondary)),
-      m_message(CardMetrics::makeNote()), m_found(new QStackedLayout), m_thread(new ThreadPage),
-      m_pages(new QStackedLayout), m_foot(CardMetrics::makeNote())
+      m_message(CardMetrics::makeNote(this)), m_found(new QStackedLayout), m_thread(new ThreadPage),
+      m_pages(new QStackedLayout), m_foot(CardMetrics::makeNote(this))
 {
     setFocusProxy(m_query);
     m_foot->setFont(Typography::caption());

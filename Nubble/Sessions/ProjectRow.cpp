@@ -3,7 +3,6 @@
 #include <QAccessible>
 #include <QClipboard>
 #include <QGuiApplication>
-#include <QPainter>
 
 #include <algorithm>
 
@@ -15,6 +14,7 @@
 #include "Widgets/Palette.h"
 #include "Widgets/Symbols.h"
 #include "Widgets/Typography.h"
+#include "Widgets/Units.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -102,7 +102,8 @@ const QString &ProjectRow::secondLine() const
 
 void ProjectRow::resizeEvent(QResizeEvent *)
 {
-    const QRect place(width() - rowHeight, 0, rowHeight, height());
+    const int side = Units::px(this, rowHeight);
+    const QRect place(width() - side, 0, side, height());
     m_copy->place(place, QRectF(place).center());
 }
 
@@ -120,22 +121,22 @@ void ProjectRow::describe()
 
 void ProjectRow::paintEvent(QPaintEvent *)
 {
-    QPainter painter(this);
+    UnitPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    drawBackground(painter);
+    drawBackground(painter, painter.area());
 
-    QRectF area = QRectF(rect()).adjusted(CardMetrics::rowPadding, 6, -CardMetrics::rowPadding, -6);
+    QRectF area = painter.area().adjusted(CardMetrics::rowPadding, 6, -CardMetrics::rowPadding, -6);
     const QRectF icon(area.left(), area.center().y() - iconSide / 2, iconSide, iconSide);
     Symbols::draw(painter, m_content.symbol, icon, Palette::textSecondary);
     area.setLeft(icon.right() + 9);
     if (m_copy->isVisible())
-        area.setRight(m_copy->x());
+        area.setRight(painter.area().right() - rowHeight);
     drawTexts(painter, area);
 }
 
-void ProjectRow::drawBackground(QPainter &painter) const
+void ProjectRow::drawBackground(QPainter &painter, const QRectF &row) const
 {
-    const QRectF area = QRectF(rect()).adjusted(1, 1, -1, -1);
+    const QRectF area = row.adjusted(1, 1, -1, -1);
     painter.setPen(Qt::NoPen);
     painter.setBrush(m_content.state == RunState::Waiting ? Palette::waitingRow : Qt::transparent);
     painter.drawRoundedRect(area, 10, 10);

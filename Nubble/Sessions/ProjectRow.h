@@ -31,7 +31,7 @@ class ProjectRow : public QAbstractButton {
     Q_OBJECT
 
 public:
-    static constexpr int rowHeight = 46;
+    static constexpr int rowHeight = 46; // units
 
     explicit ProjectRow(QWidget *parent = nullptr);
 
@@ -51,7 +51,7 @@ private:
     void copyCommand();
     [[nodiscard]] const QString &secondLine() const;
     void describe();
-    void drawBackground(QPainter &painter) const;
+    void drawBackground(QPainter &painter, const QRectF &row) const;
     double drawState(QPainter &painter, const QRectF &line) const;
     void drawTexts(QPainter &painter, const QRectF &area) const;
 

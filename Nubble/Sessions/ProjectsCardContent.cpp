@@ -23,6 +23,7 @@
 #include "Widgets/CardHeader.h"
 #include "Widgets/CardMetrics.h"
 #include "Widgets/NotchButton.h"
+#include "Widgets/Units.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -31,12 +32,12 @@ namespace nubble {
 
 namespace {
 
-QLabel *makeEmptyLabel()
+QLabel *makeEmptyLabel(QWidget *parent)
 {
-    QLabel *label = CardMetrics::makeNote();
+    QLabel *label = CardMetrics::makeNote(parent);
     label->setText(u"No sessions running"_s);
     label->setAlignment(Qt::AlignCenter);
-    label->setFixedHeight(46);
+    label->setFixedHeight(Units::px(parent, ProjectRow::rowHeight));
     return label;
 }
 
@@ -46,23 +47,20 @@ ProjectsCardContent::ProjectsCardContent(
     const SessionMonitor &monitor, ProcessActivator &activator, const Clock &clock, int maxHeight,
     QWidget *parent)
     : QWidget(parent), m_monitor(monitor), m_activator(activator), m_bringsForward(activator.canActivate()),
-      m_clock(clock), m_header(new CardHeader(u"Claude Projects"_s)), m_empty(makeEmptyLabel()),
-      m_rows(new RowColumn(ProjectRow::rowHeight))
+      m_clock(clock), m_header(new CardHeader(u"Claude Projects"_s, this)), m_empty(makeEmptyLabel(this)),
+      m_rows(new RowColumn(Units::px(this, ProjectRow::rowHeight), this))
 {
-    setFixedWidth(CardMetrics::width);
-    auto *close = new NotchButton(u"xmark"_s, u"Close"_s);
+    auto *close = new NotchButton(u"xmark"_s, u"Close"_s, m_header);
     connect(close, &NotchButton::clicked, this, &ProjectsCardContent::closeRequested);
     m_header->addAccessory(close);
 
-    auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(CardMetrics::rowMargins);
-    layout->setSpacing(CardMetrics::spacing);
+    QVBoxLayout *layout = CardMetrics::makeLayout(this);
     layout->addWidget(m_header);
     layout->addWidget(m_empty);
-    const int around = CardMetrics::rowMargins.top() + CardMetrics::rowMargins.bottom()
+    constexpr int around = CardMetrics::rowMargins.top() + CardMetrics::rowMargins.bottom()
         + CardMetrics::headerHeight + CardMetrics::spacing;
     layout->addWidget(
-        m_scroll = new CappedScroll(m_rows, std::min(CardMetrics::maxHeight, maxHeight) - around));
+        m_scroll = new CappedScroll(m_rows, CardMetrics::roomWithin(this, maxHeight, around), this));
 
     m_rows->installEventFilter(this);
     connect(m_scroll->verticalScrollBar(), &QScrollBar::valueChanged, this, &ProjectsCardContent::updateRows);

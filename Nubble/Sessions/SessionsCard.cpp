@@ -13,7 +13,7 @@ Card sessionsCard(SessionMonitor &monitor, ProcessActivator &activator, const Cl
         .name = "sessions"_L1,
         .makeContent =
             [&monitor, &activator, &clock](const CardRoom &room) {
-                auto *content = new ProjectsCardContent(monitor, activator, clock, room.height);
+                auto *content = new ProjectsCardContent(monitor, activator, clock, room.height, room.panel);
                 QObject::connect(content, &ProjectsCardContent::closeRequested, room.close);
                 return content;
             },

@@ -1,13 +1,12 @@
 #include "Usage/LimitRow.h"
 
-#include <QPainter>
-
 #include <algorithm>
 
 #include "Usage/UsageColors.h"
 #include "Usage/UsageTexts.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Typography.h"
+#include "Widgets/Units.h"
 
 using namespace Qt::StringLiterals;
 
@@ -34,7 +33,8 @@ LimitRow::LimitRow(const QString &label, QWidget *parent) : QWidget(parent), m_l
 
 QSize LimitRow::sizeHint() const
 {
-    return {100, qCeil(m_resetText.isEmpty() ? barTop + barHeight + 2 : resetTop + resetHeight + 1)};
+    return Units::px(
+        this, QSizeF(100, m_resetText.isEmpty() ? barTop + barHeight + 2 : resetTop + resetHeight + 1));
 }
 
 void LimitRow::setWindow(std::optional<int> percent, const QString &resetText, bool animated)
@@ -65,19 +65,20 @@ void LimitRow::describe()
 
 void LimitRow::paintEvent(QPaintEvent *)
 {
-    QPainter painter(this);
+    UnitPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF line(0, 0, width(), lineHeight);
+    const double width = painter.area().width();
+    const QRectF line(0, 0, width, lineHeight);
     painter.setFont(Typography::rowTitle());
     painter.setPen(m_percent ? Palette::textPrimary : Palette::textSecondary);
     painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter, m_label);
     painter.setFont(Typography::cardBody());
     painter.setPen(Palette::textSecondary);
     Typography::drawTabular(painter, line, Qt::AlignRight, m_percent ? percentText(*m_percent) : u"–"_s);
-    drawBar(painter, QRectF(0, barTop, width(), barHeight));
+    drawBar(painter, QRectF(0, barTop, width, barHeight));
     painter.setFont(Typography::caption());
     painter.setPen(Palette::textSecondary);
-    Typography::drawTabular(painter, QRectF(0, resetTop, width(), resetHeight), Qt::AlignLeft, m_resetText);
+    Typography::drawTabular(painter, QRectF(0, resetTop, width, resetHeight), Qt::AlignLeft, m_resetText);
 }
 
 // Which must not look like a bar of nothing.

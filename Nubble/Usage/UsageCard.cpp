@@ -10,8 +10,10 @@ Card usageCard(PlanUsageMonitor &planUsage, const Clock &clock, const DesktopPre
 {
     return {
         .name = "usage"_L1,
-        .makeContent = [&planUsage, &clock, &preferences](
-                           const CardRoom &) { return new UsageCardContent(planUsage, clock, preferences); },
+        .makeContent =
+            [&planUsage, &clock, &preferences](const CardRoom &room) {
+                return new UsageCardContent(planUsage, clock, preferences, room.panel);
+            },
         .refresh = {},
     };
 }

@@ -17,6 +17,7 @@
 #include "Widgets/Palette.h"
 #include "Widgets/RefreshButton.h"
 #include "Widgets/Typography.h"
+#include "Widgets/Units.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -37,20 +38,17 @@ void showWindow(LimitRow &row, const std::optional<PlanWindow> &window, const QD
 UsageCardContent::UsageCardContent(
     PlanUsageMonitor &planUsage, const Clock &clock, const DesktopPreferences &preferences, QWidget *parent)
     : QWidget(parent), m_planUsage(planUsage), m_clock(clock), m_preferences(preferences),
-      m_refresh(new RefreshButton), m_session(new LimitRow(u"Current session"_s)),
-      m_weekly(new LimitRow(u"All models"_s)), m_problem(CardMetrics::makeNote())
+      m_refresh(new RefreshButton(this)), m_session(new LimitRow(u"Current session"_s, this)),
+      m_weekly(new LimitRow(u"All models"_s, this)), m_problem(CardMetrics::makeNote(this))
 {
-    setFixedWidth(CardMetrics::width);
-    auto *header = new CardHeader(u"Claude Usage"_s);
+    auto *header = new CardHeader(u"Claude Usage"_s, this);
     header->addAccessory(m_refresh);
 
-    auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(CardMetrics::rowMargins);
-    layout->setSpacing(CardMetrics::spacing);
+    QVBoxLayout *layout = CardMetrics::makeLayout(this);
     layout->addWidget(header);
     auto *body = new QVBoxLayout;
-    body->setContentsMargins(CardMetrics::textMargins);
-    body->setSpacing(CardMetrics::spacing + 2);
+    body->setContentsMargins(Units::px(this, CardMetrics::textMargins));
+    body->setSpacing(Units::px(this, CardMetrics::spacing + 2));
     layout->addLayout(body);
     for (QWidget *part : std::initializer_list<QWidget *>{m_session, m_weekly, m_problem})
         body->addWidget(part);

@@ -10,6 +10,7 @@ namespace nubble {
 
 // What an open card is given by the panel.
 struct CardRoom {
+    QWidget *panel = nullptr;    // that the content is made in
     int height = 0;              // that the screen leaves to it, device-independent pixels
     std::function<void()> close; // closes the card
 };

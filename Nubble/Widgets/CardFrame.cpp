@@ -1,5 +1,6 @@
 #include "Widgets/CardFrame.h"
 
+#include <QBitmap>
 #include <QPainter>
 
 #include "Placement/PanelShapes.h"
@@ -27,12 +28,13 @@ CardFrame CardFrame::rounded(const QRectF &card)
     return {.outline = cardOutline(NotchEdge::Top, card, 0, 0)};
 }
 
-QPixmap CardFrame::drawn(const QSize &size, qreal scale, bool translucent) const
+QPixmap CardFrame::drawn(const QSize &size, qreal scale, bool translucent, double unit) const
 {
     QPixmap frame(size * scale);
     frame.setDevicePixelRatio(scale);
     frame.fill(Qt::transparent);
     QPainter painter(&frame);
+    painter.scale(unit, unit);
     QColor onCard = Palette::card;
     if (!translucent || isOpaque)
         onCard.setAlpha(255);
@@ -42,7 +44,7 @@ QPixmap CardFrame::drawn(const QSize &size, qreal scale, bool translucent) const
         drawSoftShadow(painter, outline, shadow);
     } else {
         // The window is cut along the outline: fill beyond it, so that no pixel on the way is left unpainted.
-        painter.fillRect(QRect({}, size), fill);
+        painter.fillRect(QRectF({}, QSizeF(size) / unit), fill);
     }
     painter.setCompositionMode(QPainter::CompositionMode_Source); // no shadow below it
     painter.fillPath(outline, fill);
@@ -54,6 +56,16 @@ QPixmap CardFrame::drawn(const QSize &size, qreal scale, bool translucent) const
     painter.setPen(QPen(towardsTip(tail, Palette::cardLine, Qt::transparent), 2));
     painter.drawPath(outline);
     return frame;
+}
+
+QRegion CardFrame::region(const QSize &size, double unit) const
+{
+    QBitmap within(size);
+    within.clear();
+    QPainter painter(&within);
+    painter.scale(unit, unit);
+    painter.fillPath(outline, Qt::color1);
+    return {within};
 }
 
 } // namespace nubble

@@ -3,6 +3,7 @@
 #include <QLineF>
 #include <QPainterPath>
 #include <QPixmap>
+#include <QRegion>
 #include <QSize>
 
 #include "Widgets/SoftShadow.h"
@@ -21,8 +22,11 @@ struct CardFrame {
 
     // The near-black fill with its inner line, both of which become the body's black towards the tail's tip,
     // and the shadow around them. Without translucency it is opaque and goes on beyond the outline, which the
-    // window is cut to.
-    [[nodiscard]] QPixmap drawn(const QSize &size, qreal scale, bool translucent) const;
+    // window is cut to. `size` is in device-independent pixels, the frame in units of so many of them.
+    [[nodiscard]] QPixmap drawn(const QSize &size, qreal scale, bool translucent, double unit = 1) const;
+
+    // What to cut such a window to, where it is not cut exactly: the pixels that are within the outline.
+    [[nodiscard]] QRegion region(const QSize &size, double unit = 1) const;
 };
 
 } // namespace nubble

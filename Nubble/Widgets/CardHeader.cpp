@@ -1,12 +1,12 @@
 #include "Widgets/CardHeader.h"
 
 #include <QHBoxLayout>
-#include <QPainter>
 
 #include "Widgets/CardMetrics.h"
 #include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Typography.h"
+#include "Widgets/Units.h"
 
 using namespace Qt::StringLiterals;
 
@@ -18,8 +18,8 @@ CardHeader::CardHeader(const QString &title, QWidget *parent)
     m_accessories->setContentsMargins(0, 0, 0, 0);
     m_accessories->setSpacing(0);
     m_accessories->addStretch();
-    setContentsMargins(CardMetrics::rowPadding, 0, 0, 0);
-    setFixedHeight(CardMetrics::headerHeight);
+    setContentsMargins(Units::px(this, CardMetrics::rowPadding), 0, 0, 0);
+    setFixedHeight(Units::px(this, CardMetrics::headerHeight));
     describe();
 }
 
@@ -40,7 +40,7 @@ void CardHeader::addAccessory(QWidget *accessory)
 void CardHeader::addAccessory(NotchButton *button)
 {
     button->setSide(CardMetrics::headerCircle);
-    button->setFixedSize(CardMetrics::headerHeight, CardMetrics::headerHeight);
+    button->setFixedSize(Units::px(this, QSizeF(CardMetrics::headerHeight, CardMetrics::headerHeight)));
     m_accessories->addWidget(button);
 }
 
@@ -51,16 +51,16 @@ void CardHeader::describe()
 
 void CardHeader::paintEvent(QPaintEvent *)
 {
-    QPainter painter(this);
+    UnitPainter painter(this);
+    const QRectF line = painter.area().adjusted(CardMetrics::rowPadding, 0, 0, 0);
     painter.setFont(Typography::cardTitle());
     painter.setPen(Palette::textPrimary);
-    painter.drawText(contentsRect(), Qt::AlignLeft | Qt::AlignVCenter, m_title);
+    painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter, m_title);
     const double titleWidth = painter.fontMetrics().horizontalAdvance(m_title);
 
     painter.setFont(Typography::cardBody());
     painter.setPen(Palette::textSecondary);
-    Typography::drawTabular(
-        painter, QRectF(contentsRect()).adjusted(titleWidth + 7, 1, 0, 1), Qt::AlignLeft, m_detail);
+    Typography::drawTabular(painter, line.adjusted(titleWidth + 7, 1, 0, 1), Qt::AlignLeft, m_detail);
 }
 
 } // namespace nubble

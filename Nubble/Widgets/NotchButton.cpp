@@ -1,7 +1,5 @@
 #include "Widgets/NotchButton.h"
 
-#include <QPainter>
-
 #include <chrono>
 #include <cmath>
 #include <numbers>
@@ -9,6 +7,7 @@
 #include "Placement/Layout.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Symbols.h"
+#include "Widgets/Units.h"
 
 using namespace std::chrono_literals;
 
@@ -62,7 +61,7 @@ void NotchButton::setSide(double side)
 void NotchButton::place(const QRect &area, const QPointF &center)
 {
     setGeometry(area);
-    m_center = center - area.topLeft();
+    m_center = (center - area.topLeft()) / Units::of(this);
     update();
 }
 
@@ -118,15 +117,15 @@ float NotchButton::pulse() const
 
 QSize NotchButton::sizeHint() const
 {
-    return {qCeil(m_side), qCeil(m_side)};
+    return Units::px(this, QSizeF(std::ceil(m_side), std::ceil(m_side)));
 }
 
 void NotchButton::paintEvent(QPaintEvent *)
 {
-    QPainter painter(this);
+    UnitPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     QRectF circle(0, 0, m_side, m_side);
-    circle.moveCenter(m_center.value_or(QRectF(rect()).center()));
+    circle.moveCenter(m_center.value_or(painter.area().center()));
 
     painter.setPen(hasFocus() ? QPen(Palette::focus, 1.5) : QPen(Qt::NoPen));
     painter.setBrush(m_hover.lifted(Palette::control, isDown()));

@@ -22,7 +22,7 @@ public:
     void setSymbol(const QString &symbol);
     void setHelpText(const QString &helpText);
     void setTint(const QColor &tint);
-    void setSide(double side);        // of the circle that it shows
+    void setSide(double side);        // of the circle that it shows, in units
     void setRotation(double degrees); // of the symbol, clockwise
     void setPulsing(bool pulsing);    // the symbol, slowly, while it is seen
 
@@ -44,7 +44,7 @@ private:
     QString m_symbol;
     QColor m_tint;
     double m_side;
-    std::optional<QPointF> m_center; // of the circle
+    std::optional<QPointF> m_center; // of the circle, in units
     double m_rotation = 0;
     bool m_pulsing = false;
     QTimer m_pulse;

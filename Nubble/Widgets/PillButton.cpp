@@ -1,12 +1,11 @@
 #include "Widgets/PillButton.h"
 
-#include <QPainter>
-
 #include <cmath>
 
 #include "Widgets/Palette.h"
 #include "Widgets/Symbols.h"
 #include "Widgets/Typography.h"
+#include "Widgets/Units.h"
 
 namespace nubble {
 
@@ -79,19 +78,20 @@ int PillButton::widthFor(const QString &title) const
 
 QSize PillButton::sizeHint() const
 {
-    return {widthFor(text()), m_height};
+    return Units::px(this, QSizeF(widthFor(text()), m_height));
 }
 
 QSize PillButton::minimumSizeHint() const
 {
-    return {m_height, m_height};
+    return Units::px(this, QSizeF(m_height, m_height));
 }
 
 void PillButton::paintEvent(QPaintEvent *)
 {
-    QPainter painter(this);
+    UnitPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF pill = QRectF(rect()).adjusted(0.75, 0.75, -0.75, -0.75);
+    const QRectF area = painter.area();
+    const QRectF pill = area.adjusted(0.75, 0.75, -0.75, -0.75);
     const double radius = pill.height() / 2;
     const float share = isEnabled() ? 1 : disabledShare;
     if (m_accent.isValid()) {
@@ -103,14 +103,14 @@ void PillButton::paintEvent(QPaintEvent *)
     painter.setBrush(m_hover.lifted(m_accent.isValid() ? Qt::transparent : Palette::control, isDown()));
     painter.drawRoundedRect(pill, radius, radius);
 
-    const double most = width() - 2 * m_padding - symbolWidth();
+    const double most = area.width() - 2 * m_padding - symbolWidth();
     painter.setFont(font());
     const QFontMetricsF metrics(font());
     const QString shown = metrics.elidedText(text(), Qt::ElideRight, std::ceil(most));
     const double whole = symbolWidth() + metrics.horizontalAdvance(shown);
-    QRectF content((width() - whole) / 2, 0, whole, height());
+    QRectF content((area.width() - whole) / 2, 0, whole, area.height());
     if (!m_symbol.isEmpty()) {
-        const QRectF symbol(content.left(), (height() - symbolSide) / 2, symbolSide, symbolSide);
+        const QRectF symbol(content.left(), (area.height() - symbolSide) / 2, symbolSide, symbolSide);
         const QColor tint = m_accent.isValid() ? m_accent : Palette::textPrimary;
         Symbols::draw(painter, m_symbol, symbol, thinned(tint, share));
         content.setLeft(content.left() + symbolWidth());

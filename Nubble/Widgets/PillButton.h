@@ -20,7 +20,7 @@ public:
     void setHelpText(const QString &helpText);    // the tool tip
     void setAccent(const QColor &accent);         // of the symbol and, thinly, of the fill; invalid for none
     void setMeasures(int height, double padding); // of the ends
-    [[nodiscard]] int widthFor(const QString &title) const; // with a symbol, if it has one
+    [[nodiscard]] int widthFor(const QString &title) const; // units; with a symbol, if it has one
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;

@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "Widgets/Palette.h"
+#include "Widgets/Units.h"
 
 namespace nubble {
 
@@ -44,7 +45,7 @@ void ScrollFade::follow()
     const QScrollBar &bar = *m_area->verticalScrollBar();
     const int hidden = m_end == End::Top ? bar.value() - bar.minimum() : bar.maximum() - bar.value();
     QRect frame = m_area->viewport()->geometry();
-    const int height = std::min(hidden, tallest);
+    const int height = std::min(hidden, Units::px(m_area, tallest));
     if (m_end == End::Top)
         frame.setHeight(height);
     else

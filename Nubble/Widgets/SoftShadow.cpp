@@ -50,7 +50,7 @@ void drawLayer(QPainter &painter, const QPainterPath &outline, const ShadowLayer
 {
     // What is blurred far needs few pixels.
     constexpr double finestReach = 12;
-    const double scale = std::min(painter.device()->devicePixelRatioF(), finestReach / layer.reach);
+    const double scale = std::min(painter.deviceTransform().m11(), finestReach / layer.reach);
     const QRectF area = outline.boundingRect().adjusted(-layer.reach, -layer.reach, layer.reach, layer.reach);
     QImage mask((area.size() * scale).toSize() + QSize(1, 1), QImage::Format_Alpha8);
     mask.fill(0);

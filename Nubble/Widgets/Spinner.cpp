@@ -3,6 +3,7 @@
 #include <QPainter>
 
 #include "Widgets/Palette.h"
+#include "Widgets/Units.h"
 
 namespace nubble {
 
@@ -16,7 +17,7 @@ constexpr int degree = 16;         // in which the painter counts
 
 Spinner::Spinner(int side, QWidget *parent) : QWidget(parent)
 {
-    setFixedSize(side, side);
+    setFixedSize(Units::px(this, QSizeF(side, side)));
     setAttribute(Qt::WA_TransparentForMouseEvents);
     m_turn.setStartValue(0.0);
     m_turn.setEndValue(360.0);

@@ -3,12 +3,19 @@
 #include <QPainter>
 
 #include "Widgets/Symbols.h"
+#include "Widgets/Units.h"
 
 namespace nubble {
 
-SymbolSign::SymbolSign(const QString &symbol, int side, const QColor &tint) : m_symbol(symbol), m_tint(tint)
+SymbolSign::SymbolSign(const QString &symbol, int side, const QColor &tint)
+    : m_symbol(symbol), m_side(side), m_tint(tint)
 {
-    setFixedSize(side, side);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+QSize SymbolSign::sizeHint() const
+{
+    return Units::px(this, QSizeF(m_side, m_side));
 }
 
 void SymbolSign::paintEvent(QPaintEvent *)

@@ -14,11 +14,14 @@ public:
 
     SymbolSign(const QString &symbol, int side, const QColor &tint);
 
+    [[nodiscard]] QSize sizeHint() const override;
+
 protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
     QString m_symbol;
+    int m_side;
     QColor m_tint;
 };
 

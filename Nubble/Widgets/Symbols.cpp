@@ -9,6 +9,8 @@
 
 #include <cmath>
 
+#include "Widgets/PixelGrid.h"
+
 using namespace Qt::StringLiterals;
 
 namespace nubble::Symbols {
@@ -36,21 +38,17 @@ QPixmap render(const QString &name, const QSizeF &size, const QColor &tint, doub
 void draw(QPainter &painter, const QString &name, const QRectF &rect, const QColor &tint)
 {
     assertMainThread("Nubble/Widgets/Symbols");
-    const double scale = painter.device()->devicePixelRatioF();
+    const QTransform &onDevice = painter.deviceTransform();
+    const double scale = std::sqrt(std::abs(onDevice.determinant()));
     const QString key = u"symbol %1 %2 %3 %4"_s.arg(name).arg(rect.width()).arg(tint.rgba()).arg(scale);
     QPixmap pixmap;
     if (!QPixmapCache::find(key, &pixmap)) {
         pixmap = render(name, rect.size(), tint, scale);
         QPixmapCache::insert(key, pixmap);
     }
-    if (painter.transform().type() > QTransform::TxTranslate) {
-        painter.drawPixmap(rect.topLeft(), pixmap);
-        return;
-    }
-    // Whole device pixels keep the drawing sharp.
-    const QPointF origin(painter.transform().dx(), painter.transform().dy());
-    const QPointF corner = rect.topLeft() * scale + origin * scale;
-    painter.drawPixmap(QPointF(std::round(corner.x()), std::round(corner.y())) / scale - origin, pixmap);
+    // Whole device pixels keep the drawing sharp, unless it is turned.
+    const bool isTurned = onDevice.type() > QTransform::TxScale;
+    painter.drawPixmap(isTurned ? rect.topLeft() : PixelGrid::aligned(painter, rect.topLeft()), pixmap);
 }
 
 } // namespace nubble::Symbols

@@ -1,6 +1,5 @@
 #include "Widgets/ToolTip.h"
 
-#include <QPainter>
 #include <QTextLayout>
 
 #include <algorithm>
@@ -10,6 +9,7 @@
 #include "Widgets/CardFrame.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Typography.h"
+#include "Widgets/Units.h"
 
 using namespace Qt::StringLiterals;
 
@@ -64,7 +64,7 @@ double lineHeight(const QFont &font)
     return std::ceil(QFontMetricsF(font).lineSpacing());
 }
 
-QSize sizeOf(const QList<ToolTip::Line> &lines, const QFont &font)
+QSizeF sizeOf(const QList<ToolTip::Line> &lines, const QFont &font)
 {
     const QFontMetricsF metrics(font);
     double width = 0;
@@ -72,7 +72,7 @@ QSize sizeOf(const QList<ToolTip::Line> &lines, const QFont &font)
         width = std::max(width, metrics.horizontalAdvance(each.text));
     const QSizeF text(
         std::min<double>(std::ceil(width), textWidth), lineHeight(font) * static_cast<double>(lines.size()));
-    return text.toSize() + 2 * QSize(around + paddingAlong, around + paddingAcross);
+    return text + 2 * QSizeF(around + paddingAlong, around + paddingAcross);
 }
 
 } // namespace
@@ -84,26 +84,28 @@ ToolTip::ToolTip(const QString &text, bool translucent, QWidget *window)
     setTextFormat(Qt::PlainText);
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_ShowWithoutActivating);
-    resize(sizeOf(m_lines, Typography::cardBody()));
+    resize(Units::px(this, sizeOf(m_lines, Typography::cardBody())));
     if (!translucent)
-        setMask(QRegion(frame().outline.toFillPolygon().toPolygon()));
+        setMask(frame().region(size(), Units::of(this)));
 }
 
 CardFrame ToolTip::frame() const
 {
     QPainterPath outline;
-    outline.addRoundedRect(QRectF(rect()).adjusted(around, around, -around, -around), radius, radius);
+    const QRectF all(QPointF(), QSizeF(size()) / Units::of(this));
+    outline.addRoundedRect(all.adjusted(around, around, -around, -around), radius, radius);
     return {.outline = outline, .shadow = toolTipShadow, .isOpaque = true};
 }
 
 void ToolTip::paintEvent(QPaintEvent *)
 {
-    QPainter painter(this);
-    painter.drawPixmap(0, 0, frame().drawn(size(), devicePixelRatioF(), m_translucent));
+    QPainter(this).drawPixmap(
+        0, 0, frame().drawn(size(), devicePixelRatioF(), m_translucent, Units::of(this)));
+    UnitPainter painter(this);
     const QFont font = Typography::cardBody();
     painter.setFont(font);
     QRectF area(around + paddingAlong, around + paddingAcross, 0, lineHeight(font));
-    area.setRight(width() - around - paddingAlong);
+    area.setRight(painter.area().width() - around - paddingAlong);
     for (const Line &line : m_lines) {
         painter.setPen(line.isFirst ? Palette::textPrimary : Palette::textSecondary);
         const int direction = line.isRightToLeft ? Qt::AlignRight | Qt::TextForceRightToLeft

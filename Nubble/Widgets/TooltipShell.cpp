@@ -5,6 +5,7 @@
 
 #include "Placement/PanelShapes.h"
 #include "Widgets/CardFrame.h"
+#include "Widgets/Units.h"
 
 namespace nubble {
 
@@ -34,25 +35,32 @@ QSize TooltipShell::sizeHint() const
         m_content->sizeHint().expandedTo(m_content->minimumSize()).boundedTo(m_content->maximumSize());
     if (m_content->hasHeightForWidth()) // what it hints at is for another width
         content.setHeight(m_content->heightForWidth(content.width()));
-    return content.grownBy(cardShadowRoom);
+    return content.grownBy(shadowRoom());
 }
 
 QRect TooltipShell::cardRect() const
 {
-    return rect().marginsRemoved(cardShadowRoom);
+    return rect().marginsRemoved(shadowRoom());
+}
+
+QMargins TooltipShell::shadowRoom() const
+{
+    return Units::px(this, cardShadowRoom);
 }
 
 CardFrame TooltipShell::frame() const
 {
-    const QRectF card = cardRect();
+    const double unit = Units::of(this);
+    const QRectF card(QPointF(cardRect().topLeft()) / unit, QSizeF(cardRect().size()) / unit);
+    const double length = m_tailLength / unit;
     return {
-        .outline = cardOutline(m_edge, card, m_tailLength, m_tailAlong),
-        .tail = tail(m_edge, card, m_tailLength)};
+        .outline = cardOutline(m_edge, card, length, m_tailAlong / unit), .tail = tail(m_edge, card, length)};
 }
 
 QPainterPath TooltipShell::outline() const
 {
-    return frame().outline.translated(pos());
+    const double unit = Units::of(this);
+    return QTransform::fromScale(unit, unit).map(frame().outline).translated(pos());
 }
 
 void TooltipShell::setTranslucent(bool translucent)
@@ -86,7 +94,7 @@ void TooltipShell::resizeEvent(QResizeEvent *)
 void TooltipShell::paintEvent(QPaintEvent *)
 {
     if (m_drawn.isNull() || m_drawn.devicePixelRatio() != devicePixelRatioF())
-        m_drawn = frame().drawn(size(), devicePixelRatioF(), m_translucent);
+        m_drawn = frame().drawn(size(), devicePixelRatioF(), m_translucent, Units::of(this));
     QPainter(this).drawPixmap(0, 0, m_drawn);
 }
 

@@ -30,7 +30,8 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    [[nodiscard]] CardFrame frame() const;
+    [[nodiscard]] CardFrame frame() const; // in units
+    [[nodiscard]] QMargins shadowRoom() const;
 
     QWidget *m_content;
     NotchEdge m_edge;

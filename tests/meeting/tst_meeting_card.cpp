@@ -163,7 +163,8 @@ private Q_SLOTS:
         QTRY_VERIFY(fit());
         QVERIFY(says(u"Updated It is "_s + QString(225, u'x') + u'…'));
         const auto heightWhereThereIs = [this](int room) {
-            const std::unique_ptr<QWidget> card(meetingCard(*m_notes, m_clock).makeContent({room, {}}));
+            const std::unique_ptr<QWidget> card(
+                meetingCard(*m_notes, m_clock).makeContent({.height = room, .close = {}}));
             return card->heightForWidth(card->width());
         };
         const int height = heightWhereThereIs(700);

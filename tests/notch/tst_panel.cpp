@@ -292,6 +292,35 @@ private Q_SLOTS:
         }
     }
 
+    void theWheelWithControlMakesItLargerOverTheBodyOnly()
+    {
+        PanelWorld world;
+        PanelUnderTest panel(world);
+        panel.clickRing();
+        using enum Qt::KeyboardModifier;
+        for (const auto &[isOnBody, keys, angle, scale] :
+             {std::tuple(true, ControlModifier, 120, 1.1),
+              {true, NoModifier, 120, 1.1},
+              {false, ControlModifier, 120, 1.1},
+              {true, ControlModifier, 90, 1.1},
+              {true, ControlModifier, 90, 1.2},
+              {true, ControlModifier, -480, 0.9},
+              {true, ControlModifier, 240, 1.0}}) {
+            const auto *shell = panel.view().findChild<TooltipShell *>();
+            const QPoint at = isOnBody ? world.geometry().ringCenter.toPoint() : shell->geometry().center();
+            QWheelEvent wheel(
+                at, panel.view().mapToGlobal(at), {}, {0, angle}, {}, keys, Qt::NoScrollPhase, false);
+            QCoreApplication::sendEvent(&panel.view(), &wheel); // nothing above it takes the wheel
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // of the card before
+            QCOMPARE(world.placement.scale(), scale);
+            const PanelGeometry geometry = world.geometry();
+            QCOMPARE(
+                panel.ring()->geometry(), geometry.placed(world.layout.ringArea(geometry.edge)).toRect());
+            const QRect card = panel.view().findChild<TooltipShell *>()->cardRect();
+            QCOMPARE(card.width(), qRound(246 * scale));
+        }
+    }
+
     void itBeginsWhereABarAboveAllWindowsEnds()
     {
         PanelWorld world;

@@ -43,7 +43,8 @@ private:
     {
         return rawValue(placement.edge()) + u' ' + QString::number(placement.offset())
             + (placement.isLocked() ? u" locked"_s : QString())
-            + (placement.isVisible() ? QString() : u" hidden"_s);
+            + (placement.isVisible() ? QString() : u" hidden"_s)
+            + (placement.scale() == 1 ? QString() : u" x%1"_s.arg(placement.scale()));
     }
 };
 
@@ -103,6 +104,27 @@ private Q_SLOTS:
               {"edge=left\noffset=\nlocked=TRUE\nvisible=false", u"left 0 hidden"_s}})
             QCOMPARE(
                 Stored("placement." + QByteArray(settings).replace("\n", "\nplacement.")).shown(), shown);
+    }
+
+    void theScaleGoesByTenthsAndNoFurtherThanThereIs()
+    {
+        for (const auto &[written, shown] :
+             {std::pair("1.26", u"right 0 x1.3"_s),
+              {"9", u"right 0 x2"_s},
+              {"-1", u"right 0 x0.8"_s},
+              {"wide", u"right 0"_s}})
+            QCOMPARE(Stored("panel.scale=" + QByteArray(written)).shown(), shown);
+        Stored stored;
+        for (const auto &[steps, shown] :
+             {std::pair(3, u"right 0 x1.3"_s),
+              {-3, u"right 0"_s},
+              {-9, u"right 0 x0.8"_s},
+              {99, u"right 0 x2"_s}}) {
+            stored.placement.enlarge(steps);
+            QCOMPARE(stored.shown(), shown);
+        }
+        QCOMPARE(
+            stored.placement.clamp(1e9, square), 400 - 2 * (400 - Stored().placement.clamp(1e9, square)));
     }
 
     void everyChangeIsPublishedOnceAndStored()
@@ -215,7 +237,8 @@ private Q_SLOTS:
         for (const NotchEdge edge : allEdges)
             for (const QRectF &screen : {second, fractional, tiny})
                 for (const double offset : {-1e9, -100.4, 0.0, 33.5, 1e9})
-                    expectFlushAndInSight(edge, offset, screen);
+                    for (const double unit : {1.0, 0.8, 1.3, 2.0})
+                        expectFlushAndInSight(edge, offset, screen, unit);
     }
 
     void aWindowOpensBesideTheBodyAndStaysInSight()
@@ -313,16 +336,18 @@ private Q_SLOTS:
     }
 
 private:
-    static void expectFlushAndInSight(NotchEdge edge, double offset, const QRectF &screen)
+    static void expectFlushAndInSight(NotchEdge edge, double offset, const QRectF &screen, double unit)
     {
         const Layout layout(11, false, 3);
-        const double limit = layout.offsetLimit(edge, Layout::along(edge, screen.size()));
+        const double limit = layout.offsetLimit(edge, Layout::along(edge, screen.size()) / unit) * unit;
         const double clamped = std::clamp(offset, -limit, limit);
-        const PanelGeometry geometry = panelGeometry(layout, edge, clamped, screen);
+        const PanelGeometry geometry = panelGeometry(layout, edge, clamped, screen, unit);
 
         QVERIFY(holds(
-            geometry.frame, QRectF(geometry.origin + geometry.frame.topLeft(), layout.windowSize(edge))));
+            geometry.frame,
+            QRectF(geometry.origin + geometry.frame.topLeft(), layout.windowSize(edge) * unit)));
         QVERIFY(holds(QRectF(QPointF(), geometry.frame.size()), geometry.body));
+        QVERIFY(std::abs(geometry.body.width() - layout.bodyRect(edge).width() * unit) < hair);
         QVERIFY(std::abs(sideOf(edge, geometry.body) - sideOf(edge, geometry.screen)) < hair);
         QVERIFY(std::abs(sideOf(edge, geometry.frame.toRectF()) - sideOf(edge, screen)) < 1);
 
@@ -332,14 +357,15 @@ private:
 
         // A card of any height lies beside the body, with its shadow on the screen and in the window.
         for (const double height : {60.0, 250.0, 460.0}) {
-            const QRectF card = geometry.cardRect(QSizeF(246, height).toSize());
+            const QRectF card = geometry.cardRect((QSizeF(246, height) * unit).toSize());
             QVERIFY(!card.intersects(geometry.body));
             const double across = std::abs(sideOf(edge, geometry.screen) - sideOf(edge, card));
-            QVERIFY(std::abs(across - (124.0 / 3 + 448.0 / 39 + 18)) <= 0.5 + hair);
+            QVERIFY(std::abs(across - (124.0 / 3 + 448.0 / 39 + 160.0 / 13 + 80.0 / 13) * unit) <= 1);
             QVERIFY(holds(
                 QRectF(QPointF(), geometry.frame.size()),
-                card.marginsAdded(cardShadowRoom) & geometry.screen));
-            const QRectF padded = card.marginsAdded({12, 12, 12, 12});
+                card.marginsAdded(geometry.cardShadow()) & geometry.screen));
+            const double padding = std::round(160.0 / 13 * unit);
+            const QRectF padded = card.marginsAdded({padding, padding, padding, padding});
             const double start = along(edge, padded.topLeft() - geometry.screen.topLeft());
             const double room = Layout::along(edge, screen.size()) - Layout::along(edge, padded.size());
             QVERIFY(room < 0 ? std::abs(start) <= 0.5 : start >= -0.5 && start <= room + 0.5);

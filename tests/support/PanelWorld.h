@@ -64,7 +64,8 @@ struct PanelWorld {
     [[nodiscard]] PanelGeometry geometry() const
     {
         const QRectF screen = *mainScreen.frame();
-        return panelGeometry(layout, placement.edge(), placement.clamp(placement.offset(), screen), screen);
+        return panelGeometry(
+            layout, placement.edge(), placement.clamp(placement.offset(), screen), screen, placement.scale());
     }
     static qint64 msecs(TimePoint time) { return time.time_since_epoch().count(); }
 
