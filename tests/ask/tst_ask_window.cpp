@@ -1,12 +1,12 @@
 #include <QAbstractButton>
 #include <QClipboard>
-#include <QElapsedTimer>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
 
+#include <ctime>
 #include <unistd.h>
 
 #include "Ask/AskTexts.h"
@@ -281,10 +281,9 @@ private Q_SLOTS:
         QCOMPARE(field()->toPlainText(), u"ab"_s);
 
         QGuiApplication::clipboard()->setText(QString(300'000, u'x'));
-        QElapsedTimer taken;
-        taken.start();
+        const std::clock_t start = std::clock();
         field()->paste();
-        QVERIFY2(taken.elapsed() < 3000, "by the square it is 10 s");
+        QVERIFY2((std::clock() - start) / CLOCKS_PER_SEC < 3, "by the square it is 10 s");
         QCOMPARE(field()->toPlainText().size(), 300'002);
     }
 

@@ -61,7 +61,7 @@ class AskingAboutTheScreen(DesktopTest):
     def open(self, nubble, *keys):
         self.desktop.key(*(keys or ASK))
         self.until_ask(nubble, open=True, capturing=False)
-        eventually(lambda: self.card_of("Ask Claude"), "the window is there")
+        self.until_keyboard_in("Ask Claude")
 
     def ask(self, nubble, question):
         """What `claude` gets."""

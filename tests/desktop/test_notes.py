@@ -16,11 +16,10 @@ process.on('SIGINT', () => {
     fs.writeFileSync('notes', 'final');
     process.exit(0);
 });
+fs.writeFileSync('pid', String(process.pid));
 console.log('10:32:05 AM tab "Week 12"');
 console.log('recording');
 console.log('next 1700000000000');
-fs.writeFileSync('pid.new', String(process.pid));
-fs.renameSync('pid.new', 'pid');
 setInterval(() => {}, 1000);
 """
 LINK = "https://docs.google.com/document/d/1a/edit?tab=t.7"

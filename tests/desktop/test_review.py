@@ -81,6 +81,7 @@ class ReviewInbox(DesktopTest):
         self.until_review(nubble, installed=True, pending=2, items=1)
         nubble.quit()
         nubble.start()
+        self.until_review(nubble, pending=2)
         self.open_card(nubble)
         self.desktop.click(*self.cell(nubble))
         nubble.until_panel(mode="collapsed")

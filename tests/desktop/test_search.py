@@ -101,6 +101,9 @@ class SearchingChats(DesktopTest):
         self.assertTrue(script.name.startswith("yarnbin-") and script.suffix == ".command")
         os.kill(nubble.process.pid, signal.SIGKILL)
         nubble.wait()
+        document, clients, active = self.document.window.id, "_NET_CLIENT_LIST", "_NET_ACTIVE_WINDOW"
+        eventually(lambda: {*self.desktop.property(clients)} == {document, *self.desktop.property(active)} != {document},
+                   "the terminal has the keyboard")
         self.desktop.run("xdotool", "type", "--delay", "5", "echo again >> note2 && mv note2 note\n")
         eventually(lambda: (self.home.path / "note").read_text() == "again\n", "its shell takes what is typed")
         self.assertIn(terminal, descendants(os.getpid()))

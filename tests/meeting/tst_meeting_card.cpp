@@ -221,7 +221,7 @@ private Q_SLOTS:
         QTRY_VERIFY(!moves()); // when the pointer, if it is there, has lifted it
         action.setLook({u"record.circle.fill"_s, u"Meeting notes — recording"_s, true});
         QCOMPARE(button->accessibleName(), u"Meeting notes — recording"_s);
-        QVERIFY(moves());
+        QTRY_VERIFY(moves());
         cell.setMotionReduced(true);
         QTRY_VERIFY(!moves());
         const QColor middle = button->grab().toImage().pixelColor(button->width() / 2, button->height() / 2);
@@ -230,7 +230,7 @@ private Q_SLOTS:
         cell.hide();
         QTRY_VERIFY(!moves());
         cell.show();
-        QVERIFY(moves());
+        QTRY_VERIFY(moves());
         action.setLook({u"mic.fill"_s, u"Meeting notes"_s, false});
         QTRY_VERIFY(!moves());
     }
