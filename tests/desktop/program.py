@@ -69,7 +69,8 @@ class Nubble:
             capture_output=True, text=True, timeout=PATIENCE, check=False)
 
     def status(self):
-        return json.loads(self.run("status", "--json").stdout)
+        """Asked for again where the program has been too busy to answer."""
+        return json.loads(eventually(lambda: self.run("status", "--json").stdout, "the status is told"))
 
     def is_running(self):
         return self.status()["source"] == "running"
