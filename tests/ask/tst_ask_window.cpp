@@ -136,12 +136,7 @@ private Q_SLOTS:
                 .workspace = m_workspace,
                 .capture = m_screen,
                 .preferences = m_preferences,
-                .makeSurface =
-                    [this](QWidget &window) {
-                        auto surface = std::make_unique<FakeFloatingSurface>(window);
-                        m_surface = surface.get();
-                        return surface;
-                    },
+                .makeSurface = FakeFloatingSurface::factory(m_surface),
                 .place = [](const QSize &size) { return QRect(QPoint(100, 90), size); },
                 .openLink = [this](const QUrl &url) { m_opened = url; }});
     }
