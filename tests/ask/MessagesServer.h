@@ -3,29 +3,20 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTcpServer>
-#include <QTcpSocket>
+
+#include "support/HttpStandIn.h"
 
 namespace nubble {
 
 // The service that `claude` asks for messages, on the loopback. Keeps what it is asked, and answers as it was
 // told last.
-class MessagesServer : public QTcpServer {
+class MessagesServer : public HttpStandIn {
 public:
     struct Answer {
         QByteArray stream{};    // of events; none: an error that is not worth another try
         bool breaksOff = false; // after the first block's text; `claude` tries again, in vain
         bool neverEnds = false; // but stays there
     };
-
-    MessagesServer()
-    {
-        connect(this, &QTcpServer::newConnection, this, [this] {
-            QTcpSocket *socket = nextPendingConnection();
-            connect(socket, &QTcpSocket::readyRead, this, [this, socket] { read(*socket); });
-            connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-        });
-    }
 
     void answerWith(const Answer &answer) { m_answer = answer; }
     [[nodiscard]] const QList<QByteArray> &requests() const { return m_requests; }
@@ -66,20 +57,10 @@ private:
         return "event: " + type + "\ndata: " + json + "\n\n";
     }
 
-    void read(QTcpSocket &socket)
+    void take(
+        QTcpSocket &socket, const QByteArray &method, const QByteArray &path, const QByteArray &body) override
     {
-        const QByteArray all = socket.peek(socket.bytesAvailable());
-        const qsizetype headers = all.indexOf("\r\n\r\n") + 4;
-        const QByteArray length = "\r\ncontent-length: ";
-        const qsizetype at = all.toLower().indexOf(length) + length.size();
-        if (headers < 4)
-            return;
-        const qsizetype size = at < length.size() ? 0 : all.mid(at, all.indexOf('\r', at) - at).toInt();
-        if (all.size() < headers + size)
-            return;
-        socket.readAll();
-        const QByteArray body = all.mid(headers);
-        if (all.startsWith("POST /v1/messages?"))
+        if (method == "POST" && path.startsWith("/v1/messages?"))
             m_requests.append(body);
         answer(socket, QJsonDocument::fromJson(body)[QStringLiteral("stream")].toBool());
     }

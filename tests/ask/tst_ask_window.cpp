@@ -1,12 +1,12 @@
 #include <QAbstractButton>
 #include <QClipboard>
-#include <QElapsedTimer>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
 
+#include <ctime>
 #include <unistd.h>
 
 #include "Ask/AskTexts.h"
@@ -136,12 +136,7 @@ private Q_SLOTS:
                 .workspace = m_workspace,
                 .capture = m_screen,
                 .preferences = m_preferences,
-                .makeSurface =
-                    [this](QWidget &window) {
-                        auto surface = std::make_unique<FakeFloatingSurface>(window);
-                        m_surface = surface.get();
-                        return surface;
-                    },
+                .makeSurface = FakeFloatingSurface::factory(m_surface),
                 .place = [](const QSize &size) { return QRect(QPoint(100, 90), size); },
                 .openLink = [this](const QUrl &url) { m_opened = url; }});
     }
@@ -281,10 +276,9 @@ private Q_SLOTS:
         QCOMPARE(field()->toPlainText(), u"ab"_s);
 
         QGuiApplication::clipboard()->setText(QString(300'000, u'x'));
-        QElapsedTimer taken;
-        taken.start();
+        const std::clock_t start = std::clock();
         field()->paste();
-        QVERIFY2(taken.elapsed() < 3000, "by the square it is 10 s");
+        QVERIFY2((std::clock() - start) / CLOCKS_PER_SEC < 3, "by the square it is 10 s");
         QCOMPARE(field()->toPlainText().size(), 300'002);
     }
 

@@ -55,7 +55,6 @@ private Q_SLOTS:
         for (const QString &name : QProcessEnvironment::systemEnvironment().keys())
             if (name.startsWith("ANTHROPIC_"_L1) || name.startsWith("CLAUDE"_L1))
                 qunsetenv(name.toLatin1());
-        QVERIFY(m_server.listen(QHostAddress::LocalHost));
         qputenv("ANTHROPIC_BASE_URL", "http://127.0.0.1:" + QByteArray::number(m_server.serverPort()));
         qputenv("ANTHROPIC_API_KEY", "none");
         qputenv("NO_PROXY", "127.0.0.1");

@@ -97,9 +97,9 @@ class Desktop:
             "XDG_RUNTIME_DIR": str(self.folder), "NO_AT_BRIDGE": "1", "QT_QPA_PLATFORM": "xcb"}
         self.env |= {key: value for key, value in os.environ.items() if key.endswith("SAN_OPTIONS")}
         self.services = []
-        self.env["DISPLAY"] = ":" + self._announced(
+        self.env["DISPLAY"] = ":" + self.announced(
             "Xvfb", "-displayfd", "FD", "-screen", "0", "%dx%dx24" % SCREEN, "-dpi", "96", "-noreset")
-        self.env["DBUS_SESSION_BUS_ADDRESS"] = self._announced(
+        self.env["DBUS_SESSION_BUS_ADDRESS"] = self.announced(
             "dbus-daemon", "--session", "--nofork", "--print-address=FD")
         self.display = display.Display(self.env["DISPLAY"])
         self.root = self.display.screen().root
@@ -160,7 +160,7 @@ class Desktop:
         eventually(lambda: self.pixel(4, 4) == BACKDROP, "the backdrop is seen through a transparent window")
         probe.destroy()
 
-    def _announced(self, *command):
+    def announced(self, *command):
         """Starts a program that writes one line to the descriptor that it is given for FD."""
         reading, writing = os.pipe()
         words = [word.replace("FD", str(writing)) for word in command]

@@ -43,6 +43,14 @@ class Home:
             f'{{"type":"ai-title","aiTitle":"{title}","sessionId":"{session}"}}\n'
             f'{{"type":"last-prompt","lastPrompt":"{prompt}","sessionId":"{session}"}}\n')
 
+    def tool(self, name, script):
+        """A command of this home's own."""
+        file = self.path / f".local/bin/{name}"
+        file.parent.mkdir(parents=True)
+        file.write_text(script)
+        file.chmod(0o700)
+        return file
+
     def preferences(self, **values):
         text = "[General]\n" + "".join(f"{key}={value}\n" for key, value in values.items())
         (self.path / ".config/com.brevandel.nubble.conf").write_text(text.replace("_", "."))
@@ -69,7 +77,8 @@ class Nubble:
             capture_output=True, text=True, timeout=PATIENCE, check=False)
 
     def status(self):
-        return json.loads(self.run("status", "--json").stdout)
+        """Asked for again where the program has been too busy to answer."""
+        return json.loads(eventually(lambda: self.run("status", "--json").stdout, "the status is told"))
 
     def is_running(self):
         return self.status()["source"] == "running"
@@ -77,8 +86,15 @@ class Nubble:
     def panel(self):
         return self.status().get("panel", {})
 
+    def until(self, part, **wanted):
+        """Until that part of the status is so."""
+        def now():
+            return self.status().get(part, {})
+
+        eventually(lambda: wanted.items() <= now().items(), lambda: f"{part} {wanted}, it is {now()}")
+
     def until_panel(self, **wanted):
-        eventually(lambda: wanted.items() <= self.panel().items(), lambda: f"panel {wanted}, it is {self.panel()}")
+        self.until("panel", **wanted)
 
     def instances(self):
         """The process ids of this home's instances, however they were started."""

@@ -44,31 +44,24 @@ def runs(pid):
 class AskingAboutTheScreen(DesktopTest):
     def setUp(self):
         super().setUp()
-        self.claude = self.home.path / ".local/bin/claude"
-        self.claude.parent.mkdir(parents=True)
-        self.claude.write_text(CLAUDE)
-        self.claude.chmod(0o700)
+        self.claude = self.home.tool("claude", CLAUDE)
         self.document = self.window("A document", 100, 100, 600, 500)
 
     def start(self, **preferences):
         self.home.preferences(addon_ask="true", **preferences)
         return self.start_nubble()
 
-    def until_ask(self, nubble, **wanted):
-        eventually(
-            lambda: wanted.items() <= nubble.status()["ask"].items(), lambda: f"{wanted}, it is {nubble.status()['ask']}")
-
     def open(self, nubble, *keys):
         self.desktop.key(*(keys or ASK))
-        self.until_ask(nubble, open=True, capturing=False)
-        eventually(lambda: self.card_of("Ask Claude"), "the window is there")
+        nubble.until("ask", open=True, capturing=False)
+        self.until_keyboard_in("Ask Claude")
 
     def ask(self, nubble, question):
         """What `claude` gets."""
         messages = nubble.status()["ask"]["messages"]
         self.desktop.run("xdotool", "type", "--delay", "5", question)
         self.desktop.key("Return")
-        self.until_ask(nubble, busy=False, messages=messages + 2)
+        nubble.until("ask", busy=False, messages=messages + 2)
         turn = json.loads((self.claude.parent / "claude.turns").read_text().splitlines()[-1])
         return turn["message"]["content"]
 
@@ -93,16 +86,16 @@ class AskingAboutTheScreen(DesktopTest):
             self.assertTrue(text["text"].startswith("[On screen: Editor — A document]"), text)
             self.assert_without_window(picture, self.card_of("Ask Claude"))
         self.desktop.key("Escape")
-        self.until_ask(nubble, open=False)
+        nubble.until("ask", open=False)
         self.open(nubble, *SCREENSHOT)  # goes on
         self.assertEqual(nubble.status()["ask"]["messages"], 6)
         self.desktop.key(*ASK)
-        self.until_ask(nubble, open=False)
+        nubble.until("ask", open=False)
         self.open(nubble)  # begins anew, at once after it was closed
         self.assertEqual(nubble.status()["ask"]["messages"], 0)
         self.assert_without_window(self.ask(nubble, "new")[0], self.card_of("Ask Claude"))
         self.ask(nubble, "secret")
-        self.until_ask(nubble, problem="Claude reported an error.")
+        nubble.until("ask", problem="Claude reported an error.")
         self.assertNotIn("secret", json.dumps(nubble.status()))
         self.assertEqual(nubble.status()["sessions"], [])
         self.assertEqual(nubble.quit(), 0)  # with the window open
@@ -118,7 +111,7 @@ class AskingAboutTheScreen(DesktopTest):
                 along = y + height / 2 - SCREEN[1] / 2 if edge in ("right", "left") else x + width / 2 - SCREEN[0] / 2
                 self.assertAlmostEqual(along, 16, delta=5)  # the body is longer behind the ring
                 self.desktop.run("wmctrl", "-i", "-a", hex(self.document.window.id))
-                self.until_ask(nubble, open=False)
+                nubble.until("ask", open=False)
                 nubble.quit()
 
     def test_a_question_from_elsewhere_is_asked_with_the_picture(self):
@@ -126,7 +119,7 @@ class AskingAboutTheScreen(DesktopTest):
         self.desktop.run(
             "gdbus", "emit", "--session", "--object-path", "/", "--signal", "com.brevandel.nubble.ask",
             "{'question': <'Why?'>}")
-        self.until_ask(nubble, open=True, busy=False, messages=2, problem=None)
+        nubble.until("ask", open=True, busy=False, messages=2, problem=None)
         content = json.loads((self.claude.parent / "claude.turns").read_text())["message"]["content"]
         self.assertEqual([block["type"] for block in content], ["image", "text"])
         self.assertTrue(content[1]["text"].endswith("Why?"))

@@ -3,7 +3,6 @@
 import contextlib
 import signal
 import subprocess
-import time
 
 from gi.repository import Gio, GLib
 
@@ -24,9 +23,9 @@ class TheSessionBus(DesktopTest):
 
     def start_bus(self):
         (self.home.path / "bus").unlink(missing_ok=True)
-        bus = self.desktop.start("dbus-daemon", "--session", "--nofork", f"--address={self.address}")
-        eventually((self.home.path / "bus").exists, "the bus is there")
-        return bus
+        self.desktop.announced(
+            "dbus-daemon", "--session", "--nofork", f"--address={self.address}", "--print-address=FD")
+        return self.desktop.services.pop()
 
     def host(self):
         host = StatusItemHost(self.address)
@@ -40,10 +39,8 @@ class TheSessionBus(DesktopTest):
             host.close()
 
     def check_fails(self, why, *arguments):
-        start = time.monotonic()
         answer = self.program.run(*arguments)
         self.assertEqual((answer.returncode, answer.stdout, answer.stderr), (1, "", f"nubble: {why}\n"), arguments)
-        self.assertLess(time.monotonic() - start, 8)
 
     def test_may_end_and_come_back_and_a_second_start_makes_no_second_one(self):
         self.home.preferences(addon_ask="true")
@@ -72,8 +69,7 @@ class TheSessionBus(DesktopTest):
             self.check_fails("the session bus does not answer", *arguments)
         self.desktop.click(*self.program.ring(), button=3)  # which tells the bus a lot
         self.desktop.until_menu()
-        self.program.process.terminate()
-        self.assertEqual(self.program.process.wait(8), 0)
+        self.assertEqual(self.program.quit(), 0)
 
     def test_may_have_the_name_of_another_program_or_of_a_silent_one(self):
         bus = connect(self.address)

@@ -88,6 +88,7 @@ class TheUserIsCalled(TerminalTest):
         self.home.preferences(keys_next="Meta+F5")
         self.home.record(self.pid, status="waiting")
         nubble = self.start_nubble()
+        eventually(lambda: nubble.status()["sessions"], "the session is seen")
         self.assertEqual(
             nubble.status()["hotKeys"], [{"keys": "Meta+F5", "action": "next", "registered": True}])
         self.desktop.key("Super_L", "F5")

@@ -17,6 +17,7 @@ class TheKeyboard(TerminalTest):
     def test_is_in_the_window_that_a_row_has_brought_forward_and_stays_there(self):
         self.home.record(self.pid)
         nubble = self.start_nubble()
+        eventually(lambda: nubble.status()["sessions"], "the session is seen")
         for first, is_away in ((self.other, False), (self.terminal, False), (self.other, True)):
             if self.desktop.focused() != first:
                 self.activate(first)

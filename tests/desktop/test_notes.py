@@ -16,11 +16,10 @@ process.on('SIGINT', () => {
     fs.writeFileSync('notes', 'final');
     process.exit(0);
 });
+fs.writeFileSync('pid', String(process.pid));
 console.log('10:32:05 AM tab "Week 12"');
 console.log('recording');
 console.log('next 1700000000000');
-fs.writeFileSync('pid.new', String(process.pid));
-fs.renameSync('pid.new', 'pid');
 setInterval(() => {}, 1000);
 """
 LINK = "https://docs.google.com/document/d/1a/edit?tab=t.7"
@@ -60,22 +59,17 @@ class MeetingNotes(DesktopTest):
     def start_recording(self, nubble):
         eventually(lambda: nubble.run("notes", "start").returncode == 0, "it records")
 
-    def until_notes(self, nubble, **wanted):
-        eventually(
-            lambda: wanted.items() <= nubble.status()["notes"].items(),
-            lambda: f"{wanted}, it is {nubble.status()['notes']}")
-
     def test_is_started_and_stopped_from_elsewhere(self):
         nubble = self.start_nubble()
-        self.until_notes(nubble, phase="idle", link=True, others=[], status="")
+        nubble.until("notes", phase="idle", link=True, others=[], status="")
         self.signal("start")
         eventually(lambda: self.has_started(nubble), "it records")
-        self.until_notes(nubble, phase="recording", tabTitle="Week 12", nextUpdate=1700000000000, lastUpdate=None,
-                         status="Recording — first notes in about 3 minutes.")
+        nubble.until("notes", phase="recording", tabTitle="Week 12", nextUpdate=1700000000000, lastUpdate=None,
+                     status="Recording — first notes in about 3 minutes.")
         again = nubble.run("notes", "start")
         self.assertEqual((again.returncode, again.stderr), (1, "nubble: Already running — stop it first.\n"))
         self.signal("stop")
-        self.until_notes(nubble, phase="idle", status="done. All written.", startedAt=None)
+        nubble.until("notes", phase="idle", status="done. All written.", startedAt=None)
         log = self.log()
         self.assertEqual(log[0], f"start pressed: phase=idle others=[] link={LINK}")
         self.assertEqual(log[-2:], ["updated: The-end", "done. All written."])
@@ -84,21 +78,21 @@ class MeetingNotes(DesktopTest):
     def test_the_notes_are_finished_when_the_program_ends(self):
         nubble = self.start_nubble()
         self.start_recording(nubble)
-        self.until_notes(nubble, tabTitle="Week 12")
+        nubble.until("notes", tabTitle="Week 12")
         self.assertEqual(nubble.quit(), 0)
         eventually((self.folder / "notes").exists, "the last notes are written")
 
     def test_a_recorder_that_has_lost_the_program_is_found_again(self):
         nubble = self.start_nubble()
         self.start_recording(nubble)
-        self.until_notes(nubble, tabTitle="Week 12")
+        nubble.until("notes", tabTitle="Week 12")
         os.kill(nubble.process.pid, signal.SIGKILL)
         nubble.wait()
         nubble = self.start_nubble()
-        self.until_notes(nubble, phase="idle", others=[self.recorder()])
+        nubble.until("notes", phase="idle", others=[self.recorder()])
         refused = nubble.run("notes", "start")
         self.assertEqual((refused.returncode, refused.stderr), (1, "nubble: Already running — stop it first.\n"))
         self.assertEqual(nubble.run("notes", "stop").returncode, 0)
         eventually((self.folder / "notes").exists, "the last notes are written")
-        self.until_notes(nubble, others=[])
+        nubble.until("notes", others=[])
         self.assertFalse(pathlib.Path(f"/proc/{self.recorder()}/cwd").exists())

@@ -6,7 +6,6 @@ import os
 import sqlite3
 import threading
 
-from desktop import eventually
 from program import DesktopTest
 
 COLUMNS = "guid, source, sender, thread, body, due_at, time_known, status"
@@ -59,11 +58,6 @@ class ReviewInbox(DesktopTest):
         self.addCleanup(server.shutdown)
         (self.folder / "live.json").write_text(json.dumps({"port": server.server_address[1], "pid": os.getpid()}))
 
-    def until_review(self, nubble, **wanted):
-        eventually(
-            lambda: wanted.items() <= nubble.status()["review"].items(),
-            lambda: f"{wanted}, it is {nubble.status()['review']}")
-
     def cell(self, nubble):
         x, y = nubble.ring()
         return x, y + PITCH
@@ -78,9 +72,10 @@ class ReviewInbox(DesktopTest):
             nubble.status()["review"],
             {"installed": False, "live": False, "pending": 0, "items": 0, "busy": 0, "checking": False, "lastMessage": None})
         self.write_database(("1", "Ada", DUE), ("2", "Grace", None))
-        self.until_review(nubble, installed=True, pending=2, items=1)
+        nubble.until("review", installed=True, pending=2, items=1)
         nubble.quit()
         nubble.start()
+        nubble.until("review", pending=2)
         self.open_card(nubble)
         self.desktop.click(*self.cell(nubble))
         nubble.until_panel(mode="collapsed")
@@ -89,10 +84,10 @@ class ReviewInbox(DesktopTest):
         self.write_database(("x", "Ada", DUE))
         self.serve(["a", "b"])
         nubble = self.start_nubble()
-        self.until_review(nubble, live=True, pending=2, items=2)
+        nubble.until("review", live=True, pending=2, items=2)
         self.open_card(nubble)
         (self.folder / "live.json").unlink()
-        self.until_review(nubble, live=False, pending=1, items=1)
+        nubble.until("review", live=False, pending=1, items=1)
         self.serve(["c", "d", "e"])
-        self.until_review(nubble, live=True, pending=3)
+        nubble.until("review", live=True, pending=3)
         self.assertEqual(nubble.panel()["mode"], "inbox")

@@ -30,22 +30,14 @@ UPPER_LINE = SCREEN[1] / 4 + 80
 class SearchingChats(DesktopTest):
     def setUp(self):
         super().setUp()
-        yarnbin = self.home.path / ".local/bin/yarnbin"
-        yarnbin.parent.mkdir(parents=True)
-        yarnbin.write_text(YARNBIN)
-        yarnbin.chmod(0o700)
+        self.home.tool("yarnbin", YARNBIN)
         self.note = self.home.path / "note"
         self.document = self.window("A document", 100, 400, 300, 300)
         self.home.preferences(addon_search="true")
 
-    def until_search(self, nubble, **wanted):
-        eventually(
-            lambda: wanted.items() <= nubble.status()["search"].items(),
-            lambda: f"{wanted}, it is {nubble.status()['search']}")
-
     def open(self, nubble):
         self.desktop.key(*SEARCH)
-        self.until_search(nubble, open=True)
+        nubble.until("search", open=True)
         self.until_keyboard_in("Search Chats")
 
     def card(self):
@@ -56,51 +48,54 @@ class SearchingChats(DesktopTest):
         self.assertEqual(nubble.status()["search"], {"open": False, "problem": None, "results": 0, "thread": False})
         for opens in (lambda: self.desktop.key(*SEARCH), lambda: nubble.run("search")):
             opens()
-            self.until_search(nubble, open=True)
+            nubble.until("search", open=True)
             x, y, width, height = eventually(self.card, "the window is there")
             self.assertEqual((width, height), (680, 460))
             self.assertAlmostEqual(x + width / 2, SCREEN[0] / 2, delta=1)
             self.assertAlmostEqual(y + height / 2, UPPER_LINE, delta=1)
             self.desktop.run("wmctrl", "-i", "-a", hex(self.document.window.id))
-            self.until_search(nubble, open=False)
+            nubble.until("search", open=False)
         self.open(nubble)
         self.desktop.key(*SEARCH)
-        self.until_search(nubble, open=False)
+        nubble.until("search", open=False)
         self.desktop.until_active(self.document.window.id)
 
     def test_what_is_typed_is_found_read_and_left_again(self):
         nubble = self.start_nubble()
         self.open(nubble)
         self.desktop.run("xdotool", "type", "--delay", "5", "xx")
-        self.until_search(nubble, results=2)
+        nubble.until("search", results=2)
         self.desktop.key("Return")
-        self.until_search(nubble, thread=True)
+        nubble.until("search", thread=True)
         self.assertNotIn("ecret", json.dumps(nubble.status()))
         self.desktop.key("Escape")
-        self.until_search(nubble, thread=False, open=True)
+        nubble.until("search", thread=False, open=True)
         self.desktop.key("Down")
         self.desktop.key("Control_L", "Return")  # a link that may not be opened
         self.desktop.key("Control_L", "l")
         self.desktop.key("BackSpace")
-        self.until_search(nubble, open=True, results=0)
+        nubble.until("search", open=True, results=0)
         self.desktop.key("Escape")
-        self.until_search(nubble, open=False)
+        nubble.until("search", open=False)
         self.desktop.until_active(self.document.window.id)
 
     def test_a_session_is_resumed_in_a_terminal_that_lives_on(self):
         nubble = self.start_nubble()
         self.open(nubble)
         self.desktop.run("xdotool", "type", "x")
-        self.until_search(nubble, results=1)
+        nubble.until("search", results=1)
         self.desktop.key("Control_L", "Return")
         terminal = int(eventually(lambda: self.note.exists() and self.note.read_text(), "the session is resumed"))
-        self.until_search(nubble, open=False)
+        nubble.until("search", open=False)
         folder = self.home.path / ".nubble/resume"
         (script,) = folder.iterdir()
         self.assertEqual((folder.stat().st_mode & 0o777, script.stat().st_mode & 0o777), (0o700, 0o755))
         self.assertTrue(script.name.startswith("yarnbin-") and script.suffix == ".command")
         os.kill(nubble.process.pid, signal.SIGKILL)
         nubble.wait()
+        document, clients, active = self.document.window.id, "_NET_CLIENT_LIST", "_NET_ACTIVE_WINDOW"
+        eventually(lambda: {*self.desktop.property(clients)} == {document, *self.desktop.property(active)} != {document},
+                   "the terminal has the keyboard")
         self.desktop.run("xdotool", "type", "--delay", "5", "echo again >> note2 && mv note2 note\n")
         eventually(lambda: (self.home.path / "note").read_text() == "again\n", "its shell takes what is typed")
         self.assertIn(terminal, descendants(os.getpid()))

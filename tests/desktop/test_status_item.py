@@ -87,13 +87,14 @@ class InAnX11Tray(DesktopTest):
                 if parent != self.desktop.root:
                     with contextlib.suppress(BadWindow):  # trays make room for it again and again
                         at = self.desktop.root.translate_coords(window, 0, 0)
-                        return at.x, at.y, size.width, size.height
+                        if at.x >= 0 and at.y + size.height <= SCREEN[1]:
+                            return at.x, at.y, size.width, size.height
             return None
 
         return eventually(find_icon, "the icon is in the tray")
 
-    def contrast(self, icon):
-        levels = [sum(pixel) for row in self.desktop.pixels(*icon) for pixel in row]
+    def contrast(self):
+        levels = [sum(pixel) for row in self.desktop.pixels(*self.icon()) for pixel in row]
         return max(levels) - min(levels)
 
     def test_comes_when_a_tray_comes_toggles_the_panel_and_fades(self):
@@ -103,14 +104,14 @@ class InAnX11Tray(DesktopTest):
         tray.kill()
         tray.wait()
         self.start_tray()
-        x, y, width, height = icon = self.icon()
-        contrast = eventually(lambda: self.contrast(icon), "the icon is drawn")
+        contrast = eventually(self.contrast, "the icon is drawn")
+        x, y, width, height = self.icon()
         self.desktop.click(x + width / 2, y + height / 2)
         nubble.until_panel(visible=False)
-        eventually(lambda: 0 < self.contrast(icon) < contrast * 0.8, "the icon has faded")
+        eventually(lambda: 0 < self.contrast() < contrast * 0.8, "the icon has faded")
         self.desktop.click(x + width / 2, y + height / 2)
         nubble.until_panel(visible=True)
-        eventually(lambda: self.contrast(icon) == contrast, "the icon is back")
+        eventually(lambda: self.contrast() == contrast, "the icon is back")
 
     def test_opens_its_menu_whose_keys_work(self):
         self.start_tray()

@@ -27,7 +27,7 @@ class AnXServer(DesktopTest):
     def test_within_a_compositor_says_when_the_keyboard_does_not_come_and_keeps_no_click_beside_the_panel(self):
         with door(self.desktop.env["DISPLAY"], {"XWAYLAND": "XINERAMA"}) as display:  # which is there
             nubble = self.start_nubble(DISPLAY=display)
-            eventually(lambda: self.panel().width < BODY_DEPTH + 2, "it is as large as its body")
+            eventually(lambda: (panel := self.panel()) and panel.width < BODY_DEPTH + 2, "it is as large as its body")
             self.desktop.root.set_input_focus(X.RevertToParent, X.CurrentTime)
             answer = nubble.run("sessions")  # no window is the active one
             self.assertEqual(answer.returncode, 1)

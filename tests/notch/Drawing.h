@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QRegularExpression>
+#include <QVariantAnimation>
 
 #include <cmath>
 #include <numbers>
@@ -78,16 +79,36 @@ protected:
     }
 };
 
-// Until everything has been painted that was asked for.
+inline bool isRunning(const QVariantAnimation *motion)
+{
+    return motion->state() == QAbstractAnimation::Running;
+}
+
+// Until everything has been painted that was asked for, and what moves for a while has stopped.
 inline void settle(PanelUnderTest &panel)
 {
     QVERIFY(QTest::qWaitForWindowExposed(&panel.view()));
     for (int quiet = 0; quiet < 3; ++quiet) {
         const PaintCounter counter;
         QTest::qWait(20);
-        if (!counter.painted.isEmpty())
+        if (!counter.painted.isEmpty()
+            || std::ranges::any_of(panel.view().findChildren<QVariantAnimation *>(), isRunning))
             quiet = -1;
     }
+}
+
+// The ring at that moment of what moves for so long, in milliseconds; as it is where nothing does.
+inline RingPicture ringDuring(const PanelWorld &world, PanelUnderTest &panel, int duration, int moment)
+{
+    for (auto *motion : panel.ring()->findChildren<QVariantAnimation *>())
+        if (isRunning(motion) && motion->totalDuration() == duration) {
+            motion->pause();
+            motion->setCurrentTime(moment);
+            const RingPicture picture(world, panel);
+            motion->resume();
+            return picture;
+        }
+    return {world, panel};
 }
 
 inline void showUsage(PanelWorld &world, PanelUnderTest &panel, int session)

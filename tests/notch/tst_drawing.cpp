@@ -50,7 +50,8 @@ private Q_SLOTS:
             SystemClock().now() + 31min - world.clock.now()); // the files' time is the system's
         world.planUsage.refresh(true);
         QTRY_VERIFY(panel.ring()->accessibleName().endsWith(u" when last known"_s));
-        QVERIFY(RingPicture(world, panel).at(0.3).value() < 0.65 * QColor(Palette::critical).value());
+        const RingPicture old(world, panel);
+        QVERIFY(old.at(0.3).value() < 0.65 * QColor(Palette::critical).value() && !old.hasTextAt(distance));
     }
 
     void theRingTellsWhatTheSessionsDo()
@@ -83,6 +84,9 @@ private Q_SLOTS:
         QCOMPARE(waiting.badge(25.6), Palette::body);
         for (const double turn : {0.101, 0.149}) // its upmost and rightmost parts
             QCOMPARE(waiting.at(turn, 23.1), Palette::badge);
+        world.addSession(12, u"two"_s, u"busy"_s, 0s);
+        for (const RingPicture &glyph : {waiting, picture(u"waiting"_s, u"a session waits for you"_s)})
+            QCOMPARE(glyph.at(0.25, 3.7), Palette::badge);
         for (const double turn : {0.03, 0.08, 0.125}) // all of a small arc is seen beside it
             for (const double radius : {11.0, 11.6, 12.2})
                 QCOMPARE(waiting.at(turn, radius), Palette::ample);

@@ -1,5 +1,3 @@
-#include <QVariantAnimation>
-
 #include "notch/Drawing.h"
 
 using namespace Qt::StringLiterals;
@@ -56,21 +54,23 @@ private Q_SLOTS:
         for (const bool comes : {true, false}) {
             const PaintCounter counter;
             panel.clickRing();
-            const auto isMoving = [&] {
-                const auto animations = panel.view().findChildren<QVariantAnimation *>(u"transition"_s);
-                return !animations.isEmpty();
-            };
-            QVERIFY(isMoving());
+            const QPointer motion = panel.view().findChild<QVariantAnimation *>(u"transition"_s);
+            QVERIFY(motion);
             QCOMPARE(panel.control(u"session 1,"_s) != nullptr, comes); // at once
-            QTRY_VERIFY(counter.paintsOf(u"Nubble"_s) >= 3);
-            QCOMPARE(isMoving(), true);
+            motion->pause();
+            for (int moment = 20; moment < 100; moment += 20) {
+                const auto before = counter.paintsOf(u"Nubble"_s);
+                motion->setCurrentTime(moment);
+                QTRY_VERIFY(counter.paintsOf(u"Nubble"_s) > before);
+            }
             if (comes) {
                 world.addSession(1, u"renamed"_s, u"idle"_s, 100s);
                 world.monitor.refresh();
                 const auto before = counter.paintsOf(u"renamed"_s);
                 QTRY_VERIFY(counter.paintsOf(u"renamed"_s) > before);
             }
-            QTRY_VERIFY(!isMoving());
+            motion->resume();
+            QTRY_VERIFY(!motion);
             settle(panel);
             QVERIFY(counter.paintsOf(u"session 3"_s) <= (comes ? 4 : 2)); // of ten frames
         }
@@ -106,25 +106,22 @@ private Q_SLOTS:
             PanelUnderTest panel(world);
             showUsage(world, panel, 0);
             settle(panel);
-            const PaintCounter counter;
+            const auto isLarge = [&](int moment) {
+                return ringDuring(world, panel, 600, moment).badge(25.6) == Palette::badge;
+            };
             world.addSession(1, u"one"_s, u"waiting"_s, 0ms);
             world.readSessions();
-            const auto isLarge = [&] { return RingPicture(world, panel).badge(25.6) == Palette::badge; };
-            if (!still)
-                QTRY_VERIFY(isLarge());
+            for (const int beat : {150, 450})
+                QCOMPARE(isLarge(beat), !still);
             settle(panel);
-            QVERIFY(!isLarge());
-            QCOMPARE(counter.paintsOf(u"Claude sessions"_s) > 4, !still);
-            expectMotion(false);
+            QVERIFY(!isLarge(150));
             world.readSessions(); // it goes on waiting
             expectMotion(false);
-            if (!still) {
-                world.addSession(2, u"another"_s, u"waiting"_s, 0ms);
-                world.readSessions();
-                QTRY_VERIFY(isLarge());
-                world.preferences.setReducedMotion(true);
-                QVERIFY(!isLarge());
-            }
+            world.addSession(2, u"another"_s, u"waiting"_s, 0ms);
+            world.readSessions();
+            QCOMPARE(isLarge(150), !still);
+            world.preferences.setReducedMotion(true);
+            QVERIFY(!isLarge(150));
         }
     }
 
@@ -140,17 +137,8 @@ private Q_SLOTS:
                 world.addSession(1, u"one"_s, status, 0ms);
                 world.readSessions();
             };
-            // The colours there halfway through what moves, which then comes to its end.
             const auto halfway = [&](double turn, double radius, int duration) {
-                for (auto *motion : panel.ring()->findChildren<QVariantAnimation *>())
-                    if (motion->state() == QAbstractAnimation::Running && motion->duration() == duration) {
-                        motion->pause();
-                        motion->setCurrentTime(duration / 2);
-                        const QColor color = RingPicture(world, panel).at(turn, radius);
-                        motion->resume();
-                        return color;
-                    }
-                return RingPicture(world, panel).at(turn, radius);
+                return ringDuring(world, panel, duration, duration / 2).at(turn, radius);
             };
             look(u"busy"_s);
             look(u"idle"_s);
@@ -184,14 +172,21 @@ private Q_SLOTS:
                 && panel.window.bodyOnScreen()->edge == edge;
         };
         const double before = world.geometry().body.x();
+        QSet<Qt::Edge> faded;
+        panel.surface->outlined = [&] {
+            if (panel.surface->opacity == 1)
+                return;
+            const bool leaves = panel.surface->last.edge == Qt::RightEdge;
+            const double way =
+                panel.surface->outline.boundingRect().x() - (leaves ? before : world.geometry().body.x());
+            QVERIFY(std::abs(way - (leaves ? 8 : -8) * (1 - panel.surface->opacity)) < 1e-6);
+            faded.insert(panel.surface->last.edge);
+        };
         moveTo(NotchEdge::Left);
         QVERIFY(!isAt(NotchEdge::Left));
-        QTRY_VERIFY(panel.surface->opacity < 1);
-        const bool leaves = panel.surface->last.edge == Qt::RightEdge;
-        const double way =
-            panel.surface->outline.boundingRect().x() - (leaves ? before : world.geometry().body.x());
-        QVERIFY(std::abs(way - (leaves ? 8 : -8) * (1 - panel.surface->opacity)) < 1e-6);
         QTRY_VERIFY(isAt(NotchEdge::Left));
+        QCOMPARE(faded, QSet({Qt::RightEdge, Qt::LeftEdge}));
+        panel.surface->outlined = [] {};
         settle(panel);
         QCOMPARE(panel.surface->outline.boundingRect(), world.geometry().body);
         expectMotion(false);

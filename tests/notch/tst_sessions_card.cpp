@@ -77,6 +77,25 @@ private Q_SLOTS:
         QTRY_VERIFY(row->toolTip().endsWith(u"/home/ada/project"_s));
     }
 
+    void anIdLosesItsMiddleAndAReasonHasTheWholeSecondLine()
+    {
+        ProjectRow row;
+        row.resize(226, ProjectRow::rowHeight);
+        const auto drawn = [&row](const QString &end, const QString &elapsed) {
+            ProjectRowContent content;
+            content.title = u"garden-"_s.repeated(20) + end;
+            content.isTitleIdentifier = true;
+            content.symbol = u"xmark"_s;
+            content.elapsed = elapsed;
+            row.setContent(content);
+            return pictureOf(row, 1);
+        };
+        QVERIFY(drawn(u"north"_s, u"1m ago"_s) != drawn(u"south"_s, u"1m ago"_s));
+        QVERIFY(drawn(u"north"_s, u"1m ago"_s) != drawn(u"north"_s, u"2m ago"_s));
+        row.showReason(u"Its process has ended"_s);
+        QVERIFY(drawn(u"north"_s, u"1m ago"_s) == drawn(u"north"_s, u"2m ago"_s));
+    }
+
     void aClickOrTheKeyboardBringsTheRowsOwnTerminalForwardWherePossible()
     {
         PanelWorld world;
@@ -131,7 +150,10 @@ private Q_SLOTS:
 {"type":"last-prompt","lastPrompt":"Why?","sessionId":"session-14"}
 )");
         PanelUnderTest panel(world);
+        QApplication::setActiveWindow(&panel.view());
+        panel.ring()->clearFocus();
         panel.clickRing();
+        QVERIFY(!panel.ring()->hasFocus());
         QTRY_COMPARE(
             panel.rowNames(),
             QStringList(
@@ -151,7 +173,8 @@ private Q_SLOTS:
                 QCOMPARE(symbolOf(row) == symbolOf(1), row != 3);
             QVERIFY(!holds(picture, Palette::focus));
         }
-        QApplication::setActiveWindow(&panel.view());
+        QTest::mouseClick(rows.at(1), Qt::LeftButton);
+        QVERIFY(!rows.at(1)->hasFocus());
         rows.at(1)->setFocus();
         QVERIFY(holds(pictureOf(*rows.at(1), 4), Palette::focus));
     }

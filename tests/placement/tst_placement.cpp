@@ -294,6 +294,8 @@ private Q_SLOTS:
                 QVERIFY(holds(
                     rect.adjusted(-14, -14, 14, 14), cardOutline(edge, rect, 14, along).boundingRect()));
         }
+        const QPainterPath card = cardOutline(NotchEdge::Top, rect, 14, 50); // whose tip is round
+        QVERIFY(card.contains(QPointF(348.2, 187.5)) && card.contains(QPointF(351.8, 187.5)));
         const QPainterPath body = bodyOutline(NotchEdge::Top, rect); // its shoulders are a quarter circle
         QVERIFY(!body.contains(QPointF(312, 210)) && body.contains(QPointF(315, 210)));
     }

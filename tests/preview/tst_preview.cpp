@@ -56,127 +56,111 @@ class PreviewTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void isTheSameWhateverTheSurroundings();
-    void saysWhatItCannotDo();
-    void looksAsStored_data();
-    void looksAsStored();
-    void noticesWhatThePersonWouldNotice_data();
-    void noticesWhatThePersonWouldNotice();
+    void initTestCase()
+    {
+        m_drawn.setPath(m_temporary.filePath(u"drawn"_s));
+        QCOMPARE(draw(m_drawn.path()), QString());
+    }
+
+    void isTheSameWhateverTheSurroundings()
+    {
+        const QDir again(m_temporary.filePath(u"again"_s));
+        const QString nowhere = m_temporary.filePath(u"nowhere"_s);
+        const QString problem = draw(
+            again.path(),
+            {{u"HOME"_s, nowhere},
+             {u"XDG_CONFIG_HOME"_s, nowhere},
+             {u"LC_ALL"_s, u"ar_EG.UTF-8"_s},
+             {u"TZ"_s, u"Asia/Tokyo"_s},
+             {u"QT_SCALE_FACTOR"_s, u"3"_s},
+             {u"QT_QPA_PLATFORM"_s, u"xcb"_s},
+             {u"FONTCONFIG_FILE"_s, nowhere},
+             {u"DBUS_SESSION_BUS_ADDRESS"_s, u"unix:path=/nowhere"_s}});
+        QCOMPARE(problem, QString());
+        QCOMPARE(pictures(again), pictures(m_drawn));
+        for (const QString &name : pictures(again))
+            QVERIFY2(bytesOf(again.filePath(name)) == bytesOf(m_drawn.filePath(name)), qPrintable(name));
+        QVERIFY(!QFile::exists(nowhere));
+    }
+
+    void saysWhatItCannotDo()
+    {
+        QVERIFY(draw(u"/proc/self/cards"_s).contains("cannot make the folder /proc/self/cards"_L1));
+    }
+
+    void looksAsStored_data()
+    {
+        QTest::addColumn<QString>("name");
+        QStringList names = storedOnes(pictures(m_drawn)) + pictures(stored);
+        names.removeDuplicates();
+        QVERIFY(names.size() > 30);
+        for (const QString &name : std::as_const(names))
+            QTest::newRow(qPrintable(name)) << name;
+    }
+
+    void looksAsStored()
+    {
+        QFETCH(const QString, name);
+        const QImage before = storedPicture(name);
+        const QImage now(m_drawn.filePath(name));
+        const QImage twice(m_drawn.filePath(QString(name).replace(u".png"_s, u"@2x.png"_s)));
+        QCOMPARE(twice.size(), now.size() * 2);
+        const PictureComparison comparison(before, now);
+        if (!now.isNull() && before.text(u"Fonts"_s) != now.text(u"Fonts"_s) && !before.isNull())
+            QSKIP("the stored picture was drawn with other releases of the fonts");
+        if (comparison.isSame())
+            return;
+        QDir().mkpath(QStringLiteral(NUBBLE_DIFFERENCES));
+        const QString difference = QStringLiteral(NUBBLE_DIFFERENCES "/") + name;
+        comparison.shown().save(difference);
+        QFAIL(qPrintable(
+            name + u" is not as stored (see "_s + difference
+            + u"). When it is right as it is now: ./test --accept-pictures"));
+    }
+
+    void noticesWhatThePersonWouldNotice()
+    {
+        const QImage now(m_drawn.filePath(u"usage-ample.png"_s));
+        QVERIFY(!now.isNull());
+        const auto check = [&now](const char *what, bool isNoticed, const auto &change) {
+            QImage changed = now;
+            QPainter painter(&changed);
+            change(painter, now);
+            painter.end();
+            QVERIFY2(PictureComparison(now, changed).isSame() != isNoticed, what);
+        };
+        check("nothing", false, [](QPainter &, const QImage &) {});
+        check("a shade all over", false, [](QPainter &painter, const QImage &image) {
+            painter.fillRect(image.rect(), QColor(255, 255, 255, 2));
+        });
+        check("a single pixel", false, [](QPainter &painter, const QImage &) {
+            painter.fillRect(60, 60, 1, 1, QColor(80, 80, 80));
+        });
+        check("all of it two pixels lower", true, [](QPainter &painter, const QImage &image) {
+            painter.drawImage(0, 2, image);
+        });
+        check("a line of text one pixel to the right", true, [](QPainter &painter, const QImage &image) {
+            painter.drawImage(41, 40, image, 40, 40, 120, 14);
+        });
+        check("a thin faint line two pixels lower", true, [](QPainter &painter, const QImage &) {
+            painter.fillRect(60, 100, 100, 1, QColor(255, 255, 255, 20));
+            painter.fillRect(60, 102, 100, 1, QColor(19, 19, 21));
+        });
+        check("a dot", true, [](QPainter &painter, const QImage &) {
+            painter.fillRect(60, 60, 3, 3, QColor(200, 60, 60));
+        });
+        check("a green that is somewhat bluer", true, [](QPainter &painter, const QImage &image) {
+            for (int y = 0; y < image.height(); ++y)
+                for (int x = 0; x < image.width(); ++x)
+                    if (qGreen(image.pixel(x, y)) > 200 && qRed(image.pixel(x, y)) < 40)
+                        painter.fillRect(x, y, 1, 1, QColor(0, 255, 160));
+        });
+    }
 
 private:
     QTemporaryDir m_temporary;
     QDir m_drawn;
 };
-
-void PreviewTest::initTestCase()
-{
-    m_drawn.setPath(m_temporary.filePath(u"drawn"_s));
-    QCOMPARE(draw(m_drawn.path()), QString());
-}
-
-void PreviewTest::isTheSameWhateverTheSurroundings()
-{
-    const QDir again(m_temporary.filePath(u"again"_s));
-    const QString nowhere = m_temporary.filePath(u"nowhere"_s);
-    const QString problem = draw(
-        again.path(),
-        {{u"HOME"_s, nowhere},
-         {u"XDG_CONFIG_HOME"_s, nowhere},
-         {u"LC_ALL"_s, u"ar_EG.UTF-8"_s},
-         {u"TZ"_s, u"Asia/Tokyo"_s},
-         {u"QT_SCALE_FACTOR"_s, u"3"_s},
-         {u"QT_QPA_PLATFORM"_s, u"xcb"_s},
-         {u"FONTCONFIG_FILE"_s, nowhere},
-         {u"DBUS_SESSION_BUS_ADDRESS"_s, u"unix:path=/nowhere"_s}});
-    QCOMPARE(problem, QString());
-    QCOMPARE(pictures(again), pictures(m_drawn));
-    for (const QString &name : pictures(again))
-        QVERIFY2(bytesOf(again.filePath(name)) == bytesOf(m_drawn.filePath(name)), qPrintable(name));
-    QVERIFY(!QFile::exists(nowhere));
-}
-
-void PreviewTest::saysWhatItCannotDo()
-{
-    QVERIFY(draw(u"/proc/self/cards"_s).contains("cannot make the folder /proc/self/cards"_L1));
-}
-
-void PreviewTest::looksAsStored_data()
-{
-    QTest::addColumn<QString>("name");
-    QStringList names = storedOnes(pictures(m_drawn)) + pictures(stored);
-    names.removeDuplicates();
-    QVERIFY(names.size() > 30);
-    for (const QString &name : std::as_const(names))
-        QTest::newRow(qPrintable(name)) << name;
-}
-
-void PreviewTest::looksAsStored()
-{
-    QFETCH(const QString, name);
-    const QImage before = storedPicture(name);
-    const QImage now(m_drawn.filePath(name));
-    const QImage twice(m_drawn.filePath(QString(name).replace(u".png"_s, u"@2x.png"_s)));
-    QCOMPARE(twice.size(), now.size() * 2);
-    const PictureComparison comparison(before, now);
-    if (!now.isNull() && before.text(u"Fonts"_s) != now.text(u"Fonts"_s) && !before.isNull())
-        QSKIP("the stored picture was drawn with other releases of the fonts");
-    if (comparison.isSame())
-        return;
-    QDir().mkpath(QStringLiteral(NUBBLE_DIFFERENCES));
-    const QString difference = QStringLiteral(NUBBLE_DIFFERENCES "/") + name;
-    comparison.shown().save(difference);
-    QFAIL(qPrintable(
-        name + u" is not as stored (see "_s + difference
-        + u"). When it is right as it is now: ./test --accept-pictures"));
-}
-
-void PreviewTest::noticesWhatThePersonWouldNotice_data()
-{
-    using Change = std::function<void(QPainter &, const QImage &)>;
-    QTest::addColumn<Change>("change");
-    QTest::addColumn<bool>("isNoticed");
-    const auto add = [](const char *what, bool isNoticed, const Change &change) {
-        QTest::newRow(what) << change << isNoticed;
-    };
-    add("nothing", false, [](QPainter &, const QImage &) {});
-    add("a shade all over", false, [](QPainter &painter, const QImage &image) {
-        painter.fillRect(image.rect(), QColor(255, 255, 255, 2));
-    });
-    add("a single pixel", false,
-        [](QPainter &painter, const QImage &) { painter.fillRect(60, 60, 1, 1, QColor(80, 80, 80)); });
-    add("all of it two pixels lower", true,
-        [](QPainter &painter, const QImage &image) { painter.drawImage(0, 2, image); });
-    add("a line of text one pixel to the right", true,
-        [](QPainter &painter, const QImage &image) { painter.drawImage(41, 40, image, 40, 40, 120, 14); });
-    add("a thin faint line two pixels lower", true, [](QPainter &painter, const QImage &) {
-        painter.fillRect(60, 100, 100, 1, QColor(255, 255, 255, 20));
-        painter.fillRect(60, 102, 100, 1, QColor(19, 19, 21));
-    });
-    add("a dot", true,
-        [](QPainter &painter, const QImage &) { painter.fillRect(60, 60, 3, 3, QColor(200, 60, 60)); });
-    add("a green that is somewhat bluer", true, [](QPainter &painter, const QImage &image) {
-        for (int y = 0; y < image.height(); ++y)
-            for (int x = 0; x < image.width(); ++x)
-                if (qGreen(image.pixel(x, y)) > 200 && qRed(image.pixel(x, y)) < 40)
-                    painter.fillRect(x, y, 1, 1, QColor(0, 255, 160));
-    });
-}
-
-void PreviewTest::noticesWhatThePersonWouldNotice()
-{
-    QFETCH(const std::function<void(QPainter &, const QImage &)>, change);
-    QFETCH(const bool, isNoticed);
-    const QImage now(m_drawn.filePath(u"usage-ample.png"_s));
-    QVERIFY(!now.isNull());
-    QImage changed = now;
-    {
-        QPainter painter(&changed);
-        change(painter, now);
-    }
-    const PictureComparison comparison(now, changed);
-    QVERIFY2(comparison.isSame() != isNoticed, qPrintable(QString::number(comparison.distance())));
-}
 
 QTEST_MAIN(PreviewTest)
 #include "tst_preview.moc"

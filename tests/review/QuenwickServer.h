@@ -1,28 +1,17 @@
 #pragma once
 
 #include <QHash>
-#include <QTcpServer>
-#include <QTcpSocket>
 
 #include <functional>
+
+#include "support/HttpStandIn.h"
 
 namespace nubble {
 
 // Quenwick's interface, as a test has it answer. Keeps what it is asked: "METHOD PATH BODY".
-class QuenwickServer : public QTcpServer {
+class QuenwickServer : public HttpStandIn {
 public:
     using Script = std::function<void(QTcpSocket &)>;
-
-    QuenwickServer()
-    {
-        connect(this, &QTcpServer::newConnection, this, [this] {
-            QTcpSocket *socket = nextPendingConnection();
-            connect(socket, &QTcpSocket::readyRead, this, [this, socket] { read(*socket); });
-            connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-        });
-        if (!listen(QHostAddress::LocalHost))
-            qFatal("cannot listen");
-    }
 
     // What is done about requests for this path from now on; nothing, and for ever, where none is set.
     void on(const QByteArray &path, const Script &script) { m_scripts[path] = script; }
@@ -71,19 +60,11 @@ public:
     static void end(QTcpSocket &socket) { socket.disconnectFromHost(); }
 
 private:
-    void read(QTcpSocket &socket)
+    void take(
+        QTcpSocket &socket, const QByteArray &method, const QByteArray &path, const QByteArray &body) override
     {
-        const QByteArray all = socket.peek(socket.bytesAvailable());
-        const qsizetype head = all.indexOf("\r\n\r\n") + 4;
-        const QByteArray name = "Content-Length: ";
-        const qsizetype at = all.indexOf(name) + name.size();
-        const qsizetype size = at < name.size() ? 0 : all.mid(at, all.indexOf('\r', at) - at).toInt();
-        if (head < 4 || all.size() < head + size)
-            return;
-        socket.readAll();
-        const QList<QByteArray> words = all.first(all.indexOf('\r')).split(' ');
-        m_requests.append(words.at(0) + ' ' + words.at(1) + ' ' + all.sliced(head, size));
-        if (const Script script = m_scripts.value(words.at(1)))
+        m_requests.append(method + ' ' + path + ' ' + body);
+        if (const Script script = m_scripts.value(path))
             script(socket);
     }
 

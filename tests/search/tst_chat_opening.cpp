@@ -83,35 +83,25 @@ private Q_SLOTS:
         qputenv("ZDOTDIR", bytes(u"."_s));
     }
 
-    void aShellThatUnderstandsTheCommandIsTaken_data()
-    {
-        QTest::addColumn<QString>("zsh");
-        QTest::addColumn<QString>("login");
-        QTest::addColumn<QString>("taken");
-        for (const char *name : {"zsh", "fish", "tcsh", "bash"})
-            QTest::newRow(name) << u"none"_s << QString::fromLatin1(name) << QString::fromLatin1(name);
-        QTest::newRow("zsh first") << u"zsh"_s << u"fish"_s << u"zsh"_s;
-        for (const char *name : {"nologin", "nu", "missing/bash", "plain/bash", "folder/bash", "sp ace/bash"})
-            QTest::newRow(name) << u"none"_s << QString::fromLatin1(name) << QString();
-        QTest::newRow("too long") << u"none"_s << QString(u"d/"_s.repeated(50) + u"/bash"_s) << QString();
-        QTest::newRow("not absolute") << u"none"_s << u":bash"_s << QString();
-        QTest::newRow("none") << u"none"_s << QString() << QString();
-    }
     void aShellThatUnderstandsTheCommandIsTaken()
     {
-        QFETCH(QString, zsh);
-        QFETCH(QString, login);
-        QFETCH(QString, taken);
-        for (const QString &each :
-             {u"zsh"_s, u"fish"_s, u"tcsh"_s, u"bash"_s, u"nologin"_s, u"nu"_s, u"sp ace/bash"_s,
-              QString(u"d/"_s.repeated(50) + u"/bash"_s)})
+        const QStringList taken{u"zsh"_s, u"fish"_s, u"tcsh"_s, u"bash"_s};
+        const QStringList unfit{u"nologin"_s, u"nu"_s, u"sp ace/bash"_s, u"d/"_s.repeated(50) + u"/bash"_s};
+        for (const QString &each : taken + unfit)
             m_home->writeScript(each, "");
         m_home->write(u"plain/bash"_s, "");
         QDir().mkpath(m_home->path(u"folder/bash"_s));
-        const auto full = [this](const QString &name) {
-            return name.startsWith(u':') ? name.sliced(1) : name.isEmpty() ? name : m_home->path(name);
+        const auto chosen = [this](const QString &zsh, const QString &login) {
+            return resumeShell(m_home->path(zsh), m_home->path(login));
         };
-        QCOMPARE(resumeShell(full(zsh), full(login)), taken.isEmpty() ? u"/bin/sh"_s : full(taken));
+        for (const QString &each : taken) {
+            QCOMPARE(chosen(u"none"_s, each), m_home->path(each));
+            QCOMPARE(chosen(u"zsh"_s, each), m_home->path(u"zsh"_s));
+        }
+        for (const QString &each : unfit + QStringList{u"missing/bash"_s, u"plain/bash"_s, u"folder/bash"_s})
+            QCOMPARE(chosen(u"none"_s, each), u"/bin/sh"_s);
+        for (const QString &login : {u"bash"_s, QString()})
+            QCOMPARE(resumeShell(m_home->path(u"none"_s), login), u"/bin/sh"_s);
     }
 
     void theScriptGoesOnInALoginShell()
@@ -166,24 +156,23 @@ private Q_SLOTS:
     void aFolderThatIsNotOursAloneIsNotUsed_data()
     {
         QTest::addColumn<QByteArray>("prepare");
-        QTest::newRow("a file") << QByteArray("mkdir .nubble; touch .nubble/resume");
-        QTest::newRow("a file above") << QByteArray("touch .nubble");
-        QTest::newRow("a FIFO") << QByteArray("mkdir .nubble; mkfifo .nubble/resume");
-        QTest::newRow("a FIFO above") << QByteArray("mkfifo .nubble");
-        QTest::newRow("a link") << QByteArray(
-            "mkdir -p .nubble other; chmod 700 other; ln -s ../other .nubble/resume");
-        QTest::newRow("a loop") << QByteArray("ln -s .nubble .nubble");
-        QTest::newRow("a dangling link") << QByteArray("mkdir .nubble; ln -s nowhere .nubble/resume");
-        QTest::newRow("read by a group") << QByteArray("mkdir -p .nubble/resume; chmod 710 .nubble/resume");
-        QTest::newRow("read by all") << QByteArray("mkdir -p .nubble/resume; chmod 704 .nubble/resume");
-        if (::geteuid() == 0) {
-            const QByteArray make("mkdir -p .nubble/resume; chmod 700 .nubble/resume; chown 65534 .nubble");
-            QTest::newRow("somebody else's") << QByteArray(make + "/resume");
-            QTest::newRow("below somebody else's") << make;
-        } else {
-            QTest::newRow("unwritable") << QByteArray("mkdir -p .nubble/resume; chmod 500 .nubble/resume");
-        }
-        QTest::newRow("the disk is full") << QByteArray("full");
+        QByteArrayList rows{
+            "mkdir .nubble; touch .nubble/resume",
+            "touch .nubble",
+            "mkdir .nubble; mkfifo .nubble/resume",
+            "mkfifo .nubble",
+            "mkdir -p .nubble other; chmod 700 other; ln -s ../other .nubble/resume",
+            "ln -s .nubble .nubble",
+            "mkdir .nubble; ln -s nowhere .nubble/resume",
+            "full"};
+        const QByteArray make = "mkdir -p .nubble/resume; chmod 700 .nubble/resume; ";
+        rows += {make + "chmod 710 .nubble/resume", make + "chmod 704 .nubble/resume"};
+        if (::geteuid() == 0)
+            rows += {make + "chown 65534 .nubble/resume", make + "chown 65534 .nubble"};
+        else
+            rows += make + "chmod 500 .nubble/resume";
+        for (const QByteArray &prepare : rows)
+            QTest::newRow(prepare) << prepare;
     }
     void aFolderThatIsNotOursAloneIsNotUsed()
     {
@@ -208,41 +197,33 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(m_home->path(u"ran"_s)) && scripts().isEmpty());
     }
 
-    void linksAreChecked_data()
+    void linksAreChecked()
     {
-        QTest::addColumn<ChatHit>("hit");
-        QTest::addColumn<QString>("becomes");
-        const auto row = [](const char *name, const char *source, const std::array<const char *, 3> &links,
-                            const QString &becomes) {
-            ChatHit hit;
-            hit.source = QString::fromLatin1(source);
-            const std::array fields{&hit.resume, &hit.appUrl, &hit.url};
-            for (size_t i = 0; i < links.size(); ++i)
-                if (links.at(i))
-                    *fields.at(i) = QString::fromUtf8(links.at(i));
-            QTest::newRow(name) << hit << becomes;
-        };
+        const auto check =
+            [this](const char *source, const std::array<const char *, 3> &links, const QString &becomes) {
+                ChatHit hit;
+                hit.source = QString::fromLatin1(source);
+                const std::array fields{&hit.resume, &hit.appUrl, &hit.url};
+                for (size_t i = 0; i < links.size(); ++i)
+                    if (links.at(i))
+                        *fields.at(i) = QString::fromUtf8(links.at(i));
+                m_expectsNothing = becomes == u"nothing";
+                QCOMPARE(opened(hit), becomes);
+            };
         const QString refused = u"This link can't be opened."_s;
-        row("nothing", "chat", {}, u"nothing"_s);
-        row("only empty ones", "code", {"", "", ""}, u"nothing"_s);
-        row("a chat has no session", "chat", {"exit", nullptr, nullptr}, u"nothing"_s);
-        row("a session without a command", "code", {nullptr, nullptr, "https://a/b"}, u"https://a/b"_s);
-        row("the application first", "chat", {"exit", "claude://c/1", "https://a"}, u"claude://c/1"_s);
-        row("http", "chat", {nullptr, nullptr, "HTTP://A:80/?q=ü#f"}, u"http://a:80/?q=ü#f"_s);
-        row("no way round", "chat", {nullptr, "file:///etc/passwd", "https://a"}, refused);
+        check("chat", {}, u"nothing"_s);
+        check("code", {"", "", ""}, u"nothing"_s);
+        check("chat", {"exit", nullptr, nullptr}, u"nothing"_s);
+        check("code", {nullptr, nullptr, "https://a/b"}, u"https://a/b"_s);
+        check("chat", {"exit", "claude://c/1", "https://a"}, u"claude://c/1"_s);
+        check("chat", {nullptr, nullptr, "HTTP://A:80/?q=ü#f"}, u"http://a:80/?q=ü#f"_s);
+        check("chat", {nullptr, "file:///etc/passwd", "https://a"}, refused);
         for (const char *link :
              {"javascript:alert(1)", "data:text/html,x", "/bin/sh", "a", "https:", "https:///a", "http:a",
               "https://a b/", " https://a", "https://a\n", "-h", "claudette:x", "https://[::1", "://a"})
-            row(link, "chat", {nullptr, nullptr, link}, refused);
-        static const QByteArray huge = "https://a/" + QByteArray(1'000'000, 'a');
-        row("huge", "chat", {nullptr, nullptr, huge.constData()}, refused);
-    }
-    void linksAreChecked()
-    {
-        QFETCH(ChatHit, hit);
-        QFETCH(QString, becomes);
-        m_expectsNothing = becomes == u"nothing";
-        QCOMPARE(opened(hit), becomes);
+            check("chat", {nullptr, nullptr, link}, refused);
+        const QByteArray huge = "https://a/" + QByteArray(1'000'000, 'a');
+        check("chat", {nullptr, nullptr, huge.constData()}, refused);
         QVERIFY(!QFile::exists(m_home->path(u".nubble"_s))); // where nothing is resumed
     }
 

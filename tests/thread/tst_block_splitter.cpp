@@ -164,52 +164,47 @@ private Q_SLOTS:
         }
     }
 
-    void boundsEveryBlock_data()
+    void boundsEveryBlock()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("joined"); // what the parts together must be, if that is easily said
+        // `joined` is what the parts together must be, if that is easily said.
+        const auto check = [](const QString &text, const QString &joined = {}) {
+            BlockSplitter splitter;
+            splitter.read(text);
+            QString together;
+            for (const Block &block : splitter.blocks()) {
+                QVERIFY(block.length <= 4096 + 2048 && block.headLength <= 4096);
+                QVERIFY(block.depth <= 2 * BlockSplitter::deepest);
+                const bool isTable = block.kind == Block::Kind::Table;
+                const QStringView source = QStringView(text).sliced(block.start, block.length);
+                QVERIFY(source.count(u'\n') < (isTable ? 40 : 2048));
+                QVERIFY(source.isEmpty() || !source.front().isLowSurrogate());
+                together += QString(source.toString()).remove(u'\n');
+            }
+            if (!joined.isNull())
+                QVERIFY(together.trimmed() == joined.trimmed());
+            std::vector<Block> plain = plainBlocks(text);
+            QVERIFY(std::all_of(
+                plain.begin(), plain.end(), [](const Block &each) { return each.length <= 4096; }));
+            QCOMPARE(plain.back().end(), text.endsWith(u'\n') ? text.size() - 1 : text.size());
+        };
         const QString words = u"words without an end, "_s.repeated(2000);
         const QString letters = u"x😀"_s.repeated(20'000);
         QString code;
         for (int i = 0; i < 3000; ++i)
             code += u"line %1\n"_s.arg(i);
-        QTest::newRow("line") << words << words;
-        QTest::newRow("word") << letters << letters;
-        QTest::newRow("fence") << u"```\n"_s + code << code.chopped(1).remove(u'\n');
-        QTest::newRow("line in a fence") << u"```\n"_s + letters << letters;
-        QTest::newRow("empty lines in a fence") << u"```\n"_s + u"\n"_s.repeated(10'000) << u""_s;
-        QTest::newRow("item") << u"- "_s + words << words;
-        QTest::newRow("heading") << u"# "_s + words << QString();
-        QTest::newRow("table") << u"|a|b|\n|-|-|\n"_s + u"|c|d|\n"_s.repeated(5000) << QString();
-        QTest::newRow("header") << u"a|"_s + words + u"\n-|-\n1|2"_s << QString();
-        QTest::newRow("columns") << u"|"_s.repeated(400) + u"\n"_s + u"|-"_s.repeated(399) + u"|\n|1|\n"_s
-                                 << QString();
-        QTest::newRow("quotes") << u">"_s.repeated(100'000) << QString();
-        QTest::newRow("markers") << u"+ "_s.repeated(20'000) << QString();
-        QTest::newRow("spaces") << u" "_s.repeated(100'000) << QString();
-    }
-    void boundsEveryBlock()
-    {
-        QFETCH(const QString, text);
-        QFETCH(const QString, joined);
-        BlockSplitter splitter;
-        splitter.read(text);
-        QString together;
-        for (const Block &block : splitter.blocks()) {
-            QVERIFY(block.length <= 4096 + 2048 && block.headLength <= 4096);
-            QVERIFY(block.depth <= 2 * BlockSplitter::deepest);
-            const bool isTable = block.kind == Block::Kind::Table;
-            const QStringView source = QStringView(text).sliced(block.start, block.length);
-            QVERIFY(source.count(u'\n') < (isTable ? 40 : 2048));
-            QVERIFY(source.isEmpty() || !source.front().isLowSurrogate());
-            together += QString(source.toString()).remove(u'\n');
-        }
-        if (!joined.isNull())
-            QVERIFY(together.trimmed() == joined.trimmed());
-        std::vector<Block> plain = plainBlocks(text);
-        QVERIFY(
-            std::all_of(plain.begin(), plain.end(), [](const Block &each) { return each.length <= 4096; }));
-        QCOMPARE(plain.back().end(), text.endsWith(u'\n') ? text.size() - 1 : text.size());
+        check(words, words);
+        check(letters, letters);
+        check(u"```\n"_s + code, code.chopped(1).remove(u'\n'));
+        check(u"```\n"_s + letters, letters);
+        check(u"```\n"_s + u"\n"_s.repeated(10'000), u""_s);
+        check(u"- "_s + words, words);
+        check(u"# "_s + words);
+        check(u"|a|b|\n|-|-|\n"_s + u"|c|d|\n"_s.repeated(5000));
+        check(u"a|"_s + words + u"\n-|-\n1|2"_s);
+        check(u"|"_s.repeated(400) + u"\n"_s + u"|-"_s.repeated(399) + u"|\n|1|\n"_s);
+        check(u">"_s.repeated(100'000));
+        check(u"+ "_s.repeated(20'000));
+        check(u" "_s.repeated(100'000));
     }
 
     void looksAtEachLineOnce()

@@ -87,6 +87,7 @@ private Q_SLOTS:
         own.ensurePolished();
         const auto height = [&own](int row) { return own.actionGeometry(own.actions().at(row)).height(); };
         QVERIFY(height(0) > height(1) + 8);
+        QVERIFY(std::abs(height(1) - own.fontMetrics().height() - 10) <= 1); // padding above and below
         const int width = own.sizeHint().width();
         own.setEntries({plain});
         QVERIFY(width <= own.sizeHint().width()); // one below the other, and the second is smaller

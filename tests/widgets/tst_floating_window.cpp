@@ -56,12 +56,8 @@ private Q_SLOTS:
         const auto makeContent = [this] {
             return m_content ? qFatal("made twice"), nullptr : m_content = new Content;
         };
-        const auto makeSurface = [this](QWidget &window) {
-            auto surface = std::make_unique<FakeFloatingSurface>(window);
-            m_surface = surface.get();
-            return surface;
-        };
-        m_window = std::make_unique<FloatingWindow>(u"Title"_s, makeContent, makeSurface);
+        m_window = std::make_unique<FloatingWindow>(
+            u"Title"_s, makeContent, FakeFloatingSurface::factory(m_surface));
     }
     void cleanup() { m_window.reset(); }
 
