@@ -161,7 +161,7 @@ void PanelWindow::showGeometry()
 {
     m_surface->setOpacity(m_turn.presence());
     m_view->setGeometryOnScreen(
-        m_geometry->moved(stepTowards(m_geometry->edge) * (m_turn.distance() * m_geometry->unit)));
+        m_geometry->moved(QPointF(stepTowards(m_geometry->edge)) * (m_turn.distance() * m_geometry->unit)));
 }
 
 // What closes may still be seen for a while.
