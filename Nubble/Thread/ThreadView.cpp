@@ -2,7 +2,6 @@
 
 #include <QGuiApplication>
 #include <QHelpEvent>
-#include <QMenu>
 #include <QPainter>
 #include <QWheelEvent>
 
@@ -15,6 +14,8 @@
 #include "Thread/ThreadKeys.h"
 #include "Thread/ThreadMouse.h"
 #include "Thread/ThreadScene.h"
+#include "Widgets/ContextMenu.h"
+#include "Widgets/MenuEntry.h"
 #include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
 #include "Widgets/ScrollFade.h"
@@ -353,17 +354,19 @@ void ThreadView::contextMenuEvent(QContextMenuEvent *event)
     const bool isMouse = event->reason() == QContextMenuEvent::Mouse;
     const auto target = isMouse ? m_scene->targetAt(event->pos()) : m_scene->focused();
     const QUrl url = target ? ThreadTargets::url(m_scene->layout(), *target) : QUrl();
-    auto *menu = new QMenu(this); // may be open when the view goes
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    QAction *copy =
-        menu->addAction(u"Copy"_s, this, [this] { m_scene->copySelection(QClipboard::Clipboard); });
-    copy->setEnabled(!m_scene->selection().isEmpty());
+    QList<MenuEntry> entries{
+        {.title = u"Copy"_s,
+         .action = [this] { m_scene->copySelection(QClipboard::Clipboard); },
+         .enabled = !m_scene->selection().isEmpty(),
+         .shortcut = QKeySequence::Copy},
+        {.title = u"Select All"_s,
+         .action = [this] { m_scene->selectAll(); },
+         .shortcut = QKeySequence::SelectAll}};
     if (!url.isEmpty())
-        menu->addAction(u"Copy Link"_s, this, [url] {
-            QGuiApplication::clipboard()->setText(url.toString(QUrl::FullyEncoded));
-        });
-    menu->addAction(u"Select All"_s, m_scene, &ThreadScene::selectAll);
-    menu->popup(event->globalPos());
+        entries.insert(1, {.title = u"Copy Link"_s, .action = [url] {
+                               QGuiApplication::clipboard()->setText(url.toString(QUrl::FullyEncoded));
+                           }});
+    openContextMenu(*this, event->globalPos(), entries);
 }
 
 void ThreadView::scrollContentsBy(int, int)

@@ -6,7 +6,7 @@
 #include <cmath>
 
 #include "Tray/Mark.h"
-#include "Tray/Menu.h"
+#include "Widgets/Menu.h"
 
 using namespace Qt::StringLiterals;
 using namespace nubble;
