@@ -63,6 +63,7 @@ ThreadView::ThreadView(QWidget *parent)
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn); // the text's width does not depend on its height
     setVerticalScrollBar(new SlimScrollBar);
+    setViewportMargins(0, 0, -barWidth(), 0); // it lies over the text's margin
     verticalScrollBar()->setSingleStep(20);
     viewport()->setAutoFillBackground(false);
     viewport()->setMouseTracking(true);
@@ -216,11 +217,16 @@ void ThreadView::showChange(int y)
     viewport()->update(QRect(0, y, viewport()->width(), viewport()->height() - y));
 }
 
+int ThreadView::barWidth() const
+{
+    return verticalScrollBar()->sizeHint().width();
+}
+
 void ThreadView::placeJump()
 {
     const QSize size = m_jump->size();
     m_jump->move(
-        viewport()->geometry().right() - size.width() - 6,
+        viewport()->geometry().right() - size.width() - barWidth() - 3,
         viewport()->geometry().bottom() - size.height() - 8);
     m_jump->setVisible(m_scene->isLive() && !m_scene->layout().follows());
     m_jump->raise(); // above what fades
@@ -260,7 +266,7 @@ void ThreadView::paintEvent(QPaintEvent *event)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(Palette::focus, 1.5));
     painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(QRectF(viewport()->rect()).adjusted(2, 2, -2, -2), 8, 8);
+    painter.drawRoundedRect(QRectF(viewport()->rect()).adjusted(2, 2, -barWidth(), -2), 8, 8);
 }
 
 void ThreadView::resizeEvent(QResizeEvent *)

@@ -79,6 +79,7 @@ private:
     void showChange(int y);
     void placeFooter();
     void placeJump();
+    [[nodiscard]] int barWidth() const;
 
     ThreadScene *m_scene;
     ThreadMouse *m_mouse;

@@ -65,7 +65,8 @@ private:
     {
         for (const auto *each : m_surface->window.findChild<ScreenChip *>()->findChildren<QWidget *>())
             if (each->isWindow() && each->isVisible())
-                return each->screen()->availableGeometry().contains(each->geometry());
+                return each->screen()->availableGeometry().contains(
+                    each->contentsRect().translated(each->pos()));
         return false;
     }
     void comeToChip()
