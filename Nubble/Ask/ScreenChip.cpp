@@ -6,7 +6,6 @@
 #include <QScreen>
 
 #include "Ask/AskTexts.h"
-#include "Placement/PanelShapes.h"
 #include "Placement/WindowPlacement.h"
 #include "Widgets/CardFrame.h"
 #include "Widgets/FloatingFrame.h"
@@ -26,7 +25,8 @@ constexpr double radius = 8;
 constexpr int padding = 5;
 constexpr QSize pictureSize(28, 18);
 constexpr QSize previewSize(384, 384);
-constexpr QMargins previewMargins{6, 6, 6, 6}; // between the picture and its card's rim
+constexpr QMargins previewShadow{12, 12, 12, 12}; // the room for it, which ends where the chip begins
+constexpr QMargins previewMargins{6, 6, 6, 6};    // between the picture and its card's rim
 constexpr double previewRadius = 12;
 
 void drawRounded(QPainter &painter, const QRectF &rect, double corner, const QImage &picture)
@@ -57,11 +57,11 @@ public:
         setAttribute(Qt::WA_ShowWithoutActivating);
         setAttribute(Qt::WA_DeleteOnClose);
         setAttribute(Qt::WA_TranslucentBackground);
-        setContentsMargins(cardShadowRoom);
+        setContentsMargins(previewShadow);
         const QSize size = picture.size().scaled(previewSize, Qt::KeepAspectRatio).expandedTo({1, 1});
         m_picture =
             picture.scaled(size * devicePixelRatioF(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-        resize(size.grownBy(previewMargins).grownBy(cardShadowRoom));
+        resize(size.grownBy(previewMargins).grownBy(previewShadow));
         if (!m_translucent)
             setMask(QRegion(frame().outline.toFillPolygon().toPolygon()));
     }
@@ -78,6 +78,7 @@ private:
     [[nodiscard]] CardFrame frame() const
     {
         CardFrame frame = CardFrame::rounded(contentsRect());
+        frame.shadow = toolTipShadow;
         frame.isOpaque = true;
         return frame;
     }
@@ -149,12 +150,11 @@ void ScreenChip::enterEvent(QEnterEvent *)
     if (m_picture.isNull() || m_preview)
         return;
     m_preview = new PicturePreview(QImage::fromData(m_jpeg), this);
-    constexpr int gap = 8;
     const QRect chip(mapToGlobal(QPoint()), size());
     const QRect card = placeToolTip(
-        chip.adjusted(0, -gap, 0, gap), m_preview->contentsRect().size(), screen()->availableGeometry(),
+        chip.marginsAdded(previewShadow), m_preview->contentsRect().size(), screen()->availableGeometry(),
         Qt::BottomEdge);
-    m_preview->setGeometry(card.marginsAdded(cardShadowRoom));
+    m_preview->setGeometry(card.marginsAdded(previewShadow));
     m_preview->show();
 }
 

@@ -27,7 +27,7 @@ void openContextMenu(QWidget &control, const QPoint &position, const QList<MenuE
 void openContextMenu(QWidget &field, const QPoint &position, QMenu *standard)
 {
     Menu &menu = menuOver(field);
-    standard->setParent(&menu); // its actions go with it
+    standard->setParent(&menu, Qt::Popup); // its actions go with it
     menu.addActions(standard->actions());
     menu.openAt(position);
 }
