@@ -54,7 +54,7 @@ void ReplyFooter::show(bool awaits, const std::optional<QString> &problem)
 // With the entries of the toolkit's own, which cannot be asked for.
 void ReplyFooter::openMenu(const QPoint &point)
 {
-    const QString selected = m_problem->selectedText();
+    const QString selected = m_problem->selectedText().remove(u'\u200b'); // where it may be broken
     openContextMenu(
         *m_problem, m_problem->mapToGlobal(point),
         {{.title = u"Copy"_s,

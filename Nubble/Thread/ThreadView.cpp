@@ -49,11 +49,30 @@ protected:
     }
 };
 
+// Around all of it, above what fades.
+class FocusRing : public QWidget {
+public:
+    explicit FocusRing(QWidget *parent) : QWidget(parent)
+    {
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        hide();
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(Palette::focus, 1.5));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(2, 2, -2, -2), 8, 8);
+    }
+};
+
 } // namespace
 
 ThreadView::ThreadView(QWidget *parent)
     : QAbstractScrollArea(parent), m_scene(new ThreadScene(this)), m_mouse(new ThreadMouse(*m_scene)),
-      m_jump(new JumpButton(this))
+      m_jump(new JumpButton(this)), m_ring(new FocusRing(this))
 {
     m_mouse->setParent(this);
     installThreadAccessibility();
@@ -70,6 +89,7 @@ ThreadView::ThreadView(QWidget *parent)
     ScrollFade::addTo(this);
     m_jump->resize(m_jump->sizeHint());
     m_jump->hide();
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &ThreadView::placeJump); // after the fades
     connect(m_jump, &QAbstractButton::clicked, this, &ThreadView::scrollToEnd);
     m_frame.setSingleShot(true);
     m_frame.setTimerType(Qt::PreciseTimer);
@@ -84,7 +104,7 @@ void ThreadView::connectScene()
     connect(m_scene, &ThreadScene::changed, this, &ThreadView::showChange);
     connect(m_scene, &ThreadScene::linkActivated, this, &ThreadView::linkActivated);
     connect(m_scene, &ThreadScene::focusChanged, this, [this] {
-        m_showsFocus = false; // what has it shows it
+        m_ring->hide(); // what has it shows it
         tellFocus(*this);
     });
 }
@@ -229,7 +249,8 @@ void ThreadView::placeJump()
         viewport()->geometry().right() - size.width() - barWidth() - 3,
         viewport()->geometry().bottom() - size.height() - 8);
     m_jump->setVisible(m_scene->isLive() && !m_scene->layout().follows());
-    m_jump->raise(); // above what fades
+    m_ring->raise(); // above what fades
+    m_jump->raise();
 }
 
 bool ThreadView::viewportEvent(QEvent *event)
@@ -261,17 +282,12 @@ void ThreadView::paintEvent(QPaintEvent *event)
     QPainter painter(viewport());
     painter.setClipRegion(event->region());
     m_scene->paint(painter, event->rect());
-    if (!m_showsFocus)
-        return;
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(Palette::focus, 1.5));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(QRectF(viewport()->rect()).adjusted(2, 2, -barWidth(), -2), 8, 8);
 }
 
 void ThreadView::resizeEvent(QResizeEvent *)
 {
     m_scene->resize(viewport()->size());
+    m_ring->setGeometry(viewport()->geometry().adjusted(0, 0, 2 - barWidth(), 0));
     placeFooter();
 }
 
@@ -332,20 +348,18 @@ void ThreadView::keyPressEvent(QKeyEvent *event)
 void ThreadView::focusInEvent(QFocusEvent *event)
 {
     QAbstractScrollArea::focusInEvent(event);
-    m_showsFocus = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    m_ring->setVisible(event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason);
     if (event->reason() == Qt::BacktabFocusReason && !m_scene->layout().shown().empty())
         m_scene->focus(ThreadTargets::from(
             m_scene->rows(), m_scene->layout(), m_scene->layout().shown().back().row, -1));
-    viewport()->update();
 }
 
 void ThreadView::focusOutEvent(QFocusEvent *event)
 {
     QAbstractScrollArea::focusOutEvent(event);
-    m_showsFocus = false;
+    m_ring->hide();
     if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason)
         m_scene->focus(std::nullopt);
-    viewport()->update();
 }
 
 bool ThreadView::focusNextPrevChild(bool next)

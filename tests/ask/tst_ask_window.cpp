@@ -1,5 +1,6 @@
 #include <QAbstractButton>
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QScreen>
@@ -12,10 +13,12 @@
 #include "Ask/AskTexts.h"
 #include "Ask/AskWindow.h"
 #include "Ask/Composer.h"
+#include "Ask/ReplyFooter.h"
 #include "Ask/ScreenChip.h"
 #include "Ask/ThinkingDots.h"
 #include "Thread/ThreadScene.h"
 #include "Thread/ThreadView.h"
+#include "Widgets/Menu.h"
 #include "ask/ClaudeStandIn.h"
 #include "support/FakeDesktopPreferences.h"
 #include "support/FakeFloatingSurface.h"
@@ -63,8 +66,11 @@ private:
     // Whether the whole picture is, once the pointer has come to the small one.
     [[nodiscard]] bool isPreviewed() const
     {
-        for (const auto *each : m_surface->window.findChild<ScreenChip *>()->findChildren<QWidget *>())
-            if (each->isWindow() && each->isVisible())
+        const auto *chip = m_surface->window.findChild<ScreenChip *>();
+        const QRect place(chip->mapToGlobal(QPoint()), chip->size());
+        for (const auto *each : chip->findChildren<QWidget *>())
+            if (each->isWindow() && each->isVisible() && !each->geometry().intersects(place)
+                && each->mask().isEmpty() == m_surface->translucent)
                 return each->screen()->availableGeometry().contains(
                     each->contentsRect().translated(each->pos()));
         return false;
@@ -197,6 +203,7 @@ private Q_SLOTS:
         QVERIFY(!isPreviewed());
         untilSeen();
         QCOMPARE(chip(), u"Your screen"_s);
+        m_surface->setTranslucent(true);
         m_surface->window.move(100, -450); // no room above the chip
         comeToChip();
         QEvent leave(QEvent::Leave);
@@ -317,6 +324,15 @@ private Q_SLOTS:
             return false;
         };
         QTRY_VERIFY(problem());
+        for (const Qt::Key last : {Qt::Key_Up, Qt::Key_Down}) { // selects all, copies
+            QContextMenuEvent menu(QContextMenuEvent::Mouse, {5, 5}, {50, 50});
+            auto *footer = m_surface->window.findChild<ReplyFooter *>();
+            QCoreApplication::sendEvent(footer->findChild<QLabel *>(), &menu);
+            QTest::keyClick(footer->findChild<Menu *>(), last);
+            QTest::keyClick(footer->findChild<Menu *>(), Qt::Key_Return);
+            QTRY_VERIFY(!footer->findChild<Menu *>());
+        }
+        QCOMPARE(QGuiApplication::clipboard()->text(), u"It is broken. "_s + QString(99, u'x'));
         QVERIFY(rows.messageCount() == 3 && !rows.message(2).isFinished); // the question
         click(u"New conversation"_s);
         untilSeen();
