@@ -287,6 +287,9 @@ private Q_SLOTS:
         const std::clock_t start = std::clock();
         field()->paste();
         QVERIFY2((std::clock() - start) / CLOCKS_PER_SEC < 3, "by the square it is 10 s");
+        QContextMenuEvent menu(QContextMenuEvent::Keyboard, {}, {50, 50});
+        QCoreApplication::sendEvent(field(), &menu);
+        QVERIFY(field()->findChild<Menu *>());
         QCOMPARE(field()->toPlainText().size(), 300'002);
     }
 
@@ -306,8 +309,12 @@ private Q_SLOTS:
         m_preferences.setReducedMotion(false);
         QVERIFY(!areAlike(dots->grab().toImage()));
         QTRY_VERIFY(said().last() == u"part" && !dots->isVisible());
-        const ThreadRows &rows = m_surface->window.findChild<ThreadView *>()->scene().rows();
+        auto *thread = m_surface->window.findChild<ThreadView *>();
+        const ThreadRows &rows = thread->scene().rows();
         QVERIFY(!rows.message(1).isFinished);
+        const double rim = m_surface->outline.boundingRect().left(); // has a line
+        QVERIFY(thread->mapTo(&m_surface->window, QPoint()).x() > rim);
+        QCOMPARE(thread->viewport()->width(), thread->width()); // the bar lies over it
         type(u"draft"_s);
         press(Qt::Key_Return);
         click(u"Stop"_s);

@@ -463,6 +463,8 @@ private Q_SLOTS:
         untilAnswered();
         QVERIFY(says(u"yarnbin isn't installed — the `yarnbin` command wasn't found"_s));
         QVERIFY(!says(u"teh"_s) && m_opened.isEmpty());
+        QTest::keyClicks(line(), u"x"_s);
+        QVERIFY(!says(u"yarnbin isn't installed — the `yarnbin` command wasn't found"_s));
     }
 };
 
