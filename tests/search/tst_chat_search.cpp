@@ -149,7 +149,7 @@ private Q_SLOTS:
         m_search->setQuery(u"t"_s);
         QVERIFY(!m_search->problem());
         untilAnswered();
-        QVERIFY(!m_search->problem() && m_search->hasAnswered());
+        QVERIFY(m_search->hasAnswered());
     }
 
     void onlyTheNewestSearchCountsAndOthersAreEnded()

@@ -1,5 +1,4 @@
 #include <QAbstractButton>
-#include <QApplication>
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QCoreApplication>
@@ -382,8 +381,8 @@ private Q_SLOTS:
         open();
         QContextMenuEvent menu(QContextMenuEvent::Keyboard, {}, {50, 50});
         QCoreApplication::sendEvent(line(), &menu);
+        QVERIFY(line()->findChild<Menu *>());
         QTest::keyClick(line()->findChild<Menu *>(), Qt::Key_Escape);
-        QVERIFY(m_window->isOpen() && QApplication::activePopupWidget() == nullptr);
         QTRY_VERIFY(button(u"Work"_s));
         button(u"Work"_s)->click();
         untilAnswered();
@@ -461,10 +460,10 @@ private Q_SLOTS:
         m_tool->remove();
         QTest::keyClicks(line(), u"x"_s);
         untilAnswered();
-        QVERIFY(says(u"yarnbin isn't installed — the `yarnbin` command wasn't found"_s));
-        QVERIFY(!says(u"teh"_s) && m_opened.isEmpty());
+        const QString problem = u"yarnbin isn't installed — the `yarnbin` command wasn't found"_s;
+        QVERIFY(says(problem) && !says(u"teh"_s) && m_opened.isEmpty());
         QTest::keyClicks(line(), u"x"_s);
-        QVERIFY(!says(u"yarnbin isn't installed — the `yarnbin` command wasn't found"_s));
+        QVERIFY(!says(problem));
     }
 };
 

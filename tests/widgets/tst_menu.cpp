@@ -1,5 +1,5 @@
 #include <QLineEdit>
-#include <QPlainTextEdit>
+#include <QPointer>
 #include <QTest>
 
 #include "Widgets/ContextMenu.h"
