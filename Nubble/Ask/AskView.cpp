@@ -30,6 +30,7 @@ namespace {
 
 constexpr int margin = 14;
 constexpr int headerButton = 24;
+constexpr int rim = 2; // what fades does not cover the window's line
 
 ThreadMessage shown(const AskMessage &message)
 {
@@ -55,7 +56,10 @@ AskView::AskView(AskClaude &ask, const DesktopPreferences &preferences, QWidget 
     layout->setContentsMargins(0, margin - 4, 0, 0);
     layout->setSpacing(8);
     layout->addWidget(m_header);
-    layout->addLayout(m_stack, 1);
+    auto *within = new QVBoxLayout;
+    within->setContentsMargins(rim, 0, rim, 0);
+    within->addLayout(m_stack);
+    layout->addLayout(within, 1);
     auto *foot = new QVBoxLayout;
     foot->setContentsMargins(margin, 0, margin, margin);
     foot->addWidget(m_composer);
@@ -76,7 +80,7 @@ QWidget *AskView::makeHeader()
     auto *header = new CardHeader(u"Ask Claude"_s, this);
     constexpr int fromRim = 12; // of the last button
     header->setContentsMargins(
-        RowBoxes::side, 0, fromRim - (CardMetrics::headerHeight - headerButton) / 2, 0);
+        rim + RowBoxes::side, 0, fromRim - (CardMetrics::headerHeight - headerButton) / 2, 0);
     const auto add = [header, this](const QString &symbol, const QString &help, auto wanted) {
         auto *button = new NotchButton(symbol, help);
         button->setSide(headerButton);

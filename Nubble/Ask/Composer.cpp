@@ -1,5 +1,6 @@
 #include "Ask/Composer.h"
 
+#include <QContextMenuEvent>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QMimeData>
@@ -10,6 +11,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "Widgets/ContextMenu.h"
 #include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
 #include "Widgets/SlimScrollBar.h"
@@ -44,6 +46,10 @@ public:
     using QPlainTextEdit::QPlainTextEdit;
 
 protected:
+    void contextMenuEvent(QContextMenuEvent *event) override
+    {
+        openContextMenu(*this, event->globalPos(), createStandardContextMenu());
+    }
     void insertFromMimeData(const QMimeData *source) override
     {
         if (wrapModeFor(source->text()) == QTextOption::WrapAnywhere)

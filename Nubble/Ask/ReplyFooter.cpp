@@ -1,11 +1,15 @@
 #include "Ask/ReplyFooter.h"
 
 #include <QAccessible>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QVBoxLayout>
 
 #include "Ask/ThinkingDots.h"
 #include "Widgets/CardMetrics.h"
+#include "Widgets/ContextMenu.h"
+#include "Widgets/MenuEntry.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Typography.h"
 
@@ -24,6 +28,8 @@ ReplyFooter::ReplyFooter(QWidget *parent) : QWidget(parent), m_dots(new Thinking
     colours.setColor(QPalette::Text, Palette::problem); // as its text can be selected
     colours.setColor(QPalette::Highlight, Palette::selection);
     m_problem->setPalette(colours);
+    m_problem->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(m_problem, &QWidget::customContextMenuRequested, this, &ReplyFooter::openMenu);
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
@@ -43,6 +49,21 @@ void ReplyFooter::show(bool awaits, const std::optional<QString> &problem)
         QAccessibleEvent alert(m_problem, QAccessible::Alert);
         QAccessible::updateAccessibility(&alert);
     }
+}
+
+// With the entries of the toolkit's own, which cannot be asked for.
+void ReplyFooter::openMenu(const QPoint &point)
+{
+    const QString selected = m_problem->selectedText().remove(u'\u200b'); // where it may be broken
+    openContextMenu(
+        *m_problem, m_problem->mapToGlobal(point),
+        {{.title = u"Copy"_s,
+          .action = [selected] { QGuiApplication::clipboard()->setText(selected); },
+          .enabled = !selected.isEmpty(),
+          .shortcut = QKeySequence::Copy},
+         {.title = u"Select All"_s,
+          .action = [this] { m_problem->setSelection(0, static_cast<int>(m_problem->text().size())); },
+          .shortcut = QKeySequence::SelectAll}});
 }
 
 void ReplyFooter::setMotionReduced(bool reduced)

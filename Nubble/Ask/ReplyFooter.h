@@ -21,6 +21,8 @@ public:
     void setMotionReduced(bool reduced);
 
 private:
+    void openMenu(const QPoint &point); // about the problem
+
     ThinkingDots *m_dots;
     QLabel *m_problem;
 };

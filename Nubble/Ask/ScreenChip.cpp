@@ -7,6 +7,8 @@
 
 #include "Ask/AskTexts.h"
 #include "Placement/WindowPlacement.h"
+#include "Widgets/CardFrame.h"
+#include "Widgets/FloatingFrame.h"
 #include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Symbols.h"
@@ -23,6 +25,9 @@ constexpr double radius = 8;
 constexpr int padding = 5;
 constexpr QSize pictureSize(28, 18);
 constexpr QSize previewSize(384, 384);
+constexpr QMargins previewShadow{12, 12, 12, 12}; // the room for it, which ends where the chip begins
+constexpr QMargins previewMargins{6, 6, 6, 6};    // between the picture and its card's rim
+constexpr double previewRadius = 12;
 
 void drawRounded(QPainter &painter, const QRectF &rect, double corner, const QImage &picture)
 {
@@ -42,30 +47,43 @@ void drawRounded(QPainter &painter, const QRectF &rect, double corner, const QIm
     painter.restore();
 }
 
-// The picture alone, above the chip and never in the pointer's way.
+// The picture alone on a card, above the chip and never in the pointer's way. Its shadow is around it.
 class PicturePreview : public QWidget {
 public:
-    PicturePreview(const QImage &picture, QWidget *parent)
-        : QWidget(parent, Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowTransparentForInput)
+    PicturePreview(const QImage &picture, QWidget *chip)
+        : QWidget(chip, Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowTransparentForInput),
+          m_translucent(FloatingFrame::isTranslucentOver(*chip))
     {
         setAttribute(Qt::WA_ShowWithoutActivating);
         setAttribute(Qt::WA_DeleteOnClose);
-        const QSize size = picture.size().scaled(previewSize, Qt::KeepAspectRatio);
+        setAttribute(Qt::WA_TranslucentBackground);
+        setContentsMargins(previewShadow);
+        const QSize size = picture.size().scaled(previewSize, Qt::KeepAspectRatio).expandedTo({1, 1});
         m_picture =
             picture.scaled(size * devicePixelRatioF(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-        resize(size.expandedTo({1, 1}));
+        resize(size.grownBy(previewMargins).grownBy(previewShadow));
+        if (!m_translucent)
+            setMask(QRegion(frame().outline.toFillPolygon().toPolygon()));
     }
 
 protected:
     void paintEvent(QPaintEvent *) override
     {
         QPainter painter(this);
-        painter.drawImage(rect(), m_picture);
-        painter.setPen(QPen(Palette::ringTrack, 1));
-        painter.drawRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5));
+        painter.drawPixmap(0, 0, frame().drawn(size(), devicePixelRatioF(), m_translucent));
+        drawRounded(painter, contentsRect().marginsRemoved(previewMargins), previewRadius, m_picture);
     }
 
 private:
+    [[nodiscard]] CardFrame frame() const
+    {
+        CardFrame frame = CardFrame::rounded(contentsRect());
+        frame.shadow = toolTipShadow;
+        frame.isOpaque = true;
+        return frame;
+    }
+
+    const bool m_translucent;
     QImage m_picture;
 };
 
@@ -132,10 +150,11 @@ void ScreenChip::enterEvent(QEnterEvent *)
     if (m_picture.isNull() || m_preview)
         return;
     m_preview = new PicturePreview(QImage::fromData(m_jpeg), this);
-    constexpr int gap = 8;
     const QRect chip(mapToGlobal(QPoint()), size());
-    m_preview->setGeometry(placeToolTip(
-        chip.adjusted(0, -gap, 0, gap), m_preview->size(), screen()->availableGeometry(), Qt::BottomEdge));
+    const QRect card = placeToolTip(
+        chip.marginsAdded(previewShadow), m_preview->contentsRect().size(), screen()->availableGeometry(),
+        Qt::BottomEdge);
+    m_preview->setGeometry(card.marginsAdded(previewShadow));
     m_preview->show();
 }
 

@@ -4,7 +4,7 @@
 
 #include "Placement/NotchEdge.h"
 #include "Shell/Addon.h"
-#include "Tray/MenuEntry.h"
+#include "Widgets/MenuEntry.h"
 
 namespace nubble {
 

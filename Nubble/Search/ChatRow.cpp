@@ -20,7 +20,7 @@ namespace nubble {
 namespace {
 
 constexpr int inset = 8; // of the highlight from the list's edges
-constexpr int padding = 12;
+constexpr int padding = 10;
 constexpr double iconSide = 15;
 constexpr int buttonSide = 26;
 constexpr qsizetype before = 40; // characters of a snippet that stand before its first match

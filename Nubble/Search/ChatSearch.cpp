@@ -56,6 +56,7 @@ void ChatSearch::setQuery(const QString &query)
         return;
     m_query = query;
     Q_EMIT queryChanged();
+    forgetProblem();
     schedule(false);
 }
 
@@ -65,7 +66,18 @@ void ChatSearch::setCategory(const std::optional<QString> &category)
         return;
     m_category = category;
     Q_EMIT categoryChanged();
+    forgetProblem();
     schedule(true);
+}
+
+// It was another search's, about whose results nothing is known either.
+void ChatSearch::forgetProblem()
+{
+    if (!m_problem)
+        return;
+    m_problem.reset();
+    m_answered = false;
+    Q_EMIT answered();
 }
 
 void ChatSearch::schedule(bool immediately)

@@ -38,7 +38,7 @@ public:
     [[nodiscard]] const std::optional<QString> &problem() const { return m_problem; }
     [[nodiscard]] qsizetype selection() const { return m_selection; }        // in the results
     [[nodiscard]] const QStringList &words() const { return m_words; }       // that the results match
-    [[nodiscard]] bool hasAnswered() const { return m_answered; }            // ever
+    [[nodiscard]] bool hasAnswered() const { return m_answered; }            // since it was asked or failed
     [[nodiscard]] bool isReading() const { return m_reading != nullptr; }    // a thread, which opens soon
     [[nodiscard]] bool isSearching() const { return m_search || m_reading; } // for results, or a thread
 
@@ -60,7 +60,7 @@ public:
 Q_SIGNALS:
     void queryChanged();
     void categoryChanged();
-    void answered(); // results, corrections, problem and selection
+    void answered(); // results, corrections, problem and selection; or an old problem is no more
     void categoriesChanged();
     void selectionChanged();
     void searchingChanged();
@@ -72,6 +72,7 @@ private:
     using Process = std::unique_ptr<ChildProcess>;
     using Answer = std::function<void(const std::optional<QByteArray> &)>; // none: the tool failed
 
+    void forgetProblem();
     void run();
     [[nodiscard]] QString queryText() const;
     [[nodiscard]] Process exec(const QStringList &arguments, const Answer &answer);

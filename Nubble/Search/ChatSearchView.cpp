@@ -103,7 +103,10 @@ QWidget *ChatSearchView::makeResults()
     layout->setSpacing(0);
     layout->addWidget(m_categories);
     layout->addWidget(m_corrected);
-    layout->addLayout(m_found, 1);
+    auto *within = new QVBoxLayout; // what fades must not cover the window's line
+    within->setContentsMargins(2, 0, 2, 0);
+    within->addLayout(m_found);
+    layout->addLayout(within, 1);
     return page;
 }
 
@@ -114,7 +117,10 @@ void ChatSearchView::followSearch()
     connect(&m_search, &ChatSearch::categoryChanged, this, [this] {
         m_categories->setChosen(m_search.category());
     });
-    connect(&m_search, &ChatSearch::queryChanged, this, [this] { m_query->setText(m_search.query()); });
+    connect(&m_search, &ChatSearch::queryChanged, this, [this] {
+        m_query->setText(m_search.query());
+        showFoot(); // a notice was about what another one has found
+    });
     connect(&m_search, &ChatSearch::selectionChanged, this, [this] {
         m_list->select(m_search.selection());
         showFoot(); // a notice was about another

@@ -1,5 +1,6 @@
 #include "Search/QueryField.h"
 
+#include <QContextMenuEvent>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -8,6 +9,7 @@
 #include <chrono>
 
 #include "Widgets/CardMetrics.h"
+#include "Widgets/ContextMenu.h"
 #include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Spinner.h"
@@ -34,6 +36,10 @@ public:
     using QLineEdit::QLineEdit;
 
 protected:
+    void contextMenuEvent(QContextMenuEvent *event) override
+    {
+        openContextMenu(*this, event->globalPos(), createStandardContextMenu());
+    }
     // Without a selection there is nothing that it could copy.
     void keyPressEvent(QKeyEvent *event) override
     {

@@ -64,6 +64,8 @@ ResultList::ResultList(const ChatRow::Now &now, QWidget *parent)
     setVerticalScrollMode(ScrollPerPixel);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBar(new SlimScrollBar);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    setViewportMargins(0, 0, -verticalScrollBar()->sizeHint().width(), 0); // it lies over the rows' margin
     verticalScrollBar()->setSingleStep(ChatRow::height / 2);
     viewport()->setAutoFillBackground(false);
     setMouseTracking(true);

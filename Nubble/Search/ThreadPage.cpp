@@ -36,8 +36,8 @@ ThreadPage::ThreadPage(QWidget *parent)
     layout->setContentsMargins({});
     layout->setSpacing(0);
     layout->addWidget(m_header);
-    auto *within = new QVBoxLayout; // what fades must not fill the window's rounded corners
-    within->setContentsMargins(2, 0, 0, 10);
+    auto *within = new QVBoxLayout; // what fades must not cover the window's line and rounded corners
+    within->setContentsMargins(2, 0, 2, 10);
     within->addWidget(m_messages);
     layout->addLayout(within, 1);
     connect(m_header, &ThreadHeader::backWanted, this, &ThreadPage::backWanted);

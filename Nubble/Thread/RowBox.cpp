@@ -147,7 +147,8 @@ RowBox make(const ThreadRows &rows, int row, BlockDocument &document, int viewWi
     else
         box.height += kind == Block::Kind::Rule ? 1 : document.height();
     if (rows.isLast(row)) {
-        box.copyReply = QRect(QPoint(side - 5, box.height + 4), copyReplySize);
+        const int left = mirrored ? viewWidth - side - copyReplySize.width() + 5 : side - 5;
+        box.copyReply = QRect(QPoint(left, box.height + 4), copyReplySize);
         box.height += actions;
     }
     return box;

@@ -319,19 +319,20 @@ private:
     {
         if (m_row.box.copyCode.isNull())
             return;
-        const QRectF button = placed(m_row.box.copyCode);
+        QRectF button = placed(m_row.box.copyCode); // wide enough for either word
         const bool isCopied = isLook(m_look.copied, ThreadTarget::Kind::CopyCode);
         const bool isLit = isCopied || isLook(m_look.hovered, ThreadTarget::Kind::CopyCode)
             || isLook(m_look.focused, ThreadTarget::Kind::CopyCode);
         const QColor tint = isLit ? Palette::textPrimary : Palette::textSecondary;
-        drawButton(button, ThreadTarget::Kind::CopyCode, 6);
         m_painter.setFont(Typography::cardBody());
-        m_painter.setPen(tint);
         const QString word = isCopied ? u"Copied"_s : u"Copy"_s;
         QRectF text = button.adjusted(0, 0, -9, 0);
         text.setLeft(text.right() - std::ceil(m_painter.fontMetrics().horizontalAdvance(word)));
-        m_painter.drawText(text, Qt::AlignLeft | Qt::AlignVCenter, word);
         const QRectF symbol(text.left() - 16, button.center().y() - 6, 12, 12);
+        button.setLeft(symbol.left() - 8);
+        drawButton(button, ThreadTarget::Kind::CopyCode, 6);
+        m_painter.setPen(tint);
+        m_painter.drawText(text, Qt::AlignLeft | Qt::AlignVCenter, word);
         Symbols::draw(m_painter, isCopied ? u"checkmark"_s : u"doc.on.doc"_s, symbol, tint);
         const QString language = m_rows.messageAt(m_index)
                                      .content.text.mid(m_block.head, m_block.headLength)

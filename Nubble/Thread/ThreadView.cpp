@@ -2,7 +2,6 @@
 
 #include <QGuiApplication>
 #include <QHelpEvent>
-#include <QMenu>
 #include <QPainter>
 #include <QWheelEvent>
 
@@ -15,6 +14,8 @@
 #include "Thread/ThreadKeys.h"
 #include "Thread/ThreadMouse.h"
 #include "Thread/ThreadScene.h"
+#include "Widgets/ContextMenu.h"
+#include "Widgets/MenuEntry.h"
 #include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
 #include "Widgets/ScrollFade.h"
@@ -48,11 +49,30 @@ protected:
     }
 };
 
+// Around all of it, above what fades.
+class FocusRing : public QWidget {
+public:
+    explicit FocusRing(QWidget *parent) : QWidget(parent)
+    {
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        hide();
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(Palette::focus, 1.5));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(2, 2, -2, -2), 8, 8);
+    }
+};
+
 } // namespace
 
 ThreadView::ThreadView(QWidget *parent)
     : QAbstractScrollArea(parent), m_scene(new ThreadScene(this)), m_mouse(new ThreadMouse(*m_scene)),
-      m_jump(new JumpButton(this))
+      m_jump(new JumpButton(this)), m_ring(new FocusRing(this))
 {
     m_mouse->setParent(this);
     installThreadAccessibility();
@@ -62,12 +82,14 @@ ThreadView::ThreadView(QWidget *parent)
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn); // the text's width does not depend on its height
     setVerticalScrollBar(new SlimScrollBar);
+    setViewportMargins(0, 0, -barWidth(), 0); // it lies over the text's margin
     verticalScrollBar()->setSingleStep(20);
     viewport()->setAutoFillBackground(false);
     viewport()->setMouseTracking(true);
     ScrollFade::addTo(this);
     m_jump->resize(m_jump->sizeHint());
     m_jump->hide();
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &ThreadView::placeJump); // after the fades
     connect(m_jump, &QAbstractButton::clicked, this, &ThreadView::scrollToEnd);
     m_frame.setSingleShot(true);
     m_frame.setTimerType(Qt::PreciseTimer);
@@ -82,7 +104,7 @@ void ThreadView::connectScene()
     connect(m_scene, &ThreadScene::changed, this, &ThreadView::showChange);
     connect(m_scene, &ThreadScene::linkActivated, this, &ThreadView::linkActivated);
     connect(m_scene, &ThreadScene::focusChanged, this, [this] {
-        m_showsFocus = false; // what has it shows it
+        m_ring->hide(); // what has it shows it
         tellFocus(*this);
     });
 }
@@ -215,14 +237,20 @@ void ThreadView::showChange(int y)
     viewport()->update(QRect(0, y, viewport()->width(), viewport()->height() - y));
 }
 
+int ThreadView::barWidth() const
+{
+    return verticalScrollBar()->sizeHint().width();
+}
+
 void ThreadView::placeJump()
 {
     const QSize size = m_jump->size();
     m_jump->move(
-        viewport()->geometry().right() - size.width() - 6,
+        viewport()->geometry().right() - size.width() - barWidth() - 3,
         viewport()->geometry().bottom() - size.height() - 8);
     m_jump->setVisible(m_scene->isLive() && !m_scene->layout().follows());
-    m_jump->raise(); // above what fades
+    m_ring->raise(); // above what fades
+    m_jump->raise();
 }
 
 bool ThreadView::viewportEvent(QEvent *event)
@@ -254,17 +282,12 @@ void ThreadView::paintEvent(QPaintEvent *event)
     QPainter painter(viewport());
     painter.setClipRegion(event->region());
     m_scene->paint(painter, event->rect());
-    if (!m_showsFocus)
-        return;
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(Palette::focus, 1.5));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(QRectF(viewport()->rect()).adjusted(2, 2, -2, -2), 8, 8);
 }
 
 void ThreadView::resizeEvent(QResizeEvent *)
 {
     m_scene->resize(viewport()->size());
+    m_ring->setGeometry(viewport()->geometry().adjusted(0, 0, 2 - barWidth(), 0));
     placeFooter();
 }
 
@@ -325,20 +348,18 @@ void ThreadView::keyPressEvent(QKeyEvent *event)
 void ThreadView::focusInEvent(QFocusEvent *event)
 {
     QAbstractScrollArea::focusInEvent(event);
-    m_showsFocus = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    m_ring->setVisible(event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason);
     if (event->reason() == Qt::BacktabFocusReason && !m_scene->layout().shown().empty())
         m_scene->focus(ThreadTargets::from(
             m_scene->rows(), m_scene->layout(), m_scene->layout().shown().back().row, -1));
-    viewport()->update();
 }
 
 void ThreadView::focusOutEvent(QFocusEvent *event)
 {
     QAbstractScrollArea::focusOutEvent(event);
-    m_showsFocus = false;
+    m_ring->hide();
     if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason)
         m_scene->focus(std::nullopt);
-    viewport()->update();
 }
 
 bool ThreadView::focusNextPrevChild(bool next)
@@ -353,17 +374,19 @@ void ThreadView::contextMenuEvent(QContextMenuEvent *event)
     const bool isMouse = event->reason() == QContextMenuEvent::Mouse;
     const auto target = isMouse ? m_scene->targetAt(event->pos()) : m_scene->focused();
     const QUrl url = target ? ThreadTargets::url(m_scene->layout(), *target) : QUrl();
-    auto *menu = new QMenu(this); // may be open when the view goes
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    QAction *copy =
-        menu->addAction(u"Copy"_s, this, [this] { m_scene->copySelection(QClipboard::Clipboard); });
-    copy->setEnabled(!m_scene->selection().isEmpty());
+    QList<MenuEntry> entries{
+        {.title = u"Copy"_s,
+         .action = [this] { m_scene->copySelection(QClipboard::Clipboard); },
+         .enabled = !m_scene->selection().isEmpty(),
+         .shortcut = QKeySequence::Copy},
+        {.title = u"Select All"_s,
+         .action = [this] { m_scene->selectAll(); },
+         .shortcut = QKeySequence::SelectAll}};
     if (!url.isEmpty())
-        menu->addAction(u"Copy Link"_s, this, [url] {
-            QGuiApplication::clipboard()->setText(url.toString(QUrl::FullyEncoded));
-        });
-    menu->addAction(u"Select All"_s, m_scene, &ThreadScene::selectAll);
-    menu->popup(event->globalPos());
+        entries.insert(1, {.title = u"Copy Link"_s, .action = [url] {
+                               QGuiApplication::clipboard()->setText(url.toString(QUrl::FullyEncoded));
+                           }});
+    openContextMenu(*this, event->globalPos(), entries);
 }
 
 void ThreadView::scrollContentsBy(int, int)

@@ -79,15 +79,16 @@ private:
     void showChange(int y);
     void placeFooter();
     void placeJump();
+    [[nodiscard]] int barWidth() const;
 
     ThreadScene *m_scene;
     ThreadMouse *m_mouse;
     QAbstractButton *m_jump;
+    QWidget *m_ring; // shown while it has the keyboard as a whole
     QPointer<QWidget> m_footer;
     QTimer m_frame;
     QElapsedTimer m_sinceFrame;
     bool m_isSyncing = false; // the scroll bar is being told, not asked
-    bool m_showsFocus = false;
 };
 
 } // namespace nubble

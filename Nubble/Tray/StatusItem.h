@@ -9,7 +9,7 @@
 #include <memory>
 #include <optional>
 
-#include "Tray/Menu.h"
+#include "Widgets/Menu.h"
 
 namespace nubble {
 

@@ -42,6 +42,12 @@ void FloatingFrame::setTranslucent(bool translucent)
     update();
 }
 
+bool FloatingFrame::isTranslucentOver(const QWidget &control)
+{
+    const auto *frame = qobject_cast<const FloatingFrame *>(control.window());
+    return frame && frame->m_translucent;
+}
+
 void FloatingFrame::paintEvent(QPaintEvent *)
 {
     if (m_drawn.isNull() || m_drawn.devicePixelRatio() != devicePixelRatioF())

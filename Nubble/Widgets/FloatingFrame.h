@@ -21,6 +21,9 @@ public:
     [[nodiscard]] CardFrame frame() const;
     void setTranslucent(bool translucent);
 
+    // Whether translucent pixels show what is below in windows that open over one of its controls.
+    [[nodiscard]] static bool isTranslucentOver(const QWidget &control);
+
 Q_SIGNALS:
     void dragged(); // once for each press
     void dismissed();

@@ -9,7 +9,10 @@ class SlimScrollBar : public QScrollBar {
     Q_OBJECT
 
 public:
-    explicit SlimScrollBar(QWidget *parent = nullptr) : QScrollBar(Qt::Vertical, parent) { }
+    explicit SlimScrollBar(QWidget *parent = nullptr) : QScrollBar(Qt::Vertical, parent)
+    {
+        setContextMenuPolicy(Qt::NoContextMenu); // that of what it scrolls
+    }
 
     [[nodiscard]] QSize sizeHint() const override;
 

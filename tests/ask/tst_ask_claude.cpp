@@ -118,26 +118,26 @@ private Q_SLOTS:
                       "\n");
     }
 
-    void eventsAreTakenAsTheyCome_data()
+    void eventsAreTakenAsTheyCome()
     {
-        QTest::addColumn<QByteArray>("script");
-        QTest::addColumn<QString>("result");
-        const auto row = [](const char *name, const char *script, const QString &result) {
-            QTest::newRow(name) << QByteArray("turn()\n") + script << QString("Q: q"_L1 + result);
+        const auto row = [this](const QString &what, const QByteArray &script, const QString &result) {
+            init();
+            QCOMPARE(what + resultOf("turn()\n" + script), what + u"Q: q"_s + result);
         };
-        row("whole replies replace deltas", "say(delta('x'), reply('a', 'b'), done())", u"|A: a\n\nb"_s);
-        row("the last whole reply counts", "say(reply('a'), reply(), reply('c'), done())", u"|A: c"_s);
-        row("split anywhere",
+        row(u"whole replies replace deltas"_s, "say(delta('x'), reply('a', 'b'), done())", u"|A: a\n\nb"_s);
+        row(u"the last whole reply counts"_s, "say(reply('a'), reply(), reply('c'), done())", u"|A: c"_s);
+        row(u"split anywhere"_s,
             "for byte in json.dumps(delta('ä€😀'), ensure_ascii=False).encode() + b'\\n':\n"
             "  raw(bytes([byte])); time.sleep(0.001)\nsay(done())",
             u"|A: ä€😀"_s);
-        row("other deltas and blocks are skipped",
+        row(u"other deltas and blocks are skipped"_s,
             "say({'type': 'stream_event', 'event': {'type': 'x', 'delta': delta('no')['event']['delta']}},"
             "{'type': 'stream_event', 'event': {'type': 'content_block_delta', 'delta': {'text': 'no'}}},"
             "delta('a'), {'type': 'assistant', 'message': {'content': [{'text': 'no'}]}}, done())",
             u"|A: a"_s);
-        row("what comes after an error", "say(failed(result='x'), delta('late'), reply('late'))", u"|! x"_s);
-        row("what is no event is skipped",
+        row(u"what comes after an error"_s, "say(failed(result='x'), delta('late'), reply('late'))",
+            u"|! x"_s);
+        row(u"what is no event is skipped"_s,
             "raw(b'\\n[1]\\n\\xff\\xfe\\n{\"type\": 5}\\n{\"a\\nnull\\n')\nsay({}, {'type': "
             "'stream_event'},"
             "{'type': 'stream_event', 'event': 5}, delta(5), {'type': 'assistant', 'message': {'content': "
@@ -145,40 +145,36 @@ private Q_SLOTS:
             "{'type': 'assistant', 'message': {'content': [1, {'type': 'text', 'text': None}]}}, delta('a'), "
             "done())",
             u"|A: a"_s);
-        row("an error after some text", "say(delta('a'), failed(result='broken'))", u"|A: a|! broken"_s);
-        row("an error without text", "say(failed(subtype='error_x'))", u"|! error_x"_s);
-        row("a long error", "say(failed(result='x' * 9000))", u"|! "_s + QString(600, u'x'));
-        row("an unknown error", "say(failed())", u"|! unknown error"_s);
-        row("true, not something like it", "say(delta('a'), {'type': 'result', 'is_error': 1})", u"|A: a"_s);
-        row("an error that is told twice", "say(reply('API Error: x'), failed(result='API Error: x'))",
+        row(u"an error after some text"_s, "say(delta('a'), failed(result='broken'))", u"|A: a|! broken"_s);
+        row(u"an error without text"_s, "say(failed(subtype='error_x'))", u"|! error_x"_s);
+        row(u"a long error"_s, "say(failed(result='x' * 9000))", u"|! "_s + QString(600, u'x'));
+        row(u"an unknown error"_s, "say(failed())", u"|! unknown error"_s);
+        row(u"true, not something like it"_s, "say(delta('a'), {'type': 'result', 'is_error': 1})",
+            u"|A: a"_s);
+        row(u"an error that is told twice"_s, "say(reply('API Error: x'), failed(result='API Error: x'))",
             u"|! API Error: x"_s);
-        row("an error that is told twice, after some text",
+        row(u"an error that is told twice, after some text"_s,
             "say(delta('a'), reply('API Error: x'), failed(result='API Error: x'))",
             u"|A: a|! API Error: x"_s);
-        row("an error in a list", "say(failed(subtype='x', errors=['one', 'two']))", u"|! one\ntwo"_s);
-        row("a message in parts",
+        row(u"an error in a list"_s, "say(failed(subtype='x', errors=['one', 'two']))", u"|! one\ntwo"_s);
+        row(u"a message in parts"_s,
             "say(reply('x', id='1'), reply('a', id='2'), delta('b'), reply('b', id='2'), done())",
             u"|A: a\n\nb"_s);
-        row("the end in the middle of a line", "raw(b'{\"type\": \"result\"')",
+        row(u"the end in the middle of a line"_s, "raw(b'{\"type\": \"result\"')",
             u"|! Claude stopped unexpectedly."_s);
-        row("the end with a reason",
+        row(u"the end with a reason"_s,
             "say(delta('a'))\ncomplain('€'.encode() * 900 + b'\\xff why \\n')\nsys.exit(3)",
             u"|A: a|! "_s + QString(593, u'€') + QChar::ReplacementCharacter + u" why"_s);
-        row("killed", "os.kill(os.getpid(), 9)", u"|! Claude stopped unexpectedly."_s);
-        row("a million deltas",
+        row(u"killed"_s, "os.kill(os.getpid(), 9)", u"|! Claude stopped unexpectedly."_s);
+        row(u"a million deltas"_s,
             "line = json.dumps(delta('ab')).encode() + b'\\n'\nfor _ in range(200): raw(line * 5000)\n"
             "say(reply('end'), done())",
             u"|A: end"_s);
-        row("long lines",
+        row(u"long lines"_s,
             "say(delta('x' * 20_000_000), delta('behind'), reply('y' * 700_000), reply('z'), done())",
             u"|A: z"_s);
-        row("a line beyond all bounds", "raw(b' ' * 80_000_000 + b'{}\\n')\nsay(delta('a'), done())",
+        row(u"a line beyond all bounds"_s, "raw(b' ' * 80_000_000 + b'{}\\n')\nsay(delta('a'), done())",
             u"|A: a"_s);
-    }
-    void eventsAreTakenAsTheyCome()
-    {
-        QFETCH(QByteArray, script);
-        QTEST(resultOf(script), "result");
     }
 
     void deltasOfLongLinesKeepTheirPlace()

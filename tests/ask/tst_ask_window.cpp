@@ -1,5 +1,6 @@
 #include <QAbstractButton>
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QScreen>
@@ -12,10 +13,12 @@
 #include "Ask/AskTexts.h"
 #include "Ask/AskWindow.h"
 #include "Ask/Composer.h"
+#include "Ask/ReplyFooter.h"
 #include "Ask/ScreenChip.h"
 #include "Ask/ThinkingDots.h"
 #include "Thread/ThreadScene.h"
 #include "Thread/ThreadView.h"
+#include "Widgets/Menu.h"
 #include "ask/ClaudeStandIn.h"
 #include "support/FakeDesktopPreferences.h"
 #include "support/FakeFloatingSurface.h"
@@ -63,9 +66,13 @@ private:
     // Whether the whole picture is, once the pointer has come to the small one.
     [[nodiscard]] bool isPreviewed() const
     {
-        for (const auto *each : m_surface->window.findChild<ScreenChip *>()->findChildren<QWidget *>())
-            if (each->isWindow() && each->isVisible())
-                return each->screen()->availableGeometry().contains(each->geometry());
+        const auto *chip = m_surface->window.findChild<ScreenChip *>();
+        const QRect place(chip->mapToGlobal(QPoint()), chip->size());
+        for (const auto *each : chip->findChildren<QWidget *>())
+            if (each->isWindow() && each->isVisible() && !each->geometry().intersects(place)
+                && each->mask().isEmpty() == m_surface->translucent)
+                return each->screen()->availableGeometry().contains(
+                    each->contentsRect().translated(each->pos()));
         return false;
     }
     void comeToChip()
@@ -196,6 +203,7 @@ private Q_SLOTS:
         QVERIFY(!isPreviewed());
         untilSeen();
         QCOMPARE(chip(), u"Your screen"_s);
+        m_surface->setTranslucent(true);
         m_surface->window.move(100, -450); // no room above the chip
         comeToChip();
         QEvent leave(QEvent::Leave);
@@ -279,6 +287,9 @@ private Q_SLOTS:
         const std::clock_t start = std::clock();
         field()->paste();
         QVERIFY2((std::clock() - start) / CLOCKS_PER_SEC < 3, "by the square it is 10 s");
+        QContextMenuEvent menu(QContextMenuEvent::Keyboard, {}, {50, 50});
+        QCoreApplication::sendEvent(field(), &menu);
+        QVERIFY(field()->findChild<Menu *>());
         QCOMPARE(field()->toPlainText().size(), 300'002);
     }
 
@@ -298,8 +309,12 @@ private Q_SLOTS:
         m_preferences.setReducedMotion(false);
         QVERIFY(!areAlike(dots->grab().toImage()));
         QTRY_VERIFY(said().last() == u"part" && !dots->isVisible());
-        const ThreadRows &rows = m_surface->window.findChild<ThreadView *>()->scene().rows();
+        auto *thread = m_surface->window.findChild<ThreadView *>();
+        const ThreadRows &rows = thread->scene().rows();
         QVERIFY(!rows.message(1).isFinished);
+        const double rim = m_surface->outline.boundingRect().left(); // has a line
+        QVERIFY(thread->mapTo(&m_surface->window, QPoint()).x() > rim);
+        QCOMPARE(thread->viewport()->width(), thread->width()); // the bar lies over it
         type(u"draft"_s);
         press(Qt::Key_Return);
         click(u"Stop"_s);
@@ -316,6 +331,15 @@ private Q_SLOTS:
             return false;
         };
         QTRY_VERIFY(problem());
+        for (const Qt::Key last : {Qt::Key_Up, Qt::Key_Down}) { // selects all, copies
+            QContextMenuEvent menu(QContextMenuEvent::Mouse, {5, 5}, {50, 50});
+            auto *footer = m_surface->window.findChild<ReplyFooter *>();
+            QCoreApplication::sendEvent(footer->findChild<QLabel *>(), &menu);
+            QTest::keyClick(footer->findChild<Menu *>(), last);
+            QTest::keyClick(footer->findChild<Menu *>(), Qt::Key_Return);
+            QTRY_VERIFY(!footer->findChild<Menu *>());
+        }
+        QCOMPARE(QGuiApplication::clipboard()->text(), u"It is broken. "_s + QString(99, u'x'));
         QVERIFY(rows.messageCount() == 3 && !rows.message(2).isFinished); // the question
         click(u"New conversation"_s);
         untilSeen();

@@ -105,23 +105,19 @@ private Q_SLOTS:
         QVERIFY(!m_server.requests().last().contains("never read"));
     }
 
-    void whatComesOfAnAnswer_data()
-    {
-        QTest::addColumn<QByteArray>("stream");
-        QTest::addColumn<bool>("breaksOff");
-        QTest::addColumn<QString>("result");
-        const QByteArray parts = MessagesServer::message({{u"a"_s, u"b"_s}, {u"c"_s}});
-        QTest::newRow("several blocks") << parts << false << u"|A: ab\n\nc"_s;
-        QTest::newRow("an error") << QByteArray() << false << u"|! API Error: 400 no"_s;
-        QTest::newRow("an error after some text") << parts << true << u"|A: ab|! API Error: 400 no"_s;
-    }
     void whatComesOfAnAnswer()
     {
-        QFETCH(QByteArray, stream);
-        QFETCH(bool, breaksOff);
-        m_server.answerWith({.stream = stream, .breaksOff = breaksOff});
-        ask(u"q"_s);
-        QTEST(printed(*m_ask).mid(4), "result");
+        const QByteArray parts = MessagesServer::message({{u"a"_s, u"b"_s}, {u"c"_s}});
+        for (const auto &[stream, breaksOff, result] :
+             {std::tuple(parts, false, u"|A: ab\n\nc"_s),
+              {QByteArray(), false, u"|! API Error: 400 no"_s},
+              {parts, true, u"|A: ab|! API Error: 400 no"_s}}) {
+            cleanup();
+            init();
+            m_server.answerWith({.stream = stream, .breaksOff = breaksOff});
+            ask(u"q"_s);
+            QCOMPARE(printed(*m_ask).mid(4), result);
+        }
     }
 
     void aConversationGoesOnAfterAStopAndAnewWhenItIsLost()

@@ -63,8 +63,13 @@ class SearchingChats(DesktopTest):
     def test_what_is_typed_is_found_read_and_left_again(self):
         nubble = self.start_nubble()
         self.open(nubble)
+        x, y, _, _ = self.card()
+        self.desktop.click(x + 100, y + 27, button=3)  # the field's own menu
+        self.desktop.until_menu()
+        self.desktop.key("Escape")
+        self.desktop.until_no_menu()
         self.desktop.run("xdotool", "type", "--delay", "5", "xx")
-        nubble.until("search", results=2)
+        nubble.until("search", results=2, open=True)
         self.desktop.key("Return")
         nubble.until("search", thread=True)
         self.assertNotIn("ecret", json.dumps(nubble.status()))

@@ -141,11 +141,15 @@ private Q_SLOTS:
         QCOMPARE(m_search->problem(), u"Search failed — run `yarnbin sync` in a terminal"_s);
         QVERIFY(titles().isEmpty());
         m_tool->remove();
-        search(u"s"_s);
+        m_search->setCategory(u"Work"_s);
+        QVERIFY(!m_search->problem() && !m_search->hasAnswered()); // that was about another one
+        untilAnswered();
         QCOMPARE(m_search->problem(), u"yarnbin isn't installed — the `yarnbin` command wasn't found"_s);
         m_tool->answers(searchJson({}));
-        search(u"t"_s);
+        m_search->setQuery(u"t"_s);
         QVERIFY(!m_search->problem());
+        untilAnswered();
+        QVERIFY(m_search->hasAnswered());
     }
 
     void onlyTheNewestSearchCountsAndOthersAreEnded()

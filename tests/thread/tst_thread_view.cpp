@@ -584,6 +584,8 @@ private Q_SLOTS:
                 QVERIFY2(
                     besideRow(row, isRightToLeft) && !besideRow(row, !isRightToLeft),
                     qPrintable(QString::number(row)));
+            const int middle = layout().row(rows() - 1).box.copyReply.center().x();
+            QCOMPARE(middle > m_view->viewport()->width() / 2, isRightToLeft);
         }
 
         const auto changes = [this](const auto &change) {
@@ -772,7 +774,13 @@ private Q_SLOTS:
         const auto row = [&] { return view->scene().focused() ? view->scene().focused()->row : -1; };
         before.setFocus();
         QList<int> forward;
-        for (key(Qt::Key_Tab); view->hasFocus(); key(Qt::Key_Tab))
+        key(Qt::Key_Tab);
+        view->verticalScrollBar()->setValue(100);
+        const QImage ringed = view->grab().toImage(); // above what fades
+        for (const int y : {2, ringed.height() - 3})
+            QVERIFY(ringed.pixelColor(150, y).blue() > 180);
+        view->scene().scrollTo(0);
+        for (; view->hasFocus(); key(Qt::Key_Tab))
             forward.append(row());
         QCOMPARE(forward, (QList{-1, 0, 301, 301}));
         QCOMPARE(QApplication::focusWidget(), &after);

@@ -11,14 +11,14 @@ namespace nubble {
 
 // An entry of a menu as a plain value.
 struct MenuEntry {
-    QString title;                // none: a separator
-    QString detail;               // a second, smaller line
-    std::function<void()> action; // none: only to be read, or to open the entries below it
-    std::optional<bool> checked;  // none: cannot be checked
+    QString title = {};                // none: a separator
+    QString detail = {};               // a second, smaller line
+    std::function<void()> action = {}; // none: only to be read, or to open the entries below it
+    std::optional<bool> checked = {};  // none: cannot be checked
     bool enabled = true;
-    QString toolTip;
-    QKeySequence shortcut; // works while the menu is open
-    QList<MenuEntry> entries;
+    QString toolTip = {};
+    QKeySequence shortcut = {}; // works while the menu is open
+    QList<MenuEntry> entries = {};
 
     [[nodiscard]] static MenuEntry separator() { return {}; }
 };

@@ -1,4 +1,4 @@
-#include "Tray/MenuStyle.h"
+#include "Widgets/MenuStyle.h"
 
 #include <QFontMetrics>
 #include <QPainter>
@@ -23,7 +23,7 @@ constexpr int markSide = 14;
 constexpr int markColumn = markSide + 6;
 constexpr int arrowColumn = 20;
 constexpr int beforeKeys = 24;
-constexpr auto singleLine = Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextShowMnemonic;
+constexpr auto singleLine = Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextHideMnemonic;
 
 using Item = QStyleOptionMenuItem;
 
@@ -55,7 +55,7 @@ QSize sizeOf(const QFont &font, const QString &text)
 {
     if (text.isEmpty())
         return {};
-    return QFontMetrics(font).size(Qt::TextSingleLine | Qt::TextShowMnemonic, text);
+    return QFontMetrics(font).size(Qt::TextSingleLine | Qt::TextHideMnemonic, text);
 }
 
 QSize entrySize(const Item &item)

@@ -1,4 +1,4 @@
-#include "Tray/MenuEntry.h"
+#include "Widgets/MenuEntry.h"
 
 #include <algorithm>
 #include <tuple>

@@ -3,7 +3,9 @@
 #include <QMenu>
 #include <QPixmap>
 
-#include "Tray/MenuEntry.h"
+#include <optional>
+
+#include "Widgets/MenuEntry.h"
 
 namespace nubble {
 
@@ -26,6 +28,9 @@ public:
     // Instead of what it had. What looks the same is left as it is: desktops know entries by identity.
     void setEntries(const QList<MenuEntry> &entries, Drawing drawing = Drawing::Own);
 
+    // With a corner of its card at that point of the screen, where there is room for the card.
+    void openAt(const QPoint &point);
+
 protected:
     bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
@@ -44,6 +49,7 @@ private:
     QAction *actionFor(const QKeySequence &keys) const;
 
     QList<MenuEntry> m_entries;
+    std::optional<QPoint> m_place; // where it was opened at
     bool m_translucent = true;
     QPixmap m_drawn;                // the card, drawn once per size
     ToolTips *m_toolTips = nullptr; // from when one is wanted

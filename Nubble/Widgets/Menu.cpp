@@ -1,5 +1,6 @@
-#include "Tray/Menu.h"
+#include "Widgets/Menu.h"
 
+#include <QGuiApplication>
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPainter>
@@ -10,8 +11,8 @@
 #include "Placement/PanelShapes.h"
 #include "Placement/WindowPlacement.h"
 #include "Platform/MainThread.h"
-#include "Tray/MenuStyle.h"
 #include "Widgets/CardFrame.h"
+#include "Widgets/MenuStyle.h"
 #include "Widgets/ToolTips.h"
 
 using namespace Qt::StringLiterals;
@@ -49,7 +50,7 @@ void Menu::setTranslucent(bool translucent)
 
 void Menu::setEntries(const QList<MenuEntry> &entries, Drawing drawing)
 {
-    assertMainThread("Nubble/Tray/Menu");
+    assertMainThread("Nubble/Widgets/Menu");
     if (!isEmpty() && lookAlike(entries, m_entries))
         return;
     m_entries = entries;
@@ -99,6 +100,21 @@ void Menu::add(const MenuEntry &entry, Drawing drawing)
     action->setShortcut(entry.shortcut);
 }
 
+void Menu::openAt(const QPoint &point)
+{
+    ensurePolished();
+    const QScreen *at = QGuiApplication::screenAt(point);
+    const QRect room = (at ? at : screen())->availableGeometry();
+    QRect card(point, sizeHint().shrunkBy(contentsMargins()));
+    if (card.right() > room.right())
+        card.moveRight(point.x());
+    if (card.bottom() > room.bottom())
+        card.moveBottom(point.y());
+    const QMargins shadow = contentsMargins();
+    m_place = keptWithin(card, room).topLeft() - QPoint(shadow.left(), shadow.top());
+    popup(*m_place);
+}
+
 QAction *Menu::actionFor(const QKeySequence &keys) const
 {
     for (QAction *action : actions())
@@ -137,11 +153,13 @@ void Menu::paintEvent(QPaintEvent *event)
     QMenu::paintEvent(event);
 }
 
-// The toolkit would keep the shadow on the screen rather than the card beside its entry.
+// The toolkit would keep the shadow on the screen rather than the card where it belongs.
 void Menu::showEvent(QShowEvent *event)
 {
     if (above())
         move(besideEntry());
+    else if (m_place)
+        move(*m_place);
     QMenu::showEvent(event);
 }
 
@@ -201,8 +219,7 @@ bool Menu::event(QEvent *event)
     }
     const QPoint point = static_cast<QHelpEvent *>(event)->pos();
     QAction *action = actionAt(point);
-    const qsizetype entry = actions().indexOf(action);
-    if (entry < 0 || m_entries.at(entry).toolTip.isEmpty())
+    if (m_entries.value(actions().indexOf(action)).toolTip.isEmpty())
         return true;
     if (!m_toolTips) {
         m_toolTips = new ToolTips(*this);
