@@ -63,7 +63,7 @@ public:
             picture.scaled(size * devicePixelRatioF(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
         resize(size.grownBy(previewMargins).grownBy(previewShadow));
         if (!m_translucent)
-            setMask(QRegion(frame().outline.toFillPolygon().toPolygon()));
+            setMask(frame().region(this->size()));
     }
 
 protected:

@@ -141,7 +141,7 @@ void Menu::resizeEvent(QResizeEvent *event)
     if (m_translucent)
         clearMask();
     else
-        setMask(QRegion(frame().outline.toFillPolygon().toPolygon()));
+        setMask(frame().region(size()));
     QMenu::resizeEvent(event);
 }
 
