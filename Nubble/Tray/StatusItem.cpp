@@ -58,7 +58,8 @@ void StatusItem::create()
 {
     m_icon = std::make_unique<QSystemTrayIcon>();
     refillMenu();
-    m_icon->setContextMenu(&m_menu);
+    if (m_host.kind() == StatusHost::Kind::Remote)
+        m_icon->setContextMenu(&m_menu); // else the toolkit would open it with its shadow at the pointer
     connect(m_icon.get(), &QSystemTrayIcon::activated, this, &StatusItem::react);
 }
 
@@ -66,8 +67,10 @@ void StatusItem::react(QSystemTrayIcon::ActivationReason reason)
 {
     if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick)
         Q_EMIT clicked();
-    else if (reason == QSystemTrayIcon::Context && m_host.kind() == StatusHost::Kind::Remote)
+    else if (reason == QSystemTrayIcon::Context && m_icon->contextMenu())
         Q_EMIT menuRequested();
+    else if (reason == QSystemTrayIcon::Context)
+        m_menu.openAt(QCursor::pos());
 }
 
 void StatusItem::update(bool panelVisible)
