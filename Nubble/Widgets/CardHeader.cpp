@@ -52,7 +52,7 @@ void CardHeader::describe()
 void CardHeader::paintEvent(QPaintEvent *)
 {
     UnitPainter painter(this);
-    const QRectF line = painter.area().adjusted(CardMetrics::rowPadding, 0, 0, 0);
+    const QRectF line = painter.area().adjusted(contentsMargins().left() / Units::of(this), 0, 0, 0);
     painter.setFont(Typography::cardTitle());
     painter.setPen(Palette::textPrimary);
     painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter, m_title);

@@ -72,7 +72,7 @@ class AskingAboutTheScreen(DesktopTest):
         self.assertEqual((len(pixels[0]), len(pixels)), SCREEN)
         seen = [pixels[row][column] for row in range(y, y + height, 20) for column in range(x, x + width, 20)]
         self.assertLess(sum(max(each) < 80 for each in seen), len(seen) / 20)
-        eventually(lambda: max(self.desktop.pixel(x + 20, y + height // 2)) < 80, "the window is seen")
+        eventually(lambda: max(self.desktop.pixel(x + 10, y + height // 2)) < 80, "the window is seen")
 
     def test_the_picture_shows_what_was_in_front_and_never_the_window(self):
         nubble = self.start()
