@@ -18,6 +18,7 @@
 #include "Ask/ThinkingDots.h"
 #include "Thread/ThreadScene.h"
 #include "Thread/ThreadView.h"
+#include "Widgets/CardHeader.h"
 #include "Widgets/Menu.h"
 #include "ask/ClaudeStandIn.h"
 #include "support/FakeDesktopPreferences.h"
@@ -315,6 +316,9 @@ private Q_SLOTS:
         const double rim = m_surface->outline.boundingRect().left(); // has a line
         QVERIFY(thread->mapTo(&m_surface->window, QPoint()).x() > rim);
         QCOMPARE(thread->viewport()->width(), thread->width()); // the bar lies over it
+        const QImage title = m_surface->window.findChild<CardHeader *>()->grab().toImage();
+        for (const bool isBefore : {true, false}) // the text's margin
+            QCOMPARE(areAlike(title.copy(isBefore ? 3 : 16, 0, 17, title.height())), isBefore);
         type(u"draft"_s);
         press(Qt::Key_Return);
         click(u"Stop"_s);
