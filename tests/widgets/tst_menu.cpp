@@ -29,6 +29,13 @@ private Q_SLOTS:
         own.setEntries({plain});
         QVERIFY(width <= own.sizeHint().width()); // one below the other, and the second is smaller
 
+        Menu keyed;
+        keyed.setEntries(
+            {{.title = plain.title, .shortcut = QKeyCombination(Qt::ControlModifier, Qt::Key_R)}});
+        QCOMPARE(
+            keyed.sizeHint().width() - own.sizeHint().width(),
+            24 + own.fontMetrics().horizontalAdvance(u"Ctrl+R"_s));
+
         Menu remote;
         remote.setEntries({entry}, Menu::Drawing::Desktop);
         QCOMPARE(remote.actions().at(0)->text(), entry.title + u" — "_s + entry.detail);
