@@ -35,6 +35,7 @@ struct World {
 
     std::unique_ptr<MeetingNotes> notes(MeetingNotes::Pace pace = {.poll = 1h})
     {
+        pace.patience = patience;
         return std::make_unique<MeetingNotes>(
             home, defaults, clock,
             MeetingNotes::Surroundings{
@@ -51,6 +52,7 @@ struct World {
     LinuxProcessTable processes;
     ManualClock clock;
     FakeAudioInput microphone;
+    std::chrono::milliseconds patience = 20s;
     QString clipboard{};
     QStringList opened{};
 };
@@ -320,11 +322,11 @@ private Q_SLOTS:
         const pid_t other = leave("node", false, true);
         m_notes->watch();
         QTRY_COMPARE(state().others, QList<pid_t>{other});
-        m_home->writeScript(u".quib-live/pgrep"_s, "#!/bin/sh\nexec sleep 60\n");
+        m_home->writeScript(u".quib-live/pgrep"_s, "#!/bin/sh\nexec sleep 600\n");
         QElapsedTimer timer;
         timer.start();
         m_notes->start();
-        QVERIFY(timer.elapsed() < 30'000);
+        QVERIFY(timer.elapsed() < 300'000);
         QCOMPARE(state().others, QList<pid_t>{other});
         m_notes = m_world->notes();
         m_notes->start();
