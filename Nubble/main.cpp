@@ -110,11 +110,13 @@ int run(int argc, char *argv[], QByteArray platform, const CommandLine &line, co
         Migration::fromBrindleCove(defaults, home);
     }
     fonts.reset();
+    auto termination = System::terminationSignals(); // from before the panel is seen
+    QObject::connect(termination.get(), &TerminationSignals::received, &application, &AppDelegate::end);
     AppDelegate delegate(home, *bus, Relaunch::ofThisProgram(startArguments(line)));
     control.serve(delegate.commands());
-    const auto termination = System::terminationSignals();
-    QObject::connect(termination.get(), &TerminationSignals::received, &application, &AppDelegate::end);
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    termination.reset(); // another one ends what hangs
+    return status;
 }
 
 } // namespace
