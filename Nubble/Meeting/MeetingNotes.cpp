@@ -20,7 +20,6 @@
 #include "Shell/Tools.h"
 
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
 namespace nubble {
 
@@ -318,7 +317,7 @@ void MeetingNotes::setPhase(Phase phase)
 
 bool MeetingNotes::scanNow()
 {
-    const auto found = findRecorders(m_surroundings->pgrep, m_surroundings->processes, 500ms);
+    const auto found = findRecorders(m_surroundings->pgrep, m_surroundings->processes, m_pace.patience);
     if (found)
         accept(*found, ++m_scans);
     return found.has_value();
@@ -328,7 +327,8 @@ void MeetingNotes::scan(std::function<void()> then)
 {
     m_worker.add(
         [this](const std::stop_token &stop) {
-            return findRecorders(m_surroundings->pgrep, m_surroundings->processes, 5s, stop);
+            return findRecorders(
+                m_surroundings->pgrep, m_surroundings->processes, 10 * m_pace.patience, stop);
         },
         [this, number = ++m_scans,
          then = std::move(then)](const std::optional<QList<RecorderProcess>> &found) {

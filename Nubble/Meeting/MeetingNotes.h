@@ -42,6 +42,8 @@ public:
         std::chrono::milliseconds poll{15'000};
         std::chrono::milliseconds firstLook{5'000}; // after stop(), for what others have left behind
         std::chrono::milliseconds secondLook{1'000};
+        std::chrono::milliseconds patience{
+            500}; // of start() with a look for others; nobody waits for the rest
     };
 
     MeetingNotes(

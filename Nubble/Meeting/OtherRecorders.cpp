@@ -13,11 +13,11 @@ constexpr auto capture = "ffmpeg"_L1; // what a recorder has its sound from
 } // namespace
 
 std::optional<QList<RecorderProcess>> findRecorders(
-    const QString &pgrep, const ProcessTable &processes, std::chrono::milliseconds time,
+    const QString &pgrep, const ProcessTable &processes, std::chrono::milliseconds patience,
     const std::stop_token &stop)
 {
     const Command command{pgrep, {u"-f"_s, uR"(quib-live.mjs|\.quib-live/sessions/)"_s}};
-    const CommandEnd end = runCommand(command, {}, {.output = 64 * 1024, .time = time}, stop);
+    const CommandEnd end = runCommand(command, {}, {.output = 64 * 1024, .time = patience}, stop);
     if (end.kind == CommandEnd::Kind::NotStarted || end.cause != CommandEnd::Cause::Itself)
         return std::nullopt;
     QList<RecorderProcess> found;

@@ -18,10 +18,10 @@ struct RecorderProcess {
     bool operator==(const RecorderProcess &) const = default;
 };
 
-// Those that `pgrep` finds and this user can signal, in its order; none when it gives no answer in that time.
-// Any thread.
+// Those that `pgrep` finds and this user can signal, in its order; none when it gives no answer for as long
+// as that. Any thread.
 [[nodiscard]] std::optional<QList<RecorderProcess>> findRecorders(
-    const QString &pgrep, const ProcessTable &processes, std::chrono::milliseconds time,
+    const QString &pgrep, const ProcessTable &processes, std::chrono::milliseconds patience,
     const std::stop_token &stop = {});
 
 // Those of them that neither are nor belong to the program `self` or the recorder that it has started. Pure.

@@ -10,7 +10,7 @@ import tempfile
 import time
 import unittest
 
-from desktop import PATIENCE, SCREEN, Desktop, Window, descendants, end, eventually
+from desktop import COMPOSITED, PATIENCE, SCREEN, Desktop, Window, descendants, end, eventually
 
 PROGRAM = os.environ.get("NUBBLE_PROGRAM", "")
 
@@ -186,6 +186,12 @@ class DesktopTest(unittest.TestCase):
                 left, top, right, bottom = SHADOW
                 return at.x + left, at.y + top, size.width - left - right, size.height - top - bottom
         return None
+
+    def card_of_menu(self):
+        """The left, top, right and bottom of the menu that opens, without its shadow."""
+        menu = self.desktop.until_menu()
+        left, top, right, bottom = SHADOW if COMPOSITED else (0, 0, 0, 0)
+        return (menu.x + left, menu.y + top, menu.x + menu.width - right, menu.y + menu.height - bottom)
 
     def start_terminal(self):
         """An xterm whose shell runs a sleeping process. Returns its window and that process's id."""

@@ -126,7 +126,7 @@ class TheProgram(DesktopTest):
         self.assertLess(sum(map(switches, (bar.pid for bar in bars))) - sum(waking), 60)
         for bar in bars:
             bar.stdout.close()
-            self.assertEqual(bar.wait(20), DONE)
+            self.assertIn(bar.wait(20), (DONE, -signal.SIGPIPE))  # which it gets when it is just writing
 
     def start_bar(self, *arguments):
         bar = subprocess.Popen(

@@ -1,7 +1,7 @@
 """The panel's context menu, opened by the right button and used by keyboard and mouse."""
 
-from desktop import COMPOSITED, SCREEN, eventually
-from program import BODY_DEPTH, SHADOW, DesktopTest
+from desktop import SCREEN, eventually
+from program import BODY_DEPTH, DesktopTest
 
 ENTRIES = [
     "Lock Position", "Move to Edge", "Center on Edge", "Add-ons", "Notify Me", "Refresh Everything",
@@ -15,12 +15,7 @@ class TheContextMenu(DesktopTest):
         x, y = nubble.ring()
         self.below_ring = 10 - self.below_ring  # not where the last press was: two would be a double click
         self.desktop.click(x, y + self.below_ring, button=3)
-        return self.card(self.desktop.until_menu())
-
-    def card(self, menu):
-        """The menu's left, top, right and bottom, without its shadow."""
-        left, top, right, bottom = SHADOW if COMPOSITED else (0, 0, 0, 0)
-        return (menu.x + left, menu.y + top, menu.x + menu.width - right, menu.y + menu.height - bottom)
+        return self.card_of_menu()
 
     def choose(self, nubble, entry, *keys):
         left, top, _, bottom = self.open_menu(nubble)

@@ -19,10 +19,9 @@ public:
     {
         m_home.writeScript(
             pgrepFile(),
-            "#!/bin/sh\necho x >> \"${0%/*}/scans\"\nfor each in $(/usr/bin/pgrep \"$@\"); do grep -qsF "
-            "\"${0%/*}\" /proc/$each/cmdline "
-            "&& echo "
-            "$each; done; exit 0\n");
+            "#!/bin/sh\necho x >> \"${0%/*}/scans\"\nfor each in $(/usr/bin/pgrep \"$@\"); do\n"
+            "line=; read -r line </proc/$each/cmdline; case $line in *\"${0%/*}\"*) echo $each; esac\n"
+            "done 2>/dev/null; exit 0\n");
         follow({});
     }
 

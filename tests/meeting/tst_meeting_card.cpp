@@ -99,7 +99,7 @@ private Q_SLOTS:
                 .clipboardText = [this] { return m_clipboard; },
                 .openLink = [this](const QUrl &url) { m_opened += url.toString(); },
                 .pgrep = m_recorder->pgrep()},
-            MeetingNotes::Pace{.poll = 1h});
+            MeetingNotes::Pace{.poll = 1h, .patience = 20s});
         m_shell = std::make_unique<TooltipShell>(
             meetingCard(*m_notes, m_clock).makeContent({.height = 700, .close = [this] { ++m_closed; }}),
             NotchEdge::Right, false);

@@ -104,7 +104,7 @@ inline RingPicture ringDuring(const PanelWorld &world, PanelUnderTest &panel, in
         if (isRunning(motion) && motion->totalDuration() == duration) {
             motion->pause();
             motion->setCurrentTime(moment);
-            const RingPicture picture(world, panel);
+            RingPicture picture(world, panel);
             motion->resume();
             return picture;
         }

@@ -152,6 +152,7 @@ private Q_SLOTS:
             world.readSessions();
             showUsage(world, panel, 48);
             QCOMPARE(halfway(0.47, 11.6, 200) == Palette::ample, still);
+            QCOMPARE(ringDuring(world, panel, 200, 195).at(0.47, 11.6), Palette::ample);
             settle(panel);
             QCOMPARE(halfway(0.47, 11.6, 200), Palette::ample);
             expectMotion(false);

@@ -81,6 +81,7 @@ private Q_SLOTS:
         QTRY_COMPARE(m_server->closed, QList<quint32>{2});
         post(7); // as a new one
         QCOMPARE(m_server->posted.last().at(1).toUInt(), 0U);
+        untilClicked(3);   // and so its number is known
         m_notices.reset(); // whose notices go with it
         QTRY_COMPARE(m_server->closed, (QList<quint32>{2, 3}));
     }

@@ -2,9 +2,8 @@
 #include <QPainter>
 #include <QTest>
 
-#include <cmath>
-
 #include "Tray/Mark.h"
+#include "support/Contrast.h"
 
 using namespace Qt::StringLiterals;
 using namespace nubble;
@@ -16,18 +15,6 @@ QColor at(const QImage &image, const QPointF &point)
 {
     const QPointF pixel = QPointF(point.x(), 1 - point.y()) * image.width();
     return image.pixelColor(static_cast<int>(pixel.x()), static_cast<int>(pixel.y()));
-}
-
-// As the eye sees it: from 1 to 21.
-double contrast(const QColor &one, const QColor &other)
-{
-    const auto luminance = [](const QColor &colour) {
-        const auto linear = [](double part) { return std::pow((part + 0.055) / 1.055, 2.4); };
-        return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF())
-            + 0.0722 * linear(colour.blueF());
-    };
-    const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
-    return (lighter + 0.05) / (darker + 0.05);
 }
 
 } // namespace

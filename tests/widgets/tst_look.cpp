@@ -3,33 +3,16 @@
 #include <QScrollBar>
 #include <QTest>
 
-#include <algorithm>
-#include <cmath>
-
 #include "Placement/PanelShapes.h"
 #include "Widgets/CappedScroll.h"
 #include "Widgets/CardFrame.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Typography.h"
+#include "support/Contrast.h"
 
 using namespace nubble;
 
 namespace {
-
-// Both as WCAG 2 defines them.
-double luminance(const QColor &color)
-{
-    const auto linear = [](double part) {
-        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
-}
-
-double contrast(const QColor &a, const QColor &b)
-{
-    const auto [dark, light] = std::minmax(luminance(a), luminance(b));
-    return (light + 0.05) / (dark + 0.05);
-}
 
 QColor over(const QColor &below, const QColor &above)
 {
