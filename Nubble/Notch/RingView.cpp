@@ -251,7 +251,7 @@ void RingView::drawPercent(QPainter &painter, int percent) const
 {
     painter.setFont(Typography::percent());
     painter.setOpacity(strength());
-    painter.setPen(isScarce(percent) ? Palette::problem : Palette::textPrimary);
+    painter.setPen(isScarce(percent) && !m_isUsageOld ? Palette::problem : Palette::textPrimary);
     Typography::drawTabular(painter, m_percentRect, Qt::AlignHCenter, QString::number(percent));
 }
 

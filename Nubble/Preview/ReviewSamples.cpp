@@ -134,7 +134,7 @@ QList<PreviewSample> reviewSamples()
     add("left edge"_L1, usualReview()).edge = NotchEdge::Left;
     add("top edge"_L1, usualReview()).edge = NotchEdge::Top;
     add("bottom edge"_L1, usualReview()).edge = NotchEdge::Bottom;
-    add("larger"_L1, usualReview()).panelScale = 1.4;
+    add("larger"_L1, decided()).panelScale = 1.4;
     return samples;
 }
 

@@ -29,8 +29,7 @@ constexpr int above = 8;
 constexpr int textLeft = padding + Avatar::side + 9;
 constexpr int rowWidth =
     CardMetrics::width - CardMetrics::rowMargins.left() - CardMetrics::rowMargins.right();
-constexpr int scrollBar = 8; // which may stand beside the rows
-constexpr int textWidth = rowWidth - textLeft - padding - scrollBar;
+constexpr int textWidth = rowWidth - textLeft - padding;
 constexpr int mostQuoteLines = 2;
 constexpr double actionSide = 24;
 constexpr int actionsGap = 6;

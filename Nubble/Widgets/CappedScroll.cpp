@@ -7,8 +7,15 @@
 
 #include "Widgets/ScrollFade.h"
 #include "Widgets/SlimScrollBar.h"
+#include "Widgets/Units.h"
 
 namespace nubble {
+
+namespace {
+
+constexpr double barWidth = 7; // within the margin, which is a little more
+
+} // namespace
 
 CappedScroll::CappedScroll(QWidget *content, int maxHeight, QWidget *parent)
     : QScrollArea(parent), m_maxHeight(maxHeight)
@@ -23,7 +30,7 @@ CappedScroll::CappedScroll(QWidget *content, int maxHeight, QWidget *parent)
     content->setAutoFillBackground(false);
     content->installEventFilter(this);
     ScrollFade::addTo(this);
-    m_bar = new SlimScrollBar(this);
+    m_bar = new SlimScrollBar(parent);
     connect(m_bar, &QScrollBar::valueChanged, verticalScrollBar(), &QScrollBar::setValue);
     connect(verticalScrollBar(), &QScrollBar::valueChanged, m_bar, &QScrollBar::setValue);
     connect(verticalScrollBar(), &QScrollBar::rangeChanged, this, &CappedScroll::followScrolling);
@@ -53,15 +60,29 @@ void CappedScroll::resizeEvent(QResizeEvent *event)
     followScrolling();
 }
 
+void CappedScroll::moveEvent(QMoveEvent *)
+{
+    followScrolling();
+}
+
+void CappedScroll::showEvent(QShowEvent *)
+{
+    followScrolling();
+}
+
+void CappedScroll::hideEvent(QHideEvent *)
+{
+    followScrolling();
+}
+
 void CappedScroll::followScrolling()
 {
     const QScrollBar &own = *verticalScrollBar();
-    m_bar->setGeometry(width() - m_bar->sizeHint().width(), 0, m_bar->sizeHint().width(), height());
+    m_bar->setGeometry(geometry().right() + 1, y(), Units::px(this, barWidth), height());
     m_bar->setSingleStep(own.singleStep());
     m_bar->setPageStep(height());
     m_bar->setRange(own.minimum(), own.maximum());
-    m_bar->setVisible(own.maximum() > own.minimum());
-    m_bar->raise();
+    m_bar->setVisible(isVisible() && own.maximum() > own.minimum());
 }
 
 void CappedScroll::wheelEvent(QWheelEvent *event)

@@ -7,12 +7,12 @@ namespace nubble {
 class SlimScrollBar;
 
 // As tall as its content, up to a limit beyond which the content scrolls and fades into the card at both
-// ends. The scroll bar lies over the content's right margin, which keeps its width.
+// ends. The scroll bar stands in the margin that its parent keeps on the right.
 class CappedScroll : public QScrollArea {
     Q_OBJECT
 
 public:
-    CappedScroll(QWidget *content, int maxHeight, QWidget *parent = nullptr);
+    CappedScroll(QWidget *content, int maxHeight, QWidget *parent);
 
     [[nodiscard]] QSize sizeHint() const override;
     void fit(); // to the content; by itself where that has a layout
@@ -20,6 +20,9 @@ public:
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void moveEvent(QMoveEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
 
 private:

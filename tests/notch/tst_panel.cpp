@@ -320,6 +320,11 @@ private Q_SLOTS:
             const PanelGeometry geometry = world.geometry();
             QCOMPARE(
                 panel.ring()->geometry(), geometry.placed(world.layout.ringArea(geometry.edge)).toRect());
+            const auto isShown = [&](double along, double across) { // on the right edge
+                return panel.surface->outline.contains(
+                    geometry.body.topRight() + QPointF(-across, along) * geometry.unit);
+            };
+            QVERIFY(!isShown(12, 10) && isShown(15, 10)); // the shoulder
             const QRect card = panel.view().findChild<TooltipShell *>()->cardRect();
             QCOMPARE(card.width(), qRound(246 * scale));
         }

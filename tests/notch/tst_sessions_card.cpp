@@ -232,10 +232,12 @@ private Q_SLOTS:
         QCOMPARE(QApplication::focusWidget(), focused);
         QTRY_VERIFY(scroll->viewport()->rect().contains( // scrolled into sight
             QRect(focused->mapTo(scroll->viewport(), QPoint()), focused->size())));
-        auto *bar = scroll->findChild<SlimScrollBar *>(QString(), Qt::FindDirectChildrenOnly);
+        auto *bar = scroll->parent()->findChild<SlimScrollBar *>(QString(), Qt::FindDirectChildrenOnly);
         QVERIFY(bar->isVisible() && !scroll->verticalScrollBar()->isVisible());
-        QVERIFY(bar->width() < CardMetrics::rowPadding && bar->geometry().right() == scroll->width() - 1);
-        QCOMPARE(focused->width(), scroll->width()); // it lies over the rows, beside their texts
+        const QRect margin =
+            scroll->geometry().adjusted(scroll->width(), 0, CardMetrics::rowMargins.right(), 0);
+        QVERIFY(margin.contains(bar->geometry()) && bar->height() == scroll->height());
+        QCOMPARE(focused->width(), scroll->width());
         bar->setValue(bar->maximum() / 2);
         QCOMPARE(scroll->verticalScrollBar()->value(), bar->value());
         scroll->verticalScrollBar()->setValue(0);

@@ -111,10 +111,11 @@ private Q_SLOTS:
         white.fill(Qt::white);
         auto *content = new QLabel;
         content->setPixmap(white);
-        CappedScroll scroll(content, 100);
+        QWidget card;
+        CappedScroll scroll(content, 100, &card);
         scroll.setAttribute(Qt::WA_TranslucentBackground);
         scroll.resize(scroll.sizeHint());
-        scroll.show();
+        card.show();
         const auto at = [&scroll](int y) {
             QImage picture(scroll.size(), QImage::Format_ARGB32_Premultiplied);
             picture.fill(Palette::card);
