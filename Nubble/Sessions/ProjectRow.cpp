@@ -145,18 +145,22 @@ void ProjectRow::drawBackground(QPainter &painter, const QRectF &row) const
     painter.drawRoundedRect(area, 10, 10);
 }
 
-// Behind the last prompt, so that the title has the whole width above. Returns where it begins.
-double ProjectRow::drawState(QPainter &painter, const QRectF &line) const
+// Behind the last prompt, so that the title has the whole width above, or in its place. Returns where it
+// begins.
+double ProjectRow::drawState(QPainter &painter, QRectF line) const
 {
     painter.setFont(Typography::caption());
-    painter.setPen(Palette::textSecondary);
-    const QString elapsed = u" · "_s + m_content.elapsed;
-    Typography::drawTabular(painter, line, Qt::AlignRight, elapsed);
-    const QRectF before = line.adjusted(0, 0, -Typography::tabularWidth(painter, elapsed), 0);
-    painter.setPen(colorOf(m_content.state));
     const QString word = rowWord(m_content.state);
-    Typography::drawTabular(painter, before, Qt::AlignRight, word);
-    return before.right() - Typography::tabularWidth(painter, word);
+    const QString elapsed = u" · "_s + m_content.elapsed;
+    const double wordWidth = Typography::tabularWidth(painter, word);
+    const double width = wordWidth + Typography::tabularWidth(painter, elapsed);
+    if (!m_content.lastPrompt.isEmpty())
+        line.setLeft(line.right() - width);
+    painter.setPen(colorOf(m_content.state));
+    Typography::drawTabular(painter, line, Qt::AlignLeft, word);
+    painter.setPen(Palette::textSecondary);
+    Typography::drawTabular(painter, line.adjusted(wordWidth, 0, 0, 0), Qt::AlignLeft, elapsed);
+    return line.left();
 }
 
 void ProjectRow::drawTexts(QPainter &painter, const QRectF &area) const

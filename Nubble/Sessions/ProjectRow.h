@@ -52,7 +52,7 @@ private:
     [[nodiscard]] const QString &secondLine() const;
     void describe();
     void drawBackground(QPainter &painter, const QRectF &row) const;
-    double drawState(QPainter &painter, const QRectF &line) const;
+    double drawState(QPainter &painter, QRectF line) const;
     void drawTexts(QPainter &painter, const QRectF &area) const;
 
     ProjectRowContent m_content;
