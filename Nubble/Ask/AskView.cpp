@@ -18,6 +18,7 @@
 #include "Thread/ThreadView.h"
 #include "Widgets/CardHeader.h"
 #include "Widgets/CardMetrics.h"
+#include "Widgets/FloatingFrame.h"
 #include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
 #include "Widgets/Typography.h"
@@ -30,7 +31,6 @@ namespace {
 
 constexpr int margin = 14;
 constexpr int headerButton = 24;
-constexpr int rim = 2; // what fades does not cover the window's line
 
 ThreadMessage shown(const AskMessage &message)
 {
@@ -57,7 +57,7 @@ AskView::AskView(AskClaude &ask, const DesktopPreferences &preferences, QWidget 
     layout->setSpacing(8);
     layout->addWidget(m_header);
     auto *within = new QVBoxLayout;
-    within->setContentsMargins(rim, 0, rim, 0);
+    within->setContentsMargins(FloatingFrame::rim, 0, FloatingFrame::rim, 0);
     within->addLayout(m_stack);
     layout->addLayout(within, 1);
     auto *foot = new QVBoxLayout;
@@ -80,7 +80,7 @@ QWidget *AskView::makeHeader()
     auto *header = new CardHeader(u"Ask Claude"_s, this);
     constexpr int fromRim = 12; // of the last button
     header->setContentsMargins(
-        rim + RowBoxes::side, 0, fromRim - (CardMetrics::headerHeight - headerButton) / 2, 0);
+        FloatingFrame::rim + RowBoxes::side, 0, fromRim - (CardMetrics::headerHeight - headerButton) / 2, 0);
     const auto add = [header, this](const QString &symbol, const QString &help, auto wanted) {
         auto *button = new NotchButton(symbol, help);
         button->setSide(headerButton);

@@ -22,6 +22,7 @@
 #include "Search/ThreadPage.h"
 #include "Thread/ThreadView.h"
 #include "Widgets/CardMetrics.h"
+#include "Widgets/FloatingFrame.h"
 #include "Widgets/NotchButton.h"
 #include "Widgets/Palette.h"
 #include "Widgets/SymbolSign.h"
@@ -103,8 +104,8 @@ QWidget *ChatSearchView::makeResults()
     layout->setSpacing(0);
     layout->addWidget(m_categories);
     layout->addWidget(m_corrected);
-    auto *within = new QVBoxLayout; // what fades must not cover the window's line
-    within->setContentsMargins(2, 0, 2, 0);
+    auto *within = new QVBoxLayout;
+    within->setContentsMargins(FloatingFrame::rim, 0, FloatingFrame::rim, 0);
     within->addLayout(m_found);
     layout->addLayout(within, 1);
     return page;

@@ -6,6 +6,7 @@
 #include "Search/ThreadHeader.h"
 #include "Thread/ThreadRows.h"
 #include "Thread/ThreadView.h"
+#include "Widgets/FloatingFrame.h"
 
 using namespace Qt::StringLiterals;
 
@@ -36,8 +37,8 @@ ThreadPage::ThreadPage(QWidget *parent)
     layout->setContentsMargins({});
     layout->setSpacing(0);
     layout->addWidget(m_header);
-    auto *within = new QVBoxLayout; // what fades must not cover the window's line and rounded corners
-    within->setContentsMargins(2, 0, 2, 10);
+    auto *within = new QVBoxLayout;
+    within->setContentsMargins(FloatingFrame::rim, 0, FloatingFrame::rim, 10); // nor the rounded corners
     within->addWidget(m_messages);
     layout->addLayout(within, 1);
     connect(m_header, &ThreadHeader::backWanted, this, &ThreadPage::backWanted);

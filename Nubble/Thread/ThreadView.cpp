@@ -13,11 +13,10 @@
 #include "Thread/ThreadAccessible.h"
 #include "Thread/ThreadKeys.h"
 #include "Thread/ThreadMouse.h"
+#include "Thread/ThreadOverlays.h"
 #include "Thread/ThreadScene.h"
 #include "Widgets/ContextMenu.h"
 #include "Widgets/MenuEntry.h"
-#include "Widgets/NotchButton.h"
-#include "Widgets/Palette.h"
 #include "Widgets/ScrollFade.h"
 #include "Widgets/SlimScrollBar.h"
 #include "Widgets/ToolTips.h"
@@ -30,43 +29,6 @@ namespace nubble {
 namespace {
 
 constexpr auto frameTime = 33ms; // what streams is read, not watched
-
-// Stands above text, so it is filled.
-class JumpButton : public NotchButton {
-public:
-    explicit JumpButton(QWidget *parent) : NotchButton(u"arrow.down"_s, u"Go to the end"_s, parent) { }
-
-protected:
-    void paintEvent(QPaintEvent *event) override
-    {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen(Palette::ringTrack, 1));
-        painter.setBrush(QColor(Palette::card.rgb()));
-        painter.drawEllipse(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5));
-        painter.end();
-        NotchButton::paintEvent(event);
-    }
-};
-
-// Around all of it, above what fades.
-class FocusRing : public QWidget {
-public:
-    explicit FocusRing(QWidget *parent) : QWidget(parent)
-    {
-        setAttribute(Qt::WA_TransparentForMouseEvents);
-        hide();
-    }
-
-protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen(Palette::focus, 1.5));
-        painter.drawRoundedRect(QRectF(rect()).adjusted(2, 2, -2, -2), 8, 8);
-    }
-};
 
 } // namespace
 
@@ -87,8 +49,6 @@ ThreadView::ThreadView(QWidget *parent)
     viewport()->setAutoFillBackground(false);
     viewport()->setMouseTracking(true);
     ScrollFade::addTo(this);
-    m_jump->resize(m_jump->sizeHint());
-    m_jump->hide();
     connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &ThreadView::placeJump); // after the fades
     connect(m_jump, &QAbstractButton::clicked, this, &ThreadView::scrollToEnd);
     m_frame.setSingleShot(true);

@@ -8,10 +8,10 @@
 
 #include "Thread/ThreadMessage.h"
 
-class QAbstractButton;
-
 namespace nubble {
 
+class FocusRing;
+class JumpButton;
 class TextMatcher;
 class ThreadMouse;
 class ThreadRows;
@@ -83,8 +83,8 @@ private:
 
     ThreadScene *m_scene;
     ThreadMouse *m_mouse;
-    QAbstractButton *m_jump;
-    QWidget *m_ring; // shown while it has the keyboard as a whole
+    JumpButton *m_jump;
+    FocusRing *m_ring;
     QPointer<QWidget> m_footer;
     QTimer m_frame;
     QElapsedTimer m_sinceFrame;

@@ -15,6 +15,9 @@ class FloatingFrame : public QWidget {
     Q_OBJECT
 
 public:
+    // The content keeps it free on both sides of what scrolls, whose fades would cover the card's line.
+    static constexpr int rim = 2;
+
     explicit FloatingFrame(QWidget *content);
 
     void setCard(const QSize &card); // to be as large as that and the room for its shadow
