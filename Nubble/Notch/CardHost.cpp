@@ -119,10 +119,13 @@ void CardHost::setGeometry(const PanelGeometry &geometry, const QPointF &ring)
         return;
     }
     // It belongs to an edge and a size: for others it is made again.
+    const bool hadKeyboard = m_shell->isAncestorOf(m_view->focusWidget());
     m_shell->hide();
     m_shell->deleteLater();
     m_shell = nullptr;
     open();
+    if (hadKeyboard)
+        focusFirstControl();
 }
 
 void CardHost::setTranslucent(bool translucent)

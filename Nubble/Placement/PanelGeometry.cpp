@@ -139,8 +139,11 @@ double PanelGeometry::roomForCard() const
 PanelGeometry panelGeometry(
     const Layout &layout, NotchEdge edge, double offset, const QRectF &screen, double unit)
 {
-    const QRectF window =
-        alignedAlong(edge, scaled(layout.windowFrame(edge, offset / unit, scaled(screen, 1 / unit)), unit));
+    unit = std::min(unit, Layout::along(edge, screen.size()) / layout.bodyLength(edge));
+    QRectF window = scaled(layout.windowFrame(edge, offset / unit, scaled(screen, 1 / unit)), unit);
+    const QRectF body = scaled(layout.bodyRect(edge), unit).translated(window.topLeft());
+    window =
+        alignedAlong(edge, window.translated(fittedAlong(edge, body, screen).topLeft() - body.topLeft()));
     const double room = std::ceil(Layout::cardPadding * unit);
     const QMarginsF around = isVertical(edge) ? QMarginsF(0, room, 0, room) : QMarginsF(room, 0, room, 0);
     const QRectF cards = fittedAlong(

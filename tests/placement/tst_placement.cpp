@@ -338,12 +338,15 @@ private Q_SLOTS:
     }
 
 private:
-    static void expectFlushAndInSight(NotchEdge edge, double offset, const QRectF &screen, double unit)
+    static void expectFlushAndInSight(NotchEdge edge, double offset, const QRectF &screen, double wanted)
     {
         const Layout layout(11, false, 3);
-        const double limit = layout.offsetLimit(edge, Layout::along(edge, screen.size()) / unit) * unit;
+        const double limit = layout.offsetLimit(edge, Layout::along(edge, screen.size()) / wanted) * wanted;
         const double clamped = std::clamp(offset, -limit, limit);
-        const PanelGeometry geometry = panelGeometry(layout, edge, clamped, screen, unit);
+        const PanelGeometry geometry = panelGeometry(layout, edge, clamped, screen, wanted);
+        const double unit = geometry.unit;
+        const QRectF body = geometry.body & geometry.screen;
+        QVERIFY(std::abs(Layout::along(edge, body.size() - geometry.body.size())) <= 0.5 + hair);
 
         QVERIFY(holds(
             geometry.frame,
@@ -354,7 +357,7 @@ private:
         QVERIFY(std::abs(sideOf(edge, geometry.frame.toRectF()) - sideOf(edge, screen)) < 1);
 
         const QPointF ring = geometry.ringCenter + geometry.frame.topLeft();
-        QVERIFY(std::abs(along(edge, ring - screen.center()) - clamped) <= 0.5 + hair);
+        QVERIFY(limit == 0 || std::abs(along(edge, ring - screen.center()) - clamped) <= 0.5 + hair);
         QCOMPARE(along(edge, geometry.origin), std::round(along(edge, geometry.origin)));
 
         if (const int most = qFloor(geometry.roomForCard()); most > 0) {
