@@ -144,9 +144,10 @@ void CardHost::focusFirstControl()
 {
     if (!m_shell)
         return;
-    const QWidget *content = m_shell->focusProxy();
-    for (QWidget *control : QList{content->focusProxy()} + m_shell->findChildren<QWidget *>()) {
-        if (control && control->focusPolicy() & Qt::TabFocus && control->isVisible()) {
+    for (QWidget *control = m_view->nextInFocusChain(); control != m_view;
+         control = control->nextInFocusChain()) {
+        if (m_shell->isAncestorOf(control) && control->focusPolicy() & Qt::TabFocus && control->isVisible()
+            && control->isEnabled()) {
             control->setFocus(Qt::TabFocusReason);
             return;
         }
