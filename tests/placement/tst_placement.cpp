@@ -120,7 +120,7 @@ private Q_SLOTS:
               {-3, u"right 0"_s},
               {-9, u"right 0 x0.8"_s},
               {99, u"right 0 x2"_s}}) {
-            stored.placement.enlarge(steps);
+            stored.placement.enlarge(steps, stored.placement.scale());
             QCOMPARE(stored.shown(), shown);
         }
         QCOMPARE(
