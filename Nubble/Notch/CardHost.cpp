@@ -119,10 +119,13 @@ void CardHost::setGeometry(const PanelGeometry &geometry, const QPointF &ring)
         return;
     }
     // It belongs to an edge and a size: for others it is made again.
+    const bool hadKeyboard = m_shell->isAncestorOf(m_view->focusWidget());
     m_shell->hide();
     m_shell->deleteLater();
     m_shell = nullptr;
     open();
+    if (hadKeyboard)
+        focusFirstControl();
 }
 
 void CardHost::setTranslucent(bool translucent)
@@ -141,9 +144,10 @@ void CardHost::focusFirstControl()
 {
     if (!m_shell)
         return;
-    const QWidget *content = m_shell->focusProxy();
-    for (QWidget *control : QList{content->focusProxy()} + m_shell->findChildren<QWidget *>()) {
-        if (control && control->focusPolicy() & Qt::TabFocus && control->isVisible()) {
+    for (QWidget *control = m_view->nextInFocusChain(); control != m_view;
+         control = control->nextInFocusChain()) {
+        if (m_shell->isAncestorOf(control) && control->focusPolicy() & Qt::TabFocus && control->isVisible()
+            && control->isEnabled()) {
             control->setFocus(Qt::TabFocusReason);
             return;
         }

@@ -31,7 +31,7 @@ public:
     void setTranslucent(bool translucent);
 
     [[nodiscard]] QPainterPath outline() const; // of the open card, in the view's coordinates
-    void focusFirstControl();                   // or the one that the card's content has as its focus proxy
+    void focusFirstControl();                   // as Tab goes
 
 Q_SIGNALS:
     void closeRequested(); // by the card itself

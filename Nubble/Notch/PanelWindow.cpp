@@ -74,7 +74,9 @@ void PanelWindow::followSurface()
         fit();
         m_surface->setOutline(m_view->outline());
     });
-    connect(m_view.get(), &NotchView::enlargeRequested, &m_context.placement, &NotchPlacement::enlarge);
+    connect(m_view.get(), &NotchView::enlargeRequested, this, [this](int steps) {
+        m_context.placement.enlarge(steps, m_whole->unit); // on a small screen less than it would be
+    });
     m_shrinking.setSingleShot(true);
     m_shrinking.setInterval(CardTransition::duration + 90ms); // when a card that closes is no longer seen
     connect(&m_shrinking, &QTimer::timeout, this, &PanelWindow::applyPlacement);

@@ -122,10 +122,10 @@ void NotchPlacement::setVisible(bool visible)
     apply(shown);
 }
 
-void NotchPlacement::enlarge(int steps)
+void NotchPlacement::enlarge(int steps, double shown)
 {
     Settings enlarged = m_settings;
-    enlarged.scale = validScale(enlarged.scale + steps / 10.0);
+    enlarged.scale = validScale(shown + steps / 10.0);
     apply(enlarged);
 }
 

@@ -43,8 +43,10 @@ public:
     void centerOnEdge();
     void setLocked(bool locked);
     void setVisible(bool visible);
-    void enlarge(int steps); // of a tenth, as far as the scale goes; below 0 it becomes smaller
     void toggleVisible() { setVisible(!isVisible()); }
+
+    // By steps of a tenth from the scale that is shown, as far as it goes; below 0 the panel becomes smaller.
+    void enlarge(int steps, double shown);
 
 Q_SIGNALS:
     void changed(); // any of edge, offset, locked, visible, scale

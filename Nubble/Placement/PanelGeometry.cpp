@@ -66,6 +66,21 @@ QMargins cardMargins(NotchEdge edge, double unit)
     return margins;
 }
 
+// Of the screen's height, in units: what no card has.
+double heightBesideCard(NotchEdge edge)
+{
+    return (isVertical(edge) ? 0 : Layout::cardStart + Layout::tailSpace) + 2 * Layout::cardPadding;
+}
+
+// With which the body fits on its edge, and on the screen every card that does not scroll.
+double largestUnit(const Layout &layout, NotchEdge edge, const QSizeF &screen)
+{
+    constexpr double tallestCard = 276;
+    return std::min(
+        Layout::along(edge, screen) / layout.bodyLength(edge),
+        screen.height() / (tallestCard + heightBesideCard(edge)));
+}
+
 } // namespace
 
 QPointF PanelGeometry::placed(const QPointF &point) const
@@ -132,15 +147,17 @@ QRect PanelGeometry::cardRect(const QSize &size) const
 
 double PanelGeometry::roomForCard() const
 {
-    const double beside = isVertical(edge) ? 0 : Layout::cardStart + Layout::tailSpace;
-    return screen.height() - (beside + 2 * Layout::cardPadding) * unit;
+    return screen.height() - heightBesideCard(edge) * unit;
 }
 
 PanelGeometry panelGeometry(
     const Layout &layout, NotchEdge edge, double offset, const QRectF &screen, double unit)
 {
-    const QRectF window =
-        alignedAlong(edge, scaled(layout.windowFrame(edge, offset / unit, scaled(screen, 1 / unit)), unit));
+    unit = std::min(unit, largestUnit(layout, edge, screen.size()));
+    QRectF window = scaled(layout.windowFrame(edge, offset / unit, scaled(screen, 1 / unit)), unit);
+    const QRectF body = scaled(layout.bodyRect(edge), unit).translated(window.topLeft());
+    window =
+        alignedAlong(edge, window.translated(fittedAlong(edge, body, screen).topLeft() - body.topLeft()));
     const double room = std::ceil(Layout::cardPadding * unit);
     const QMarginsF around = isVertical(edge) ? QMarginsF(0, room, 0, room) : QMarginsF(room, 0, room, 0);
     const QRectF cards = fittedAlong(

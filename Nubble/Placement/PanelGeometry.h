@@ -12,7 +12,7 @@ class Layout;
 
 // The panel on a particular screen: its layout, on whole pixels. The native window is the layout's window,
 // with room around it for shadows. Near a corner of the screen the card moves along the edge, so that it
-// stays in sight with its shadow.
+// stays in sight with its shadow. On a small screen the unit is no larger than lets body and cards fit.
 struct PanelGeometry {
     NotchEdge edge = NotchEdge::Right;
     double unit = 1; // that the layout counts in, as it is shown here

@@ -122,9 +122,6 @@ void QuenwickCardContent::add(const DayGroup &group)
     header->show();
     for (const QuenwickItem &item : group.items) {
         auto *row = new QuenwickRow(item, group.soon, m_list);
-        QWidget *before = m_rows.isEmpty() ? nullptr : m_rows.last();
-        if (before)
-            setTabOrder(before, row);
         m_rows.append(row);
         m_days->addWidget(row);
         row->show();

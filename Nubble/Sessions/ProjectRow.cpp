@@ -82,6 +82,11 @@ void ProjectRow::showReason(const QString &reason, const QString &command)
     QAccessible::updateAccessibility(&alert);
 }
 
+QWidgetList ProjectRow::tabStops()
+{
+    return {this, m_copy};
+}
+
 // Whoever is about to copy the command has as long as that takes.
 void ProjectRow::endReason()
 {

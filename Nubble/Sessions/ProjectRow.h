@@ -42,6 +42,8 @@ public:
     // to copy `command`, unless that is empty. An empty reason takes it back.
     void showReason(const QString &reason, const QString &command = {});
 
+    [[nodiscard]] QWidgetList tabStops(); // in the order in which Tab goes
+
 protected:
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;

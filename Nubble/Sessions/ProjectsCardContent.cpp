@@ -47,12 +47,12 @@ ProjectsCardContent::ProjectsCardContent(
     const SessionMonitor &monitor, ProcessActivator &activator, const Clock &clock, int maxHeight,
     QWidget *parent)
     : QWidget(parent), m_monitor(monitor), m_activator(activator), m_bringsForward(activator.canActivate()),
-      m_clock(clock), m_header(new CardHeader(u"Claude Projects"_s, this)), m_empty(makeEmptyLabel(this)),
+      m_clock(clock), m_header(new CardHeader(u"Claude Projects"_s, this)),
+      m_close(new NotchButton(u"xmark"_s, u"Close"_s, m_header)), m_empty(makeEmptyLabel(this)),
       m_rows(new RowColumn(Units::px(this, ProjectRow::rowHeight), this))
 {
-    auto *close = new NotchButton(u"xmark"_s, u"Close"_s, m_header);
-    connect(close, &NotchButton::clicked, this, &ProjectsCardContent::closeRequested);
-    m_header->addAccessory(close);
+    connect(m_close, &NotchButton::clicked, this, &ProjectsCardContent::closeRequested);
+    m_header->addAccessory(m_close);
 
     QVBoxLayout *layout = CardMetrics::makeLayout(this);
     layout->addWidget(m_header);
@@ -144,12 +144,16 @@ bool ProjectsCardContent::goOn(int key)
     return true;
 }
 
-// Tab goes from row to row as they stand; by itself it would go in the order in which they came.
+// Tab goes from row to row as they stand, and then to Close; by itself it would go in the order in which
+// they came.
 void ProjectsCardContent::orderFocus()
 {
-    for (qsizetype i = 1; i < m_order.size(); ++i)
-        setTabOrder(m_rowOf.value(m_order.at(i - 1)), m_rowOf.value(m_order.at(i)));
-    setFocusProxy(m_order.isEmpty() ? nullptr : m_rowOf.value(m_order.first()));
+    QWidgetList stops;
+    for (const SessionRun &key : m_order)
+        stops += m_rowOf.value(key)->tabStops();
+    stops += m_close;
+    for (qsizetype i = 1; i < stops.size(); ++i)
+        setTabOrder(stops.at(i - 1), stops.at(i));
 }
 
 void ProjectsCardContent::removeRowsExcept(const QList<SessionRun> &keys)

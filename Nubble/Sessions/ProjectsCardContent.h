@@ -12,6 +12,7 @@ namespace nubble {
 class CappedScroll;
 class CardHeader;
 class Clock;
+class NotchButton;
 class ProcessActivator;
 class ProjectRow;
 class RowColumn;
@@ -51,6 +52,7 @@ private:
     bool m_bringsForward; // whether this desktop lets rows do so
     const Clock &m_clock;
     CardHeader *m_header;
+    NotchButton *m_close;
     QLabel *m_empty;
     RowColumn *m_rows;
     CappedScroll *m_scroll;

@@ -65,8 +65,7 @@ QSize entrySize(const Item &item)
     const QSize first = sizeOf(item.font, title(item));
     const QSize second = sizeOf(detailFont(item.font), detail(item));
     const int beside = (item.menuHasCheckableItems ? markColumn : 0)
-        + (item.menuItemType == Item::SubMenu ? arrowColumn : 0)
-        + (keys(item).isEmpty() ? 0 : beforeKeys);
+        + (item.menuItemType == Item::SubMenu ? arrowColumn : 0) + (keys(item).isEmpty() ? 0 : beforeKeys);
     return {
         std::max(first.width(), second.width()) + beside + 2 * paddingAlong,
         first.height() + second.height() + 2 * paddingAcross};

@@ -24,7 +24,6 @@ QLineF tail(NotchEdge edge, const QRectF &card, double length)
 TooltipShell::TooltipShell(QWidget *content, NotchEdge edge, bool translucent, QWidget *parent)
     : QWidget(parent), m_content(content), m_edge(edge), m_translucent(translucent)
 {
-    setFocusProxy(content);
     content->setParent(this);
     resize(sizeHint());
 }

@@ -300,7 +300,7 @@ private Q_SLOTS:
     {
         PanelWorld world;
         PanelUnderTest panel(world);
-        panel.clickRing();
+        QVERIFY(panel.window.openForKeyboard(PanelMode::sessions()));
         using enum Qt::KeyboardModifier;
         for (const auto &[isOnBody, keys, angle, scale] :
              {std::tuple(true, ControlModifier, 120, 1.1),
@@ -325,8 +325,9 @@ private Q_SLOTS:
                     geometry.body.topRight() + QPointF(-across, along) * geometry.unit);
             };
             QVERIFY(!isShown(12, 10) && isShown(15, 10)); // the shoulder
-            const QRect card = panel.view().findChild<TooltipShell *>()->cardRect();
-            QCOMPARE(card.width(), qRound(246 * scale));
+            const auto *card = panel.view().findChild<TooltipShell *>();
+            QCOMPARE(card->cardRect().width(), qRound(246 * scale));
+            QVERIFY(card->isAncestorOf(panel.view().focusWidget()));
         }
     }
 

@@ -48,12 +48,17 @@ private Q_SLOTS:
             QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
             QCOMPARE(QApplication::focusWidget(), panel.rows().at(next));
         }
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        QCOMPARE(QApplication::focusWidget()->accessibleName(), u"Close"_s);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        QCOMPARE(QApplication::focusWidget(), panel.ring());
     }
 
     void aRowSaysForAWhileWhyItsSessionDidNotComeForward()
     {
         PanelWorld world;
         world.addSession(11, u"one"_s, u"idle"_s, 1s);
+        world.addSession(12, u"two"_s, u"idle"_s, 2s);
         PanelUnderTest panel(world);
         panel.clickRing();
         panel.click(u"one"_s);

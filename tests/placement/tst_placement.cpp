@@ -120,7 +120,7 @@ private Q_SLOTS:
               {-3, u"right 0"_s},
               {-9, u"right 0 x0.8"_s},
               {99, u"right 0 x2"_s}}) {
-            stored.placement.enlarge(steps);
+            stored.placement.enlarge(steps, stored.placement.scale());
             QCOMPARE(stored.shown(), shown);
         }
         QCOMPARE(
@@ -338,12 +338,15 @@ private Q_SLOTS:
     }
 
 private:
-    static void expectFlushAndInSight(NotchEdge edge, double offset, const QRectF &screen, double unit)
+    static void expectFlushAndInSight(NotchEdge edge, double offset, const QRectF &screen, double wanted)
     {
         const Layout layout(11, false, 3);
-        const double limit = layout.offsetLimit(edge, Layout::along(edge, screen.size()) / unit) * unit;
+        const double limit = layout.offsetLimit(edge, Layout::along(edge, screen.size()) / wanted) * wanted;
         const double clamped = std::clamp(offset, -limit, limit);
-        const PanelGeometry geometry = panelGeometry(layout, edge, clamped, screen, unit);
+        const PanelGeometry geometry = panelGeometry(layout, edge, clamped, screen, wanted);
+        const double unit = geometry.unit;
+        const QRectF body = geometry.body & geometry.screen;
+        QVERIFY(std::abs(Layout::along(edge, body.size() - geometry.body.size())) <= 0.5 + hair);
 
         QVERIFY(holds(
             geometry.frame,
@@ -354,15 +357,15 @@ private:
         QVERIFY(std::abs(sideOf(edge, geometry.frame.toRectF()) - sideOf(edge, screen)) < 1);
 
         const QPointF ring = geometry.ringCenter + geometry.frame.topLeft();
-        QVERIFY(std::abs(along(edge, ring - screen.center()) - clamped) <= 0.5 + hair);
+        QVERIFY(limit == 0 || std::abs(along(edge, ring - screen.center()) - clamped) <= 0.5 + hair);
         QCOMPARE(along(edge, geometry.origin), std::round(along(edge, geometry.origin)));
 
-        if (const int most = qFloor(geometry.roomForCard()); most > 0) {
-            const QRectF tallest = geometry.cardRect({qRound(246 * unit), most});
-            const double above = tallest.top() - geometry.screen.top();
-            const double below = geometry.screen.bottom() - tallest.bottom();
-            QVERIFY(std::min(above, below) > 160.0 / 13 * unit - 1.5);
-        }
+        const int most = qFloor(geometry.roomForCard());
+        QVERIFY(most >= std::floor(276 * unit)); // of what does not scroll
+        const QRectF tallest = geometry.cardRect({qRound(246 * unit), most});
+        const double above = tallest.top() - geometry.screen.top();
+        const double below = geometry.screen.bottom() - tallest.bottom();
+        QVERIFY(std::min(above, below) > 160.0 / 13 * unit - 1.5);
 
         // A card of any height lies beside the body, with its shadow on the screen and in the window.
         for (const double height : {60.0, 250.0, 460.0}) {

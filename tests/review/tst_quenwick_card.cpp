@@ -148,6 +148,9 @@ private Q_SLOTS:
             R"({"guid":"a","source":"mail","who":"A"},{"guid":"b","source":"mail","who":"B"},)"
             R"({"guid":"c","source":"mail","who":"C"},{"guid":"d","source":"mail","who":"D"})");
         QCOMPARE(names(), QStringList({u"A"_s, u"B"_s, u"C"_s, u"D"_s}));
+        rows().first()->setFocus();
+        press(Qt::Key_Tab);
+        QVERIFY(rows().first()->isAncestorOf(m_shell->focusWidget())); // before the next row
         rows().at(1)->setFocus();
         press(Qt::Key_Down);
         QCOMPARE(m_shell->focusWidget(), rows().at(2));
