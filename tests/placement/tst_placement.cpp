@@ -125,6 +125,8 @@ private Q_SLOTS:
         }
         QCOMPARE(
             stored.placement.clamp(1e9, square), 400 - 2 * (400 - Stored().placement.clamp(1e9, square)));
+        stored.placement.enlarge(-1, 1.27); // where a small screen does not show it at 2
+        QCOMPARE(stored.shown(), u"right 0 x1.2"_s);
     }
 
     void everyChangeIsPublishedOnceAndStored()
