@@ -83,9 +83,10 @@ private Q_SLOTS:
         world.addSession(1, u"one"_s, u"busy"_s, 0ms);
         PanelUnderTest panel(world);
         QVERIFY(QTest::qWaitForWindowExposed(&panel.view()));
-        for (const auto *status : {"idle", "waiting"}) {
+        for (const auto &[status, larger] : {std::pair("idle", 3), {"waiting", 0}, {"waiting", -3}}) {
             world.addSession(2, u"two"_s, QString::fromLatin1(status), 0ms);
             world.monitor.refresh();
+            world.placement.enlarge(larger, 1);
             const PaintCounter counter;
             QTRY_VERIFY(counter.paintsOf(u"Claude sessions"_s) >= 45); // more than a turn
             const QImage seen = panel.view().screen()->grabWindow(panel.view().winId()).toImage();

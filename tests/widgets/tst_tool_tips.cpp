@@ -7,6 +7,7 @@
 
 #include "Widgets/ToolTip.h"
 #include "Widgets/ToolTips.h"
+#include "Widgets/Units.h"
 
 using namespace Qt::StringLiterals;
 using namespace nubble;
@@ -71,6 +72,12 @@ private Q_SLOTS:
             QCOMPARE(tip.width() > 290, text.size() > 50);
             QCOMPARE(QAccessible::queryAccessibleInterface(&tip)->text(QAccessible::Name), text);
         }
+        const ToolTip usual(u"One"_s, false, &m_window);
+        Units::set(m_window, 2); // as the panel at another size
+        const ToolTip larger(u"One"_s, false, &m_window);
+        Units::set(m_window, 1);
+        QCOMPARE(larger.size(), 2 * usual.size());
+        QCOMPARE(larger.mask().boundingRect().width(), 2 * usual.mask().boundingRect().width());
     }
 
     void oneStandsBesideItsControlUntilAnythingHappens()
