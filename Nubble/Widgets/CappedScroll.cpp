@@ -65,16 +65,6 @@ void CappedScroll::moveEvent(QMoveEvent *)
     followScrolling();
 }
 
-void CappedScroll::showEvent(QShowEvent *)
-{
-    followScrolling();
-}
-
-void CappedScroll::hideEvent(QHideEvent *)
-{
-    followScrolling();
-}
-
 void CappedScroll::followScrolling()
 {
     const QScrollBar &own = *verticalScrollBar();
@@ -82,7 +72,7 @@ void CappedScroll::followScrolling()
     m_bar->setSingleStep(own.singleStep());
     m_bar->setPageStep(height());
     m_bar->setRange(own.minimum(), own.maximum());
-    m_bar->setVisible(isVisible() && own.maximum() > own.minimum());
+    m_bar->setVisible(own.maximum() > own.minimum());
 }
 
 void CappedScroll::wheelEvent(QWheelEvent *event)

@@ -7,7 +7,7 @@ namespace nubble {
 class SlimScrollBar;
 
 // As tall as its content, up to a limit beyond which the content scrolls and fades into the card at both
-// ends. The scroll bar stands in the margin that its parent keeps on the right.
+// ends. The scroll bar stands in the margin that its parent keeps on the right. Hidden only without content.
 class CappedScroll : public QScrollArea {
     Q_OBJECT
 
@@ -21,8 +21,6 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void moveEvent(QMoveEvent *event) override;
-    void showEvent(QShowEvent *event) override;
-    void hideEvent(QHideEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
 
 private:

@@ -262,7 +262,7 @@ private Q_SLOTS:
             world.endSession(pid);
         world.readSessions();
         QTRY_COMPARE(scroll->height(), 2 * panel.rows().constFirst()->height() + 1);
-        QVERIFY(!scroll->verticalScrollBar()->isVisible());
+        QVERIFY(!bar->isVisible());
     }
 
 private:
