@@ -106,6 +106,11 @@ class Nubble:
                     found.append(pid)
         return found
 
+    def only_instance(self):
+        """Its process id. What it is just about to start looks like another one for a moment."""
+        [pid] = eventually(lambda: len(found := self.instances()) == 1 and found, self.instances)
+        return pid
+
     def ring(self):
         """The ring's centre on the screen, at the right edge."""
         return (SCREEN[0] - RING_ACROSS, SCREEN[1] / 2 + self.offset)

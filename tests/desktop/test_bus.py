@@ -52,7 +52,7 @@ class TheSessionBus(DesktopTest):
         self.bus = self.start_bus()
         self.assertEqual(starting.wait(20), 0)
         self.assertTrue(self.program.is_running())
-        self.assertEqual(len(self.program.instances()), 1)
+        self.program.only_instance()
         self.host().click()
         self.program.until_panel(visible=False)
         question = GLib.Variant("(a{sv})", ({"question": GLib.Variant("s", "Why?")},))

@@ -51,7 +51,7 @@ class TheProgram(DesktopTest):
             self.check(*command)
             self.program.until_panel(visible=visible)
         self.assertEqual(self.program.panel()["mode"], "sessions")
-        self.assertEqual(self.program.instances(), [self.program.process.pid])
+        self.assertEqual(self.program.only_instance(), self.program.process.pid)
         for arguments, title in [
                 (["ask"], "Ask Claude About Screen"), (["search"], "Search Chats"),
                 (["notes", "start"], "Meeting Recorder"), (["notes", "stop"], "Meeting Recorder")]:
@@ -69,7 +69,8 @@ class TheProgram(DesktopTest):
         self.assertEqual(self.program.wait(), DONE)
         self.assertFalse(self.program.panel()["visible"])  # the successor is there, and is as it was left
         self.check("start")
-        self.assertEqual((len(self.program.instances()), self.program.panel()["visible"]), (1, False))
+        self.program.only_instance()
+        self.assertFalse(self.program.panel()["visible"])
         self.check("quit")
         eventually(lambda: not self.program.instances(), "it has ended")
 
@@ -90,7 +91,7 @@ class TheProgram(DesktopTest):
             if lock.is_file():
                 for start in ([], ["start"]):  # nor with a bus that it does not know
                     self.check_fails(self.program.run(*start, env=env if not start else None), "Nubble runs already")
-                self.assertEqual(self.program.instances(), [self.program.process.pid])
+                self.assertEqual(self.program.only_instance(), self.program.process.pid)
             self.assertEqual(self.program.quit(), DONE)
             lock.rmdir() if lock.is_dir() else lock.unlink()
 
@@ -189,7 +190,7 @@ class TheProgram(DesktopTest):
                 ("show", "collapsed", "false"), ("toggle", "collapsed", "true"), ("sessions", "sessions", "false")]:
             self.home.preferences(placement_visible=before)
             self.check(command)  # which ends only when nobody holds the other ends of its pipes
-            [pid] = self.program.instances()
+            pid = self.program.only_instance()
             self.assertEqual(self.descriptors(pid), {"/dev/null"})
             self.assertEqual(os.getsid(pid), os.getpgid(pid))
             self.assertNotEqual(os.getsid(pid), os.getsid(0))

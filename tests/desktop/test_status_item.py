@@ -66,7 +66,7 @@ class OnADesktopThatDrawsIt(DesktopTest):
         host.choose(host.open_menu(), "Meeting Recorder", times=2)
         self.assertEqual(nubble.wait(), 0)
         eventually(lambda: len(host.items) == 2, "the successor's item is there")
-        self.assertEqual(len(nubble.instances()), 1)
+        nubble.only_instance()
         menu = host.open_menu()
         self.assertIn("[x] Meeting Recorder", shown(find(menu, "Meeting Recorder")))
         host.choose(menu, "Quit Nubble")
