@@ -16,31 +16,6 @@ using namespace std::chrono_literals;
 
 namespace nubble {
 
-namespace {
-
-// The screen without the bar on that edge.
-QRectF besideBars(NotchEdge edge, const QRectF &screen, const QMarginsF &bars)
-{
-    QMarginsF own;
-    switch (edge) {
-    case NotchEdge::Right:
-        own.setRight(bars.right());
-        break;
-    case NotchEdge::Left:
-        own.setLeft(bars.left());
-        break;
-    case NotchEdge::Top:
-        own.setTop(bars.top());
-        break;
-    case NotchEdge::Bottom:
-        own.setBottom(bars.bottom());
-        break;
-    }
-    return screen.marginsRemoved(own);
-}
-
-} // namespace
-
 PanelWindow::PanelWindow(
     const NotchContext &context, const NotchContents &contents, const SurfaceFactory &makeSurface,
     QObject *parent)
@@ -129,7 +104,7 @@ void PanelWindow::applyPlacement()
     const NotchPlacement &placement = m_context.placement;
     m_whole = panelGeometry(
         m_context.layout, placement.edge(), placement.clamp(placement.offset(), *screen),
-        besideBars(placement.edge(), *screen, m_surface->barsAbove()), placement.scale());
+        screen->marginsRemoved(onlyOn(placement.edge(), m_surface->barsAbove())), placement.scale());
     if (!canFade())
         m_turn.stop();
     else if (m_geometry && m_geometry->edge != m_whole->edge && !m_turn.isLeaving())

@@ -53,6 +53,7 @@ public:
     static constexpr double cardStart = 124.0 / 3.0 + cardGap; // of it from the screen's edge, on every edge
     static constexpr double cardPadding = 160.0 / 13.0;        // around an open card, for its shadow
     static constexpr double tailSpace = 80.0 / 13.0;   // more of it on the body's side, for the card's tail
+    static constexpr double tallestStillCard = 318;    // of those that do not scroll, with short texts
     static constexpr double actionButton = 56.0 / 3.0; // side of an action button
     static constexpr double actionGap = 44.0 / 9.0;    // between two of them
     static constexpr double ringDiameter = 26.0;

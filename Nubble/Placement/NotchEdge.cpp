@@ -63,4 +63,19 @@ Qt::Edge qtEdge(NotchEdge edge)
     return Qt::BottomEdge;
 }
 
+QMarginsF onlyOn(NotchEdge edge, const QMarginsF &margins)
+{
+    switch (edge) {
+    case NotchEdge::Right:
+        return {0, 0, margins.right(), 0};
+    case NotchEdge::Left:
+        return {margins.left(), 0, 0, 0};
+    case NotchEdge::Top:
+        return {0, margins.top(), 0, 0};
+    case NotchEdge::Bottom:
+        break;
+    }
+    return {0, 0, 0, margins.bottom()};
+}
+
 } // namespace nubble

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMargins>
 #include <QPoint>
 #include <QString>
 
@@ -28,5 +29,8 @@ inline constexpr std::array allEdges{NotchEdge::Right, NotchEdge::Left, NotchEdg
 
 // The same for those who know nothing of the panel.
 [[nodiscard]] Qt::Edge qtEdge(NotchEdge edge);
+
+// Of these margins the one on its side alone.
+[[nodiscard]] QMarginsF onlyOn(NotchEdge edge, const QMarginsF &margins);
 
 } // namespace nubble

@@ -48,22 +48,9 @@ QMargins cardMargins(NotchEdge edge, double unit)
 {
     const int around = qRound(Layout::cardPadding * unit);
     const int tailSide = qRound((Layout::cardPadding + Layout::tailSpace) * unit);
-    QMargins margins(around, around, around, around);
-    switch (edge) {
-    case NotchEdge::Right:
-        margins.setRight(tailSide);
-        break;
-    case NotchEdge::Left:
-        margins.setLeft(tailSide);
-        break;
-    case NotchEdge::Top:
-        margins.setTop(tailSide);
-        break;
-    case NotchEdge::Bottom:
-        margins.setBottom(tailSide);
-        break;
-    }
-    return margins;
+    const int more = tailSide - around;
+    const QMargins margins(around, around, around, around);
+    return margins + onlyOn(edge, QMargins(more, more, more, more)).toMargins();
 }
 
 // Of the screen's height, in units: what no card has.
@@ -75,10 +62,9 @@ double heightBesideCard(NotchEdge edge)
 // With which the body fits on its edge, and on the screen every card that does not scroll.
 double largestUnit(const Layout &layout, NotchEdge edge, const QSizeF &screen)
 {
-    constexpr double tallestCard = 276;
     return std::min(
         Layout::along(edge, screen) / layout.bodyLength(edge),
-        screen.height() / (tallestCard + heightBesideCard(edge)));
+        screen.height() / (Layout::tallestStillCard + heightBesideCard(edge)));
 }
 
 } // namespace

@@ -12,6 +12,7 @@
 #include "Meeting/TimingLines.h"
 #include "Notch/ActionsCell.h"
 #include "Notch/NotchAction.h"
+#include "Placement/Layout.h"
 #include "Platform/Linux/LinuxProcessTable.h"
 #include "Shell/Defaults.h"
 #include "Widgets/CardHeader.h"
@@ -150,6 +151,12 @@ private Q_SLOTS:
         QTRY_COMPARE(timing(), u"Recording 1:05 · next update in 0:26"_s); // within its second
         click(u"Update now"_s);
         QVERIFY(timing().endsWith(u"updating Doc now…"));
+        const auto heightWhereThereIs = [this](int room) {
+            const std::unique_ptr<QWidget> card(
+                meetingCard(*m_notes, m_clock).makeContent({.height = room, .close = {}}));
+            return card->heightForWidth(card->width());
+        };
+        QVERIFY(heightWhereThereIs(0) <= Layout::tallestStillCard);
         QVERIFY(button(u"Updating…"_s) && !button(u"Updating…"_s)->isEnabled());
         click(u"Stop"_s);
         QVERIFY(button(u"Finishing…"_s) && !button(u"Finishing…"_s)->isEnabled() && !wave()->isVisible());
@@ -162,11 +169,6 @@ private Q_SLOTS:
         };
         QTRY_VERIFY(fit());
         QVERIFY(says(u"Updated It is "_s + QString(225, u'x') + u'…'));
-        const auto heightWhereThereIs = [this](int room) {
-            const std::unique_ptr<QWidget> card(
-                meetingCard(*m_notes, m_clock).makeContent({.height = room, .close = {}}));
-            return card->heightForWidth(card->width());
-        };
         const int height = heightWhereThereIs(700);
         QVERIFY(heightWhereThereIs(height - 20) <= height - 20);
         QTRY_VERIFY(button(u"Start recording"_s));
